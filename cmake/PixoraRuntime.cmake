@@ -1,0 +1,49 @@
+# What the shipped modules need beside the code: the compiler's runtime DLLs next to the program, separate symbol
+# files, and import libraries that MinGW-w64 does not bring.
+
+# The C++ objects that cross DLL borders need one shared runtime, so the runtime DLLs are shipped with the program.
+foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path
+                    OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS ${path})
+        find_file(path_${dll} ${dll} PATHS /usr/x86_64-w64-mingw32/lib NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+        set(path ${path_${dll}})
+    endif()
+    set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll})
+    add_custom_command(OUTPUT ${copy} COMMAND ${CMAKE_STRIP} -o ${copy} ${path} DEPENDS ${path} VERBATIM)
+    list(APPEND PIXORA_RUNTIME_DLLS ${copy})
+endforeach()
+add_custom_target(pixora_runtime ALL DEPENDS ${PIXORA_RUNTIME_DLLS})
+
+# pixora_shipped(target): the module is part of the installation; its symbols go to symbols/<file>.debug.
+function(pixora_shipped target)
+    set(symbols ${CMAKE_BINARY_DIR}/symbols/$<TARGET_FILE_NAME:${target}>.debug)
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/symbols
+        COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
+        COMMAND ${CMAKE_STRIP} --strip-debug --strip-unneeded $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
+        VERBATIM)
+    add_dependencies(${target} pixora_runtime)
+    set_property(GLOBAL APPEND PROPERTY PIXORA_SHIPPED_TARGETS ${target})
+endfunction()
+
+# MinGW-w64 has the header of the system's XML reader but not its import library.
+set(xmllite_def ${CMAKE_BINARY_DIR}/lib/xmllite.def)
+set(xmllite_lib ${CMAKE_BINARY_DIR}/lib/libxmllite.a)
+file(WRITE ${xmllite_def} "LIBRARY xmllite.dll\nEXPORTS\nCreateXmlReader\nCreateXmlReaderInputWithEncodingName\n")
+execute_process(COMMAND ${CMAKE_DLLTOOL} -d ${xmllite_def} -l ${xmllite_lib} COMMAND_ERROR_IS_FATAL ANY)
+add_library(xmllite STATIC IMPORTED GLOBAL)
+set_target_properties(xmllite PROPERTIES IMPORTED_LOCATION ${xmllite_lib})
+
+# spdlog and fmt are header-only here; only these two folders may be seen by the cross compiler.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
+foreach(header spdlog fmt)
+    if(NOT EXISTS /usr/include/${header})
+        message(FATAL_ERROR "The headers of ${header} are missing (packages libspdlog-dev and libfmt-dev).")
+    endif()
+    file(CREATE_LINK /usr/include/${header} ${CMAKE_BINARY_DIR}/include/${header} SYMBOLIC)
+endforeach()
+add_library(spdlog_headers INTERFACE)
+target_include_directories(spdlog_headers SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/include)
+target_compile_definitions(spdlog_headers INTERFACE FMT_HEADER_ONLY SPDLOG_FMT_EXTERNAL SPDLOG_WCHAR_FILENAMES)

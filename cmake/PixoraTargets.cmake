@@ -1,0 +1,79 @@
+# What every target of this tree shares: language level, warnings, hardening, output folder, and the functions that
+# make libraries and tests.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# One folder for programs, DLLs and tests: a Windows program finds its DLLs beside itself.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(pixora_options INTERFACE)
+target_include_directories(pixora_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(pixora_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Wno-unknown-pragmas
+                                                -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+if(WIN32)
+    target_compile_definitions(pixora_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
+                                                        _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006)
+    target_compile_options(pixora_options INTERFACE -fstack-protector-strong -g1 -gdwarf-4)
+    target_compile_definitions(pixora_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>
+                                                        $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+    target_link_options(pixora_options INTERFACE -Wl,--dynamicbase,--high-entropy-va,--nxcompat -lssp)
+elseif(PIXORA_SANITIZE)
+    target_compile_options(pixora_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                    -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)
+    target_link_options(pixora_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# pixora_core(name files...): pure logic, no Windows header; built for every system, linked into its layer's library.
+function(pixora_core name)
+    add_library(${name} STATIC ${ARGN})
+    target_link_libraries(${name} PUBLIC pixora_options)
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# pixora_dll(name export-macro files...): a shipped DLL; the macro is defined while the DLL itself is compiled.
+function(pixora_dll name macro)
+    add_library(${name} SHARED ${ARGN})
+    target_link_libraries(${name} PUBLIC pixora_options)
+    target_compile_definitions(${name} PRIVATE ${macro}=1)
+    set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME ${name})
+    pixora_shipped(${name})
+endfunction()
+
+# pixora_static(name files...): a Windows layer that is linked into the program and its tests.
+function(pixora_static name)
+    add_library(${name} STATIC ${ARGN})
+    target_link_libraries(${name} PUBLIC pixora_options)
+endfunction()
+
+# pixora_windows_test(name [DESKTOP] SOURCES files... LIBS targets...): a GoogleTest program that ctest runs under Wine.
+# DESKTOP: it needs the mouse, the keyboard or the foreground window, so no other such test runs beside it.
+function(pixora_windows_test name)
+    cmake_parse_arguments(ARG "DESKTOP" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_DESKTOP)
+        set_tests_properties(${name} PROPERTIES RESOURCE_LOCK desktop)
+    endif()
+endfunction()
+
+# pixora_unit_test(name SOURCES files... LIBS targets...): a native GoogleTest program over pure logic.
+function(pixora_unit_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+endfunction()

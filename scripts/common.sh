@@ -1,0 +1,115 @@
+# Shared by run, test and bench: packages, build, Wine prefix, display. Sourced, never run.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build=$root/build
+export WINEDEBUG=${WINEDEBUG:--all}
+# No Mono, no HTML engine, no crash dialog: a crash ends the program with its true exit code.
+export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-"mscoree,mshtml=;winedbg.exe=d"}
+export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-}
+[ -n "$LIBGL_ALWAYS_SOFTWARE" ] || unset LIBGL_ALWAYS_SOFTWARE
+
+say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
+die() { printf 'error: %s\n' "$*" >&2; exit 1; }
+
+build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix libspdlog-dev libfmt-dev
+    librsvg2-bin python3-minimal"
+run_packages="wine64 wine xvfb xdotool x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
+    gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
+test_packages="clang-format clang-tidy ffmpeg"
+
+# ensure_packages names...: installs what is missing, and says so before it does.
+ensure_packages() {
+    local missing=()
+    local name
+    for name in "$@"; do
+        [ "$(dpkg-query -W -f='${Status}' "$name" 2>/dev/null)" = "install ok installed" ] || missing+=("$name")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    say "Installing with apt: ${missing[*]}"
+    local sudo=
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || die "these packages are missing, and neither root nor sudo is here to install them"
+        sudo=sudo
+    fi
+    $sudo apt-get update -qq
+    $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build_preset name [targets...]: configures once, then builds what changed.
+build_preset() {
+    local preset=$1
+    shift
+    [ -f "$build/$preset/build.ninja" ] || { say "Configuring $preset"; cmake --preset "$preset" -S "$root" >/dev/null; }
+    say "Building $preset"
+    cmake --build "$build/$preset" ${1:+--target "$@"}
+}
+
+find_wine() {
+    WINE=$(command -v wine64 || true)
+    [ -n "$WINE" ] || WINE=/usr/lib/wine/wine64
+    [ -x "$WINE" ] || WINE=$(command -v wine) || die "Wine is not installed"
+    WINESERVER=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+    export WINE WINESERVER
+}
+
+# ensure_wine_template: a Wine prefix with the fonts and settings of a plain Windows 10 machine, made once.
+ensure_wine_template() {
+    find_wine
+    local template=$build/wine-template
+    [ -f "$template/ready" ] && [ "$template/ready" -nt "$root/scripts/wine-settings.reg" ] && return 0
+    say "Preparing a Wine prefix (once, about 15 s)"
+    rm -rf "$template"
+    mkdir -p "$template"
+    (
+        export WINEPREFIX=$template WINEARCH=win64
+        unset DISPLAY
+        "$WINE" wineboot -i >/dev/null 2>&1
+        { printf '\xff\xfe'; iconv -t UTF-16LE "$root/scripts/wine-settings.reg"; } >"$template/settings.reg"
+        "$WINE" regedit /S "$template/settings.reg" >/dev/null 2>&1
+        "$WINE" winecfg -v win10 >/dev/null 2>&1
+        "$WINESERVER" -k -w 2>/dev/null || "$WINESERVER" -w
+    )
+    # The installation makes this folder; the program itself only makes the folders below it.
+    mkdir -p "$template/drive_c/ProgramData/Comms"
+    touch "$template/ready"
+}
+
+# new_prefix folder: a fresh copy of the template.
+new_prefix() {
+    ensure_wine_template
+    stop_wine "$1"
+    rm -rf "$1"
+    mkdir -p "$(dirname "$1")"
+    cp -a "$build/wine-template" "$1"
+}
+
+# use_prefix folder: from here on Wine works in this prefix.
+use_prefix() { export WINEPREFIX=$1; }
+
+# A waiting Wine process keeps the server and the desktop alive: a start then costs milliseconds, not seconds.
+keep_wine_alive() {
+    "$WINE" cmd /c "pause" </dev/zero >/dev/null 2>&1 &
+    "$WINE" cmd /c "exit 0" </dev/null >/dev/null 2>&1
+}
+
+stop_wine() {
+    [ -d "$1" ] || return 0
+    WINEPREFIX=$1 "$WINESERVER" -k 2>/dev/null || true
+}
+
+# start_display size: a headless X display of our own; sets DISPLAY and display_pid.
+start_display() {
+    local size=${1:-1920x1200}
+    local pipe
+    pipe=$(mktemp -u)
+    mkfifo "$pipe"
+    Xvfb -displayfd 3 -screen 0 "${size}x24" -nolisten tcp -noreset 3>"$pipe" >/dev/null 2>&1 &
+    display_pid=$!
+    local number=
+    read -r -t 20 number <"$pipe" || true
+    rm -f "$pipe"
+    [ -n "$number" ] || die "the headless display did not start"
+    export DISPLAY=:$number
+}
+
+stop_display() { [ -z "${display_pid:-}" ] || kill "$display_pid" 2>/dev/null || true; }

@@ -1,0 +1,44 @@
+#pragma once
+// The suite's process logger: one rotating text file per program below the user's local application data folder.
+//
+// Why: every failure of the program ends in one line here, and nowhere else. A line is
+//     2026-11-21 10:15:30.123 [L4] [1234] message(Class::Function)
+// that is local time, level, thread id and the text as it was streamed. Levels: 3 tells, 4 is a failure; the numbers
+// belong to the suite. Lines of level 4 are on disk when Log returns, the others within a second or at exit.
+// Threads: every operation may be called from any thread. Nothing throws.
+#include <sstream>
+#include <string>
+
+#include "suite/logger/Export.h"
+
+class SUITE_LOGGER_API QxLogger {
+  public:
+    // The process-wide logger. Lines logged before InitProcessLogger are kept, and written when it runs.
+    static QxLogger* GetInstance();
+
+    // Opens %LOCALAPPDATA%\Velmora\Quillon\Logs\<program name>.log (5 files of 2 MiB). False when no file can be
+    // written; logging is then silent. A second call does nothing.
+    bool InitProcessLogger();
+
+    // Writes one line; line breaks within the text become blanks.
+    static void Log(int level, const std::wostringstream& stream);
+
+    // The file that is written to; empty before InitProcessLogger or when it failed.
+    std::wstring FilePath() const;
+
+    QxLogger(const QxLogger&) = delete;
+    QxLogger& operator=(const QxLogger&) = delete;
+
+  private:
+    QxLogger() = default;
+    ~QxLogger() = default;
+};
+
+// LogLine(4, L"PxMainWnd::SetValuePath", L"Path append res fail!") and, with more parts, a streamed line:
+// LogLine(3, L"PixoraMutex::IsAlreadyRunning", L"CloseHandle error: ", GetLastError()).
+template <typename... Parts>
+void LogLine(int level, const wchar_t* function, const Parts&... parts) {
+    std::wostringstream stream;
+    (stream << ... << parts) << L'(' << function << L')';
+    QxLogger::Log(level, stream);
+}

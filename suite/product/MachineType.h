@@ -1,0 +1,16 @@
+#pragma once
+// Which machine this is, by the name that configuration files are keyed with. Any thread. Nothing throws.
+#include <string>
+
+#include "suite/product/Export.h"
+
+namespace ProductAdapt {
+
+class SUITE_PRODUCT_API MachineType {
+  public:
+    // The product name of the machine's firmware with everything but letters, digits, '_', '-' and '.' removed (it is
+    // used as an XML element name); empty when the firmware gives none.
+    static std::string GetProductName();
+};
+
+}  // namespace ProductAdapt

@@ -1,0 +1,53 @@
+#pragma once
+// The suite's XML wrapper: loads a file whole and walks its elements by name.
+//
+// Why: configuration files come from outside and may be broken or hostile; reading goes through the system's XML
+// reader, with no document type definitions, no external entities, and limits (1 MiB, 64 levels, 10,000 elements).
+// Elements and attributes are cheap handles into the document, which must outlive them. A null handle answers null
+// to everything. Narrow strings are UTF-8. Threads: a document belongs to one thread. Nothing throws.
+#include <memory>
+#include <string>
+
+#include "suite/xml/Export.h"
+
+class SUITE_XML_API QxXmlAttribute {
+  public:
+    bool IsAttributeNull() const { return value_ == nullptr; }
+    // The text; empty for a null attribute.
+    std::string Value() const;
+
+  private:
+    friend class QxXmlElement;
+    const std::string* value_ = nullptr;  // borrowed from the document
+};
+
+class SUITE_XML_API QxXmlElement {
+  public:
+    bool IsElementNull() const { return node_ == nullptr; }
+    std::string Name() const;
+    // The first child element of that name (names are case-sensitive); null when there is none.
+    QxXmlElement FirstNode(const std::string& name) const;
+    QxXmlAttribute FirstAttribute(const std::string& name) const;
+
+  private:
+    friend class QxXMLDocument;
+    struct Node;
+    const Node* node_ = nullptr;  // borrowed from the document
+};
+
+class SUITE_XML_API QxXMLDocument {
+  public:
+    QxXMLDocument();
+    ~QxXMLDocument();
+    QxXMLDocument(const QxXMLDocument&) = delete;
+    QxXMLDocument& operator=(const QxXMLDocument&) = delete;
+
+    // 0 when the file was read (an empty file counts as read, without a root element), else the system's error code:
+    // the file is missing or unreadable, is not well-formed, or passes a limit.
+    int LoadFile(const std::string& path);
+    // Null when nothing is loaded or the file has no root element.
+    QxXmlElement RootElement() const;
+
+  private:
+    std::unique_ptr<QxXmlElement::Node> root_;
+};

@@ -1,0 +1,7 @@
+// The entry of every test program, native or Windows.
+#include <gmock/gmock.h>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
