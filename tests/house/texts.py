@@ -76,7 +76,7 @@ def read_table(path, breaches):
 
 
 def check_keys(language, pairs, source_keys):
-    keys = [key for key, _ in pairs]
+    keys = list(dict(pairs))  # without the doubles, which read_table reports
     breaches = [f"{language}: {key} is missing" for key in source_keys if key not in keys]
     breaches += [f"{language}: {key} is not in {SOURCE}" for key in keys if key not in source_keys]
     if not breaches and keys != source_keys:
@@ -139,7 +139,7 @@ def check_characters(language, text):
             breaches.append(f"invisible or unknown character U+{ord(char):04X}")
     if re.search(r"[{}]", PLACEHOLDER.sub("", text)):
         breaches.append("a brace belongs to no placeholder")
-    if re.search(r"\.\.\.| -|- |--", text):
+    if re.search(r"\.\.\.| - |--", text):
         breaches.append("ASCII ellipsis or dash")
     if re.search(r"\d\s*[x*]\s*\d|\d ×|× \d|\d×|×\d", text):
         breaches.append("sizes are written with no-break blanks: 4096\u00a0×\u00a04096")
