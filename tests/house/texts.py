@@ -52,7 +52,7 @@ def read_table(path, breaches):
     language = path.parent.name
     data = path.read_bytes()
     if not data.startswith(DECLARATION):
-        breaches.append(f"{language}: the first line must be {DECLARATION.decode().strip()} (UTF-8, no byte order mark)")
+        breaches.append(f"{language}: the first line must be {DECLARATION.decode().strip()} (no byte order mark)")
     if b"\r" in data:
         breaches.append(f"{language}: the file has carriage returns")
     try:
@@ -230,7 +230,7 @@ def main(root=ROOT):
     breaches = []
     values = root / "res" / "values"
     folders = {p.name for p in values.iterdir() if p.is_dir()}
-    breaches += [f"res/values/{name}: this language is not in the list of languages" for name in sorted(folders - LANGUAGES)]
+    breaches += [f"res/values/{name}: not in the list of languages" for name in sorted(folders - LANGUAGES)]
     tables = {}
     for language in sorted(LANGUAGES, key=lambda name: (name != SOURCE, name)):
         path = values / language / "strings.xml"
