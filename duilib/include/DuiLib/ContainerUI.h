@@ -8,9 +8,9 @@
 //   mirror: true | false, true         false: not mirrored in right-to-left languages
 // A scroll bar appears only when it is needed, lies over the right (left in right-to-left languages) or lower edge
 // within the container, can be dragged, clicked beside its thumb, and follows wheel, arrows, Page Up/Down, Home and
-// End. The focused control is scrolled into view. A container that scrolls and holds nothing that can have the focus can
-// have it itself. Children are painted within the container's rectangle, later ones over earlier ones.
-// Thread: UI thread. Owns its children.
+// End. The focused control is scrolled into view. A container that scrolls and holds nothing that can have the focus
+// can have it itself. Children are painted within the container's rectangle, later ones over earlier ones. Thread: UI
+// thread. Owns its children.
 #include <memory>
 #include <vector>
 
@@ -28,7 +28,7 @@ class DUILIB_API CContainerUI : public CControlUI {
     AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
 
     int GetCount() const { return static_cast<int>(children_.size()); }
-    CControlUI* GetItemAt(int index) const;         // null when out of range
+    CControlUI* GetItemAt(int index) const;          // null when out of range
     int GetItemIndex(const CControlUI* item) const;  // -1 when it is not a child
     virtual bool Add(std::unique_ptr<CControlUI> item);
     virtual bool AddAt(std::unique_ptr<CControlUI> item, int index);  // false when out of range or null
@@ -52,13 +52,14 @@ class DUILIB_API CContainerUI : public CControlUI {
     CControlUI* FindControlAt(Point px) override;
     CControlUI* FindControlByName(std::wstring_view name) override;
     bool Visit(const std::function<bool(CControlUI&)>& visit) override;
+    AccessibleInfo GetAccessibleInfo() const override;
 
   protected:
     Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     bool FocusableByDefault() const override;
-    // Places the children that take room within `insidePx` (already moved by the scroll position; as wide and high as the
-    // content where that is larger), each by PlaceChild.
+    // Places the children that take room within `insidePx` (already moved by the scroll position; as wide and high as
+    // the content where that is larger), each by PlaceChild.
     virtual void ArrangeChildren(const Rect& insidePx);
     // Gives a child its rectangle, mirrored in right-to-left languages: callers place left to right.
     void PlaceChild(CControlUI& child, const Rect& px);
@@ -71,13 +72,27 @@ class DUILIB_API CContainerUI : public CControlUI {
     }
     // A child's padding in pixels.
     Rect PaddingPx(const CControlUI& child) const;
+    // Where a child stands in a cell: fills it or has its own size, aligned, at the top; within its padding.
+    Rect RectInCell(CControlUI& child, const Rect& cellPx) const;
+    static int AlignedLeft(const CControlUI& child, const Rect& roomPx, int widthPx);
+    bool ScrollsVertically() const { return vertical_ != nullptr; }
+    bool ScrollsHorizontally() const { return horizontal_ != nullptr; }
 
   private:
-    Rect InsidePx() const;
+    friend struct ContainerAttributes;  // the attribute table
+
+    Rect InsetPx() const;
     void Arrange();
     void ArrangeFloating();
-    void ScrollTo(Point px);
+    void ArrangeScrollBars(const Rect& insidePx);
+    static void PaintChild(CControlUI& child, Canvas& canvas, const Rect& dirtyPx);
+    void PaintScrollBars(Canvas& canvas) const;
+    bool ScrollsNow() const;
+    // These say whether anything moved, or whether the event was the scroll bars'.
+    bool ScrollTo(Point px);
     bool ScrollByKey(WORD key);
+    bool ScrollByEvent(const TEventUI& event);
+    bool EndDrag(bool releaseCapture);
     ScrollBar* ScrollBarAt(Point px) const;
     void Discard(std::unique_ptr<CControlUI> item);
 
@@ -86,7 +101,7 @@ class DUILIB_API CContainerUI : public CControlUI {
     int childPaddingDip_ = 0;
     bool mirror_ = true;
     Point scrollPx_;
-    Rect contentRectPx_;  // where the whole content lies, moved by the scroll position
+    Rect contentRectPx_;                                // where the whole content lies, moved by the scroll position
     std::unique_ptr<ScrollBar> vertical_, horizontal_;  // null: that direction does not scroll
 };
 

@@ -52,7 +52,6 @@ namespace DuiLib {
 class Canvas;
 class CContainerUI;
 class CPaintManagerUI;
-struct AttributeEntry;
 
 // Bits of a control's state.
 inline constexpr unsigned kStateFocused = 0x01;
@@ -132,6 +131,10 @@ class DUILIB_API CControlUI {
     void SetFocus();
     // Enabled, shown and able to have the focus.
     bool CanHaveFocus() const;
+    // Tab stops here; an option of a group is one only where it is the selected one, or the first of none.
+    virtual bool IsTabStop() const { return CanHaveFocus(); }
+    // Tab within the focused control, as from link to link; false when there is nothing further.
+    virtual bool MoveFocusWithin(bool) { return false; }
     bool IsNcHit() const { return ncHit_; }
 
     // --- size, in 96-DPI units
@@ -195,13 +198,18 @@ class DUILIB_API CControlUI {
     virtual void PaintContent(Canvas& canvas, const Rect& dirtyPx);
     // The background colour of the present state.
     virtual DWORD CurrentBkColor() const { return bkColor_; }
+    // Called when the focus came by the keyboard.
+    virtual void PaintFocusRing(Canvas& canvas) const;
+    void SetAlign(HAlign align) { align_ = align; }
     virtual bool FocusableByDefault() const { return false; }
     int Dpi() const;  // of the manager; 96 without one
     int ToPx(int dip) const { return DipToPx(dip, Dpi()); }
     bool IsRightToLeft() const;
     // Sends a notification through the manager.
     void SendNotify(const wchar_t* type, WPARAM wParam = 0, LPARAM lParam = 0);
+    // Over the control, or over a rectangle of it; an empty attribute paints nothing.
     void PaintImage(Canvas& canvas, const std::wstring& imageAttribute) const;
+    void PaintImage(Canvas& canvas, const std::wstring& imageAttribute, const Rect& px) const;
     // A text of a layout: a key of the string tables becomes its text.
     std::wstring ResolveText(std::wstring_view text) const;
 
@@ -210,13 +218,14 @@ class DUILIB_API CControlUI {
   private:
     friend struct ControlAttributes;  // the attribute table
     // What MeasureContent said for that room; labels are measured several times in one arrangement.
+    static constexpr unsigned kNotMeasured = ~0u;
     struct Measured {
         Size availablePx, contentPx;
-        int dpi = 0;  // 0: empty
+        unsigned fontGeneration = kNotMeasured;
     };
     static constexpr int kMeasuredCount = 3;
 
-    void PaintFocusRing(Canvas& canvas) const;
+    void ForgetMeasured();
     void ChangeLength(LengthDip& length, LengthDip value);
     void ChangeLimit(int& limit, int dip);
 
