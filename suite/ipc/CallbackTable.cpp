@@ -6,6 +6,8 @@
 #include "suite/ipc/SentMessageWait.h"
 #include "suite/logger/QxLogger.h"
 
+namespace suite {
+
 CallbackTable::CallbackTable() : idle_(CreateEventW(nullptr, TRUE, TRUE, nullptr)) {}
 
 void CallbackTable::Register(std::int32_t code, Callback callback) {
@@ -27,7 +29,7 @@ void CallbackTable::Clear() {
             return;
         }
     }
-    WaitServingSentMessages(idle_.get());
+    WaitServingSentMessages(idle_.Get());
 }
 
 void CallbackTable::Deliver(std::int32_t code, TagIPCMessageItem& item) {
@@ -54,12 +56,14 @@ std::shared_ptr<CallbackTable::Callback> CallbackTable::Begin(std::int32_t code)
         return nullptr;
     }
     runningThread_ = GetCurrentThreadId();
-    ResetEvent(idle_.get());
+    ResetEvent(idle_.Get());
     return found->second;
 }
 
 void CallbackTable::End() {
     const std::lock_guard lock(mutex_);
     runningThread_ = 0;
-    SetEvent(idle_.get());
+    SetEvent(idle_.Get());
 }
+
+}  // namespace suite

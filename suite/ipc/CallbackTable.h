@@ -11,8 +11,10 @@
 #include <memory>
 #include <mutex>
 
+#include "suite/common/Handle.h"
 #include "suite/ipc/TagIPCMessageItem.h"
-#include "suite/ipc/UniqueHandle.h"
+
+namespace suite {
 
 class CallbackTable {
   public:
@@ -30,9 +32,11 @@ class CallbackTable {
     std::shared_ptr<Callback> Begin(std::int32_t code);
     void End();
 
-    UniqueHandle idle_;  // signalled while no callback runs
+    Handle idle_;  // signalled while no callback runs
     std::mutex mutex_;
     // Guarded by mutex_; the callback is shared with the call that runs it.
     std::map<std::int32_t, std::shared_ptr<Callback>> callbacks_;
     DWORD runningThread_ = 0;
 };
+
+}  // namespace suite

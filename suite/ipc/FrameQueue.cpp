@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace suite {
+
 bool FrameQueue::Push(std::vector<std::uint8_t> frame) {
     if (frames_.size() >= kMaxFrames || frame.size() > kMaxBytes - bytes_) {
         return false;
@@ -26,3 +28,5 @@ void FrameQueue::Clear() {
     frames_.clear();
     bytes_ = 0;
 }
+
+}  // namespace suite

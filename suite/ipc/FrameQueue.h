@@ -8,6 +8,8 @@
 #include <deque>
 #include <vector>
 
+namespace suite {
+
 class FrameQueue {
   public:
     static constexpr std::size_t kMaxFrames = 1024;
@@ -24,3 +26,5 @@ class FrameQueue {
     std::deque<std::vector<std::uint8_t>> frames_;
     std::size_t bytes_ = 0;
 };
+
+}  // namespace suite

@@ -19,13 +19,13 @@ class IPCMessageClient::Impl {
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
-    CallbackTable& Callbacks() { return callbacks_; }
+    suite::CallbackTable& Callbacks() { return callbacks_; }
     bool Running() const { return running_; }
     bool Post(const TagIPCMessageItem& item) { return link_.Post(item); }
 
   private:
-    CallbackTable callbacks_;
-    PipeLink link_;
+    suite::CallbackTable callbacks_;
+    suite::PipeLink link_;
     const bool running_;
 };
 

@@ -28,7 +28,9 @@ std::uint32_t Read32(Bytes bytes, std::size_t at) {
     return Read16(bytes, at) | static_cast<std::uint32_t>(Read16(bytes, at + 2)) << 16;
 }
 
-std::int32_t ReadSigned32(Bytes bytes, std::size_t at) { return static_cast<std::int32_t>(Read32(bytes, at)); }
+std::int32_t ReadSigned32(Bytes bytes, std::size_t at) {
+    return static_cast<std::int32_t>(Read32(bytes, at));
+}
 
 void Append16(std::vector<std::uint8_t>& bytes, std::uint32_t value) {
     bytes.push_back(static_cast<std::uint8_t>(value));
@@ -51,34 +53,34 @@ void AppendHeader(std::vector<std::uint8_t>& bytes, Kind kind, std::size_t lengt
 // Judges what has come of a frame: every field is looked at as soon as all its bytes are there.
 Refusal Judge(Bytes bytes) {
     if (!std::equal(bytes.begin(), bytes.begin() + std::min(bytes.size(), kMagic.size()), kMagic.begin())) {
-        return Refusal::kMagic;
+        return Refusal::kBadMagic;
     }
     if (bytes.size() >= kKindAt && Read16(bytes, kVersionAt) != kVersion) {
-        return Refusal::kVersion;
+        return Refusal::kBadVersion;
     }
     if (bytes.size() < kLengthAt) {
         return Refusal::kNone;
     }
     const auto kind = static_cast<Kind>(Read16(bytes, kKindAt));
     if (kind != Kind::kHello && kind != Kind::kMessage) {
-        return Refusal::kKind;
+        return Refusal::kBadKind;
     }
     if (bytes.size() < kHeaderSize) {
         return Refusal::kNone;
     }
     const std::uint32_t length = Read32(bytes, kLengthAt);
     if (kind == Kind::kHello) {
-        return length == kHelloSize ? Refusal::kNone : Refusal::kLength;
+        return length == kHelloSize ? Refusal::kNone : Refusal::kBadLength;
     }
     if (length < kMessageHeaderSize || length > kMaxFrame) {
-        return Refusal::kLength;
+        return Refusal::kBadLength;
     }
     if (bytes.size() < kSlotsAt) {
         return Refusal::kNone;
     }
     const std::uint32_t textLength = Read32(bytes, kTextLengthAt);
     if (textLength > kMaxText || textLength > length - kMessageHeaderSize) {
-        return Refusal::kTextLength;
+        return Refusal::kBadTextLength;
     }
     if (bytes.size() < kReservedAt) {
         return Refusal::kNone;
@@ -86,11 +88,11 @@ Refusal Judge(Bytes bytes) {
     // A negative length is a huge one here.
     if (Read32(bytes, kSlotsAt + 4 * kPayloadSlot) != length - kMessageHeaderSize - textLength ||
         length - kMessageHeaderSize - textLength > kMaxPayload) {
-        return Refusal::kPayloadLength;
+        return Refusal::kBadPayloadLength;
     }
     if (bytes.size() >= kMessageHeaderSize &&
         std::any_of(bytes.begin() + kPaddingAt, bytes.begin() + kMessageHeaderSize, [](auto b) { return b != 0; })) {
-        return Refusal::kPadding;
+        return Refusal::kBadPadding;
     }
     return Refusal::kNone;
 }
@@ -141,7 +143,8 @@ std::optional<std::vector<std::uint8_t>> EncodeMessage(const TagIPCMessageItem& 
         return std::nullopt;
     }
     std::vector<std::uint8_t> bytes;
-    AppendHeader(bytes, Kind::kMessage, kMessageHeaderSize + item.text.size() + static_cast<std::size_t>(payloadLength));
+    AppendHeader(bytes, Kind::kMessage,
+                 kMessageHeaderSize + item.text.size() + static_cast<std::size_t>(payloadLength));
     Append32(bytes, static_cast<std::uint32_t>(item.text.size()));
     for (const std::int32_t slot : item.slot) {
         Append32(bytes, static_cast<std::uint32_t>(slot));
@@ -161,19 +164,19 @@ const wchar_t* RefusalText(Refusal refusal) {
     switch (refusal) {
         case Refusal::kNone:
             return L"nothing wrong";
-        case Refusal::kMagic:
+        case Refusal::kBadMagic:
             return L"no frame begins there";
-        case Refusal::kVersion:
+        case Refusal::kBadVersion:
             return L"unknown version";
-        case Refusal::kKind:
+        case Refusal::kBadKind:
             return L"unknown kind";
-        case Refusal::kLength:
+        case Refusal::kBadLength:
             return L"bad length";
-        case Refusal::kTextLength:
+        case Refusal::kBadTextLength:
             return L"bad text length";
-        case Refusal::kPayloadLength:
+        case Refusal::kBadPayloadLength:
             return L"bad payload length";
-        case Refusal::kPadding:
+        case Refusal::kBadPadding:
             return L"padding is not zero";
     }
     return L"";

@@ -69,7 +69,16 @@ std::vector<std::uint8_t> EncodeHello(std::int32_t clientId);
 std::optional<std::vector<std::uint8_t>> EncodeMessage(const TagIPCMessageItem& item);
 
 // What a refused frame got wrong.
-enum class Refusal { kNone, kMagic, kVersion, kKind, kLength, kTextLength, kPayloadLength, kPadding };
+enum class Refusal {
+    kNone,
+    kBadMagic,
+    kBadVersion,
+    kBadKind,
+    kBadLength,
+    kBadTextLength,
+    kBadPayloadLength,
+    kBadPadding
+};
 const wchar_t* RefusalText(Refusal refusal);
 
 // Cuts a byte stream into frames, whatever portions the bytes come in. Refuses as soon as the bytes seen so far rule

@@ -11,12 +11,16 @@
 #include "suite/ipc/SentMessageWait.h"
 #include "suite/logger/QxLogger.h"
 
+namespace suite {
+
 namespace {
 
 constexpr std::size_t kCodeSlot = 2;
 constexpr RetrySchedule::TimeMs kNever = std::numeric_limits<RetrySchedule::TimeMs>::max();
 
-RetrySchedule::TimeMs Now() { return GetTickCount64(); }
+RetrySchedule::TimeMs Now() {
+    return GetTickCount64();
+}
 
 DWORD TimeoutUntil(RetrySchedule::TimeMs deadline) {
     if (deadline == kNever) {
@@ -26,7 +30,9 @@ DWORD TimeoutUntil(RetrySchedule::TimeMs deadline) {
     return deadline > now ? static_cast<DWORD>(deadline - now) : 0;
 }
 
-bool IsSignalled(HANDLE event) { return WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
+bool IsSignalled(HANDLE event) {
+    return WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
+}
 
 }  // namespace
 
@@ -34,14 +40,14 @@ PipeLink::PipeLink(std::int32_t clientId, bool autoReconnect, std::wstring pipeN
     : clientId_(clientId), autoReconnect_(autoReconnect), pipeName_(std::move(pipeName)), callbacks_(callbacks) {}
 
 bool PipeLink::Start() {
-    wake_ = UniqueHandle(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    wake_ = Handle(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     if (!wake_) {
         return false;
     }
     if (!OpenPipe()) {
         schedule_.TryFailed(Now());
     }
-    thread_ = UniqueHandle(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadEntry, this, 0, nullptr)));
+    thread_ = Handle(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadEntry, this, 0, nullptr)));
     return static_cast<bool>(thread_);
 }
 
@@ -50,8 +56,8 @@ void PipeLink::Stop() {
         const std::lock_guard lock(mutex_);
         stopping_ = true;
     }
-    SetEvent(wake_.get());
-    WaitServingSentMessages(thread_.get());
+    SetEvent(wake_.Get());
+    WaitServingSentMessages(thread_.Get());
 }
 
 bool PipeLink::Post(const TagIPCMessageItem& item) {
@@ -64,7 +70,7 @@ bool PipeLink::Post(const TagIPCMessageItem& item) {
         return false;
     }
     const bool queued = queue_.Push(std::move(*frame));
-    SetEvent(wake_.get());
+    SetEvent(wake_.Get());
     return queued;
 }
 
@@ -81,15 +87,15 @@ unsigned __stdcall PipeLink::ThreadEntry(void* link) {
 }
 
 void PipeLink::Run() {
-    while (UniqueHandle pipe = WaitForPipe()) {
+    while (Handle pipe = WaitForPipe()) {
         Serve(std::move(pipe));
     }
 }
 
 // REQUIRES: mutex_ is held or no other thread knows the link yet; not connected.
 bool PipeLink::OpenPipe() {
-    UniqueHandle pipe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                  FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr));
+    Handle pipe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                            FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr));
     if (!pipe) {
         const DWORD error = GetLastError();
         // No server, or one whose instances are all taken, is no failure of this program.
@@ -107,7 +113,7 @@ bool PipeLink::OpenPipe() {
 }
 
 // Nothing when the link is to end.
-UniqueHandle PipeLink::WaitForPipe() {
+Handle PipeLink::WaitForPipe() {
     for (;;) {
         TimeMs nextTry = kNever;
         {
@@ -123,11 +129,11 @@ UniqueHandle PipeLink::WaitForPipe() {
                 return std::move(opened_);
             }
         }
-        WaitForSingleObject(wake_.get(), TimeoutUntil(nextTry));
+        WaitForSingleObject(wake_.Get(), TimeoutUntil(nextTry));
     }
 }
 
-void PipeLink::Serve(UniqueHandle pipe) {
+void PipeLink::Serve(Handle pipe) {
     PipeStream stream(std::move(pipe));
     const Ending ending = stream.Valid() ? Exchange(stream) : Ending::kLost;
     {
@@ -169,7 +175,7 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
         }
         const TimeMs writeUntil = stream.Writing() ? writeDeadline : kNever;
         // Nothing is delivered any more once the link is to end.
-        const HANDLE events[] = {wake_.get(), stream.WriteEvent(), stream.ReadEvent()};
+        const HANDLE events[] = {wake_.Get(), stream.WriteEvent(), stream.ReadEvent()};
         WaitForMultipleObjects(stopping ? 2 : 3, events, FALSE,
                                TimeoutUntil(std::min({writeUntil, frameDeadline, stopDeadline})));
 
@@ -262,3 +268,5 @@ void PipeLink::Tell(Ending ending, DWORD error) {
             break;
     }
 }
+
+}  // namespace suite

@@ -14,12 +14,14 @@
 #include <string>
 #include <vector>
 
+#include "suite/common/Handle.h"
 #include "suite/ipc/CallbackTable.h"
 #include "suite/ipc/FrameQueue.h"
 #include "suite/ipc/PipeFrame.h"
 #include "suite/ipc/PipeStream.h"
 #include "suite/ipc/RetrySchedule.h"
-#include "suite/ipc/UniqueHandle.h"
+
+namespace suite {
 
 class PipeLink {
   public:
@@ -45,8 +47,8 @@ class PipeLink {
     static unsigned __stdcall ThreadEntry(void* link);
     void Run();
     bool OpenPipe();
-    UniqueHandle WaitForPipe();
-    void Serve(UniqueHandle pipe);
+    Handle WaitForPipe();
+    void Serve(Handle pipe);
     Ending Exchange(PipeStream& stream);
     std::optional<Ending> DeliverInput(PipeStream& stream, PipeFrame::Decoder& decoder, TimeMs& frameDeadline);
     std::vector<std::uint8_t> TakeFrame(bool& stopping);
@@ -58,14 +60,14 @@ class PipeLink {
     const bool autoReconnect_;
     const std::wstring pipeName_;
     CallbackTable& callbacks_;
-    UniqueHandle wake_;    // automatic reset: something was queued or opened, or the thread is to end
-    UniqueHandle thread_;
+    Handle wake_;  // automatic reset: something was queued or opened, or the thread is to end
+    Handle thread_;
 
     std::mutex mutex_;
     // Guarded by mutex_.
     bool connected_ = false;  // opened_ is set or the thread serves a pipe
     bool stopping_ = false;
-    UniqueHandle opened_;  // waits for the thread to take it
+    Handle opened_;  // waits for the thread to take it
     FrameQueue queue_;
     RetrySchedule schedule_;
     bool openFailureTold_ = false;
@@ -74,3 +76,5 @@ class PipeLink {
     const wchar_t* refusalText_ = L"";
     std::bitset<5> told_;  // by Ending: what the log knows of since the last connection that lasted
 };
+
+}  // namespace suite

@@ -2,15 +2,17 @@
 
 #include <utility>
 
-PipeStream::PipeStream(UniqueHandle pipe) : pipe_(std::move(pipe)) {
+namespace suite {
+
+PipeStream::PipeStream(Handle pipe) : pipe_(std::move(pipe)) {
     // Manual reset, as overlapped operations need it.
-    read_.event = UniqueHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    write_.event = UniqueHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    read_.event = Handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    write_.event = Handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
 }
 
 PipeStream::~PipeStream() {
     if (read_.active || write_.active) {
-        CancelIoEx(pipe_.get(), nullptr);
+        CancelIoEx(pipe_.Get(), nullptr);
     }
     Abandon(read_);
     Abandon(write_);
@@ -18,16 +20,16 @@ PipeStream::~PipeStream() {
 
 bool PipeStream::StartRead() {
     read_.overlapped = {};
-    read_.overlapped.hEvent = read_.event.get();
-    return Begin(read_, ReadFile(pipe_.get(), input_.data(), static_cast<DWORD>(input_.size()), nullptr,
-                                 &read_.overlapped));
+    read_.overlapped.hEvent = read_.event.Get();
+    return Begin(read_,
+                 ReadFile(pipe_.Get(), input_.data(), static_cast<DWORD>(input_.size()), nullptr, &read_.overlapped));
 }
 
 bool PipeStream::StartWrite(std::vector<std::uint8_t> bytes) {
     output_ = std::move(bytes);
     write_.overlapped = {};
-    write_.overlapped.hEvent = write_.event.get();
-    return Begin(write_, WriteFile(pipe_.get(), output_.data(), static_cast<DWORD>(output_.size()), nullptr,
+    write_.overlapped.hEvent = write_.event.Get();
+    return Begin(write_, WriteFile(pipe_.Get(), output_.data(), static_cast<DWORD>(output_.size()), nullptr,
                                    &write_.overlapped));
 }
 
@@ -56,13 +58,13 @@ bool PipeStream::Begin(Operation& operation, BOOL succeeded) {
     operation.active = succeeded || GetLastError() == ERROR_IO_PENDING;
     if (!operation.active) {
         lastError_ = GetLastError();
-        ResetEvent(operation.event.get());
+        ResetEvent(operation.event.Get());
     }
     return operation.active;
 }
 
 bool PipeStream::Finish(Operation& operation, DWORD& count) {
-    const BOOL succeeded = GetOverlappedResult(pipe_.get(), &operation.overlapped, &count, FALSE);
+    const BOOL succeeded = GetOverlappedResult(pipe_.Get(), &operation.overlapped, &count, FALSE);
     if (!succeeded) {
         lastError_ = GetLastError();
         if (lastError_ == ERROR_IO_INCOMPLETE) {
@@ -70,13 +72,15 @@ bool PipeStream::Finish(Operation& operation, DWORD& count) {
         }
     }
     operation.active = false;
-    ResetEvent(operation.event.get());
+    ResetEvent(operation.event.Get());
     return succeeded;
 }
 
 void PipeStream::Abandon(Operation& operation) {
     if (operation.active) {
         DWORD count = 0;
-        GetOverlappedResult(pipe_.get(), &operation.overlapped, &count, TRUE);
+        GetOverlappedResult(pipe_.Get(), &operation.overlapped, &count, TRUE);
     }
 }
+
+}  // namespace suite

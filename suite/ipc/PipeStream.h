@@ -12,12 +12,14 @@
 #include <span>
 #include <vector>
 
-#include "suite/ipc/UniqueHandle.h"
+#include "suite/common/Handle.h"
+
+namespace suite {
 
 class PipeStream {
   public:
     // `pipe`: connected, opened with FILE_FLAG_OVERLAPPED.
-    explicit PipeStream(UniqueHandle pipe);
+    explicit PipeStream(Handle pipe);
     // Cancels what is under way, waits until the system has let go of the buffers, closes the pipe.
     ~PipeStream();
     PipeStream(const PipeStream&) = delete;
@@ -27,8 +29,8 @@ class PipeStream {
     bool Valid() const { return read_.event && write_.event; }
 
     // Signalled while a started read or write is complete and not yet finished. Borrowed; live as long as the stream.
-    HANDLE ReadEvent() const { return read_.event.get(); }
-    HANDLE WriteEvent() const { return write_.event.get(); }
+    HANDLE ReadEvent() const { return read_.event.Get(); }
+    HANDLE WriteEvent() const { return write_.event.Get(); }
     bool Reading() const { return read_.active; }
     bool Writing() const { return write_.active; }
 
@@ -42,12 +44,12 @@ class PipeStream {
     [[nodiscard]] bool FinishWrite();
 
     DWORD LastError() const { return lastError_; }
-    HANDLE Pipe() const { return pipe_.get(); }
+    HANDLE Pipe() const { return pipe_.Get(); }
 
   private:
     struct Operation {
         OVERLAPPED overlapped{};
-        UniqueHandle event;
+        Handle event;
         bool active = false;
     };
 
@@ -55,10 +57,12 @@ class PipeStream {
     bool Finish(Operation& operation, DWORD& count);
     void Abandon(Operation& operation);
 
-    UniqueHandle pipe_;
+    Handle pipe_;
     Operation read_;
     Operation write_;
     std::array<std::uint8_t, 16384> input_;
     std::vector<std::uint8_t> output_;
     DWORD lastError_ = ERROR_SUCCESS;
 };
+
+}  // namespace suite

@@ -2,15 +2,21 @@
 
 #include <algorithm>
 
+namespace suite {
+
 void RetrySchedule::PlanAbsent(TimeMs now) {
     nextTry_ = now + delay_;
     delay_ = std::min(delay_ * 2, kLongestDelayMs);
     leaveAlone_ = false;
 }
 
-void RetrySchedule::TryFailed(TimeMs now) { PlanAbsent(now); }
+void RetrySchedule::TryFailed(TimeMs now) {
+    PlanAbsent(now);
+}
 
-void RetrySchedule::Connected(TimeMs now) { connectedAt_ = now; }
+void RetrySchedule::Connected(TimeMs now) {
+    connectedAt_ = now;
+}
 
 void RetrySchedule::Ended(TimeMs now, Ending ending) {
     settled_ = now - connectedAt_ >= kSettledMs;
@@ -26,3 +32,5 @@ void RetrySchedule::Ended(TimeMs now, Ending ending) {
     penalty_ = std::min(penalty_ * 2, kLongestPenaltyMs);
     leaveAlone_ = true;
 }
+
+}  // namespace suite

@@ -9,6 +9,8 @@
 // Times are milliseconds of a monotonic clock that the caller reads. Threads: guarded by the owner.
 #include <cstdint>
 
+namespace suite {
+
 class RetrySchedule {
   public:
     using TimeMs = std::uint64_t;
@@ -43,3 +45,5 @@ class RetrySchedule {
     bool leaveAlone_ = false;
     bool settled_ = false;
 };
+
+}  // namespace suite

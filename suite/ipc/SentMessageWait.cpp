@@ -1,5 +1,7 @@
 #include "suite/ipc/SentMessageWait.h"
 
+namespace suite {
+
 void WaitServingSentMessages(HANDLE handle) {
     while (MsgWaitForMultipleObjectsEx(1, &handle, INFINITE, QS_SENDMESSAGE, MWMO_INPUTAVAILABLE) ==
            WAIT_OBJECT_0 + 1) {
@@ -10,3 +12,5 @@ void WaitServingSentMessages(HANDLE handle) {
     // For a thread that cannot wait for messages; at once in every other case.
     WaitForSingleObject(handle, INFINITE);
 }
+
+}  // namespace suite

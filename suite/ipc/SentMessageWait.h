@@ -7,4 +7,8 @@
 // signalled once it is (a thread, an event with manual reset).
 #include <windows.h>
 
+namespace suite {
+
 void WaitServingSentMessages(HANDLE handle);
+
+}  // namespace suite
