@@ -63,6 +63,11 @@ inline constexpr std::array<Background, 15> kBackgrounds{{
     {14, L"img_animation_background", L"img_animation_background_btn"},
 }};
 
+inline constexpr std::wstring_view kNoBackground = L"none_background";
+// The background that is the user's own: which one, another value says.
+inline constexpr std::int32_t kCustomIndex = 5;
+inline constexpr std::wstring_view kCustomControl = L"custom_background_btn";
+
 using NameMap = std::map<std::wstring, std::wstring>;
 
 // Control name to feature name.

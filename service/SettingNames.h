@@ -22,6 +22,9 @@ inline constexpr const wchar_t* kBeautyThin = L"lumi_camera_beauty_thin";
 inline constexpr const wchar_t* kInitAlgorithm = L"init_algorithm";
 inline constexpr const wchar_t* kSupportHardSwitch = L"support_hard_switch";
 
+// The event by which the system tells of a change of the key; in the session's namespace, any program may hold it.
+inline constexpr const wchar_t* kChangedEventName = L"RegEditNotifyChanged";
+
 inline constexpr int kDefaultBeautyLevel = 5;
 
 }  // namespace SettingNames

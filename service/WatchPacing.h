@@ -13,8 +13,8 @@ inline constexpr std::chrono::milliseconds kSettle{50};
 inline constexpr std::chrono::milliseconds kBackOff{1000};
 // A round that ended sooner than this found a signal waiting, or a program that writes all the time.
 inline constexpr std::chrono::milliseconds kShortestRound{5};
-// From a refresh to the one after it, which shows what changed while no round was armed.
-inline constexpr std::chrono::milliseconds kFollowUp{150};
+// From the start of a round to the refresh that shows what changed before it was armed; 150 ms after the last refresh.
+inline constexpr std::chrono::milliseconds kFollowUp{100};
 
 constexpr std::chrono::milliseconds WaitAfterRound(bool noticedChange, std::chrono::nanoseconds roundTook) {
     return noticedChange && roundTook >= kShortestRound ? kSettle : kBackOff;

@@ -22,8 +22,4 @@ TEST(WatchPacingTest, BacksOffWhenARoundFails) {
     EXPECT_EQ(WaitAfterRound(false, 1h), WatchPacing::kBackOff);
 }
 
-TEST(WatchPacingTest, TheNextRoundIsArmedBeforeTheSecondRefresh) {
-    EXPECT_LT(WatchPacing::kSettle, WatchPacing::kFollowUp);
-}
-
 }  // namespace
