@@ -30,6 +30,18 @@ std::vector<std::uint8_t> HalfFrame() {
     return bytes;
 }
 
+// A second stand-in is refused by this name, since not every system heeds FILE_FLAG_FIRST_PIPE_INSTANCE.
+suite::Handle ClaimName(const std::wstring& pipeName) {
+    std::wstring name = L"PixoraService-" + pipeName;
+    std::replace(name.begin(), name.end(), L'\\', L'/');
+    suite::Handle mutex(CreateMutexW(nullptr, FALSE, name.c_str()));
+    if (GetLastError() == ERROR_ALREADY_EXISTS) {
+        mutex.Reset();
+        SetLastError(ERROR_ALREADY_EXISTS);
+    }
+    return mutex;
+}
+
 bool IsSignalled(HANDLE event) {
     return WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
 }
@@ -55,8 +67,12 @@ PipeServer::~PipeServer() {
 bool PipeServer::Start(const std::wstring& pipeName, const Behaviour& behaviour) {
     pipeName_ = pipeName;
     behaviour_ = behaviour;
-    listening_ = CreateInstance(true);
+    single_ = ClaimName(pipeName);
+    listening_ = single_ ? CreateInstance(true) : suite::Handle();
     if (!listening_) {
+        const DWORD error = GetLastError();
+        single_.Reset();
+        SetLastError(error);
         return false;
     }
     wake_ = suite::Handle(CreateEventW(nullptr, FALSE, FALSE, nullptr));
@@ -77,6 +93,7 @@ void PipeServer::Stop() {
     if (thread_.joinable()) {
         RequestStop();
         thread_.join();
+        single_.Reset();
     }
 }
 

@@ -86,7 +86,8 @@ class PipeServer {
     // Constant while running.
     std::wstring pipeName_;
     Behaviour behaviour_;
-    suite::Handle wake_;  // automatic reset: there are orders, or the server is to stop
+    suite::Handle wake_;    // automatic reset: there are orders, or the server is to stop
+    suite::Handle single_;  // the claim to the pipe's name
     std::thread thread_;
 
     // The server's thread, once it runs.

@@ -109,6 +109,8 @@ class DUILIB_API CPaintManagerUI {
     CControlUI* GetHot() const;  // the control under the pointer
     // A control leaves the tree: whatever points at it is cleared.
     void ControlRemoved(CControlUI* control);
+    // Destroys a control that left the tree as soon as no event or notification is being handled any more.
+    void Retire(std::unique_ptr<CControlUI> control);
 
     // --- notifications
     void AddNotifier(INotifyUI* notifier);  // borrowed; must be removed before it dies
