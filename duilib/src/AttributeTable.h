@@ -15,17 +15,27 @@ struct AttributeEntry {
     bool (*apply)(Control& control, std::wstring_view value);
 };
 
-// `Result` is AttributeResult; taken from the caller, because the header that has it is not pure.
+// Null when the table does not have the name.
+template <typename Control, std::size_t Count>
+const AttributeEntry<Control>* FindAttribute(const AttributeEntry<Control> (&table)[Count], std::wstring_view name) {
+    for (const AttributeEntry<Control>& entry : table) {
+        if (entry.name == name) {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+// For a control's ApplyAttribute. The type of the answer is taken from it, because the header that has it is not pure.
 template <typename Control, std::size_t Count>
 auto ApplyFromTable(const AttributeEntry<Control> (&table)[Count], Control& control, std::wstring_view name,
                     std::wstring_view value) {
     using Result = decltype(control.ApplyAttribute(name, value));
-    for (const AttributeEntry<Control>& entry : table) {
-        if (entry.name == name) {
-            return entry.apply(control, value) ? Result::Ok : Result::BadValue;
-        }
+    const AttributeEntry<Control>* entry = FindAttribute(table, name);
+    if (entry == nullptr) {
+        return Result::Unknown;
     }
-    return Result::Unknown;
+    return entry->apply(control, value) ? Result::Ok : Result::BadValue;
 }
 
 // Hands a parsed value on; false when there is none.
