@@ -155,18 +155,20 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
     TimeMs writeDeadline = Now() + kFrameDeadlineMs;
     TimeMs frameDeadline = kNever;
     TimeMs stopDeadline = kNever;
-    if (!stream.StartWrite(PipeFrame::EncodeHello(clientId_)) || !stream.StartRead()) {
+    if (!stream.StartRead()) {
         return Ending::kLost;
     }
+    bool writable = stream.StartWrite(PipeFrame::EncodeHello(clientId_));
     for (;;) {
+        if (!writable) {
+            return DeliverRest(stream, decoder);
+        }
         bool stopping = false;
         if (stream.Writing()) {
             stopping = Stopping();
         } else if (std::vector<std::uint8_t> frame = TakeFrame(stopping); !frame.empty()) {
             writeDeadline = Now() + kFrameDeadlineMs;
-            if (!stream.StartWrite(std::move(frame))) {
-                return Ending::kLost;
-            }
+            writable = stream.StartWrite(std::move(frame));
         } else if (stopping) {
             return Ending::kStopped;
         }
@@ -181,9 +183,7 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
 
         // A deadline counts only for what is not done: this thread may have been in a callback meanwhile.
         if (IsSignalled(stream.WriteEvent())) {
-            if (!stream.FinishWrite()) {
-                return Ending::kLost;
-            }
+            writable = stream.FinishWrite();
         } else if (Now() >= writeUntil) {
             return Ending::kNotRead;
         }
@@ -198,6 +198,18 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
             return Ending::kHalfFrame;
         }
     }
+}
+
+// The server is gone, but what it sent before may still be in the pipe.
+PipeLink::Ending PipeLink::DeliverRest(PipeStream& stream, PipeFrame::Decoder& decoder) {
+    const TimeMs until = Now() + kDrainDeadlineMs;
+    TimeMs frameDeadline = kNever;
+    while (!Stopping() && WaitForSingleObject(stream.ReadEvent(), TimeoutUntil(until)) == WAIT_OBJECT_0) {
+        if (const std::optional<Ending> ending = DeliverInput(stream, decoder, frameDeadline)) {
+            return *ending;
+        }
+    }
+    return Ending::kLost;
 }
 
 // Nothing: the connection goes on.

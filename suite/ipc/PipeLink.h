@@ -50,6 +50,7 @@ class PipeLink {
     Handle WaitForPipe();
     void Serve(Handle pipe);
     Ending Exchange(PipeStream& stream);
+    Ending DeliverRest(PipeStream& stream, PipeFrame::Decoder& decoder);
     std::optional<Ending> DeliverInput(PipeStream& stream, PipeFrame::Decoder& decoder, TimeMs& frameDeadline);
     std::vector<std::uint8_t> TakeFrame(bool& stopping);
     bool Stopping();
