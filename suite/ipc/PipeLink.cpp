@@ -16,6 +16,7 @@ namespace suite {
 namespace {
 
 constexpr std::size_t kCodeSlot = 2;
+constexpr std::size_t kWriteSize = 16384;  // of small frames that travel together
 constexpr RetrySchedule::TimeMs kNever = std::numeric_limits<RetrySchedule::TimeMs>::max();
 
 RetrySchedule::TimeMs Now() {
@@ -166,9 +167,9 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
         bool stopping = false;
         if (stream.Writing()) {
             stopping = Stopping();
-        } else if (std::vector<std::uint8_t> frame = TakeFrame(stopping); !frame.empty()) {
+        } else if (std::vector<std::uint8_t> frames = TakeFrames(stopping); !frames.empty()) {
             writeDeadline = Now() + kFrameDeadlineMs;
-            writable = stream.StartWrite(std::move(frame));
+            writable = stream.StartWrite(std::move(frames));
         } else if (stopping) {
             return Ending::kStopped;
         }
@@ -245,10 +246,10 @@ std::optional<PipeLink::Ending> PipeLink::DeliverInput(PipeStream& stream, PipeF
     return stream.StartRead() ? std::nullopt : std::optional(Ending::kLost);
 }
 
-std::vector<std::uint8_t> PipeLink::TakeFrame(bool& stopping) {
+std::vector<std::uint8_t> PipeLink::TakeFrames(bool& stopping) {
     const std::lock_guard lock(mutex_);
     stopping = stopping_;
-    return queue_.Pop();
+    return queue_.Pop(kWriteSize);
 }
 
 bool PipeLink::Stopping() {
