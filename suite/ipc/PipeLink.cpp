@@ -159,17 +159,18 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
     if (!stream.StartRead()) {
         return Ending::kLost;
     }
-    bool writable = stream.StartWrite(PipeFrame::EncodeHello(clientId_));
+    if (!stream.StartWrite(PipeFrame::EncodeHello(clientId_))) {
+        return DeliverRest(stream, decoder);
+    }
     for (;;) {
-        if (!writable) {
-            return DeliverRest(stream, decoder);
-        }
         bool stopping = false;
         if (stream.Writing()) {
             stopping = Stopping();
         } else if (std::vector<std::uint8_t> frames = TakeFrames(stopping); !frames.empty()) {
             writeDeadline = Now() + kFrameDeadlineMs;
-            writable = stream.StartWrite(std::move(frames));
+            if (!stream.StartWrite(std::move(frames))) {
+                return DeliverRest(stream, decoder);
+            }
         } else if (stopping) {
             return Ending::kStopped;
         }
@@ -184,7 +185,9 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
 
         // A deadline counts only for what is not done: this thread may have been in a callback meanwhile.
         if (IsSignalled(stream.WriteEvent())) {
-            writable = stream.FinishWrite();
+            if (!stream.FinishWrite()) {
+                return DeliverRest(stream, decoder);
+            }
         } else if (Now() >= writeUntil) {
             return Ending::kNotRead;
         }
