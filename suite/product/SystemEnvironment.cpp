@@ -2,14 +2,37 @@
 
 #include <windows.h>
 
-std::wstring SystemEnvironment::GetCurrentUserLanguage() {
+namespace {
+
+// The first of the user's display languages; empty when the system gives none.
+std::wstring FirstDisplayLanguage() {
     ULONG count = 0;
-    wchar_t languages[512] = {};
-    ULONG size = 512;
-    if (GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, languages, &size) && count > 0 && languages[0]) {
-        return languages;
+    ULONG length = 0;
+    if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, nullptr, &length) || length == 0) {
+        return {};
     }
-    wchar_t locale[LOCALE_NAME_MAX_LENGTH] = {};
-    if (GetUserDefaultLocaleName(locale, LOCALE_NAME_MAX_LENGTH) > 1) return locale;
-    return L"en-US";
+    std::wstring list(length, L'\0');
+    if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, list.data(), &length)) {
+        return {};
+    }
+    return list.c_str();
+}
+
+std::wstring RegionalFormat() {
+    wchar_t name[LOCALE_NAME_MAX_LENGTH] = L"";
+    return GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) > 0 ? name : L"";
+}
+
+}  // namespace
+
+std::wstring SystemEnvironment::GetCurrentUserLanguage() {
+    try {
+        std::wstring tag = FirstDisplayLanguage();
+        if (tag.empty()) {
+            tag = RegionalFormat();
+        }
+        return tag.empty() ? L"en-US" : tag;
+    } catch (...) {
+        return {};
+    }
 }

@@ -3,7 +3,6 @@
 //
 // Why: configuration files come from outside and may be broken or hostile; reading goes through the system's XML
 // reader, with no document type definitions, no external entities, and limits (1 MiB, 64 levels, 10,000 elements).
-// Files are UTF-8, or UTF-16 with a byte order mark.
 // Elements and attributes are cheap handles into the document, which must outlive them. A null handle answers null
 // to everything. Narrow strings are UTF-8. Threads: a document belongs to one thread. Nothing throws.
 #include <memory>
@@ -11,7 +10,9 @@
 
 #include "suite/xml/Export.h"
 
-struct QxXmlNode;
+namespace suite {
+struct XmlTree;
+}
 
 class SUITE_XML_API QxXmlAttribute {
   public:
@@ -34,7 +35,7 @@ class SUITE_XML_API QxXmlElement {
 
   private:
     friend class QxXMLDocument;
-    const QxXmlNode* node_ = nullptr;  // borrowed from the document
+    const suite::XmlTree* node_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXMLDocument {
@@ -44,13 +45,12 @@ class SUITE_XML_API QxXMLDocument {
     QxXMLDocument(const QxXMLDocument&) = delete;
     QxXMLDocument& operator=(const QxXMLDocument&) = delete;
 
-    // 0 when the file was read, else the system's error code: the file is missing or unreadable, is not well-formed, or
-    // passes a limit. A file that is empty, or well-formed but for a missing root element, counts as read. What was
-    // loaded before is gone in every case.
+    // 0 when the file was read (an empty or blank file counts as read, without a root element), else the system's error
+    // code: the file is missing or unreadable, is not well-formed, or passes a limit. What was loaded before is gone.
     int LoadFile(const std::string& path);
     // Null when nothing is loaded or the file has no root element.
     QxXmlElement RootElement() const;
 
   private:
-    std::unique_ptr<QxXmlNode> root_;
+    std::unique_ptr<suite::XmlTree> root_;
 };
