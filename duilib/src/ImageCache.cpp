@@ -111,11 +111,6 @@ class ImageCache::Impl {
         return &scaled.image;
     }
 
-    Size NaturalSizeDip(const std::wstring& file) {
-        const Picture& picture = Find(file);
-        return picture.failed ? Size{} : picture.sizeDip;
-    }
-
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {
         BITMAP header{};
         if (bitmap == nullptr || ::GetObjectW(bitmap, sizeof(header), &header) == 0 || header.bmWidth <= 0 ||
@@ -281,10 +276,6 @@ void ImageCache::SetDpi(int dpi) {
 
 const ScaledImage* ImageCache::Get(const ImageAttribute& image, Size sizePx, bool mirrored) {
     return impl_->Get(image, sizePx, mirrored);
-}
-
-Size ImageCache::NaturalSizeDip(const std::wstring& file) {
-    return impl_->NaturalSizeDip(file);
 }
 
 bool ImageCache::Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {
