@@ -166,8 +166,7 @@ HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
         return E_POINTER;
     }
     *object = nullptr;
-    // __uuidof: the compiler's import library gives code, not the identifier, for the name of this one.
-    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(IAccessible)) {
+    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID_IAccessible) {
         *object = static_cast<IAccessible*>(this);
         AddRef();
         return S_OK;

@@ -142,7 +142,7 @@ LRESULT CPaintManagerUI::Impl::OnGetObject(WPARAM wParam, LPARAM lParam) {
     if (accessible == nullptr) {
         accessible = new WindowAccessible(owner);
     }
-    return LresultFromObject(__uuidof(IAccessible), wParam, accessible);
+    return LresultFromObject(IID_IAccessible, wParam, accessible);
 }
 
 void CPaintManagerUI::Impl::OnWindowGone() {

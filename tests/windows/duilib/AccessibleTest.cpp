@@ -50,7 +50,7 @@ class Accessibility : public testing::Test {
     Accessibility() {
         window.ShowWindow();
         PumpPending();
-        EXPECT_EQ(AccessibleObjectFromWindow(window.GetHWND(), static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+        EXPECT_EQ(AccessibleObjectFromWindow(window.GetHWND(), static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
                                              reinterpret_cast<void**>(&object)),
                   S_OK);
         if (object == nullptr) {

@@ -48,6 +48,18 @@ inline void PumpPending() {
     }
 }
 
+// GDI objects of the process. Wine does not count them, but finds them by the index that is the low half of a handle.
+inline int GdiObjectCount() {
+    if (const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS)) {
+        return static_cast<int>(counted);
+    }
+    int count = 0;
+    for (ULONG_PTR index = 1; index <= 0xFFFF; ++index) {
+        count += GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0 ? 1 : 0;
+    }
+    return count;
+}
+
 // The process's resource folder below the temporary folder, removed at the end.
 class ResourceFolder {
   public:
