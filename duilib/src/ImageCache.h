@@ -25,6 +25,7 @@ namespace DuiLib {
 struct ScaledImage {
     Size sizePx;
     std::vector<std::uint32_t> pixels;
+    bool opaque = false;  // no pixel is translucent
 };
 
 class ImageCache {
