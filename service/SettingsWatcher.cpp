@@ -39,7 +39,7 @@ DWORD WaitMs(milliseconds time) {
 // The refreshing side, on the UI thread. Outlives the watcher as long as something of it is queued there.
 class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher> {
   public:
-    explicit Refresher(std::function<void()> refresh) : refresh_(std::move(refresh)), done_(MakeEvent(false)) {}
+    explicit Refresher(HomeService& model) : model_(model), done_(MakeEvent(false)) {}
 
     // Any thread: from here on nothing is refreshed.
     void Stop() { stopped_ = true; }
@@ -48,9 +48,9 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
     HANDLE Done() const { return done_.Get(); }
 
     // UI thread.
-    void Refresh() const {
+    void Refresh() {
         if (!stopped_) {
-            refresh_();
+            model_.NotifyStatus();
         }
     }
     void SignalDone() const { SetEvent(done_.Get()); }
@@ -77,10 +77,10 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
             return;
         }
         timerRuns_ = false;
-        refresh_();
+        model_.NotifyStatus();
     }
 
-    const std::function<void()> refresh_;
+    HomeService& model_;  // borrowed; not used once stopped
     const suite::Handle done_;
     std::atomic<bool> stopped_ = false;
     // UI thread.
@@ -88,8 +88,8 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
     bool timerRuns_ = false;
 };
 
-SettingsWatcher::SettingsWatcher(std::function<void()> refresh)
-    : refresher_(std::make_shared<Refresher>(std::move(refresh))), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
+SettingsWatcher::SettingsWatcher(HomeService& model)
+    : refresher_(std::make_shared<Refresher>(model)), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
     if (!stop_ || !ended_ || refresher_->Done() == nullptr) {
         LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no event: ", GetLastError());
         return;
