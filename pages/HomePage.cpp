@@ -37,15 +37,15 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
                     {5, L""},
                     {7, L"file='drawable/LumiCamera/checked.png' reverse='true'"},
                     {6, L"file='drawable/LumiCamera/unchecked.png' reverse='true'"}},
-      backgroundButtons_{L"custom_background_btn",      L"none_background_btn",   L"img_one_background_btn",
-                         L"img_two_background_btn",     L"img_three_background_btn", L"img_four_background_btn",
-                         L"img_five_background_btn",    L"img_six_background_btn", L"img_seven_background_btn",
-                         L"img_eight_background_btn",   L"img_nine_background_btn", L"img_ten_background_btn",
-                         L"img_eleven_background_btn",  L"img_animation_background_btn",
-                         L"virtual_background_btn"},
+      backgroundButtons_{L"custom_background_btn",     L"none_background_btn",          L"img_one_background_btn",
+                         L"img_two_background_btn",    L"img_three_background_btn",     L"img_four_background_btn",
+                         L"img_five_background_btn",   L"img_six_background_btn",       L"img_seven_background_btn",
+                         L"img_eight_background_btn",  L"img_nine_background_btn",      L"img_ten_background_btn",
+                         L"img_eleven_background_btn", L"img_animation_background_btn", L"virtual_background_btn"},
       self_(std::make_shared<HomePage*>(this)) {
     model_ = HomeService::GetInstance();
-    if (!model_) return;
+    if (!model_)
+        return;
     WireModel();
     configLoaded_ = true;
     watcher_ = std::make_unique<SettingsWatcher>(*model_);
@@ -54,7 +54,8 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
 
 HomePage::~HomePage() {
     watcher_.reset();
-    for (const auto& unsubscribe : unsubscribe_) unsubscribe();
+    for (const auto& unsubscribe : unsubscribe_)
+        unsubscribe();
     if (model_) {
         model_->SetStatusObserver({});
         model_->SetServiceResetObserver({});
@@ -67,10 +68,12 @@ HomePage::~HomePage() {
 void HomePage::WireModel() {
     model_->SetStatusObserver([this](const FeatureStatusTuple& snapshot) { Refresh(snapshot); });
     model_->SetServiceResetObserver([this] {
-        if (Owner()) Owner()->CloseWindow();
+        if (Owner())
+            Owner()->CloseWindow();
     });
     model_->SetMessageCallback([this](MessageBoxKind kind) {
-        if (Owner()) Owner()->ShowMessage(kind);
+        if (Owner())
+            Owner()->ShowMessage(kind);
     });
     model_->SetAddCustomItem([this](const std::wstring& name, const wchar_t* path, bool isVideo) {
         return AddCustomItem(name, path, isVideo);
@@ -86,7 +89,8 @@ void HomePage::SubscribeHub() {
         unsubscribe_.push_back([&hub, channel, id] { hub.Unsubscribe(channel, id); });
     };
     subscribe(GlobalUtils::kMessageBoxChannel, std::function<void(MessageBoxKind&)>([this](MessageBoxKind& kind) {
-                  if (Owner()) Owner()->ShowMessage(kind);
+                  if (Owner())
+                      Owner()->ShowMessage(kind);
               }));
     subscribe(GlobalUtils::kBeautyChannel,
               std::function<void(BeautyKind&)>([this](BeautyKind& kind) { OnBeautyKind(kind); }));
@@ -97,7 +101,8 @@ void HomePage::Initialize() {
     MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
     previewSwitch_ = Find(L"preview_switch");
     previewArea_ = Find(L"preview_wnd");
-    if (model_) model_->NotifyStatus();
+    if (model_)
+        model_->NotifyStatus();
 }
 
 void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
@@ -106,37 +111,45 @@ void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
         return;
     }
     DuiLib::UIMainQueue::getInstance()->dispatch([page = std::weak_ptr<HomePage*>(self_), snapshot] {
-        if (const auto alive = page.lock()) (*alive)->ShowSnapshot(snapshot);
+        if (const auto alive = page.lock())
+            (*alive)->ShowSnapshot(snapshot);
     });
 }
 
 void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
     const auto& [switches, sliders, background] = snapshot;
     if (DuiLib::CControlUI* text = Find(L"preview_text")) {
-        if (const int width = TextWidth(text->GetText(), kTextFont)) text->SetFixedWidth(width);
+        if (const int width = TextWidth(text->GetText(), kTextFont))
+            text->SetFixedWidth(width);
     }
     ShowCameraIllustration();
 
     switchStates_.clear();
-    for (const auto& [name, status] : switches) switchStates_[name] = static_cast<std::int32_t>(status);
-    if (switchStates_.empty()) return;
-    for (const auto& [name, state] : switchStates_) RedrawSwitch(Find(name), state);
+    for (const auto& [name, status] : switches)
+        switchStates_[name] = static_cast<std::int32_t>(status);
+    if (switchStates_.empty())
+        return;
+    for (const auto& [name, state] : switchStates_)
+        RedrawSwitch(Find(name), state);
 
     sliderValues_.clear();
     sliderValues_.insert(sliders.begin(), sliders.end());
     for (const auto& [name, level] : sliderValues_) {
-        if (auto* slider = FindAs<DuiLib::CSliderUI>(name)) slider->SetValue(level);
+        if (auto* slider = FindAs<DuiLib::CSliderUI>(name))
+            slider->SetValue(level);
     }
 
     if (model_ && model_->IsSupportHardSwitch() == 1) {
-        if (DuiLib::CControlUI* row = Find(L"camera_swith_layout")) row->SetMaxHeight(0);
+        if (DuiLib::CControlUI* row = Find(L"camera_swith_layout"))
+            row->SetMaxHeight(0);
     }
     SelectBackgroundOption(background);
 }
 
 void HomePage::ShowCameraIllustration() {
     DuiLib::CControlUI* area = Find(L"preview_wnd");
-    if (!area) return;
+    if (!area)
+        return;
     if (GetCameraXmlConfig("BackgroudImage") == 0) {
         area->SetBkImage(L"file='drawable/LumiCamera/img_notora_camera.png' reverse='true'");
     } else if (GetCameraXmlConfig("BackgroudImage") == 1) {
@@ -148,12 +161,15 @@ void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& backgrou
     std::wstring name = background.btnName;
     const bool fileOpens = !background.path.empty() && std::ifstream(background.path.c_str()).good();
     // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's.
-    if (!fileOpens && name == L"custom_background_option") name = L"none_background_btn";
-    if (auto* option = FindAs<DuiLib::COptionUI>(name)) option->SetSelected(true);
+    if (!fileOpens && name == L"custom_background_option")
+        name = L"none_background_btn";
+    if (auto* option = FindAs<DuiLib::COptionUI>(name))
+        option->SetSelected(true);
 }
 
 void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
-    if (!model_ || !msg.sender) return;
+    if (!model_ || !msg.sender)
+        return;
     const std::wstring name = msg.sender->GetName();
     if (const auto state = switchStates_.find(name); state != switchStates_.end()) {
         ClickSwitch(msg.sender, state->second);
@@ -164,12 +180,14 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
     } else if (name == L"show_introduction_btn") {
         OpenIntroduction(name);
     } else if (name.find(L"custom_background_btn_") != std::wstring::npos && name.find(L"_del") != std::wstring::npos) {
-        if (Owner()) Owner()->AskForDeletion(name);
+        if (Owner())
+            Owner()->AskForDeletion(name);
     }
 }
 
 void HomePage::OpenIntroduction(const std::wstring& name) {
     const DuiLib::CControlUI* label = Find(L"Pixora_Introduce_Url");
     const std::wstring url = label ? label->GetText() : std::wstring();
-    if (name == L"show_introduction_btn" && !url.empty()) ntx::util::UrlsManager::OpenUrl(url);
+    if (name == L"show_introduction_btn" && !url.empty())
+        ntx::util::UrlsManager::OpenUrl(url);
 }

@@ -11,12 +11,15 @@ namespace {
 
 constexpr wchar_t kFunction[] = L"HomePage::GetCameraXmlConfig";
 
-std::wstring Widen(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
+std::wstring Widen(const std::string& ascii) {
+    return {ascii.begin(), ascii.end()};
+}
 
 }  // namespace
 
 int HomePage::GetCameraXmlConfig(const std::string& key) {
-    if (key.empty()) return 0;
+    if (key.empty())
+        return 0;
     QxXMLDocument document;
     if (document.LoadFile(FileInfo::GetSelfFullFilePath("plugins\\lumi_camera_config.xml")) != 0) {
         LogLine(4, kFunction, L"load lumi_camera_config Xml fail");
@@ -28,8 +31,10 @@ int HomePage::GetCameraXmlConfig(const std::string& key) {
         return 0;
     }
     QxXmlElement setting = root.FirstNode(ProductAdapt::MachineType::GetProductName()).FirstNode(key);
-    if (setting.IsElementNull()) setting = root.FirstNode("Default").FirstNode(key);
-    if (setting.IsElementNull()) return 0;
+    if (setting.IsElementNull())
+        setting = root.FirstNode("Default").FirstNode(key);
+    if (setting.IsElementNull())
+        return 0;
 
     int value = 0;
     try {

@@ -38,7 +38,9 @@ constexpr int kItemWidth = 52;
 constexpr int kItemHeight = 32;
 constexpr int kBadgeSize = 12;
 
-bool Contains(const std::wstring& text, const wchar_t* part) { return text.find(part) != std::wstring::npos; }
+bool Contains(const std::wstring& text, const wchar_t* part) {
+    return text.find(part) != std::wstring::npos;
+}
 
 bool IsDeleteButton(const std::wstring& name) {
     return Contains(name, L"custom_background_btn_") && Contains(name, kDeleteSuffix);
@@ -90,7 +92,8 @@ std::wstring SpokenName(const wchar_t* key, const std::wstring& itemName) {
     std::wstring text = DuiLib::UICulture::GetInstance()->GetString(key);
     const std::wstring digits = itemName.substr(itemName.rfind(L'_') + 1);
     const std::wstring number = std::to_wstring(std::wcstol(digits.c_str(), nullptr, 10) + 1);
-    if (const std::size_t place = text.find(L"{n}"); place != std::wstring::npos) text.replace(place, 3, number);
+    if (const std::size_t place = text.find(L"{n}"); place != std::wstring::npos)
+        text.replace(place, 3, number);
     return text;
 }
 
@@ -108,8 +111,8 @@ std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstrin
     option->SetTextColor(0x053EC600);  // kept as it is; the option has no text
     option->SetNormalImage(L"file='drawable/LumiCamera/img_thumbnail_none@2x.png'");
     option->SetSelectedImage(L"file='drawable/LumiCamera/img_thumbnail_none_on@2x.png'");
-    option->SetAttribute(L"accname", SpokenName(isVideo ? L"IDS_LUMI_ACC_CUSTOM_VIDEO_ITEM"
-                                                        : L"IDS_LUMI_ACC_CUSTOM_ITEM", name));
+    option->SetAttribute(L"accname",
+                         SpokenName(isVideo ? L"IDS_LUMI_ACC_CUSTOM_VIDEO_ITEM" : L"IDS_LUMI_ACC_CUSTOM_ITEM", name));
     item->Add(std::move(option));
 
     if (isVideo) {
@@ -135,16 +138,19 @@ std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstrin
 }  // namespace
 
 void HomePage::ClickChangeBackground(const std::wstring& name) {
-    if (Contains(name, L"custom_background_btn")) return;
+    if (Contains(name, L"custom_background_btn"))
+        return;
     model_->SelectBackground(name);
-    if (name == L"none_background_btn") return;
+    if (name == L"none_background_btn")
+        return;
     Sleep(kExclusionWaitMs);
     model_->SetFocusPerson(0);
 }
 
 int HomePage::AddCustomItem(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
     auto* group = FindAs<CContainerUI>(kGroup);
-    if (!group) return -1;
+    if (!group)
+        return -1;
     const int count = group->GetCount();
     group->AddAt(MakeCell(name, thumbnailPath, isVideo), count - 1);
     RelayoutGallery(count + 1);
@@ -166,8 +172,10 @@ bool HomePage::DelBackgroudItem(int index, const std::wstring& path) {
 
 void HomePage::RelayoutGallery(int count) {
     const auto height = GalleryHeightFor(count);
-    if (!height) return;
-    if (CControlUI* group = Find(kGroup)) group->SetMinHeight(height->groupMinHeight);
+    if (!height)
+        return;
+    if (CControlUI* group = Find(kGroup))
+        group->SetMinHeight(height->groupMinHeight);
     if (CControlUI* section = Find(L"virtual_background")) {
         section->SetAttribute(L"height", std::to_wstring(height->sectionHeight));
     }
@@ -175,9 +183,11 @@ void HomePage::RelayoutGallery(int count) {
 
 bool HomePage::HideDelButton(const std::wstring& previousName, const std::wstring& currentName) {
     const std::wstring previous = CustomItemName(previousName);
-    if (previous == CustomItemName(currentName)) return false;
+    if (previous == CustomItemName(currentName))
+        return false;
     CControlUI* button = Find(previous + kDeleteSuffix);
-    if (!button) return false;
+    if (!button)
+        return false;
     button->SetVisible(false);
     return true;
 }
@@ -185,24 +195,30 @@ bool HomePage::HideDelButton(const std::wstring& previousName, const std::wstrin
 void HomePage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
     if (const std::size_t item = name.find(kItemSuffix); item != std::wstring::npos) {
-        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix)) button->SetVisible(true);
+        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix))
+            button->SetVisible(true);
     }
     ShowToolTip(msg.sender, true);
 }
 
-void HomePage::OnMouseLeave(DuiLib::TNotifyUI& msg) { ShowToolTip(msg.sender, false); }
+void HomePage::OnMouseLeave(DuiLib::TNotifyUI& msg) {
+    ShowToolTip(msg.sender, false);
+}
 
 void HomePage::OnScroll(DuiLib::TNotifyUI&) {
-    if (!Owner()) return;
+    if (!Owner())
+        return;
     for (const PageHost::Hint hint : {PageHost::Hint::Option, PageHost::Hint::DeleteButton}) {
-        if (HintWindow* window = Owner()->GetHint(hint)) window->Show(false);
+        if (HintWindow* window = Owner()->GetHint(hint))
+            window->Show(false);
     }
 }
 
 void HomePage::ShowToolTip(CControlUI* sender, bool show) {
     const std::wstring& name = sender->GetName();
     const DuiLib::UICulture& culture = *DuiLib::UICulture::GetInstance();
-    if (const wchar_t* key = LabelKey(name)) ShowHint(PageHost::Hint::Option, sender, culture.GetString(key), show);
+    if (const wchar_t* key = LabelKey(name))
+        ShowHint(PageHost::Hint::Option, sender, culture.GetString(key), show);
     if (IsDeleteButton(name)) {
         ShowHint(PageHost::Hint::DeleteButton, sender, culture.GetString(L"IDS_LUMI_DELETE"), show);
     }

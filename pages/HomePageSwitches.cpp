@@ -28,32 +28,44 @@ void HomePage::ClickSwitch(DuiLib::CControlUI* sender, std::int32_t stored) {
     const std::wstring name = sender->GetName();
     LogLine(3, L"HomePage::OnClick", L"Click Set Camera State btnName:", name);
     const std::int32_t state = stored == 1 ? 0 : 1;
-    if (name == kCameraSwitch) model_->SetCameraSwitch(state);
-    if (name == kFocusPerson) model_->SetFocusPerson(state);
-    if (name == kCorrectSight) model_->SetCorrectSight(state);
-    if (name == kBeautyPerson) model_->SetBeautyPerson(state);
-    if (name != kCameraSwitch) SwitchExclusion(state, name);
+    if (name == kCameraSwitch)
+        model_->SetCameraSwitch(state);
+    if (name == kFocusPerson)
+        model_->SetFocusPerson(state);
+    if (name == kCorrectSight)
+        model_->SetCorrectSight(state);
+    if (name == kBeautyPerson)
+        model_->SetBeautyPerson(state);
+    if (name != kCameraSwitch)
+        SwitchExclusion(state, name);
     switchStates_[name] = state;
     RedrawSwitch(sender, state);
 }
 
 void HomePage::SwitchExclusion(std::int32_t state, const std::wstring& name) {
-    if (state != 1) return;
+    if (state != 1)
+        return;
     Sleep(kExclusionWaitMs);
-    if (name == kFocusPerson) model_->SelectBackground(L"none_background_btn");
-    if (name == kBeautyPerson) model_->SetCorrectSight(0);
-    if (name == kCorrectSight) model_->SetBeautyPerson(0);
+    if (name == kFocusPerson)
+        model_->SelectBackground(L"none_background_btn");
+    if (name == kBeautyPerson)
+        model_->SetCorrectSight(0);
+    if (name == kCorrectSight)
+        model_->SetBeautyPerson(0);
 }
 
 void HomePage::RedrawSwitch(DuiLib::CControlUI* control, std::int32_t state) {
     auto* button = dynamic_cast<DuiLib::CButtonUI*>(control);
-    if (!button) return;
+    if (!button)
+        return;
     const bool on = state == 1;
     button->SetNormalImage(switchImages_[on ? 0 : 3]);
     button->SetHotImage(switchImages_[on ? 1 : 4]);
     button->SetChecked(on);
-    if (button->GetName() != kBeautyPerson) return;
-    if (DuiLib::CControlUI* sliders = Find(L"beauty_sliders")) sliders->SetMaxHeight(on ? kSlidersHeight : 0);
+    if (button->GetName() != kBeautyPerson)
+        return;
+    if (DuiLib::CControlUI* sliders = Find(L"beauty_sliders"))
+        sliders->SetMaxHeight(on ? kSlidersHeight : 0);
     if (DuiLib::CControlUI* panel = Find(L"beauty_layout")) {
         panel->SetFixedHeight(on ? kSwitchRowHeight + kSlidersHeight : kSwitchRowHeight);
     }
@@ -67,7 +79,9 @@ void HomePage::OnBeautyKind(GlobalUtils::BeautyKind kind) {
         {BeautyKind::kEye, {L"slider_eye", &HomeService::SetBeautyEye}},
         {BeautyKind::kFace, {L"slider_face", &HomeService::SetBeautyThin}}};
     const auto row = rows.find(kind);
-    if (row == rows.end()) return;
+    if (row == rows.end())
+        return;
     const auto& [sliderName, setLevel] = row->second;
-    if (const auto* slider = FindAs<DuiLib::CProgressUI>(sliderName)) (model_->*setLevel)(slider->GetValue());
+    if (const auto* slider = FindAs<DuiLib::CProgressUI>(sliderName))
+        (model_->*setLevel)(slider->GetValue());
 }

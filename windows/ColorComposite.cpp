@@ -2,7 +2,9 @@
 
 namespace {
 
-float Channel(std::uint32_t color, int shift) { return static_cast<float>((color >> shift) & 0xFF) / 255.0F; }
+float Channel(std::uint32_t color, int shift) {
+    return static_cast<float>((color >> shift) & 0xFF) / 255.0F;
+}
 
 }  // namespace
 

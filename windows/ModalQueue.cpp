@@ -15,9 +15,11 @@ struct ModalQueue::State {
     void Add(Request request) {
         const bool known = std::any_of(requests.begin(), requests.end(),
                                        [&](const Request& other) { return other.key == request.key; });
-        if (!alive || known) return;
+        if (!alive || known)
+            return;
         requests.push_back(std::move(request));
-        if (!showing) ShowAll();
+        if (!showing)
+            ShowAll();
     }
 
     // The request that is shown stays at the front, so that its key is known while it is.
@@ -26,7 +28,8 @@ struct ModalQueue::State {
         while (alive && !requests.empty()) {
             const std::function<void()> show = requests.front().show;
             show();
-            if (!requests.empty()) requests.pop_front();
+            if (!requests.empty())
+                requests.pop_front();
         }
         showing = false;
     }

@@ -39,17 +39,22 @@ std::wstring& HoveredName() {
 
 }  // namespace
 
-PxMainWnd::PxMainWnd() : switcher_(std::make_unique<PageSwitcher>()) { SetCurrent(this); }
+PxMainWnd::PxMainWnd() : switcher_(std::make_unique<PageSwitcher>()) {
+    SetCurrent(this);
+}
 
 PxMainWnd::~PxMainWnd() {
     pages_.clear();
-    for (const std::wstring& name : virtualWndNames_) RemoveVirtualWnd(name);
+    for (const std::wstring& name : virtualWndNames_)
+        RemoveVirtualWnd(name);
     switcher_.reset();
     virtualWndNames_.clear();
     SetCurrent(nullptr);
 }
 
-const wchar_t* PxMainWnd::GetWindowClassName() const { return WindowStart::kWindowClass; }
+const wchar_t* PxMainWnd::GetWindowClassName() const {
+    return WindowStart::kWindowClass;
+}
 
 void PxMainWnd::Run(HINSTANCE instance) {
     WindowStart::MakeDpiAware(L"PxMainWnd");
@@ -65,18 +70,23 @@ void PxMainWnd::Run(HINSTANCE instance) {
     DuiLib::CPaintManagerUI::MessageLoop();
 }
 
-void PxMainWnd::ActivateExisting() { WindowStart::ActivateWindow(GetWindowClassName()); }
+void PxMainWnd::ActivateExisting() {
+    WindowStart::ActivateWindow(GetWindowClassName());
+}
 
 void PxMainWnd::InitWindow() {
     AddPage(PageNames::kHome, std::make_unique<HomePage>(&PaintManager()));
     AddPage(PageNames::kIntroduction, std::make_unique<IntroductionPage>(&PaintManager()));
-    if (switcher_) switcher_->Select(PageNames::kHome, true);
-    for (const auto& [name, page] : pages_) page->Initialize();
+    if (switcher_)
+        switcher_->Select(PageNames::kHome, true);
+    for (const auto& [name, page] : pages_)
+        page->Initialize();
 }
 
 void PxMainWnd::AddPage(const std::wstring& name, std::unique_ptr<PageBase> page) {
     pages_[name] = std::move(page);
-    if (switcher_) switcher_->Register(name, [this](const std::wstring& shown) { ShowTab(shown); });
+    if (switcher_)
+        switcher_->Register(name, [this](const std::wstring& shown) { ShowTab(shown); });
 }
 
 PageBase* PxMainWnd::FindPage(const std::wstring& name) const {
@@ -86,7 +96,8 @@ PageBase* PxMainWnd::FindPage(const std::wstring& name) const {
 
 void PxMainWnd::ShowTab(const std::wstring& name) {
     PageBase* page = FindPage(name);
-    if (!page) return;
+    if (!page)
+        return;
     page->SelectTab(PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container"), this);
     if (std::find(virtualWndNames_.begin(), virtualWndNames_.end(), name) == virtualWndNames_.end()) {
         virtualWndNames_.push_back(name);
@@ -110,10 +121,13 @@ void PxMainWnd::Notify(DuiLib::TNotifyUI& msg) {
 }
 
 void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
-    if (!msg.sender) return;
+    if (!msg.sender)
+        return;
     const std::wstring& name = msg.sender->GetName();
-    if (name == L"minbtn") SendMessage(WM_SYSCOMMAND, SC_MINIMIZE);
-    if (name == L"closebtn") WindowStart::CloseAndQuit(GetHWND());
+    if (name == L"minbtn")
+        SendMessage(WM_SYSCOMMAND, SC_MINIMIZE);
+    if (name == L"closebtn")
+        WindowStart::CloseAndQuit(GetHWND());
 }
 
 LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
@@ -123,7 +137,8 @@ LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
 }
 
 LRESULT PxMainWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
-    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam)) return hit;
+    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam))
+        return hit;
     return WindowStart::HitTestControls(PaintManager(), lParam);
 }
 
@@ -139,22 +154,26 @@ LRESULT PxMainWnd::OnLButtonUp(WPARAM, LPARAM lParam, bool& handled) {
     DuiLib::CPaintManagerUI& manager = PaintManager();
     // While a control has the capture the release is its own, wherever the pointer is by then.
     DuiLib::CControlUI* control = manager.GetCapture();
-    if (!control) control = manager.FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+    if (!control)
+        control = manager.FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
     auto* button = dynamic_cast<DuiLib::CButtonUI*>(control);
-    if (!button || button->GetName() != L"custom_background_btn") return 0;
-    if (!(button->GetState() & DuiLib::kStateCaptured)) return 0;
+    if (!button || button->GetName() != L"custom_background_btn")
+        return 0;
+    if (!(button->GetState() & DuiLib::kStateCaptured))
+        return 0;
 
     button->SetState(button->GetState() & ~(DuiLib::kStatePushed | DuiLib::kStateCaptured));
     manager.ReleaseCapture();
     manager.SendNotify(button, DuiLib::NotifyType::kClick);
     handled = true;
-    if (PageBase* home = FindPage(PageNames::kHome); home && home->GetRoot()) home->GetRoot()->NeedUpdate();
+    if (PageBase* home = FindPage(PageNames::kHome); home && home->GetRoot())
+        home->GetRoot()->NeedUpdate();
     return 0;
 }
 
 void PxMainWnd::PublishMove() {
-    using GlobalUtils::WndMoveKind;
     using GlobalUtils::PreviewPlaceKind;
+    using GlobalUtils::WndMoveKind;
     KindNotifier<WndMoveKind>::GetInstance().Publish(GlobalUtils::kWndMoveChannel, WndMoveKind::kMoved);
     KindNotifier<PreviewPlaceKind>::GetInstance().Publish(GlobalUtils::kPreviewPlaceChannel,
                                                           PreviewPlaceKind::kPlaceAgain);
@@ -197,20 +216,23 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void PxMainWnd::TrackHover(LPARAM lParam) {
-    const DuiLib::CControlUI* control =
-        PaintManager().FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+    const DuiLib::CControlUI* control = PaintManager().FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
     auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome));
-    if (!control || control->GetName().empty() || !home) return;
+    if (!control || control->GetName().empty() || !home)
+        return;
     const std::wstring current = control->GetName();
     home->HideDelButton(HoveredName(), current);
     HoveredName() = current;
 }
 
 void PxMainWnd::ShowPage(const std::wstring& name, int) {
-    if (switcher_) switcher_->Select(name, false);
+    if (switcher_)
+        switcher_->Select(name, false);
 }
 
-void PxMainWnd::ShowFirstPage() { ShowPage(PageNames::kHome, 0); }
+void PxMainWnd::ShowFirstPage() {
+    ShowPage(PageNames::kHome, 0);
+}
 
 void PxMainWnd::CloseWindow() {
     DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
@@ -219,7 +241,8 @@ void PxMainWnd::CloseWindow() {
 void PxMainWnd::ShowMessage(MessageBoxKind kind) {
     modals_.Show(static_cast<std::int32_t>(kind), [this, kind] {
         const wchar_t* key = MessageTextKey(kind);
-        if (!key) return;
+        if (!key)
+            return;
         SimpleMessageBox box(&PaintManager());
         box.SetContent(DuiLib::UICulture::GetInstance()->GetString(key));
         box.ShowBox();
@@ -243,6 +266,7 @@ void PxMainWnd::ShowLimitNotice() {
 }
 
 HintWindow* PxMainWnd::GetHint(Hint hint) {
-    if (hint == Hint::DeleteButton) return &DelButtonToolTip::GetInstance(&PaintManager());
+    if (hint == Hint::DeleteButton)
+        return &DelButtonToolTip::GetInstance(&PaintManager());
     return &ToolTipWnd::GetInstance(&PaintManager());
 }

@@ -40,9 +40,9 @@ class ToolTipWnd : public DuiLib::WindowImplBase, public HintWindow {
   private:
     int OwnerDpi() const;
 
-    DuiLib::CControlUI* anchor_ = nullptr;        // borrowed; null while hidden
-    DuiLib::CPaintManagerUI* owner_ = nullptr;    // borrowed; the main window's, which outlives every hint
-    int xPx_ = 0, yPx_ = 0;                       // screen coordinates
-    UINT dpi_ = 0;                                // that the popup was made for
+    DuiLib::CControlUI* anchor_ = nullptr;      // borrowed; null while hidden
+    DuiLib::CPaintManagerUI* owner_ = nullptr;  // borrowed; the main window's, which outlives every hint
+    int xPx_ = 0, yPx_ = 0;                     // screen coordinates
+    UINT dpi_ = 0;                              // that the popup was made for
     const wchar_t* const title_;
 };

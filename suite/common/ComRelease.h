@@ -5,7 +5,8 @@
 // Releases what the pointer holds, if anything, and makes it null.
 template <typename Interface>
 void ComRelease(Interface*& object) {
-    if (!object) return;
+    if (!object)
+        return;
     object->Release();
     object = nullptr;
 }
