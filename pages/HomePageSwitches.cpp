@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "DuiLib/ButtonUI.h"
+#include "DuiLib/ContainerUI.h"
 #include "DuiLib/ProgressUI.h"
 #include "pages/HomePage.h"
 #include "service/HomeService.h"
@@ -40,6 +41,9 @@ void HomePage::ClickSwitch(DuiLib::CControlUI* sender, std::int32_t stored) {
         SwitchExclusion(state, name);
     switchStates_[name] = state;
     RedrawSwitch(sender, state);
+    // The panel that opens is below the window's edge on most screens: bring it into sight.
+    DuiLib::CControlUI* panel = name == kBeautyPerson ? Find(L"beauty_layout") : nullptr;
+    if (state == 1 && panel && panel->GetParent()) panel->GetParent()->EnsureVisible(*panel);
 }
 
 void HomePage::SwitchExclusion(std::int32_t state, const std::wstring& name) {

@@ -1,5 +1,7 @@
 #include "windows/ColorComposite.h"
 
+#include <initializer_list>
+
 namespace {
 
 float Channel(std::uint32_t color, int shift) {

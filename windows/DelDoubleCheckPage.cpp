@@ -1,7 +1,8 @@
 #include "windows/DelDoubleCheckPage.h"
 
-#include <utility>
+#include <initializer_list>
 
+#include "service/HomeService.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/ColorComposite.h"
 
@@ -22,8 +23,8 @@ bool IsOneOf(const std::wstring& name, std::initializer_list<const wchar_t*> nam
 
 }  // namespace
 
-DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner, DeleteItem deleteItem)
-    : owner_(owner), deleteItem_(std::move(deleteItem)) {
+DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner)
+    : owner_(owner), model_(HomeService::GetInstance()) {
     if (!owner_) {
         LogLine(4, L"DelDoubleCheckPage::DelDoubleCheckPage", L"paintMgr is nullptr");
         return;
@@ -60,7 +61,8 @@ const DuiLib::CNotifyPump::NotifyMap& DelDoubleCheckPage::GetMessageMap() const 
 void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring name = msg.sender->GetName();
     if (name == L"confirm") {
-        deleteItem_(itemName_);
+        if (model_)
+            model_->DeleteCustomBackground(itemName_);
         Close(1);
     } else if (name == L"cancel") {
         itemName_.clear();

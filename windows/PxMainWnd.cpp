@@ -3,6 +3,10 @@
 #include <windowsx.h>
 #include <wtsapi32.h>
 
+#include <algorithm>
+#include <exception>
+#include <thread>
+
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/UICulture.h"
 #include "DuiLib/UIMainQueue.h"
@@ -11,6 +15,7 @@
 #include "pages/PageNames.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
+#include "suite/logger/QxLogger.h"
 #include "windows/DelButtonToolTip.h"
 #include "windows/DelDoubleCheckPage.h"
 #include "windows/MessageTexts.h"
@@ -213,6 +218,18 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
     }
     return WindowImplBase::HandleMessage(message, wParam, lParam);
+}
+
+void PxMainWnd::RegisterVideoThumbnail() {
+    // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
+    std::thread([this] {
+        try {
+            const HomeService* model = HomeService::GetInstance();
+            if (model) thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+        } catch (const std::exception& error) {
+            LogLine(4, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+        }
+    }).join();
 }
 
 void PxMainWnd::TrackHover(LPARAM lParam) {

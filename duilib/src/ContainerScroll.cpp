@@ -81,6 +81,9 @@ bool CContainerUI::ScrollTo(Point px) {
     scrollPx_ = wanted;
     Arrange();
     Invalidate();
+    if (GetManager() != nullptr) {
+        GetManager()->NeedUpdate();  // another control may lie under the pointer now
+    }
     SendNotify(NotifyType::kScroll);
     return true;
 }

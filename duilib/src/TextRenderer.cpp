@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ShapedText.h"
+
 namespace DuiLib {
 namespace {
 
@@ -56,6 +58,10 @@ Rect PlaceOfBlock(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
 }
 
 void DrawPrepared(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
+    if (NeedsShaping(text)) {
+        DrawShaped(dc, text, px, style);
+        return;
+    }
     const Rect place = PlaceOfBlock(dc, text, px, style);
     RECT rect{place.left, place.top, place.right, place.bottom};
     if ((style & DT_SINGLELINE) == 0) {
@@ -74,6 +80,9 @@ Size MeasureText(HDC dc, HFONT font, std::wstring_view text, int widthPx, UINT s
     RECT rect{0, 0, std::max(widthPx, 1), 0};
     // An ellipsis would be measured as the text that is left.
     const UINT measured = Cleaned(style) & ~(DT_VCENTER | DT_BOTTOM | DT_END_ELLIPSIS | DT_EDITCONTROL);
+    if (NeedsShaping(text)) {
+        return MeasureShaped(dc, text, widthPx, measured);
+    }
     ::DrawTextW(dc, text.data(), LengthOf(text), &rect, measured | DT_CALCRECT);
     return {static_cast<int>(rect.right - rect.left), static_cast<int>(rect.bottom - rect.top)};
 }

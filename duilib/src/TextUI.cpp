@@ -10,6 +10,7 @@
 #include "DuiLib/PaintManagerUI.h"
 #include "FontTable.h"
 #include "HtmlLayout.h"
+#include "ShapedText.h"
 
 namespace DuiLib {
 
@@ -44,17 +45,15 @@ HFONT FontOf(const FontTable& fonts, int font, const HtmlRun& look) {
 // Measures with the fonts that the text is drawn with.
 class GdiMeasurer final : public TextMeasurer {
   public:
-    GdiMeasurer(HDC dc, const FontTable& fonts, int font)
-        : dc_(dc), fonts_(fonts), font_(font), original_(::GetCurrentObject(dc, OBJ_FONT)) {}
+    GdiMeasurer(HDC dc, const FontTable& fonts, int font, bool rightToLeft)
+        : dc_(dc), fonts_(fonts), font_(font), rightToLeft_(rightToLeft), original_(::GetCurrentObject(dc, OBJ_FONT)) {}
     ~GdiMeasurer() { ::SelectObject(dc_, original_); }
     GdiMeasurer(const GdiMeasurer&) = delete;
     GdiMeasurer& operator=(const GdiMeasurer&) = delete;
 
     int WidthPx(std::wstring_view text, const HtmlRun& look) override {
         Select(look);
-        SIZE size{};
-        ::GetTextExtentPoint32W(dc_, text.data(), static_cast<int>(text.size()), &size);
-        return static_cast<int>(size.cx);
+        return LineWidthPx(dc_, text, rightToLeft_);
     }
     int AscentPx(const HtmlRun& look) override {
         Select(look);
@@ -78,6 +77,7 @@ class GdiMeasurer final : public TextMeasurer {
     HDC dc_;
     const FontTable& fonts_;
     int font_;
+    bool rightToLeft_;
     HGDIOBJ original_;
     HFONT selected_ = nullptr;
     TEXTMETRICW metrics_{};
@@ -170,7 +170,7 @@ void CTextUI::Arrange(int widthPx) const {
         return;
     }
     arranged_ = wanted;
-    GdiMeasurer measurer(GetManager()->GetPaintDC(), GetManager()->Fonts(), GetFont());
+    GdiMeasurer measurer(GetManager()->GetPaintDC(), GetManager()->Fonts(), GetFont(), wanted.rightToLeft);
     const auto align = GetAlign() == HAlign::Left     ? HtmlLayout::Align::Near
                        : GetAlign() == HAlign::Center ? HtmlLayout::Align::Center
                                                       : HtmlLayout::Align::Far;

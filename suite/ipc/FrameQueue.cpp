@@ -14,14 +14,18 @@ bool FrameQueue::Push(std::vector<std::uint8_t> frame) {
     return true;
 }
 
-std::vector<std::uint8_t> FrameQueue::Pop() {
-    if (frames_.empty()) {
-        return {};
+std::vector<std::uint8_t> FrameQueue::Pop(std::size_t mostBytes) {
+    std::vector<std::uint8_t> bytes;
+    while (!frames_.empty() && (bytes.empty() || bytes.size() + frames_.front().size() <= mostBytes)) {
+        if (bytes.empty()) {
+            bytes = std::move(frames_.front());
+        } else {
+            bytes.insert(bytes.end(), frames_.front().begin(), frames_.front().end());
+        }
+        frames_.pop_front();
     }
-    std::vector<std::uint8_t> frame = std::move(frames_.front());
-    frames_.pop_front();
-    bytes_ -= frame.size();
-    return frame;
+    bytes_ -= bytes.size();
+    return bytes;
 }
 
 void FrameQueue::Clear() {

@@ -17,8 +17,9 @@ class FrameQueue {
 
     // False when the queue is full; the frame is then dropped.
     [[nodiscard]] bool Push(std::vector<std::uint8_t> frame);
-    // The oldest frame; empty when there is none.
-    std::vector<std::uint8_t> Pop();
+    // The oldest frames, one behind the other: at least one, and more while they are no more than `mostBytes`. Empty
+    // when there is none.
+    std::vector<std::uint8_t> Pop(std::size_t mostBytes);
     void Clear();
     bool Empty() const { return frames_.empty(); }
 

@@ -16,6 +16,7 @@ namespace suite {
 namespace {
 
 constexpr std::size_t kCodeSlot = 2;
+constexpr std::size_t kWriteSize = 16384;  // of small frames that travel together
 constexpr RetrySchedule::TimeMs kNever = std::numeric_limits<RetrySchedule::TimeMs>::max();
 
 RetrySchedule::TimeMs Now() {
@@ -155,17 +156,20 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
     TimeMs writeDeadline = Now() + kFrameDeadlineMs;
     TimeMs frameDeadline = kNever;
     TimeMs stopDeadline = kNever;
-    if (!stream.StartWrite(PipeFrame::EncodeHello(clientId_)) || !stream.StartRead()) {
+    if (!stream.StartRead()) {
         return Ending::kLost;
+    }
+    if (!stream.StartWrite(PipeFrame::EncodeHello(clientId_))) {
+        return DeliverRest(stream, decoder);
     }
     for (;;) {
         bool stopping = false;
         if (stream.Writing()) {
             stopping = Stopping();
-        } else if (std::vector<std::uint8_t> frame = TakeFrame(stopping); !frame.empty()) {
+        } else if (std::vector<std::uint8_t> frames = TakeFrames(stopping); !frames.empty()) {
             writeDeadline = Now() + kFrameDeadlineMs;
-            if (!stream.StartWrite(std::move(frame))) {
-                return Ending::kLost;
+            if (!stream.StartWrite(std::move(frames))) {
+                return DeliverRest(stream, decoder);
             }
         } else if (stopping) {
             return Ending::kStopped;
@@ -182,7 +186,7 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
         // A deadline counts only for what is not done: this thread may have been in a callback meanwhile.
         if (IsSignalled(stream.WriteEvent())) {
             if (!stream.FinishWrite()) {
-                return Ending::kLost;
+                return DeliverRest(stream, decoder);
             }
         } else if (Now() >= writeUntil) {
             return Ending::kNotRead;
@@ -198,6 +202,18 @@ PipeLink::Ending PipeLink::Exchange(PipeStream& stream) {
             return Ending::kHalfFrame;
         }
     }
+}
+
+// The server is gone, but what it sent before may still be in the pipe.
+PipeLink::Ending PipeLink::DeliverRest(PipeStream& stream, PipeFrame::Decoder& decoder) {
+    const TimeMs until = Now() + kDrainDeadlineMs;
+    TimeMs frameDeadline = kNever;
+    while (!Stopping() && WaitForSingleObject(stream.ReadEvent(), TimeoutUntil(until)) == WAIT_OBJECT_0) {
+        if (const std::optional<Ending> ending = DeliverInput(stream, decoder, frameDeadline)) {
+            return *ending;
+        }
+    }
+    return Ending::kLost;
 }
 
 // Nothing: the connection goes on.
@@ -233,10 +249,10 @@ std::optional<PipeLink::Ending> PipeLink::DeliverInput(PipeStream& stream, PipeF
     return stream.StartRead() ? std::nullopt : std::optional(Ending::kLost);
 }
 
-std::vector<std::uint8_t> PipeLink::TakeFrame(bool& stopping) {
+std::vector<std::uint8_t> PipeLink::TakeFrames(bool& stopping) {
     const std::lock_guard lock(mutex_);
     stopping = stopping_;
-    return queue_.Pop();
+    return queue_.Pop(kWriteSize);
 }
 
 bool PipeLink::Stopping() {

@@ -25,7 +25,8 @@ namespace suite {
 
 class PipeLink {
   public:
-    // A frame that is begun, in either direction, has to be through after this time, else the connection is dropped.
+    // What is begun, one write or the reading of one frame, has to be through after this time, else the connection is
+    // dropped.
     static constexpr RetrySchedule::TimeMs kFrameDeadlineMs = 2000;
     // How long Stop lets a server take what is still queued.
     static constexpr RetrySchedule::TimeMs kDrainDeadlineMs = 250;
@@ -50,8 +51,9 @@ class PipeLink {
     Handle WaitForPipe();
     void Serve(Handle pipe);
     Ending Exchange(PipeStream& stream);
+    Ending DeliverRest(PipeStream& stream, PipeFrame::Decoder& decoder);
     std::optional<Ending> DeliverInput(PipeStream& stream, PipeFrame::Decoder& decoder, TimeMs& frameDeadline);
-    std::vector<std::uint8_t> TakeFrame(bool& stopping);
+    std::vector<std::uint8_t> TakeFrames(bool& stopping);
     bool Stopping();
     void Tell(Ending ending, DWORD error);
 

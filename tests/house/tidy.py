@@ -59,7 +59,7 @@ def main():
             return []
         database = compiled[path]
         flags = cross if "windows" in database else []
-        result = subprocess.run(["clang-tidy", "--quiet", "-p", database, *flags, "--extra-arg=-Wno-everything", path],
+        result = subprocess.run(["clang-tidy", "--quiet", "-p", database, *flags, "--extra-arg=-Wno-everything", "--extra-arg=-Wno-unknown-warning-option", path],
                                 capture_output=True, text=True)
         findings = [line for line in result.stdout.splitlines() if re.search(r": (error|warning): ", line)]
         if not findings and result.returncode == 0:

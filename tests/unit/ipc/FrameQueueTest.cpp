@@ -12,9 +12,19 @@ TEST(FrameQueue, KeepsTheOrder) {
     FrameQueue queue;
     EXPECT_TRUE(queue.Push({1}));
     EXPECT_TRUE(queue.Push({2, 2}));
-    EXPECT_EQ(queue.Pop(), Bytes({1}));
-    EXPECT_EQ(queue.Pop(), Bytes({2, 2}));
-    EXPECT_EQ(queue.Pop(), Bytes());
+    EXPECT_EQ(queue.Pop(0), Bytes({1})) << "at least one, however large";
+    EXPECT_EQ(queue.Pop(0), Bytes({2, 2}));
+    EXPECT_EQ(queue.Pop(0), Bytes());
+}
+
+TEST(FrameQueue, SmallFramesTravelTogether) {
+    FrameQueue queue;
+    for (const Bytes& frame : {Bytes{1}, Bytes{2, 2}, Bytes{3}, Bytes{4}}) {
+        EXPECT_TRUE(queue.Push(frame));
+    }
+    EXPECT_EQ(queue.Pop(4), Bytes({1, 2, 2, 3}));
+    EXPECT_EQ(queue.Pop(4), Bytes({4}));
+    EXPECT_TRUE(queue.Empty());
 }
 
 TEST(FrameQueue, TakesNoMoreFramesThanItsLimit) {
@@ -23,7 +33,7 @@ TEST(FrameQueue, TakesNoMoreFramesThanItsLimit) {
         ASSERT_TRUE(queue.Push({1}));
     }
     EXPECT_FALSE(queue.Push({1}));
-    queue.Pop();
+    queue.Pop(0);
     EXPECT_TRUE(queue.Push({1}));
     EXPECT_FALSE(queue.Push({1}));
 }

@@ -107,6 +107,33 @@ TEST_F(ClientFaultTest, LastMessageOfAnEndingServerArrives) {
     EXPECT_TRUE(inbox.WaitFor(1));
 }
 
+// The client learns of the server's end by a write that fails, before it has read everything.
+TEST_F(ClientFaultTest, LastMessageArrivesThoughWritingFails) {
+    Signal entered;
+    Signal release;
+    Inbox inbox;
+    auto server = std::make_unique<RawPipe>(PipeName());
+    IPCMessageClient client(1, true, false, PipeName());
+    client.RegisterMessageCallback(5, [&](TagIPCMessageItem&) {
+        entered.Set();
+        EXPECT_TRUE(release.Wait());
+    });
+    client.RegisterMessageCallback(6, inbox.Callback());
+    ASSERT_TRUE(server->Accept());
+    EXPECT_EQ(server->Read(16).size(), 16u);
+    ASSERT_TRUE(server->Write(*PipeFrame::EncodeMessage(Message(5))));
+    ASSERT_TRUE(entered.Wait());
+    const Bytes payload(40000);  // more than one read takes
+    TagIPCMessageItem last = Message(6);
+    last.slot[6] = static_cast<std::int32_t>(payload.size());
+    last.data = payload.data();
+    ASSERT_TRUE(server->Write(*PipeFrame::EncodeMessage(last)));
+    server.reset();
+    EXPECT_TRUE(client.PostIPCMessage(Ping())) << "the client does not know yet";
+    release.Set();
+    EXPECT_TRUE(inbox.WaitFor(1));
+}
+
 TEST_F(ClientFaultTest, AllInstancesBusy) {
     RawPipe server(PipeName(), 1);
     IPCMessageClient first(1, true, false, PipeName());
@@ -139,6 +166,7 @@ TEST_F(ClientFaultTest, ServerDiesWithinAMessage) {
     IPCMessageClient client(1, true, false, PipeName());
     client.RegisterMessageCallback(5, inbox.Callback());
     ASSERT_TRUE(server->Accept());
+    EXPECT_EQ(server->Read(16), PipeFrame::EncodeHello(1));
     ASSERT_TRUE(server->Write(Bytes(whole.begin(), whole.begin() + 30)));
     server.reset();
     ASSERT_TRUE(WaitForLine("the pipe connection is lost"));

@@ -154,6 +154,7 @@ TEST_F(ClientMessageTest, ThreadsThatPostAtOnce) {
     ASSERT_TRUE(server.Start(PipeName()));
     IPCMessageClient client(1, true, false, PipeName());
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&client, thread] {
             for (int i = 0; i < kEach; ++i) {
