@@ -26,6 +26,32 @@ suite::Handle HoldChangedEvent() {
     return suite::Handle(CreateEventW(nullptr, FALSE, FALSE, SettingNames::kChangedEventName));
 }
 
+// Signals the event when the settings key is deleted or made. Not every system tells that to who watches the key
+// itself, and a round would wait for a key that is gone for good. A key is deleted before its parent, so this catches
+// it all.
+class KeyGuard {
+  public:
+    explicit KeyGuard(HANDLE event) {
+        if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemParentPath, 0, KEY_NOTIFY, &parent_) !=
+            ERROR_SUCCESS) {
+            parent_ = nullptr;
+            return;
+        }
+        RegNotifyChangeKeyValue(parent_, FALSE, REG_NOTIFY_CHANGE_NAME, event, TRUE);
+    }
+    // Signals the event if that did not happen before.
+    ~KeyGuard() {
+        if (parent_ != nullptr) {
+            RegCloseKey(parent_);
+        }
+    }
+    KeyGuard(const KeyGuard&) = delete;
+    KeyGuard& operator=(const KeyGuard&) = delete;
+
+  private:
+    HKEY parent_ = nullptr;
+};
+
 bool KeyExists() {
     return DE::Registry(HKEY_CURRENT_USER).KeyExists(SettingNames::kKeyPath);
 }
@@ -151,26 +177,30 @@ void SettingsWatcher::WatchUntilStopped() {
         if (StopRequested()) {
             return;
         }
-        // For what changed since the last refresh while no round was armed.
-        if (KeyExists()) {
-            DuiLib::UIMainQueue::getInstance()->dispatch([refresher = refresher_] { refresher->RefreshLater(); });
-        }
-
         const auto start = std::chrono::steady_clock::now();
-        const bool noticed = changed && HomeService::WatchSettingsOnce([refresher = refresher_] {
-                                 // Also when the refresh throws, else no change would be noticed any more.
-                                 struct Signal {
-                                     const Refresher& of;
-                                     ~Signal() { of.SignalDone(); }
-                                 } const signal{*refresher};
-                                 refresher->Refresh();
-                             });
+        const bool noticed = changed && Round(changed.Get());
         const auto took = std::chrono::steady_clock::now() - start;
-
         if (noticed) {
             const std::array<HANDLE, 2> either{stop_.Get(), refresher_->Done()};
             WaitForMultipleObjects(either.size(), either.data(), FALSE, INFINITE);
         }
         WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::WaitAfterRound(noticed, took)));
     }
+}
+
+bool SettingsWatcher::Round(HANDLE changed) {
+    const KeyGuard guard(changed);
+    const bool existed = std::exchange(keyExists_, KeyExists());
+    if (existed || keyExists_) {
+        // For what changed since the last refresh while no round was armed.
+        DuiLib::UIMainQueue::getInstance()->dispatch([refresher = refresher_] { refresher->RefreshLater(); });
+    }
+    return HomeService::WatchSettingsOnce([refresher = refresher_] {
+        // Also when the refresh throws, else no change would be noticed any more.
+        struct Signal {
+            const Refresher& of;
+            ~Signal() { of.SignalDone(); }
+        } const signal{*refresher};
+        refresher->Refresh();
+    });
 }

@@ -6,6 +6,7 @@
 //  - its thread holds the named event itself, unsignalled, and clears it before each round;
 //  - a round that fails, or ends sooner than a change explains, is followed by a wait of about a second;
 //  - the next round starts when the refresh of the last one has run, so they cannot pile up behind a busy UI thread;
+//  - a round also ends when the key is deleted, whatever the system tells of that;
 //  - when the next round is armed, one more refresh shows what changed between the two, so the last state always ends
 //    up on the screen.
 // While nothing changes, one thread waits for one event, and no timer runs. While the key is missing, it is looked for
@@ -36,11 +37,14 @@ class SettingsWatcher {
 
     void Run();
     void WatchUntilStopped();
+    // True when it noticed a change, whose refresh is then queued.
+    bool Round(HANDLE changed);
     bool StopRequested() const;
 
     // Constant after construction.
     std::shared_ptr<Refresher> refresher_;  // shared with what is queued on the UI thread
     suite::Handle stop_;                    // manual reset
     suite::Handle ended_;                   // manual reset: the thread watches no more
+    bool keyExists_ = false;                // the thread; when the last round began
     std::thread thread_;
 };

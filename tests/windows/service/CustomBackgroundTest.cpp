@@ -10,7 +10,9 @@ namespace {
 using GlobalUtils::MessageBoxKind;
 using Records = std::vector<CustomImageRecord>;
 
-void MakeFile(const std::filesystem::path& path) { std::ofstream(path) << "content"; }
+void MakeFile(const std::filesystem::path& path) {
+    std::ofstream(path) << "content";
+}
 
 class CustomBackgroundTest : public ServiceTest {
   protected:

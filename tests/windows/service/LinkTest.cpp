@@ -120,8 +120,9 @@ TEST_F(LinkTest, TheRegistryIsWrittenBeforeTheServiceIsTold) {
 
 TEST_F(LinkTest, AChangeOfTheServiceGivesTheObserverASnapshotOnThePipeThread) {
     std::promise<std::pair<FeatureStatusTuple, DWORD>> seen;
-    model_->SetStatusObserver(
-        [&seen](const FeatureStatusTuple& status) { seen.set_value({status, GetCurrentThreadId()}); });
+    model_->SetStatusObserver([&seen](const FeatureStatusTuple& status) {
+        seen.set_value({status, GetCurrentThreadId()});
+    });
     Write(L"lumi_camera_person_track", 1);
     server_.Send(Message(0x4B273B));
     auto future = seen.get_future();
@@ -199,9 +200,8 @@ TEST_F(LinkTest, TheModelEndsWhileMessagesArrive) {
     for (int round = 0; round < 20; ++round) {
         std::promise<void> inside;
         auto once = std::make_shared<std::once_flag>();
-        model_->SetStatusObserver([&inside, once](const FeatureStatusTuple&) {
-            std::call_once(*once, [&inside] { inside.set_value(); });
-        });
+        model_->SetStatusObserver(
+            [&inside, once](const FeatureStatusTuple&) { std::call_once(*once, [&inside] { inside.set_value(); }); });
         for (int i = 0; i < 50; ++i) {
             server_.Send(Message(0x4B273B));
         }

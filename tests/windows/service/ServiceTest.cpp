@@ -12,7 +12,9 @@ namespace {
 
 constexpr const wchar_t* kKey = L"SOFTWARE\\Velmora\\Quillon\\LumiCamera";
 
-std::wstring RegistryName() { return L"SOFTWARE\\PixoraServiceTest-" + std::to_wstring(GetCurrentProcessId()); }
+std::wstring RegistryName() {
+    return L"SOFTWARE\\PixoraServiceTest-" + std::to_wstring(GetCurrentProcessId());
+}
 
 std::string LogText() {
     std::ifstream file(std::filesystem::path(QxLogger::GetInstance()->FilePath()), std::ios::binary);
@@ -21,20 +23,20 @@ std::string LogText() {
 
 }  // namespace
 
-bool PumpUntil(const std::function<bool()>& condition, HANDLE signalled) {
+bool PumpUntil(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + kDeadline;
     while (!condition()) {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        if (left.count() <= 0) {
-            return false;
-        }
-        MsgWaitForMultipleObjects(signalled != nullptr ? 1 : 0, &signalled, FALSE, static_cast<DWORD>(left.count()),
-                                  QS_ALLINPUT);
         MSG message;
         if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             DispatchMessageW(&message);
+            continue;
         }
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        // The condition may also come true by another thread.
+        constexpr DWORD kLookAgainMs = 10;
+        MsgWaitForMultipleObjectsEx(0, nullptr, kLookAgainMs, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     }
     return true;
 }
@@ -78,7 +80,9 @@ void ServiceTest::MakeEmptyKey() {
     RegCloseKey(key);
 }
 
-void ServiceTest::DeleteKey() { ASSERT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, kKey), ERROR_SUCCESS); }
+void ServiceTest::DeleteKey() {
+    ASSERT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, kKey), ERROR_SUCCESS);
+}
 
 bool ServiceTest::KeyExists() {
     HKEY key = nullptr;

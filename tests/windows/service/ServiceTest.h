@@ -33,9 +33,9 @@ struct HomeServiceTestAccess {
     static bool HasTakenASnapshot(HomeService& model) { return !model.indexToBtn_.empty(); }
 };
 
-// Runs messages of the calling thread until the condition holds; false when the deadline passes. The condition is
-// looked at after each message and each `signalled`.
-bool PumpUntil(const std::function<bool()>& condition, HANDLE signalled = nullptr);
+// Runs messages of the calling thread until the condition holds, which is looked at after each; false when the deadline
+// passes.
+bool PumpUntil(const std::function<bool()>& condition);
 
 // Each test has a HKEY_CURRENT_USER of its own, empty at first, and fails when the log gets a line of level 4 that it
 // did not expect.

@@ -5,8 +5,8 @@ namespace {
 
 using GlobalUtils::CustBkgrdInfo;
 using GlobalUtils::FeatureStatus;
-using testing::UnorderedElementsAre;
 using testing::Pair;
+using testing::UnorderedElementsAre;
 
 class StatusTest : public ServiceTest {
   protected:
