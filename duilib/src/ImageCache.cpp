@@ -30,6 +30,7 @@ struct Picture {
     Size sizePx;
     Size sizeDip;
     std::wstring file;                  // empty: registered
+    int percent = 100;                  // of the file's rendition
     std::vector<std::uint32_t> pixels;  // empty: too large to keep, read from the file each time
     bool failed = false;
 };
@@ -101,10 +102,12 @@ class ImageCache::Impl {
             return &known->second.image;
         }
         Picture& picture = Find(image.file);
-        if (picture.failed) {
-            return nullptr;
+        std::vector<std::uint32_t> pixels;
+        if (!picture.pixels.empty()) {
+            pixels = ScaleParts(picture, picture.pixels, image, sizePx);
+        } else if (!picture.failed) {
+            pixels = ReadAndScale(picture, image, sizePx);
         }
-        std::vector<std::uint32_t> pixels = Scale(picture, image, sizePx);
         if (pixels.empty()) {
             return nullptr;
         }
@@ -149,7 +152,7 @@ class ImageCache::Impl {
 
     bool Has(const std::wstring& name) const {
         const auto known = pictures_.find(KeyOf(name));
-        return known != pictures_.end() && !known->second.failed;
+        return known != pictures_.end() && !known->second.failed && known->second.sizePx != Size{};
     }
 
     void Remove(const std::wstring& name) {
@@ -164,25 +167,14 @@ class ImageCache::Impl {
   private:
     using ScaledMap = std::map<ScaledKey, Scaled>;
 
+    // A file's picture is not read yet when it is new.
     Picture& Find(const std::wstring& name) {
-        const std::wstring key = KeyOf(name);
-        const auto known = pictures_.find(key);
-        if (known != pictures_.end()) {
-            return known->second;
-        }
-        Picture& picture = pictures_[key];
-        const PicturePath path = FindPicture(name, dpi_);
-        picture.file = path.file;
-        const HRESULT hr = decoder_.Open(path.file, [&](Size sizePx, const RowReader& read) {
-            picture.sizePx = sizePx;
-            picture.sizeDip = {ScaleBy(sizePx.cx, 100, path.percent), ScaleBy(sizePx.cy, 100, path.percent)};
-            if (static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy) <= kMaxKeptPixels) {
-                picture.pixels = ScaleRows(read, sizePx, sizePx);
-            }
-            return S_OK;
-        });
-        if (FAILED(hr)) {
-            Fail(picture, key, hr);
+        const auto [known, isNew] = pictures_.try_emplace(KeyOf(name));
+        Picture& picture = known->second;
+        if (isNew) {
+            const PicturePath path = FindPicture(name, dpi_);
+            picture.file = path.file;
+            picture.percent = path.percent;
         }
         return picture;
     }
@@ -195,25 +187,19 @@ class ImageCache::Impl {
         }
     }
 
-    // The pixels for a target of that size; empty on failure.
-    std::vector<std::uint32_t> Scale(Picture& picture, const ImageAttribute& image, Size sizePx) {
-        const Rect whole{0, 0, picture.sizePx.cx, picture.sizePx.cy};
-        const Rect part = image.sourceDip ? InPixels(picture, *image.sourceDip).Intersect(whole) : whole;
-        if (part.IsEmpty()) {
-            return {};
-        }
-        if (!picture.pixels.empty()) {
-            return ScaleParts(picture, picture.pixels, image, part, sizePx);
-        }
+    // Opens the file once: a small picture's pixels are kept, those of a large one only pass through the scaler.
+    std::vector<std::uint32_t> ReadAndScale(Picture& picture, const ImageAttribute& image, Size targetPx) {
         std::vector<std::uint32_t> result;
-        const HRESULT hr = decoder_.Open(picture.file, [&](Size nowPx, const RowReader& read) {
-            if (nowPx != picture.sizePx) {
-                return HRESULT_FROM_WIN32(ERROR_FILE_INVALID);  // another file by now
-            }
-            if (part == whole && image.cornerDip == Rect{}) {
-                result = ScaleRows(read, nowPx, sizePx);
+        const HRESULT hr = decoder_.Open(picture.file, [&](Size sizePx, const RowReader& read) {
+            picture.sizePx = sizePx;
+            picture.sizeDip = {ScaleBy(sizePx.cx, 100, picture.percent), ScaleBy(sizePx.cy, 100, picture.percent)};
+            if (static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy) <= kMaxKeptPixels) {
+                picture.pixels = ScaleRows(read, sizePx, sizePx);
+                result = ScaleParts(picture, picture.pixels, image, targetPx);
+            } else if (!image.sourceDip && image.cornerDip == Rect{}) {
+                result = ScaleRows(read, sizePx, targetPx);
             } else {
-                result = ScaleParts(picture, ScaleRows(read, nowPx, nowPx), image, part, sizePx);
+                result = ScaleParts(picture, ScaleRows(read, sizePx, sizePx), image, targetPx);
             }
             return S_OK;
         });
@@ -225,8 +211,10 @@ class ImageCache::Impl {
     }
 
     std::vector<std::uint32_t> ScaleParts(const Picture& picture, const std::vector<std::uint32_t>& pixels,
-                                          const ImageAttribute& image, const Rect& part, Size sizePx) const {
-        if (pixels.empty()) {
+                                          const ImageAttribute& image, Size sizePx) const {
+        const Rect whole{0, 0, picture.sizePx.cx, picture.sizePx.cy};
+        const Rect part = image.sourceDip ? InPixels(picture, *image.sourceDip).Intersect(whole) : whole;
+        if (pixels.empty() || part.IsEmpty()) {
             return {};
         }
         std::vector<std::uint32_t> result(static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy));

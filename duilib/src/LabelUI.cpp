@@ -104,7 +104,7 @@ void CLabelUI::SetDisabledTextColor(DWORD argb) {
 UINT CLabelUI::GetTextStyle() const {
     UINT style = DT_NOPREFIX;
     if (wordWrap_) {
-        style |= DT_WORDBREAK | (endEllipsis_ ? DT_EDITCONTROL : 0);
+        style |= DT_WORDBREAK;
     } else if (GetText().find(L'\n') == std::wstring::npos) {
         style |= DT_SINGLELINE;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ShapedText.h"
+#include "TextBlock.h"
 
 namespace DuiLib {
 namespace {
@@ -44,30 +44,18 @@ UINT Cleaned(UINT style) {
     return (style | DT_NOPREFIX) & ~static_cast<UINT>(DT_CALCRECT | DT_MODIFYSTRING);
 }
 
-// The system aligns only single lines vertically.
-Rect PlaceOfBlock(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
-    if ((style & DT_SINGLELINE) != 0 || (style & (DT_VCENTER | DT_BOTTOM)) == 0) {
-        return px;
-    }
-    RECT needed{0, 0, px.Width(), 0};
-    ::DrawTextW(dc, text.data(), LengthOf(text), &needed, (style & ~(DT_VCENTER | DT_BOTTOM)) | DT_CALCRECT);
-    const int spare = std::max(0, px.Height() - static_cast<int>(needed.bottom - needed.top));
-    Rect place = px;
-    place.top += (style & DT_BOTTOM) != 0 ? spare : spare / 2;
-    return place;
+// The system's own way for what it does well: one line of an ordinary script.
+bool IsSimple(std::wstring_view text, UINT style) {
+    return (style & DT_SINGLELINE) != 0 && !NeedsShaping(text);
 }
 
 void DrawPrepared(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
-    if (NeedsShaping(text)) {
-        DrawShaped(dc, text, px, style);
-        return;
+    if (IsSimple(text, style)) {
+        RECT rect{px.left, px.top, px.right, px.bottom};
+        ::DrawTextW(dc, text.data(), LengthOf(text), &rect, style);
+    } else {
+        DrawBlock(dc, text, px, style);
     }
-    const Rect place = PlaceOfBlock(dc, text, px, style);
-    RECT rect{place.left, place.top, place.right, place.bottom};
-    if ((style & DT_SINGLELINE) == 0) {
-        style &= ~(DT_VCENTER | DT_BOTTOM);
-    }
-    ::DrawTextW(dc, text.data(), LengthOf(text), &rect, style);
 }
 
 }  // namespace
@@ -77,12 +65,12 @@ Size MeasureText(HDC dc, HFONT font, std::wstring_view text, int widthPx, UINT s
         return {};
     }
     const TextSetup setup(dc, font, 0);
-    RECT rect{0, 0, std::max(widthPx, 1), 0};
     // An ellipsis would be measured as the text that is left.
-    const UINT measured = Cleaned(style) & ~(DT_VCENTER | DT_BOTTOM | DT_END_ELLIPSIS | DT_EDITCONTROL);
-    if (NeedsShaping(text)) {
-        return MeasureShaped(dc, text, widthPx, measured);
+    const UINT measured = Cleaned(style) & ~static_cast<UINT>(DT_VCENTER | DT_BOTTOM | DT_END_ELLIPSIS);
+    if (!IsSimple(text, style)) {
+        return MeasureBlock(dc, text, std::max(widthPx, 1), measured);
     }
+    RECT rect{};
     ::DrawTextW(dc, text.data(), LengthOf(text), &rect, measured | DT_CALCRECT);
     return {static_cast<int>(rect.right - rect.left), static_cast<int>(rect.bottom - rect.top)};
 }

@@ -10,7 +10,7 @@
 #include "DuiLib/PaintManagerUI.h"
 #include "FontTable.h"
 #include "HtmlLayout.h"
-#include "ShapedText.h"
+#include "TextBlock.h"
 
 namespace DuiLib {
 
@@ -345,7 +345,7 @@ void CTextUI::PaintFocusRing(Canvas& canvas) const {
     const Point origin = TextOriginPx();
     const int gap = ToPx(kFocusRingGapDip);
     for (const Rect& rect : html_->LinkRects(focusedLink_)) {
-        const Rect around = rect.Offset(origin.x, origin.y).Deflate({-gap, 0, -gap, 0});
+        const Rect around = rect.Offset(origin.x, origin.y).Deflate({-gap, 0, -gap, 0}).Intersect(GetPos());
         canvas.StrokeRect(around, GetManager()->GetWindowSpec().focusColor, std::max(1, ToPx(1)),
                           ToPx(kFocusRingRadiusDip));
     }

@@ -38,7 +38,10 @@ void ApplyWindowShape(HWND window, int radiusPx) {
     }
     RECT rect{};
     if (radiusPx <= 0 || IsZoomed(window) || !GetWindowRect(window, &rect)) {
-        SetWindowRgn(window, nullptr, TRUE);
+        RECT former{};
+        if (GetWindowRgnBox(window, &former) != ERROR) {
+            SetWindowRgn(window, nullptr, TRUE);
+        }
         return;
     }
     // The region's right and bottom edges are not part of it, and the window owns it from here on.

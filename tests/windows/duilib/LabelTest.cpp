@@ -113,6 +113,21 @@ TEST_P(Label, WrappedLinesMakeItHigher) {
     EXPECT_LT(picture.InkWithin(many, kWhite).right, many.right);
 }
 
+TEST_P(Label, ALongWordIsBrokenAndLinesThatDoNotFitEndWithAnEllipsis) {
+    const std::string word =
+        R"(wordwrap="true" valign="top" text="Donaudampfschifffahrtselektrizitätenhauptbetriebswerk" )";
+    EXPECT_GT(Ink(word).bottom, Px(20));
+    EXPECT_LE(Ink(word).right, Px(200));
+    const std::string words =
+        R"(wordwrap="true" valign="top" text="One two three four five six seven eight nine ten eleven twelve thirteen" )";
+    TestWindow window(Layout(words + R"(endellipsis="true")"));
+    const Picture picture = Render(window, Dpi(), L"ellipsis");
+    const Rect ink = picture.InkWithin({0, 0, Px(200), Px(40)}, kWhite);
+    EXPECT_LE(ink.bottom, Px(36));  // two lines, none cut through
+    const Rect dots = picture.InkWithin({ink.right - Px(9), Px(18), ink.right, Px(40)}, kWhite);
+    EXPECT_LE(dots.Height(), Px(4));
+}
+
 TEST_P(Label, ColoursFollowTheState) {
     const auto darkest = [&](const std::string& attributes) {
         TestWindow window(Layout(R"(font="7" text="HHHH" )" + attributes));

@@ -84,6 +84,15 @@ TEST_F(PaintManagerInput, CaptureThatIsTakenAwayIsNoClick) {
     EXPECT_FALSE(window.Got(L"click a"));
 }
 
+TEST_F(PaintManagerInput, AControlThatIsDisabledWhileItIsPressedIsNotClicked) {
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
+    window.Find(L"row").SetEnabled(false);
+    window.Mouse(WM_LBUTTONUP, window.CenterOf(L"a"));
+    EXPECT_FALSE(window.Got(L"click a"));
+    EXPECT_EQ(window.Find(L"a").GetState() & (kStatePushed | kStateCaptured), 0u);
+    EXPECT_EQ(manager.GetCapture(), nullptr);
+}
+
 TEST_F(PaintManagerInput, EscapeEndsADragBeforeItClosesAnything) {
     window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
     window.Key(VK_ESCAPE);
@@ -237,6 +246,28 @@ TEST_F(PaintManagerInput, AControlMayBeRemovedByTheAnswerToItsOwnEvents) {
         EXPECT_EQ(other.PaintManager().GetCapture(), nullptr);
         EXPECT_EQ(GetCapture(), nullptr);
     }
+}
+
+TEST_F(PaintManagerInput, ARemovedControlLivesUntilItsEventIsOver) {
+    static bool destroyed = false;
+    static bool destroyedTooEarly = false;
+    class Doomed : public CControlUI {
+      public:
+        ~Doomed() override { destroyed = true; }
+        void DoEvent(const TEventUI& event) override {
+            if (event.type == EventType::ButtonDown) {
+                GetParent()->Remove(this);
+                destroyedTooEarly = destroyed;
+            }
+        }
+    };
+    auto owned = std::make_unique<Doomed>();
+    owned->SetFixedHeight(40);
+    owned->SetName(L"doomed");
+    window.Find<CContainerUI>(L"root").AddAt(std::move(owned), 0);
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"doomed"), MK_LBUTTON);
+    EXPECT_FALSE(destroyedTooEarly);
+    EXPECT_TRUE(destroyed);
 }
 
 TEST_F(PaintManagerInput, AnItemMayBeRemovedByAClickWithinIt) {

@@ -64,5 +64,22 @@ TEST_F(Showcase, IsMirroredForRightToLeftLanguages) {
     log.ExpectNone();
 }
 
+// To look at and to play with: run it with --gtest_also_run_disabled_tests; Esc closes the window.
+TEST_F(Showcase, DISABLED_StaysOpen) {
+    TestWindow window(layout);
+    window.onNotify = [&](TNotifyUI& msg) {
+        if (msg.type == NotifyType::kClick && msg.sender->GetName() == L"close") {
+            window.Close();
+        }
+    };
+    window.CenterWindow();
+    window.ShowWindow(true, true);
+    MSG msg{};
+    while (window.GetHWND() != nullptr && GetMessageW(&msg, nullptr, 0, 0) > 0) {
+        TranslateMessage(&msg);
+        DispatchMessageW(&msg);
+    }
+}
+
 }  // namespace
 }  // namespace DuiLib::Test

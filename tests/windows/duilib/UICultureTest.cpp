@@ -51,6 +51,28 @@ TEST_F(Culture, BrokenTableIsLoggedAndReadAsFarAsItIsSound) {
     EXPECT_EQ(culture.GetString(L"IDS_A"), L"Gut");
 }
 
+TEST_F(Culture, CommentsAndBlanksOfATableAreNoFaults) {
+    Write(L"de_DE",
+          "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- one --><!-- two -->\n\n<!-- three -->"
+          "<Strings direction=\"ltr\"> <!-- four --> <!-- five --><String id=\"IDS_A\">a<![CDATA[<b>]]>c"
+          "<!-- six --> d</String>\n</Strings>\n<!-- seven -->\n");
+    const LogWatch log;
+    EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"a<b>c d");
+    log.ExpectNone();
+}
+
+TEST_F(Culture, TablesThatEndAnywhereAreLogged) {
+    const std::string whole =
+        R"(<?xml version="1.0"?><!-- c --><Strings direction="ltr"><String id="IDS_A"><![CDATA[x]]>text</String><!-- d --></Strings>)";
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        Write(L"de_DE", whole.substr(0, length));
+        const LogWatch log;
+        EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));  // at least the English one
+        EXPECT_FALSE(log.Failures().empty()) << whole.substr(0, length);
+    }
+}
+
 TEST_F(Culture, MissingTableFallsBackToEnglish) {
     std::filesystem::create_directories(Folder() + L"\\it_IT");
     const LogWatch log;

@@ -1,4 +1,4 @@
-#include "ShapedText.h"
+#include "TextBlock.h"
 
 #include <usp10.h>
 
@@ -108,6 +108,31 @@ std::wstring CutToWidth(HDC dc, std::wstring_view text, int widthPx, bool rightT
     return withEllipsis(low - (halfPair ? 1 : 0));
 }
 
+// The lines that fit, the last of them with an ellipsis where something is left out; empty where all fits. At least the
+// first line is kept.
+std::wstring CutToSize(HDC dc, const HtmlLayout& layout, Size sizePx, bool rightToLeft) {
+    const auto& pieces = layout.Pieces();
+    size_t shown = 0;
+    while (shown < pieces.size() && (shown == 0 || pieces[shown].rectPx.bottom <= sizePx.cy)) {
+        ++shown;
+    }
+    if (shown == 0 || (shown == pieces.size() && layout.SizePx().cx <= sizePx.cx)) {
+        return {};
+    }
+    std::wstring cut;
+    for (size_t i = 0; i < shown; ++i) {
+        const HtmlLayout::Piece& piece = pieces[i];
+        const bool last = i + 1 == shown;
+        // The last line takes what would have stood on the next, as far as there is room.
+        const std::wstring_view line =
+            last ? std::wstring_view(layout.Text().runs[piece.run].text).substr(piece.begin) : layout.TextOf(piece);
+        const bool tooLong = LineWidthPx(dc, line, rightToLeft) > sizePx.cx || (last && shown < pieces.size());
+        cut += tooLong ? CutToWidth(dc, line, sizePx.cx, rightToLeft) : std::wstring(line);
+        cut += last ? L"" : L"\n";
+    }
+    return cut;
+}
+
 }  // namespace
 
 bool NeedsShaping(std::wstring_view text) {
@@ -124,19 +149,19 @@ int LineWidthPx(HDC dc, std::wstring_view text, bool rightToLeft) {
     return PlainWidthPx(dc, text);
 }
 
-Size MeasureShaped(HDC dc, std::wstring_view text, int widthPx, UINT style) {
+Size MeasureBlock(HDC dc, std::wstring_view text, int widthPx, UINT style) {
     return Arranged(dc, text, widthPx, style).SizePx();
 }
 
-void DrawShaped(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
+void DrawBlock(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
     const bool rightToLeft = IsRightToLeft(style);
-    std::wstring cut;
-    if ((style & DT_END_ELLIPSIS) != 0 && (style & DT_SINGLELINE) != 0 &&
-        LineWidthPx(dc, text, rightToLeft) > px.Width()) {
-        cut = CutToWidth(dc, text, px.Width(), rightToLeft);
-        text = cut;
+    HtmlLayout layout = Arranged(dc, text, px.Width(), style);
+    if ((style & DT_END_ELLIPSIS) != 0) {
+        const std::wstring cut = CutToSize(dc, layout, {px.Width(), px.Height()}, rightToLeft);
+        if (!cut.empty()) {
+            layout = Arranged(dc, cut, px.Width(), style);
+        }
     }
-    const HtmlLayout layout = Arranged(dc, text, px.Width(), style);
     const int spare = std::max(0, px.Height() - layout.SizePx().cy);
     const int top = px.top + ((style & DT_BOTTOM) != 0 ? spare : (style & DT_VCENTER) != 0 ? spare / 2 : 0);
     const int saved = ::SaveDC(dc);
