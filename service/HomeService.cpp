@@ -5,26 +5,13 @@
 #include "service/FeatureTables.h"
 #include "service/KindNotifier.h"
 #include "service/SettingsStore.h"
-#include "suite/logger/QxLogger.h"
-
-namespace {
-
-void ReportBeautyAndStopExceptions() {
-    try {
-        HomeService::ReportBeauty();
-    } catch (const std::exception& error) {
-        LogLine(4, L"HomeService::ReportBeauty", L"report failed: ", error.what());
-    }
-}
-
-}  // namespace
 
 HomeService* HomeService::GetInstance() {
     static HomeService instance;
     return &instance;
 }
 
-HomeService::HomeService() : beautyReports_(ReportBeautyAndStopExceptions) {
+HomeService::HomeService() : beautyReports_(&HomeService::ReportBeauty) {
     // Made before this object is complete, so it is destroyed after it: the pipe client's thread may publish until the
     // destructor has ended it.
     KindNotifier<GlobalUtils::MessageBoxKind>::GetInstance();

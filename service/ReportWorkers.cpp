@@ -1,17 +1,16 @@
 #include "service/ReportWorkers.h"
 
-#include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <thread>
 #include <utility>
+
+#include "suite/logger/QxLogger.h"
 
 struct ReportWorkers::State {
     explicit State(std::function<void()> reportToRun) : report(std::move(reportToRun)) {}
 
     const std::function<void()> report;
     std::mutex mutex;
-    std::condition_variable ended;  // a worker has ended
     // Guarded by mutex.
     std::size_t running = 0;
     bool runAgain = false;
@@ -20,41 +19,57 @@ struct ReportWorkers::State {
 ReportWorkers::ReportWorkers(std::function<void()> report) : state_(std::make_shared<State>(std::move(report))) {}
 
 ReportWorkers::~ReportWorkers() {
-    std::unique_lock lock(state_->mutex);
-    state_->ended.wait_for(lock, kExitWait, [this] { return state_->running == 0; });
+    const ULONGLONG deadline = GetTickCount64() + kExitWait.count();
+    for (const suite::Handle& thread : threads_) {
+        const ULONGLONG now = GetTickCount64();
+        WaitForSingleObject(thread.Get(), now < deadline ? static_cast<DWORD>(deadline - now) : 0);
+    }
 }
 
-bool ReportWorkers::Start() {
-    {
+bool ReportWorkers::Start() noexcept {
+    try {
         const std::scoped_lock lock(state_->mutex);
         if (state_->running == kMaxWorkers) {
             state_->runAgain = true;
             return true;
         }
-        ++state_->running;
-    }
-    try {
-        std::thread([state = state_] { Work(*state); }).detach();
-        return true;
+        return StartThread();
     } catch (const std::exception&) {
-        const std::scoped_lock lock(state_->mutex);
-        --state_->running;
         return false;
     }
 }
 
-void ReportWorkers::Work(State& state) noexcept {
+// Called with the mutex held.
+bool ReportWorkers::StartThread() {
+    std::erase_if(threads_,
+                  [](const suite::Handle& thread) { return WaitForSingleObject(thread.Get(), 0) == WAIT_OBJECT_0; });
+    threads_.reserve(threads_.size() + 1);
+    auto state = std::make_unique<std::shared_ptr<State>>(state_);
+    suite::Handle thread(CreateThread(nullptr, 0, &ReportWorkers::ThreadEntry, state.get(), 0, nullptr));
+    if (!thread) {
+        return false;
+    }
+    state.release();  // the thread's now
+    ++state_->running;
+    threads_.push_back(std::move(thread));
+    return true;
+}
+
+DWORD WINAPI ReportWorkers::ThreadEntry(void* state) {
+    const std::unique_ptr<std::shared_ptr<State>> owner(static_cast<std::shared_ptr<State>*>(state));
+    State& mine = **owner;
     for (;;) {
         try {
-            state.report();
+            mine.report();
+        } catch (const std::exception& error) {
+            LogLine(4, L"ReportWorkers::ThreadEntry", L"a report failed: ", error.what());
         } catch (...) {
-            // Reporting is the one thing that may fail without a trace: nothing depends on it.
+            LogLine(4, L"ReportWorkers::ThreadEntry", L"a report failed");
         }
-        const std::scoped_lock lock(state.mutex);
-        if (!std::exchange(state.runAgain, false)) {
-            --state.running;
-            state.ended.notify_all();
-            return;
+        const std::scoped_lock lock(mine.mutex);
+        if (!std::exchange(mine.runAgain, false)) {
+            --mine.running;
+            return 0;
         }
     }
 }

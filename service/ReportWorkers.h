@@ -5,11 +5,17 @@
 // hundreds of times: each request starts a thread, as long as fewer than kMaxWorkers run. What is asked for beyond that
 // becomes one more run of the first thread to finish, however many requests it stands for: a report reads the settings
 // when it runs, so they would all have said the same. Threads and memory are bounded, and the last state is reported.
-// Threads: Start from any thread; the report runs on several threads at once.
+// The threads are the system's own: a detached std::thread may crash a process that ends while it ends.
+// Threads: Start from any thread; the report runs on several threads at once. Nothing throws.
+#include <windows.h>
+
 #include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <vector>
+
+#include "suite/common/Handle.h"
 
 class ReportWorkers {
   public:
@@ -24,11 +30,14 @@ class ReportWorkers {
     ReportWorkers& operator=(const ReportWorkers&) = delete;
 
     // Returns at once; false when the system gave no thread, and the request is lost.
-    [[nodiscard]] bool Start();
+    [[nodiscard]] bool Start() noexcept;
 
   private:
     struct State;
-    static void Work(State& state) noexcept;
+
+    bool StartThread();
+    static DWORD WINAPI ThreadEntry(void* state);
 
     const std::shared_ptr<State> state_;  // shared with the threads
+    std::vector<suite::Handle> threads_;  // guarded by the state's mutex; those that have ended go with the next start
 };
