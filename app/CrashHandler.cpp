@@ -1,0 +1,53 @@
+#include "app/CrashHandler.h"
+
+#include <shlwapi.h>
+
+#include "app/InstallSettings.h"
+#include "suite/crashdump/CrashRegistration.h"
+
+namespace {
+
+constexpr std::uint32_t kReporterMissing = 0xFFFFFFFF;
+constexpr char kExport[] = "RegisterAppCrashHandler";
+
+}  // namespace
+
+CrashHandler& CrashHandler::GetInstance() {
+    static CrashHandler instance;
+    return instance;
+}
+
+CrashHandler::~CrashHandler() {
+    if (library_) FreeLibrary(library_);
+    library_ = nullptr;
+    if (spare_) CloseHandle(spare_);
+    spare_ = nullptr;
+}
+
+DWORD CrashHandler::Load() {
+    if (library_) return ERROR_SUCCESS;
+    wchar_t folder[MAX_PATH] = {};
+    if (!GetModuleFileNameW(nullptr, folder, MAX_PATH)) return GetLastError();
+    PathRemoveFileSpecW(folder);
+    const std::wstring path = std::wstring(folder) + L"\\" + InstallSettings::kCrashLibrary;
+    library_ = LoadLibraryW(path.c_str());
+    return library_ ? ERROR_SUCCESS : GetLastError();
+}
+
+std::uint32_t CrashHandler::Register(bool enableFlag, bool secondFlag, const std::wstring& productName,
+                                     std::int32_t mode, const std::wstring& appName) {
+    const std::wstring reporter = std::wstring(InstallSettings::kInstallFolder) + InstallSettings::kCrashReporter;
+    if (GetFileAttributesW(reporter.c_str()) == INVALID_FILE_ATTRIBUTES) return kReporterMissing;
+    if (const DWORD error = Load()) return error;
+
+    const FARPROC address = GetProcAddress(library_, kExport);
+    if (!address) return GetLastError();
+    CrashRegistration record;
+    record.enableFlag = enableFlag;
+    record.secondFlag = secondFlag;
+    record.mode = mode;
+    record.appName = appName;
+    record.productName = productName;
+    reinterpret_cast<RegisterAppCrashHandlerFunction>(reinterpret_cast<void*>(address))(&record);
+    return 0;
+}

@@ -1,0 +1,16 @@
+// The process entry.
+#include <windows.h>
+
+#include <exception>
+
+#include "app/StartUp.h"
+#include "suite/logger/QxLogger.h"
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR cmdLine, int) {
+    try {
+        StartUp(instance, cmdLine);
+    } catch (const std::exception& error) {
+        LogLine(4, L"wWinMain", L"unexpected exception: ", error.what());
+    }
+    return 0;
+}

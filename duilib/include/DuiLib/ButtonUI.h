@@ -1,0 +1,50 @@
+#pragma once
+// A push button: text, images and colours per state.
+//
+// Attributes beside those of Label:
+//   normalimage, hotimage, pushedimage, focusedimage, disabledimage: image attribute, none
+//       a state without an image shows the normal one
+//   hotbkcolor, pushedbkcolor, disabledbkcolor: #AARRGGBB, none   a state without a colour shows bkcolor
+//   hottextcolor, pushedtextcolor: #AARRGGBB, textcolor
+// Sends "buttondown" when it goes down, "click" when it is released inside or pressed by Space or Enter, "mouseenter"
+// and "mouseleave". While the left button is held after a press inside, the state has the captured bit; the pushed
+// bit follows the pointer in and out. keyboard is true by default, align is center.
+// Thread: UI thread.
+#include "DuiLib/LabelUI.h"
+
+namespace DuiLib {
+
+class DUILIB_API CButtonUI : public CLabelUI {
+  public:
+    CButtonUI();
+    const wchar_t* GetClass() const override { return L"Button"; }
+    AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
+    AccessibleInfo GetAccessibleInfo() const override;
+    void DoDefaultAction() override { Activate(); }
+    void DoEvent(const TEventUI& event) override;
+    void SetEnabled(bool enabled) override;
+
+    // Does what a click does; nothing when disabled.
+    virtual void Activate();
+
+    const std::wstring& GetNormalImage() const { return normalImage_; }
+    void SetNormalImage(const std::wstring& imageAttribute);
+    const std::wstring& GetHotImage() const { return hotImage_; }
+    void SetHotImage(const std::wstring& imageAttribute);
+    void SetPushedImage(const std::wstring& imageAttribute);
+    void SetDisabledImage(const std::wstring& imageAttribute);
+
+  protected:
+    bool FocusableByDefault() const override { return true; }
+    void Paint(Canvas& canvas, const Rect& dirtyPx) override;
+    void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    DWORD CurrentTextColor() const override;
+    // The image of the present state; empty for none.
+    virtual const std::wstring& CurrentImage() const;
+
+  private:
+    std::wstring normalImage_, hotImage_, pushedImage_, focusedImage_, disabledImage_;
+    DWORD hotBkColor_ = 0, pushedBkColor_ = 0, disabledBkColor_ = 0, hotTextColor_ = 0, pushedTextColor_ = 0;
+};
+
+}  // namespace DuiLib

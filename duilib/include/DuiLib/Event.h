@@ -1,0 +1,34 @@
+#pragma once
+// Input events as controls receive them (DoEvent), after hit test and capture. Thread: UI thread.
+#include <windows.h>
+
+#include "DuiLib/Geometry.h"
+
+namespace DuiLib {
+
+enum class EventType {
+    MouseEnter,
+    MouseLeave,
+    MouseMove,
+    MouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
+    ButtonDown,  // left button
+    ButtonUp,
+    DoubleClick,
+    KeyDown,  // `key`
+    KeyUp,
+    SetFocus,
+    KillFocus,
+    CaptureLost,  // the capture went to somebody else; whatever is being dragged ends
+    SetCursor
+};
+
+struct TEventUI {
+    EventType type;
+    Point mousePx;  // client coordinates
+    WORD key = 0;   // virtual key
+    int wheelDelta = 0;
+    bool control = false;  // Ctrl is held
+    bool shift = false;
+};
+
+}  // namespace DuiLib

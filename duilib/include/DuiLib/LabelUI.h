@@ -1,0 +1,49 @@
+#pragma once
+// A line, or with wordwrap a block, of plain text.
+//
+// Attributes beside those of Control:
+//   font: number, -1                      index of a font of the layout; -1 is its default font
+//   textcolor, disabledtextcolor: #AARRGGBB, the layout's defaults
+//   align: left | center | right, left    (left and right change places in right-to-left languages)
+//   valign: top | center | bottom, center
+//   textpadding: l,t,r,b, 0,0,0,0
+//   wordwrap: true | false, false         breaks lines; the height follows the width
+//   endellipsis: true | false, false      cuts what does not fit with "…"
+// Thread: UI thread.
+#include "DuiLib/ControlUI.h"
+
+namespace DuiLib {
+
+class DUILIB_API CLabelUI : public CControlUI {
+  public:
+    const wchar_t* GetClass() const override { return L"Label"; }
+    AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
+    AccessibleInfo GetAccessibleInfo() const override;
+
+    int GetFont() const { return font_; }
+    void SetFont(int index);
+    DWORD GetTextColor() const { return textColor_; }
+    void SetTextColor(DWORD argb);
+    void SetDisabledTextColor(DWORD argb);
+    // DT_… flags that the attributes amount to, for CRenderEngine::DrawText.
+    UINT GetTextStyle() const;
+
+  protected:
+    Size MeasureContent(Size availablePx) override;
+    void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    // Colour of the text in the present state.
+    virtual DWORD CurrentTextColor() const;
+    Rect TextRectPx() const;
+    const Rect& TextPadding() const { return textPaddingDip_; }
+    bool WordWrap() const { return wordWrap_; }
+
+  private:
+    enum class Align { Near, Center, Far };
+    int font_ = -1;
+    DWORD textColor_ = 0, disabledTextColor_ = 0;
+    Align align_ = Align::Near, valign_ = Align::Center;
+    Rect textPaddingDip_;
+    bool wordWrap_ = false, endEllipsis_ = false;
+};
+
+}  // namespace DuiLib

@@ -1,0 +1,42 @@
+#pragma once
+// A button that stays selected: one of a group, or a switch of its own without a group.
+//
+// Attributes beside those of Button:
+//   group: text, ""                   at most one option of a group in a window is selected; a click on the selected
+//                                     one sends "click" but changes nothing
+//   selected: true | false, false
+//   selectedimage, selectedhotimage, foreimage: image attribute, none   foreimage is drawn over the others
+//   selectedbkcolor, selectedtextcolor: #AARRGGBB, none
+// Sends "selectchanged" (wParam 1 or 0) when the selection changed by whatever means, then "click" for a user's click.
+// In a group Tab reaches the selected option (or the first) and the arrow keys walk and click the others.
+// Thread: UI thread.
+#include "DuiLib/ButtonUI.h"
+
+namespace DuiLib {
+
+class DUILIB_API COptionUI : public CButtonUI {
+  public:
+    const wchar_t* GetClass() const override { return L"Option"; }
+    AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
+    AccessibleInfo GetAccessibleInfo() const override;
+    void DoEvent(const TEventUI& event) override;
+    void Activate() override;
+
+    const std::wstring& GetGroup() const { return group_; }
+    void SetGroup(const std::wstring& group) { group_ = group; }
+    bool IsSelected() const { return (GetState() & kStateSelected) != 0; }
+    // Selecting one deselects the others of its group. Sends "selectchanged" for each that changed.
+    void SetSelected(bool selected);
+    void SetSelectedImage(const std::wstring& imageAttribute);
+
+  protected:
+    void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    DWORD CurrentTextColor() const override;
+    const std::wstring& CurrentImage() const override;
+
+  private:
+    std::wstring group_, selectedImage_, selectedHotImage_, foreImage_;
+    DWORD selectedBkColor_ = 0, selectedTextColor_ = 0;
+};
+
+}  // namespace DuiLib

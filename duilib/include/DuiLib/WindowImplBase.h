@@ -1,0 +1,68 @@
+#pragma once
+// A window that is drawn from a layout file: the base of every top-level window and popup of a program.
+//
+// A subclass names its layout (GetSkinFile) and its window class. On WM_CREATE the layout is built and the window gets
+// the layout's size, InitWindow follows; a layout that is missing or broken leaves an empty window and a log line.
+// The whole window is client area: the frame that its style asks for is kept for the system (minimise, Alt+F4, task
+// bar) and is not drawn. Message handlers set `handled` to false to let the system go on.
+// Thread: UI thread.
+#include <memory>
+#include <string>
+
+#include "DuiLib/NotifyPump.h"
+#include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/WindowWnd.h"
+
+namespace DuiLib {
+
+class DUILIB_API WindowImplBase : public CWindowWnd,
+                                  public CNotifyPump,
+                                  public INotifyUI,
+                                  public IMessageFilterUI,
+                                  public IDialogBuilderCallback,
+                                  public IQueryControlText {
+  public:
+    WindowImplBase() = default;
+    ~WindowImplBase() override;
+
+    CPaintManagerUI& PaintManager() { return paintManager_; }
+
+    // --- INotifyUI: passes the notification to the pump (virtual windows, then this window's own map).
+    void Notify(TNotifyUI& msg) override;
+    bool FilterMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    std::unique_ptr<CControlUI> CreateControl(const std::wstring& className) override;
+    std::wstring QueryControlText(const std::wstring& key) override;
+
+  protected:
+    // Path of the layout file below the resource folder.
+    virtual std::wstring GetSkinFile() const = 0;
+    // The layout is built; the window is not shown yet.
+    virtual void InitWindow() {}
+    // A "click" of this window's own controls (those that no virtual window took).
+    virtual void OnClick(TNotifyUI&) {}
+    const NotifyMap& GetMessageMap() const override;  // "click" of any control: OnClick
+
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    virtual LRESULT OnCreate(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnClose(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnNcHitTest(WPARAM wParam, LPARAM lParam, bool& handled);
+    // What the window says to a hit before its controls are asked: a sizing border (HTLEFT …) where the layout's
+    // minimum and maximum sizes differ from its size, else 0.
+    virtual LRESULT OnNcPreHitTest(WPARAM wParam, LPARAM lParam);
+    virtual LRESULT OnMouseMove(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnMouseLeave(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnLButtonDown(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnLButtonUp(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnKillFocus(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnSize(WPARAM wParam, LPARAM lParam, bool& handled);
+    virtual LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam, bool& handled);
+    UINT GetClassStyle() const override { return CS_DBLCLKS | CS_DROPSHADOW; }
+
+  private:
+    void ApplyShape();
+
+    CPaintManagerUI paintManager_;
+};
+
+}  // namespace DuiLib

@@ -1,0 +1,36 @@
+#pragma once
+// The fonts of a layout by index, made for the present DPI on first use. Owns the handles. Thread: UI thread.
+#include <windows.h>
+
+#include <map>
+
+#include "DuiLib/PaintManagerUI.h"
+
+namespace DuiLib {
+
+class FontTable {
+  public:
+    FontTable() = default;
+    ~FontTable();
+    FontTable(const FontTable&) = delete;
+    FontTable& operator=(const FontTable&) = delete;
+
+    void Add(int index, const FontSpec& font, bool isDefault);
+    void SetDpi(int dpi);  // drops the handles
+    HFONT Get(int index) const;  // unknown: the default font
+    // The font with another weight, slant or line, for marked-up text.
+    HFONT GetVariant(int index, bool bold, bool italic, bool underline) const;
+
+  private:
+    struct Key;
+    const FontSpec& SpecOf(int index) const;
+    HFONT Make(const FontSpec& font) const;
+
+    std::map<int, FontSpec> specs_;
+    FontSpec fallback_;
+    int defaultIndex_ = -1;
+    int dpi_ = 96;
+    mutable std::map<long long, HFONT> handles_;
+};
+
+}  // namespace DuiLib

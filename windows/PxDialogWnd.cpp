@@ -1,0 +1,89 @@
+#include "windows/PxDialogWnd.h"
+
+#include <new>
+
+#include "DuiLib/UIMainQueue.h"
+#include "suite/logger/QxLogger.h"
+#include "windows/WindowStart.h"
+
+namespace {
+
+constexpr std::int32_t kOwnClientId = 0xCE0000;
+constexpr std::int32_t kServiceId = 0xCD0000;
+constexpr wchar_t kPipeName[] = L"\\\\.\\Pipe\\iNotoraAssistant";
+constexpr std::int32_t kServiceNotification = 0x22711;
+constexpr std::int32_t kCloseSubCode = 0x40000;
+
+}  // namespace
+
+PxDialogWnd::PxDialogWnd() = default;
+
+PxDialogWnd::~PxDialogWnd() {
+    if (client_) client_->UnRegisterMessageCallbackAll();
+    client_.reset();
+}
+
+const wchar_t* PxDialogWnd::GetWindowClassName() const { return WindowStart::kWindowClass; }
+
+void PxDialogWnd::Run(HINSTANCE instance) {
+    WindowStart::MakeDpiAware(L"PxDialogWnd");
+    WindowStart::SetValuePath(L"PxDialogWnd");
+    const std::wstring title = WindowStart::SetResourcesAndLanguage(instance);
+    Create(nullptr, title, WindowStart::kWindowStyle, WS_EX_TOOLWINDOW);
+    SetIcon(1);
+    CenterWindow();
+    InitIPCMessageClient();
+}
+
+void PxDialogWnd::InitIPCMessageClient() {
+    // Kept: the sender is made first, with the pointer as it stands then, and is not told of the client afterwards.
+    postSender_.reset(new (std::nothrow) PostSender{kServiceId, client_.get()});
+    if (!postSender_) {
+        LogLine(4, L"PxDialogWnd::InitIPCMessageClient", L"Init Post IPC Client Error");
+        return;
+    }
+    client_.reset(new (std::nothrow) IPCMessageClient(kOwnClientId, true, false, kPipeName));
+    if (!client_) {
+        LogLine(4, L"PxDialogWnd::InitIPCMessageClient", L"Init IPC Client Error");
+        return;
+    }
+    client_->RegisterMessageCallback(kServiceNotification,
+                                     [this](TagIPCMessageItem& item) { OnMessageReceive(item); });
+}
+
+void PxDialogWnd::OnMessageReceive(const TagIPCMessageItem& item) {
+    if (item.slot[2] != kServiceNotification || item.slot[1] != kCloseSubCode) return;
+    LogLine(4, L"PxDialogWnd::OnMessageReceive", L"OnMessageReceive close win");
+    // A window belongs to its thread: closing is handed over to it, not done from here.
+    DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+}
+
+void PxDialogWnd::UseHtmlMessage() { WindowStart::UseHtmlMessage(PaintManager()); }
+
+void PxDialogWnd::SetMessageText(const std::wstring& text) {
+    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) content->SetText(text);
+    ShowWindow(true, true);
+    DuiLib::CPaintManagerUI::MessageLoop();
+}
+
+void PxDialogWnd::ActivateExisting() { WindowStart::ActivateWindow(GetWindowClassName()); }
+
+void PxDialogWnd::OnClick(DuiLib::TNotifyUI& msg) {
+    if (msg.sender && msg.sender->GetName() == L"closebtn") WindowStart::CloseAndQuit(GetHWND());
+}
+
+void PxDialogWnd::Notify(DuiLib::TNotifyUI& msg) {
+    WindowStart::FollowLink(msg);
+    WindowImplBase::Notify(msg);
+}
+
+LRESULT PxDialogWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
+    handled = false;
+    PostQuitMessage(0);
+    return 0;
+}
+
+LRESULT PxDialogWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
+    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam)) return hit;
+    return WindowStart::HitTestControls(PaintManager(), lParam);
+}

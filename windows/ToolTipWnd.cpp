@@ -1,0 +1,105 @@
+#include "windows/ToolTipWnd.h"
+
+#include "DuiLib/LabelUI.h"
+#include "DuiLib/RenderEngine.h"
+#include "suite/logger/QxLogger.h"
+
+namespace {
+
+constexpr int kHeightDip = 104;
+constexpr int kMarginDip = 60;  // what the popup is wider than its text
+constexpr DWORD kStyle = 0x80000001;
+constexpr UINT kShowFlags =
+    SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER | SWP_NOSENDCHANGING;
+
+}  // namespace
+
+ToolTipWnd& ToolTipWnd::GetInstance(DuiLib::CPaintManagerUI* paintManager) {
+    static ToolTipWnd instance(L"CUSTOM_TOOL_TIP_CLASS");
+    instance.Prepare(paintManager);
+    return instance;
+}
+
+void ToolTipWnd::Prepare(DuiLib::CPaintManagerUI* paintManager) {
+    if (!paintManager) return;
+    const UINT dpi = static_cast<UINT>(paintManager->GetDPI());
+    if (!owner_) owner_ = paintManager;
+    if (IsWindowEnabled(GetHWND()) && dpi_ == dpi) return;
+
+    if (IsWindow(GetHWND())) DestroyWindow(GetHWND());
+    dpi_ = dpi;
+    Create(paintManager->GetPaintWindow(), title_, kStyle, WS_EX_TOPMOST);
+    PaintManager().SetDPI(static_cast<int>(dpi));
+}
+
+void ToolTipWnd::SetToolTipText(const std::wstring& text) {
+    constexpr wchar_t kFunction[] = L"ToolTipWnd::SetToolTipText";
+    if (!IsWindow(GetHWND())) {
+        LogLine(4, kFunction, L"paintMgr nullptr");
+        return;
+    }
+    DuiLib::CControlUI* control = PaintManager().FindControl(L"tooltip_text");
+    if (!control) {
+        LogLine(4, kFunction, L"exist control nullptr");
+        return;
+    }
+    control->SetText(text);
+    control->Invalidate();
+}
+
+int ToolTipWnd::GetToolTipWidth() {
+    constexpr wchar_t kFunction[] = L"ToolTipWnd::GetToolTipWidth";
+    if (!IsWindow(GetHWND())) {
+        LogLine(4, kFunction, L"paintMgr nullptr");
+        return 0;
+    }
+    const auto* control = PaintManager().FindControlAs<DuiLib::CLabelUI>(L"tooltip_text");
+    if (!control) {
+        LogLine(4, kFunction, L"exist control nullptr");
+        return 0;
+    }
+    DuiLib::Rect rect;
+    DuiLib::CRenderEngine::DrawText(PaintManager().GetPaintDC(), &PaintManager(), rect, control->GetText(), 0,
+                                    control->GetFont(), DT_CALCRECT);
+    return DuiLib::PxToDip(rect.Width(), OwnerDpi()) + kMarginDip;
+}
+
+int ToolTipWnd::OwnerDpi() const { return owner_ ? owner_->GetDPI() : 96; }
+
+void ToolTipWnd::SetPosition(int dxPx, int dyPx) {
+    if (!anchor_) return;
+    RECT owner = {};
+    GetWindowRect(GetParent(GetHWND()), &owner);
+    xPx_ = owner.left + anchor_->GetPos().left + dxPx;
+    yPx_ = owner.top + anchor_->GetPos().top + dyPx;
+}
+
+void ToolTipWnd::Show(bool visible) {
+    if ((IsWindowVisible(GetHWND()) != FALSE) == visible) return;
+    if (!visible) {
+        anchor_ = nullptr;
+        ShowWindow(false, false);
+        return;
+    }
+    const int widthPx = DuiLib::DipToPx(GetToolTipWidth(), OwnerDpi());
+    const int heightPx = DuiLib::DipToPx(kHeightDip, OwnerDpi());
+    SetWindowPos(GetHWND(), HWND_TOPMOST, xPx_, yPx_, widthPx, heightPx, kShowFlags);
+    SetFocus(GetParent(GetHWND()));
+}
+
+LRESULT ToolTipWnd::OnMouseLeave(WPARAM, LPARAM, bool& handled) {
+    handled = false;
+    POINT cursor = {};
+    if (!GetCursorPos(&cursor)) return 0;
+    RECT parent = {};
+    GetWindowRect(GetParent(GetHWND()), &parent);
+    const POINT inOwner{cursor.x - parent.left, cursor.y - parent.top};
+    const DuiLib::CControlUI* under = owner_ ? owner_->FindControl(inOwner) : nullptr;
+    if (!anchor_ || under != anchor_) Show(false);
+    return 0;
+}
+
+LRESULT ToolTipWnd::OnMouseMove(WPARAM, LPARAM, bool&) {
+    Show(false);
+    return 0;
+}

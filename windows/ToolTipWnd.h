@@ -1,0 +1,47 @@
+#pragma once
+// The hint popup of the settings pages: one per process, beside the control that it explains, as wide as its text.
+//
+// A page calls SetAnchor, SetPosition, SetToolTipText and Show(true), in that order. The popup hides when the pointer
+// leaves the explained control or comes onto the popup itself, and when the main window loses the focus.
+// Layout: a text "tooltip_text". Sizes and distances are 96-DPI units unless a name says px. Thread: UI thread.
+#include <windows.h>
+
+#include <string>
+
+#include "DuiLib/WindowImplBase.h"
+
+class ToolTipWnd : public DuiLib::WindowImplBase {
+  public:
+    // With a paint manager: remembers the first one as the owner, and makes the popup (again) when there is none yet
+    // or it was made for another DPI.
+    static ToolTipWnd& GetInstance(DuiLib::CPaintManagerUI* paintManager);
+
+    void SetToolTipText(const std::wstring& text);
+    // Width that the text needs, with its margins; 0 after a logged failure.
+    int GetToolTipWidth();
+    // `control` is borrowed until the popup is hidden.
+    void SetAnchor(DuiLib::CControlUI* control) { anchor_ = control; }
+    // Top left corner at that distance (px) from the anchor's; nothing without an anchor.
+    void SetPosition(int dxPx, int dyPx);
+    void Show(bool visible);
+
+  protected:
+    explicit ToolTipWnd(const wchar_t* title) : title_(title) {}
+
+    // The body of GetInstance for whichever singleton it is.
+    void Prepare(DuiLib::CPaintManagerUI* paintManager);
+
+    const wchar_t* GetWindowClassName() const override { return L"Pixora ToolTip"; }
+    std::wstring GetSkinFile() const override { return L"layout\\PixoraToolTip.xml"; }
+    LRESULT OnMouseLeave(WPARAM wParam, LPARAM lParam, bool& handled) override;
+    LRESULT OnMouseMove(WPARAM wParam, LPARAM lParam, bool& handled) override;
+
+  private:
+    int OwnerDpi() const;
+
+    DuiLib::CControlUI* anchor_ = nullptr;        // borrowed; null while hidden
+    DuiLib::CPaintManagerUI* owner_ = nullptr;    // borrowed; the main window's, which outlives every hint
+    int xPx_ = 0, yPx_ = 0;                       // screen coordinates
+    UINT dpi_ = 0;                                // that the popup was made for
+    const wchar_t* const title_;
+};
