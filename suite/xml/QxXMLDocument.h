@@ -3,12 +3,15 @@
 //
 // Why: configuration files come from outside and may be broken or hostile; reading goes through the system's XML
 // reader, with no document type definitions, no external entities, and limits (1 MiB, 64 levels, 10,000 elements).
+// Files are UTF-8, or UTF-16 with a byte order mark.
 // Elements and attributes are cheap handles into the document, which must outlive them. A null handle answers null
 // to everything. Narrow strings are UTF-8. Threads: a document belongs to one thread. Nothing throws.
 #include <memory>
 #include <string>
 
 #include "suite/xml/Export.h"
+
+struct QxXmlNode;
 
 class SUITE_XML_API QxXmlAttribute {
   public:
@@ -31,8 +34,7 @@ class SUITE_XML_API QxXmlElement {
 
   private:
     friend class QxXMLDocument;
-    struct Node;
-    const Node* node_ = nullptr;  // borrowed from the document
+    const QxXmlNode* node_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXMLDocument {
@@ -42,12 +44,13 @@ class SUITE_XML_API QxXMLDocument {
     QxXMLDocument(const QxXMLDocument&) = delete;
     QxXMLDocument& operator=(const QxXMLDocument&) = delete;
 
-    // 0 when the file was read (an empty file counts as read, without a root element), else the system's error code:
-    // the file is missing or unreadable, is not well-formed, or passes a limit.
+    // 0 when the file was read, else the system's error code: the file is missing or unreadable, is not well-formed, or
+    // passes a limit. A file that is empty, or well-formed but for a missing root element, counts as read. What was
+    // loaded before is gone in every case.
     int LoadFile(const std::string& path);
     // Null when nothing is loaded or the file has no root element.
     QxXmlElement RootElement() const;
 
   private:
-    std::unique_ptr<QxXmlElement::Node> root_;
+    std::unique_ptr<QxXmlNode> root_;
 };

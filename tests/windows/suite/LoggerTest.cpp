@@ -191,13 +191,15 @@ TEST(LoggerTest, SaysFalseAndStaysSilentWithoutAFolder) {
     EXPECT_THAT(folder.HelperLogLines(), IsEmpty());
 }
 
-TEST(LoggerTest, SaysFalseWhenTheFileIsReadOnly) {
+TEST(LoggerTest, SaysFalseWhenSomebodyKeepsTheFileToHimself) {
     TestFolder folder;
     fs::create_directories(folder.LogFolder());
     const fs::path log = folder.LogFolder() / L"suite_helper.log";
-    std::ofstream(log) << "kept\n";
-    ASSERT_TRUE(SetFileAttributesW(log.c_str(), FILE_ATTRIBUTE_READONLY));
+    suite::Handle holder(CreateFileW(log.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    ASSERT_TRUE(holder);
     EXPECT_EQ(Helper(L"log one 2 10 10").Wait(), 1u);
-    EXPECT_EQ(ReadBytes(log), "kept\n");
-    SetFileAttributesW(log.c_str(), FILE_ATTRIBUTE_NORMAL);
+    holder.Reset();
+    EXPECT_EQ(ReadBytes(log), "");
+    EXPECT_EQ(Helper(L"log one 1 1 10").Wait(), 0u);
+    EXPECT_EQ(folder.HelperLogLines().size(), 1u);
 }
