@@ -8,9 +8,9 @@ namespace ProductAdapt {
 
 class SUITE_PRODUCT_API MachineType {
   public:
-    // The product name of the machine's firmware as an XML element name: everything but ASCII letters, digits, '_', '-'
-    // and '.' is removed, and a name that begins with a digit, '-' or '.' gets '_' in front. "82A1 Pro 14" gives
-    // "_82A1Pro14". Empty when the firmware gives none.
+    // The product name of the machine's firmware with everything but letters, digits, '_', '-' and '.' removed and,
+    // when it does not begin with a letter, an underscore before it (it is used as an XML element name); empty when
+    // the firmware gives none.
     static std::string GetProductName();
 };
 

@@ -2,39 +2,37 @@
 
 #include <windows.h>
 
-#include "suite/product/ProductText.h"
-
 namespace {
 
 // The first of the user's display languages; empty when the system gives none.
-std::wstring PreferredLanguage() {
+std::wstring FirstDisplayLanguage() {
     ULONG count = 0;
     ULONG length = 0;
     if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, nullptr, &length) || length == 0) {
         return {};
     }
-    std::wstring names(length, L'\0');
-    if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, names.data(), &length) || count == 0) {
+    std::wstring list(length, L'\0');
+    if (!GetUserPreferredUILanguages(MUI_LANGUAGE_NAME, &count, list.data(), &length)) {
         return {};
     }
-    return suite::LanguageTagOf(names.substr(0, names.find(L'\0')));
+    return list.c_str();
 }
 
-std::wstring DefaultLocale() {
-    wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
-    return GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) > 0 ? suite::LanguageTagOf(name) : std::wstring();
+std::wstring RegionalFormat() {
+    wchar_t name[LOCALE_NAME_MAX_LENGTH] = L"";
+    return GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) > 0 ? name : L"";
 }
 
 }  // namespace
 
 std::wstring SystemEnvironment::GetCurrentUserLanguage() {
     try {
-        std::wstring tag = PreferredLanguage();
+        std::wstring tag = FirstDisplayLanguage();
         if (tag.empty()) {
-            tag = DefaultLocale();
+            tag = RegionalFormat();
         }
         return tag.empty() ? L"en-US" : tag;
     } catch (...) {
-        return L"en-US";
+        return {};
     }
 }

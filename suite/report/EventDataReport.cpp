@@ -1,12 +1,10 @@
 #include "suite/report/EventDataReport.h"
 
-#include "suite/report/EventLine.h"
-#include "suite/report/EventSpool.h"
-#include "suite/report/SystemEventTime.h"
+#include "suite/report/Spool.h"
 
 EventDataReport& EventDataReport::Instance() {
-    static EventDataReport instance;
-    return instance;
+    static EventDataReport* const instance = new EventDataReport;
+    return *instance;
 }
 
 bool EventDataReport::GetMsg(std::string& message, const std::string& eventId, const std::string& text) {
@@ -14,7 +12,7 @@ bool EventDataReport::GetMsg(std::string& message, const std::string& eventId, c
         if (eventId.empty()) {
             return false;
         }
-        message = suite::TextEventLine(suite::SystemEventTime(), eventId, text);
+        message = suite::TextEventLine(suite::UtcNow(), eventId, text);
         return true;
     } catch (...) {
         return false;
@@ -22,10 +20,6 @@ bool EventDataReport::GetMsg(std::string& message, const std::string& eventId, c
 }
 
 bool EventDataReport::SendMsg(const std::string& message) {
-    try {
-        suite::EventSpool* const spool = suite::IsEventLine(message) ? suite::EventSpool::Instance() : nullptr;
-        return spool != nullptr && spool->Post(message);
-    } catch (...) {
-        return false;
-    }
+    suite::Spool* const spool = suite::Spool::Instance();
+    return spool != nullptr && !message.empty() && spool->Put(message);
 }

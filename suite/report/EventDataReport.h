@@ -2,9 +2,8 @@
 // Usage events with a short text, handed to the suite's reporting.
 //
 // Each event becomes one JSON line of the spool file %LOCALAPPDATA%\Velmora\Quillon\Report\events.jsonl, which the
-// suite's uploader empties; the file is kept below 4 MiB, and what does not fit is dropped. Writing happens on the
-// library's own thread: a full disk, a read-only folder or a lock held by somebody else changes nothing for the caller.
-// What is queued when the process ends is written then. Any thread. Nothing throws.
+// suite's uploader empties; the file is kept below 4 MiB. Writing happens on the library's own thread: a full disk, a
+// read-only folder or a lock held by somebody else changes nothing for the caller. Any thread. Nothing throws.
 #include <string>
 
 #include "suite/report/Export.h"
@@ -14,8 +13,7 @@ class SUITE_REPORT_API EventDataReport {
     static EventDataReport& Instance();
     // Builds the message of an event id (decimal) and a text. False when the id is empty.
     bool GetMsg(std::string& message, const std::string& eventId, const std::string& text);
-    // Queues a message for the spool without waiting for anything. False when the queue is full (4096 messages), when
-    // the message is empty, longer than 16 KiB or no single line, or when there is no folder to write to.
+    // Queues a message for the spool; false when the queue is full.
     bool SendMsg(const std::string& message);
 
   private:

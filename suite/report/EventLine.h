@@ -1,9 +1,9 @@
 #pragma once
-// How a usage event looks in the spool: one JSON object on one line.
+// How a usage event looks in the spool file: one JSON object, without a line break.
 //
-// Why apart: the form is the contract with whoever reads the spool, and pure logic. Any text may be reported; what is
-// no valid UTF-8 becomes U+FFFD. Any thread. May throw std::bad_alloc.
-#include <cstddef>
+//     {"time":"2026-11-21T09:15:30.123Z","event":"631770001","text":"open camera"}
+//     {"time":"2026-11-21T09:15:30.123Z","event":"992612801","fields":{"STATUS":1,"SMOOTH":5}}
+// Pure logic; narrow strings are UTF-8, and bytes that are not become U+FFFD. Any thread. May throw std::bad_alloc.
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,11 +11,7 @@
 
 namespace suite {
 
-// Bytes of a line that the spool takes, its line break not counted.
-inline constexpr std::size_t kLongestEventLine = 16 * 1024;
-
-// A point in time, in UTC.
-struct EventTime {
+struct UtcTime {
     int year = 0;
     int month = 0;
     int day = 0;
@@ -25,13 +21,7 @@ struct EventTime {
     int millisecond = 0;
 };
 
-// {"time":"2026-11-21T09:15:30.123Z","id":"631770001","text":"open camera"}
-std::string TextEventLine(const EventTime& time, std::string_view id, std::string_view text);
-
-// {"time":"2026-11-21T09:15:30.123Z","id":"992612801","fields":{"STATUS":1,"SMOOTH":5}}
-std::string FieldEventLine(const EventTime& time, int id, const std::vector<std::pair<std::string, int>>& fields);
-
-// Whether it can be a line of the spool: neither empty nor too long, and without control characters.
-bool IsEventLine(std::string_view line);
+std::string TextEventLine(const UtcTime& time, std::string_view eventId, std::string_view text);
+std::string FieldEventLine(const UtcTime& time, int eventId, const std::vector<std::pair<std::string, int>>& fields);
 
 }  // namespace suite

@@ -1,8 +1,6 @@
 #include "suite/report/TallyView.h"
 
-#include "suite/report/EventDataReport.h"
-#include "suite/report/EventLine.h"
-#include "suite/report/SystemEventTime.h"
+#include "suite/report/Spool.h"
 
 TallyEvent::TallyEvent(int id) : id_(id) {}
 
@@ -10,14 +8,14 @@ void TallyEvent::PutInt(const std::string& key, int value) {
     try {
         fields_.emplace_back(key, value);
     } catch (...) {
-        // No memory: the event goes without the field.
+        // No memory: the event goes without this field.
     }
 }
 
 bool TallyView::Report(const TallyEvent& event) {
     try {
-        return EventDataReport::Instance().SendMsg(
-            suite::FieldEventLine(suite::SystemEventTime(), event.id_, event.fields_));
+        suite::Spool* const spool = suite::Spool::Instance();
+        return spool != nullptr && spool->Put(suite::FieldEventLine(suite::UtcNow(), event.id_, event.fields_));
     } catch (...) {
         return false;
     }

@@ -21,6 +21,5 @@ class SUITE_REPORT_API TallyEvent {
 
 class SUITE_REPORT_API TallyView {
   public:
-    // As EventDataReport::SendMsg.
     static bool Report(const TallyEvent& event);
 };

@@ -8,50 +8,46 @@
 #include "suite/logger/QxLogger.h"
 #include "suite/url/WebAddress.h"
 
+namespace ntx::util {
+
 namespace {
 
-constexpr wchar_t kOpenUrl[] = L"UrlsManager::OpenUrl";
+constexpr const wchar_t* kFunction = L"UrlsManager::OpenUrl";
 
-// Some browsers are started through COM; a thread that has chosen its apartment keeps it.
-class Apartment {
+// Some handlers of the shell are COM objects. A thread that is set up in another way already stays so.
+class ComOnThisThread {
   public:
-    Apartment() : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) {}
-    ~Apartment() {
+    ComOnThisThread() : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) {}
+    ~ComOnThisThread() {
         if (SUCCEEDED(result_)) {
             CoUninitialize();
         }
     }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
+    ComOnThisThread(const ComOnThisThread&) = delete;
+    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
 
   private:
-    HRESULT result_;
+    const HRESULT result_;
 };
 
 }  // namespace
 
-namespace ntx::util {
-
 bool UrlsManager::OpenUrl(const std::wstring& url) {
     try {
         if (!suite::IsWebAddress(url)) {
-            LogLine(4, kOpenUrl, L"no web address: ", url);
+            LogLine(4, kFunction, L"not a web address: ", url);
             return false;
         }
-        const Apartment apartment;
-        SHELLEXECUTEINFOW info{};
-        info.cbSize = sizeof info;
-        // No message box of the shell's, and the start is done before the calling thread goes on or ends.
-        info.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
-        info.lpVerb = L"open";
-        info.lpFile = url.c_str();
-        info.nShow = SW_SHOWNORMAL;
-        if (!ShellExecuteExW(&info)) {
-            LogLine(4, kOpenUrl, L"start browser error: ", GetLastError());
+        const ComOnThisThread com;
+        const auto code =
+            reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, L"open", url.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+        if (code <= 32) {
+            LogLine(4, kFunction, L"the browser does not start: ", code);
             return false;
         }
         return true;
     } catch (...) {
+        LogLine(4, kFunction, L"unexpected exception");
         return false;
     }
 }

@@ -1,6 +1,5 @@
 #pragma once
-// Opens web addresses in the user's browser. Any thread; it returns when the shell has taken the address. Nothing
-// throws.
+// Opens web addresses in the user's browser. Any thread. Nothing throws.
 #include <string>
 
 #include "suite/url/Export.h"
@@ -9,8 +8,7 @@ namespace ntx::util {
 
 class SUITE_URL_API UrlsManager {
   public:
-    // Opens an http or https address; anything else is refused and logged, and nothing is shown when the browser does
-    // not start. True when the shell has taken the address.
+    // Opens an http or https address; anything else is refused and logged. True when the browser was started.
     static bool OpenUrl(const std::wstring& url);
 };
 

@@ -1,39 +1,47 @@
 #include "suite/url/WebAddress.h"
 
-#include <algorithm>
-
 namespace suite {
 
 namespace {
 
-bool BeginsWith(std::wstring_view text, std::wstring_view lowerCaseStart) {
-    const auto equals = [](wchar_t unit, wchar_t lower) {
-        return unit == lower || (unit >= L'A' && unit <= L'Z' && unit + (L'a' - L'A') == lower);
-    };
-    return text.size() >= lowerCaseStart.size() &&
-           std::equal(lowerCaseStart.begin(), lowerCaseStart.end(), text.begin(),
-                      [&](wchar_t lower, wchar_t unit) { return equals(unit, lower); });
+wchar_t LowerAscii(wchar_t c) {
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
 }
 
-bool MayStandInAddress(wchar_t unit) {
-    constexpr std::wstring_view kNever = L" \"<>\\^`{|}\u00a0\u2028\u2029\u3000";
-    const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
-    return !control && kNever.find(unit) == std::wstring_view::npos;
+// Takes the prefix, which is in lower case, off the text.
+bool TakePrefix(std::wstring_view& text, std::wstring_view prefix) {
+    if (text.size() < prefix.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < prefix.size(); ++i) {
+        if (LowerAscii(text[i]) != prefix[i]) {
+            return false;
+        }
+    }
+    text.remove_prefix(prefix.size());
+    return true;
+}
+
+bool IsForbidden(wchar_t c) {
+    return c <= L' ' || (c >= 0x7F && c <= 0xA0) || c == L'"' || c == L'\'' || c == L'<' || c == L'>' || c == L'\\' ||
+           c == L'`';
 }
 
 }  // namespace
 
-bool IsWebAddress(std::wstring_view address) {
-    if (address.size() > kLongestAddress || !std::all_of(address.begin(), address.end(), MayStandInAddress)) {
+bool IsWebAddress(std::wstring_view text) {
+    if (text.size() > kLongestWebAddress) {
         return false;
     }
-    for (const std::wstring_view scheme : {std::wstring_view(L"http://"), std::wstring_view(L"https://")}) {
-        if (BeginsWith(address, scheme)) {
-            address.remove_prefix(scheme.size());
-            return !address.empty() && std::wstring_view(L"/?#:@.").find(address.front()) == std::wstring_view::npos;
+    for (const wchar_t c : text) {
+        if (IsForbidden(c)) {
+            return false;
         }
     }
-    return false;
+    if (!TakePrefix(text, L"https://") && !TakePrefix(text, L"http://")) {
+        return false;
+    }
+    return !text.empty() && text.find_first_of(L"/?#:@") != 0;
 }
 
 }  // namespace suite

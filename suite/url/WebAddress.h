@@ -1,18 +1,17 @@
 #pragma once
-// Which texts are web addresses that may be handed to the system's shell.
+// Which texts may be handed to the shell as web addresses.
 //
-// Why: the shell starts programs too, and puts an address into the browser's command line. Pure logic. Any thread.
-// Nothing throws.
+// Why: the shell opens anything, programs included, and a browser's command line is the address between quotes.
+// Pure logic. Any thread.
 #include <cstddef>
 #include <string_view>
 
 namespace suite {
 
-inline constexpr std::size_t kLongestAddress = 2048;
+inline constexpr std::size_t kLongestWebAddress = 2083;
 
-// "http://" or "https://" in any letter case, followed by a host; no blanks, control characters, quotation marks,
-// backslashes or other characters that a well-formed address has only in escaped form. Letters of every script may
-// stand in it.
-bool IsWebAddress(std::wstring_view address);
+// "http://" or "https://" (in any letter case), then a host, and neither blanks, control characters, quotes of any
+// kind, angle brackets nor backslashes anywhere.
+bool IsWebAddress(std::wstring_view text);
 
 }  // namespace suite

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "suite/common/ComRelease.h"
 #include "suite/common/Utf8.h"
 #include "suite/xml/Utf8Stream.h"
 #include "suite/xml/XmlText.h"
@@ -14,12 +15,6 @@
 namespace suite {
 
 namespace {
-
-struct ReleaseInterface {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-template <typename Interface>
-using Owned = std::unique_ptr<Interface, ReleaseInterface>;
 
 // Put at the end of every text, so that no reader is ever asked to go on at the end of its input: there are some that
 // then give the last node for ever, or end the process. Whatever is open at the end, be it an instruction, a section or
@@ -31,6 +26,16 @@ constexpr std::string_view kEndMark = "\xEF\xB7\x90";
 // Passes over a text once.
 class TreeReader {
   public:
+    TreeReader() = default;
+    ~TreeReader() {
+        ComRelease(reader_);
+        ComRelease(input_);
+        ComRelease(stream_);
+    }
+    TreeReader(const TreeReader&) = delete;
+    TreeReader& operator=(const TreeReader&) = delete;
+
+    // REQUIRES: `text` outlives this object.
     HRESULT Read(const std::string& text);
     // Whether an element has begun.
     bool HasRoot() const { return root_ != nullptr; }
@@ -43,9 +48,9 @@ class TreeReader {
     HRESULT BeginElement();
     HRESULT ReadAttributes(QxXmlNode& node);
 
-    Owned<ISequentialStream> stream_;
-    Owned<IUnknown> input_;
-    Owned<IXmlReader> reader_;
+    ISequentialStream* stream_ = nullptr;
+    IXmlReaderInput* input_ = nullptr;
+    IXmlReader* reader_ = nullptr;
     std::unique_ptr<QxXmlNode> root_;
     std::vector<QxXmlNode*> open_;  // from the root to the element that is being read
     std::size_t count_ = 0;
@@ -64,22 +69,16 @@ HRESULT GetText(IXmlReader* reader, Getter getter, std::string& text) {
 }
 
 HRESULT TreeReader::Open(const std::string& text) {
-    stream_.reset(new Utf8Stream(text));
+    stream_ = new Utf8Stream(text);
     // The encoding is told, so that one that the text names itself does not count.
-    IXmlReaderInput* input = nullptr;
-    HRESULT result = CreateXmlReaderInputWithEncodingName(stream_.get(), nullptr, L"UTF-8", FALSE, nullptr, &input);
-    if (FAILED(result)) {
-        return result;
+    HRESULT result = CreateXmlReaderInputWithEncodingName(stream_, nullptr, L"UTF-8", FALSE, nullptr, &input_);
+    if (SUCCEEDED(result)) {
+        result = CreateXmlReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&reader_), nullptr);
     }
-    input_.reset(input);
-    void* reader = nullptr;
-    result = CreateXmlReader(__uuidof(IXmlReader), &reader, nullptr);
-    if (FAILED(result)) {
-        return result;
+    if (SUCCEEDED(result)) {
+        result = reader_->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
     }
-    reader_.reset(static_cast<IXmlReader*>(reader));
-    result = reader_->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
-    return SUCCEEDED(result) ? reader_->SetInput(input_.get()) : result;
+    return SUCCEEDED(result) ? reader_->SetInput(input_) : result;
 }
 
 HRESULT TreeReader::Read(const std::string& text) {
@@ -129,7 +128,7 @@ HRESULT TreeReader::ReadNodes() {
 
 bool TreeReader::IsEndMark() {
     std::string text;
-    return SUCCEEDED(GetText(reader_.get(), &IXmlReader::GetValue, text)) && text == kEndMark;
+    return SUCCEEDED(GetText(reader_, &IXmlReader::GetValue, text)) && text == kEndMark;
 }
 
 HRESULT TreeReader::BeginElement() {
@@ -148,7 +147,7 @@ HRESULT TreeReader::BeginElement() {
     place = std::move(element);
 
     const bool empty = reader_->IsEmptyElement();
-    HRESULT result = GetText(reader_.get(), &IXmlReader::GetQualifiedName, node->name);
+    HRESULT result = GetText(reader_, &IXmlReader::GetQualifiedName, node->name);
     if (SUCCEEDED(result)) {
         result = ReadAttributes(*node);
     }
@@ -162,9 +161,9 @@ HRESULT TreeReader::ReadAttributes(QxXmlNode& node) {
     HRESULT result = reader_->MoveToFirstAttribute();
     while (result == S_OK) {
         auto& [name, value] = node.attributes.emplace_back();
-        result = GetText(reader_.get(), &IXmlReader::GetQualifiedName, name);
+        result = GetText(reader_, &IXmlReader::GetQualifiedName, name);
         if (SUCCEEDED(result)) {
-            result = GetText(reader_.get(), &IXmlReader::GetValue, value);
+            result = GetText(reader_, &IXmlReader::GetValue, value);
         }
         if (SUCCEEDED(result)) {
             result = reader_->MoveToNextAttribute();
@@ -189,8 +188,9 @@ HRESULT ReadXmlTree(const std::string& bytes, std::unique_ptr<QxXmlNode>& root) 
     if (!rest.empty() && rest.front() != L'<') {
         return WC_E_ROOTELEMENT;
     }
+    const std::string input = ToUtf8(rest).append(kEnd);
     TreeReader reader;
-    const HRESULT result = reader.Read(ToUtf8(rest).append(kEnd));
+    const HRESULT result = reader.Read(input);
     if (SUCCEEDED(result)) {
         root = reader.TakeRoot();
     }
