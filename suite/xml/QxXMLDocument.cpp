@@ -2,46 +2,36 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 #include "suite/common/Handle.h"
 #include "suite/common/Utf8.h"
-#include "suite/xml/XmlNode.h"
-#include "suite/xml/XmlTreeReader.h"
+#include "suite/xml/XmlGate.h"
+#include "suite/xml/XmlTree.h"
 
 namespace {
 
-constexpr DWORD kLargestFileBytes = 1024 * 1024;
-
-DWORD ErrorOr(DWORD otherwise) {
-    const DWORD error = GetLastError();
-    return error != ERROR_SUCCESS ? error : otherwise;
-}
-
-// ERROR_SUCCESS and the whole file, else the system's error code.
-DWORD ReadWholeFile(const std::string& path, std::string& bytes) {
-    // A NUL would cut the path, and another file would be opened.
-    if (path.empty() || path.find('\0') != std::string::npos) {
+// The whole file, or one byte more than the largest that is read.
+DWORD ReadWhole(const std::string& path, std::string& bytes) {
+    // The system would take what stands before a NUL for the path.
+    if (path.find('\0') != std::string::npos) {
         return ERROR_INVALID_NAME;
     }
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const suite::Handle file(CreateFileW(suite::FromUtf8(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
-                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    const suite::Handle file(CreateFileW(suite::FromUtf8(path).c_str(), GENERIC_READ,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file) {
-        return ErrorOr(ERROR_OPEN_FAILED);
+        return GetLastError();
     }
-    if (GetFileType(file.Get()) != FILE_TYPE_DISK) {
-        return ERROR_BAD_FILE_TYPE;
-    }
-    bytes.resize(kLargestFileBytes + 1);
-    DWORD length = 0;
-    for (DWORD got = 1; got > 0 && length < bytes.size(); length += got) {
-        if (!ReadFile(file.Get(), bytes.data() + length, static_cast<DWORD>(bytes.size()) - length, &got, nullptr)) {
-            return ErrorOr(ERROR_READ_FAULT);
+    bytes.resize(suite::kMostXmlBytes + 1);
+    std::size_t filled = 0;
+    DWORD count = 0;
+    do {
+        if (!ReadFile(file.Get(), bytes.data() + filled, static_cast<DWORD>(bytes.size() - filled), &count, nullptr)) {
+            return GetLastError();
         }
-    }
-    bytes.resize(length);
-    return length <= kLargestFileBytes ? ERROR_SUCCESS : ERROR_FILE_TOO_LARGE;
+        filled += count;
+    } while (count > 0 && filled < bytes.size());
+    bytes.resize(filled);
+    return ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -57,9 +47,12 @@ std::string QxXmlElement::Name() const {
 QxXmlElement QxXmlElement::FirstNode(const std::string& name) const {
     QxXmlElement found;
     if (node_ != nullptr) {
-        const auto child = std::find_if(node_->children.begin(), node_->children.end(),
-                                        [&](const std::unique_ptr<QxXmlNode>& node) { return node->name == name; });
-        found.node_ = child != node_->children.end() ? child->get() : nullptr;
+        for (const auto& child : node_->children) {
+            if (child->name == name) {
+                found.node_ = child.get();
+                break;
+            }
+        }
     }
     return found;
 }
@@ -67,9 +60,12 @@ QxXmlElement QxXmlElement::FirstNode(const std::string& name) const {
 QxXmlAttribute QxXmlElement::FirstAttribute(const std::string& name) const {
     QxXmlAttribute found;
     if (node_ != nullptr) {
-        const auto attribute = std::find_if(node_->attributes.begin(), node_->attributes.end(),
-                                            [&](const auto& candidate) { return candidate.first == name; });
-        found.value_ = attribute != node_->attributes.end() ? &attribute->second : nullptr;
+        for (const auto& [attributeName, value] : node_->attributes) {
+            if (attributeName == name) {
+                found.value_ = &value;
+                break;
+            }
+        }
     }
     return found;
 }
@@ -78,20 +74,22 @@ QxXMLDocument::QxXMLDocument() = default;
 QxXMLDocument::~QxXMLDocument() = default;
 
 int QxXMLDocument::LoadFile(const std::string& path) {
+    root_.reset();
     try {
-        root_.reset();
         std::string bytes;
-        if (const DWORD error = ReadWholeFile(path, bytes)) {
+        const DWORD error = ReadWhole(path, bytes);
+        if (error != ERROR_SUCCESS) {
             return static_cast<int>(error);
         }
-        return suite::ReadXmlTree(bytes, root_);
+        const HRESULT result = suite::ReadXml(bytes, root_);
+        return FACILITY_WIN32 == HRESULT_FACILITY(result) ? HRESULT_CODE(result) : static_cast<int>(result);
     } catch (...) {
         return ERROR_NOT_ENOUGH_MEMORY;
     }
 }
 
 QxXmlElement QxXMLDocument::RootElement() const {
-    QxXmlElement element;
-    element.node_ = root_.get();
-    return element;
+    QxXmlElement root;
+    root.node_ = root_.get();
+    return root;
 }

@@ -11,7 +11,9 @@
 
 #include "suite/xml/Export.h"
 
-struct QxXmlNode;
+namespace suite {
+struct XmlTree;
+}
 
 class SUITE_XML_API QxXmlAttribute {
   public:
@@ -34,7 +36,7 @@ class SUITE_XML_API QxXmlElement {
 
   private:
     friend class QxXMLDocument;
-    const QxXmlNode* node_ = nullptr;  // borrowed from the document
+    const suite::XmlTree* node_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXMLDocument {
@@ -44,13 +46,13 @@ class SUITE_XML_API QxXMLDocument {
     QxXMLDocument(const QxXMLDocument&) = delete;
     QxXMLDocument& operator=(const QxXMLDocument&) = delete;
 
-    // 0 when the file was read, else the system's error code: the file is missing or unreadable, is not well-formed, or
-    // passes a limit. A file that is empty, or well-formed but for a missing root element, counts as read. What was
-    // loaded before is gone in every case.
+    // 0 when the file was read, also when it has no root element but nothing else is wrong (an empty file, one with
+    // only a declaration or comments); else the system's error code: the file is missing or unreadable, is not
+    // well-formed, or passes a limit. What was loaded before is gone.
     int LoadFile(const std::string& path);
     // Null when nothing is loaded or the file has no root element.
     QxXmlElement RootElement() const;
 
   private:
-    std::unique_ptr<QxXmlNode> root_;
+    std::unique_ptr<suite::XmlTree> root_;
 };

@@ -4,13 +4,21 @@
 
 using suite::ElementNameOf;
 
-TEST(ProductNameTest, AProductNameBecomesAnElementName) {
-    EXPECT_EQ(ElementNameOf("Notebook 14-x_2.1"), "Notebook14-x_2.1");
-    EXPECT_EQ(ElementNameOf(" To be filled\tby O.E.M.! "), "TobefilledbyO.E.M.");
-    EXPECT_EQ(ElementNameOf("82A1 Pro 14"), "_82A1Pro14");
-    EXPECT_EQ(ElementNameOf("-x"), "_-x");
+TEST(ProductNameTest, KeepsWhatAnElementNameMayHold) {
+    EXPECT_EQ(ElementNameOf("Notora-15_v2.1"), "Notora-15_v2.1");
+    EXPECT_EQ(ElementNameOf(" Notora 15 (Gen 2)/<x>&\"\n"), "Notora15Gen2x");
+    EXPECT_EQ(ElementNameOf("\xC3\x84\xE6\x97\xA5z"), "z");
+    EXPECT_EQ(ElementNameOf(std::string("a\0b", 3)), "ab");
+}
+
+TEST(ProductNameTest, BeginsWithALetterOrAnUnderscore) {
+    EXPECT_EQ(ElementNameOf("20XW"), "_20XW");
+    EXPECT_EQ(ElementNameOf("(-x"), "_-x");
+    EXPECT_EQ(ElementNameOf("."), "_.");
     EXPECT_EQ(ElementNameOf("_x"), "_x");
-    EXPECT_EQ(ElementNameOf("<a:b/>\xE6\x97\xA5\xC3\xA9"), "ab");
+}
+
+TEST(ProductNameTest, NothingStaysEmpty) {
     EXPECT_EQ(ElementNameOf(""), "");
-    EXPECT_EQ(ElementNameOf(" \xE6\x97\xA5 "), "");
+    EXPECT_EQ(ElementNameOf(" /\xFF"), "");
 }
