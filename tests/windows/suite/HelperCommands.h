@@ -5,11 +5,12 @@
 
 using Arguments = std::vector<std::wstring>;
 
-// log <name> <threads> <lines> <length>: each thread logs so many lines "<name>-<thread>-<line> xxx" of that length.
+// log <name> <threads> <lines> <length>: each thread logs so many lines "<name>-<thread>-<line> xxx" of that length,
+// and looks whether its last error is kept.
 int LogMany(const Arguments& arguments);
 // Logs before, at and after InitProcessLogger, and after a second call.
 int LogEarly(const Arguments& arguments);
-// Logs until it is ended.
+// forever [<pause in ms>]: logs until it is ended.
 int LogForever(const Arguments& arguments);
 
 // Reports two texts and one event with fields.

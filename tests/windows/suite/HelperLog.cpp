@@ -1,3 +1,6 @@
+#include <windows.h>
+
+#include <atomic>
 #include <thread>
 
 #include "suite/logger/QxLogger.h"
@@ -11,18 +14,25 @@ int LogMany(const Arguments& arguments) {
         LogLine(4, L"LogMany", L"goes nowhere, and harms nothing");
         return 1;
     }
+    std::atomic<bool> lastErrorKept{true};
     std::vector<std::thread> workers;
     for (int thread = 0; thread < std::stoi(arguments.at(2)); ++thread) {
         workers.emplace_back([&, thread] {
             for (int line = 0; line < lines; ++line) {
-                LogLine(3, L"LogMany", name, L"-", thread, L"-", line, L" ", filling);
+                std::wostringstream stream;
+                stream << name << L"-" << thread << L"-" << line << L" " << filling << L"(LogMany)";
+                SetLastError(4711);
+                QxLogger::Log(3, stream);
+                if (GetLastError() != 4711) {
+                    lastErrorKept = false;
+                }
             }
         });
     }
     for (std::thread& worker : workers) {
         worker.join();
     }
-    return 0;
+    return lastErrorKept ? 0 : 1;
 }
 
 int LogEarly(const Arguments&) {
@@ -36,9 +46,13 @@ int LogEarly(const Arguments&) {
     return noPath && opened && again ? 0 : 1;
 }
 
-int LogForever(const Arguments&) {
+int LogForever(const Arguments& arguments) {
+    const DWORD pauseMs = arguments.size() > 1 ? std::stoul(arguments[1]) : 0;
     QxLogger::GetInstance()->InitProcessLogger();
     for (int line = 0;; ++line) {
         LogLine(3, L"LogForever", line);
+        if (pauseMs > 0) {
+            Sleep(pauseMs);
+        }
     }
 }
