@@ -11,6 +11,10 @@ namespace {
 
 // The whole file, or one byte more than the largest that is read.
 DWORD ReadWhole(const std::string& path, std::string& bytes) {
+    // The system would take what stands before a NUL for the path.
+    if (path.find('\0') != std::string::npos) {
+        return ERROR_INVALID_NAME;
+    }
     const suite::Handle file(CreateFileW(suite::FromUtf8(path).c_str(), GENERIC_READ,
                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                          FILE_FLAG_SEQUENTIAL_SCAN, nullptr));

@@ -3,6 +3,7 @@
 //
 // Why: configuration files come from outside and may be broken or hostile; reading goes through the system's XML
 // reader, with no document type definitions, no external entities, and limits (1 MiB, 64 levels, 10,000 elements).
+// Files are UTF-8, or UTF-16 with a byte order mark.
 // Elements and attributes are cheap handles into the document, which must outlive them. A null handle answers null
 // to everything. Narrow strings are UTF-8. Threads: a document belongs to one thread. Nothing throws.
 #include <memory>
@@ -45,8 +46,9 @@ class SUITE_XML_API QxXMLDocument {
     QxXMLDocument(const QxXMLDocument&) = delete;
     QxXMLDocument& operator=(const QxXMLDocument&) = delete;
 
-    // 0 when the file was read (an empty or blank file counts as read, without a root element), else the system's error
-    // code: the file is missing or unreadable, is not well-formed, or passes a limit. What was loaded before is gone.
+    // 0 when the file was read, also when it has no root element but nothing else is wrong (an empty file, one with
+    // only a declaration or comments); else the system's error code: the file is missing or unreadable, is not
+    // well-formed, or passes a limit. What was loaded before is gone.
     int LoadFile(const std::string& path);
     // Null when nothing is loaded or the file has no root element.
     QxXmlElement RootElement() const;

@@ -81,7 +81,7 @@ std::optional<std::u32string> Decode(std::string_view bytes) {
 // Walks the markup. Every step either goes forward or ends the walk.
 class Walk {
   public:
-    explicit Walk(std::u32string_view text) : rest_(text) {}
+    explicit Walk(std::u32string_view text) : whole_(text.size()), rest_(text) {}
 
     XmlVerdict Run() {
         while (!rest_.empty() && verdict_ == XmlVerdict::kSound) {
@@ -89,10 +89,10 @@ class Walk {
                 Fail(XmlVerdict::kBroken);
             }
         }
-        if (verdict_ == XmlVerdict::kSound && (!open_.empty() || elements_ == 0)) {
-            return XmlVerdict::kBroken;
+        if (verdict_ != XmlVerdict::kSound) {
+            return verdict_;
         }
-        return verdict_;
+        return !open_.empty() ? XmlVerdict::kBroken : elements_ == 0 ? XmlVerdict::kRootless : XmlVerdict::kSound;
     }
 
   private:
@@ -160,8 +160,11 @@ class Walk {
         if (Take(U"<!")) {
             return !TakeName().empty() && Fail(XmlVerdict::kRefused);
         }
+        const bool isFirst = rest_.size() == whole_;
         if (Take(U"<?")) {
-            return !TakeName().empty() && TakeThrough(U"?>");
+            // The declaration stands before everything else, white space included.
+            const std::u32string_view name = TakeName();
+            return !name.empty() && (name != U"xml" || isFirst) && TakeThrough(U"?>");
         }
         return Take(U"</") ? EndTag() : StartTag();
     }
@@ -254,26 +257,35 @@ class Walk {
 
     static constexpr std::size_t kMostAttributes = 256;
 
+    const std::size_t whole_;
     std::u32string_view rest_;
     std::vector<std::u32string_view> open_;  // the names of the elements around this place, outermost first
     std::size_t elements_ = 0;
     XmlVerdict verdict_ = XmlVerdict::kSound;
 };
 
+std::string AsUtf8(std::u32string_view text) {
+    std::string utf8;
+    utf8.reserve(text.size());
+    const std::size_t start = text.find(U'<');
+    for (const char32_t c : text.substr(start)) {
+        AppendUtf8(utf8, c);
+    }
+    return utf8;
+}
+
 }  // namespace
 
-XmlVerdict JudgeXml(std::string_view bytes) {
+XmlJudgement JudgeXml(std::string_view bytes) {
     if (bytes.size() > kMostXmlBytes) {
-        return XmlVerdict::kRefused;
+        return {XmlVerdict::kRefused, {}};
     }
     const std::optional<std::u32string> text = Decode(bytes);
     if (!text) {
-        return XmlVerdict::kBroken;
+        return {XmlVerdict::kBroken, {}};
     }
-    if (std::all_of(text->begin(), text->end(), IsSpace)) {
-        return XmlVerdict::kBlank;
-    }
-    return Walk(*text).Run();
+    const XmlVerdict verdict = Walk(*text).Run();
+    return {verdict, verdict == XmlVerdict::kSound ? AsUtf8(*text) : std::string()};
 }
 
 }  // namespace suite

@@ -6,6 +6,7 @@
 // attributes. So what is not well-formed, declares a document type or passes a limit is refused here. Names, values and
 // entities are left to the reader; nothing is parsed into anything. Pure logic. Any thread. May throw std::bad_alloc.
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace suite {
@@ -15,12 +16,19 @@ inline constexpr std::size_t kMostXmlLevels = 64;
 inline constexpr std::size_t kMostXmlElements = 10'000;
 
 enum class XmlVerdict {
-    kSound,    // one root element; UTF-8, or UTF-16 with its mark
-    kBlank,    // nothing but white space
-    kBroken,   // not well-formed, or in another encoding
-    kRefused,  // a document type, or past a limit
+    kSound,     // one root element; UTF-8, or UTF-16 with its mark
+    kRootless,  // well-formed but for its root element: nothing, white space, a declaration, comments
+    kBroken,    // not well-formed, or in another encoding
+    kRefused,   // a document type, or past a limit
 };
 
-XmlVerdict JudgeXml(std::string_view bytes);
+// What a sound text says, in the one form in which every reader takes it: UTF-8 without a byte order mark and without
+// white space in front.
+struct XmlJudgement {
+    XmlVerdict verdict = XmlVerdict::kBroken;
+    std::string utf8;  // empty unless sound
+};
+
+XmlJudgement JudgeXml(std::string_view bytes);
 
 }  // namespace suite

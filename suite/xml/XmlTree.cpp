@@ -2,10 +2,10 @@
 
 #include <objbase.h>
 
-#include <shlwapi.h>
 #include <xmllite.h>
 
 #include "suite/common/Utf8.h"
+#include "suite/xml/Utf8Stream.h"
 #include "suite/xml/XmlGate.h"
 
 namespace suite {
@@ -119,24 +119,29 @@ class TreeReader {
 
 HRESULT ReadXml(const std::string& bytes, std::unique_ptr<XmlTree>& root) {
     root.reset();
-    const XmlVerdict verdict = JudgeXml(bytes);
-    if (verdict != XmlVerdict::kSound) {
-        return verdict == XmlVerdict::kBlank ? S_OK : verdict == XmlVerdict::kRefused ? kRefused : kBroken;
+    const XmlJudgement judgement = JudgeXml(bytes);
+    if (judgement.verdict != XmlVerdict::kSound) {
+        return judgement.verdict == XmlVerdict::kRootless  ? S_OK
+               : judgement.verdict == XmlVerdict::kRefused ? kRefused
+                                                           : kBroken;
     }
+    const Com<ISequentialStream> stream(new Utf8Stream(judgement.utf8));
+    // The encoding is told, so that one that the text names itself does not count.
+    IXmlReaderInput* madeInput = nullptr;
+    HRESULT result = CreateXmlReaderInputWithEncodingName(stream.get(), nullptr, L"UTF-8", FALSE, nullptr, &madeInput);
+    if (FAILED(result)) {
+        return result;
+    }
+    const Com<IXmlReaderInput> input(madeInput);
     IXmlReader* made = nullptr;
-    HRESULT result = CreateXmlReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&made), nullptr);
+    result = CreateXmlReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&made), nullptr);
     if (FAILED(result)) {
         return result;
     }
     const Com<IXmlReader> reader(made);
-    const Com<IStream> stream(
-        SHCreateMemStream(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<UINT>(bytes.size())));
-    if (stream == nullptr) {
-        return E_OUTOFMEMORY;
-    }
     result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
     if (SUCCEEDED(result)) {
-        result = reader->SetInput(stream.get());
+        result = reader->SetInput(input.get());
     }
     if (SUCCEEDED(result)) {
         result = TreeReader(reader.get(), root).Run();

@@ -19,7 +19,7 @@ struct XmlTree {
     std::vector<std::unique_ptr<XmlTree>> children;
 };
 
-// S_OK with the root element, or with none for a text of nothing but blanks; else why the text was refused.
+// S_OK with the root element, or with none for a text that lacks only that; else why the text was refused.
 // May throw std::bad_alloc.
 HRESULT ReadXml(const std::string& bytes, std::unique_ptr<XmlTree>& root);
 

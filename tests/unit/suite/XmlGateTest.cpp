@@ -5,10 +5,15 @@
 #include <random>
 #include <string>
 
-using suite::JudgeXml;
 using suite::XmlVerdict;
 
+using namespace std::string_literals;
+
 namespace {
+
+XmlVerdict Judge(const std::string& bytes) {
+    return suite::JudgeXml(bytes).verdict;
+}
 
 const std::string kWhole =
     "<?xml version='1.0' encoding=\"UTF-8\"?>\n<!-- a - b -->\n<a x='1' y = \"&lt;&#65;&#x41;\"><?p q?><b "
@@ -39,13 +44,14 @@ TEST(XmlGateTest, SoundTextPasses) {
           std::string("\xEF\xBB\xBF<a/>"), std::string("<a b=''/>"), std::string("<a b='\"' c=\"'\"/>"),
           std::string("<a>></a>"), std::string("<a>\xEF\xBF\xBD</a>"), std::string("<a>]]</a>"),
           Utf16("<a b='c'/>", false), Utf16("<a b='c'/>", true)}) {
-        EXPECT_EQ(JudgeXml(text), XmlVerdict::kSound) << text;
+        EXPECT_EQ(Judge(text), XmlVerdict::kSound) << text;
     }
 }
 
-TEST(XmlGateTest, BlankTextIsTold) {
-    for (const char* text : {"", " ", "\r\n\t ", "\xEF\xBB\xBF", "\xEF\xBB\xBF\n", "\xFF\xFE"}) {
-        EXPECT_EQ(JudgeXml(text), XmlVerdict::kBlank) << text;
+TEST(XmlGateTest, TextWithoutARootElementIsTold) {
+    for (const char* text : {"", " ", "\r\n\t ", "\xEF\xBB\xBF", "\xEF\xBB\xBF\n", "\xFF\xFE", "<?xml version='1.0'?>",
+                             "<?x?>", "<!-- only -->", "<?xml version='1.0'?>\n<!-- only -->\n"}) {
+        EXPECT_EQ(Judge(text), XmlVerdict::kRootless) << text;
     }
 }
 
@@ -90,11 +96,8 @@ TEST(XmlGateTest, BrokenTextIsTold) {
                              "<!-- x --",
                              "<!-- a -- b --><a/>",
                              "<!-->",
-                             "<?xml version='1.0'?>",
-                             "<!-- only -->",
                              "<?",
                              "<?x",
-                             "<?x?>",
                              "<?"
                              "?><a/>",
                              "<a/></a>",
@@ -108,40 +111,54 @@ TEST(XmlGateTest, BrokenTextIsTold) {
                              "\xFF\xFE<",
                              "\xEF\xBB\xBF\xEF\xBB\xBF<a/>",
                              "MZ\x90"}) {
-        EXPECT_EQ(JudgeXml(text), XmlVerdict::kBroken) << text;
+        EXPECT_EQ(Judge(text), XmlVerdict::kBroken) << text;
     }
-    EXPECT_EQ(JudgeXml(std::string("<a>\0</a>", 8)), XmlVerdict::kBroken);
-    EXPECT_EQ(JudgeXml(std::string("<a/>\0", 5)), XmlVerdict::kBroken);
-    EXPECT_EQ(JudgeXml(std::string(5000, '\0')), XmlVerdict::kBroken);
-    EXPECT_EQ(JudgeXml(Utf16("<a/>", false) + std::string("\x00\xD8", 2)), XmlVerdict::kBroken);
+    for (const char* late : {" <?xml version='1.0'?><a/>", "<!----><?xml version='1.0'?><a/>", "<a><?xml?></a>"}) {
+        EXPECT_EQ(Judge(late), XmlVerdict::kBroken) << late;
+    }
+    EXPECT_EQ(Judge(std::string("<a>\0</a>", 8)), XmlVerdict::kBroken);
+    EXPECT_EQ(Judge(std::string("<a/>\0", 5)), XmlVerdict::kBroken);
+    EXPECT_EQ(Judge(std::string(5000, '\0')), XmlVerdict::kBroken);
+    EXPECT_EQ(Judge(Utf16("<a/>", false) + std::string("\x00\xD8", 2)), XmlVerdict::kBroken);
 }
 
 TEST(XmlGateTest, DocumentTypesAreRefused) {
-    EXPECT_EQ(JudgeXml("<!DOCTYPE a><a/>"), XmlVerdict::kRefused);
-    EXPECT_EQ(JudgeXml("<?xml version='1.0'?>\n<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>"), XmlVerdict::kRefused);
-    EXPECT_EQ(JudgeXml("<a><!ELEMENT b></a>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<!DOCTYPE a><a/>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<?xml version='1.0'?>\n<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<a><!ELEMENT b></a>"), XmlVerdict::kRefused);
 }
 
 TEST(XmlGateTest, TheLimitsHold) {
-    EXPECT_EQ(JudgeXml(Repeat("<a>", 64) + Repeat("</a>", 64)), XmlVerdict::kSound);
-    EXPECT_EQ(JudgeXml(Repeat("<a>", 65) + Repeat("</a>", 65)), XmlVerdict::kRefused);
-    EXPECT_EQ(JudgeXml("<r>" + Repeat("<a/>", 9'999) + "</r>"), XmlVerdict::kSound);
-    EXPECT_EQ(JudgeXml("<r>" + Repeat("<a/>", 10'000) + "</r>"), XmlVerdict::kRefused);
-    EXPECT_EQ(JudgeXml("<r>" + std::string(1024 * 1024 - 7, ' ') + "</r>"), XmlVerdict::kSound);
-    EXPECT_EQ(JudgeXml("<r>" + std::string(1024 * 1024 - 6, ' ') + "</r>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge(Repeat("<a>", 64) + Repeat("</a>", 64)), XmlVerdict::kSound);
+    EXPECT_EQ(Judge(Repeat("<a>", 65) + Repeat("</a>", 65)), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<r>" + Repeat("<a/>", 9'999) + "</r>"), XmlVerdict::kSound);
+    EXPECT_EQ(Judge("<r>" + Repeat("<a/>", 10'000) + "</r>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<r>" + std::string(1024 * 1024 - 7, ' ') + "</r>"), XmlVerdict::kSound);
+    EXPECT_EQ(Judge("<r>" + std::string(1024 * 1024 - 6, ' ') + "</r>"), XmlVerdict::kRefused);
     std::string attributes;
     for (int i = 0; i < 257; ++i) {
         attributes += " a" + std::to_string(i) + "=''";
     }
-    EXPECT_EQ(JudgeXml("<a" + attributes + "/>"), XmlVerdict::kRefused);
+    EXPECT_EQ(Judge("<a" + attributes + "/>"), XmlVerdict::kRefused);
 }
 
-TEST(XmlGateTest, EveryTruncationIsBroken) {
+TEST(XmlGateTest, SoundTextIsGivenAsUtf8) {
+    EXPECT_EQ(suite::JudgeXml("\xEF\xBB\xBF \n<a b='\xE6\x97\xA5'/>\n").utf8, "<a b='\xE6\x97\xA5'/>\n");
+    EXPECT_EQ(suite::JudgeXml(Utf16(" <a b='c'/>", false)).utf8, "<a b='c'/>");
+    EXPECT_EQ(suite::JudgeXml(Utf16("<a b='c'/>", true)).utf8, "<a b='c'/>");
+    EXPECT_EQ(suite::JudgeXml("\xFF\xFE<\0a\0/\0>\0=\xD8\0\xDE"s).utf8, "");
+    EXPECT_EQ(suite::JudgeXml("<a>").utf8, "");
+}
+
+TEST(XmlGateTest, EveryTruncationIsTold) {
+    const std::size_t begin = kWhole.find("<a");
     const std::size_t end = kWhole.find("</a>") + 4;
     for (std::size_t length = 1; length < end; ++length) {
-        EXPECT_EQ(JudgeXml(kWhole.substr(0, length)), XmlVerdict::kBroken) << kWhole.substr(0, length);
+        const bool rootless = length <= begin && (kWhole[length - 1] == '>' || kWhole[length - 1] == '\n');
+        EXPECT_EQ(Judge(kWhole.substr(0, length)), rootless ? XmlVerdict::kRootless : XmlVerdict::kBroken)
+            << kWhole.substr(0, length);
     }
-    EXPECT_EQ(JudgeXml(kWhole.substr(0, end)), XmlVerdict::kSound);
+    EXPECT_EQ(Judge(kWhole.substr(0, end)), XmlVerdict::kSound);
 }
 
 // Under the sanitizers: no text makes the walk read past its end or go on for ever.
@@ -164,7 +181,7 @@ TEST(XmlGateTest, AnyDamageIsSurvived) {
                     text.erase(place, random() % 8);
             }
         }
-        sound += JudgeXml(text) == XmlVerdict::kSound;
+        sound += Judge(text) == XmlVerdict::kSound;
     }
     EXPECT_GT(sound, 0);
 }
