@@ -97,6 +97,9 @@ LRESULT WindowImplBase::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam
                 }
             }
             return 0;
+        case WM_SYSCOMMAND:
+            handled = IsRefused(wParam & 0xFFF0, lParam);  // the low four bits are the system's own
+            break;
         case WM_NCACTIVATE:
             return DefWindowProcW(GetHWND(), message, wParam, -1);  // -1: without drawing the frame
         case WM_NCPAINT:
@@ -215,6 +218,19 @@ LRESULT WindowImplBase::OnDpiChanged(WPARAM, LPARAM, bool& handled) {
 
 void WindowImplBase::ApplyShape() {
     ApplyWindowShape(GetHWND(), DipToPx(paintManager_.GetWindowSpec().roundCornerDip, paintManager_.GetDPI()));
+}
+
+bool WindowImplBase::IsRefused(WPARAM command, LPARAM key) {
+    switch (command) {
+        case SC_KEYMENU:
+            // Alt or F10 alone would open a menu that nobody sees, and swallow the next key. Alt+Space opens one.
+            return key == 0;
+        case SC_MAXIMIZE:
+        case SC_SIZE:
+            return !IsResizable();
+        default:
+            return false;
+    }
 }
 
 bool WindowImplBase::IsResizable() {

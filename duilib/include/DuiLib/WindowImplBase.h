@@ -64,6 +64,7 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
   private:
     void ApplyShape();
     bool IsResizable();
+    bool IsRefused(WPARAM command, LPARAM key);
 
     CPaintManagerUI paintManager_;
 };

@@ -66,6 +66,8 @@ TEST(HtmlLayout, EastAsianTextBreaksBetweenCharactersButNotBeforePunctuation) {
     EXPECT_THAT(LinesOf(Arranged(L"中文字", 20)), ElementsAre(L"中文", L"字"));
     EXPECT_THAT(LinesOf(Arranged(L"中文。", 20)), ElementsAre(L"中", L"文。"));
     EXPECT_THAT(LinesOf(Arranged(L"中「文", 20)), ElementsAre(L"中", L"「文"));
+    EXPECT_THAT(LinesOf(Arranged(L"葛\uFE00城", 20)), ElementsAre(L"葛\uFE00", L"城"));
+    EXPECT_THAT(LinesOf(Arranged(L"城葛\uFE00", 20)), ElementsAre(L"城", L"葛\uFE00"));
 }
 
 TEST(HtmlLayout, BreaksAfterHyphensButNotInNumbers) {

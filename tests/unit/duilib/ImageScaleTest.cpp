@@ -70,10 +70,10 @@ TEST(ImageScale, ShrinkingAverages) {
 
 TEST(ImageScale, ColourNeverExceedsAlpha) {
     Pixels edges;
-    for (int y = 0; y < 12; ++y) {
-        for (int x = 0; x < 12; ++x) {
-            edges.push_back(x / 3 % 2 == y / 4 % 2 ? 0xFFFFFFFF : 0x00000000);
-        }
+    for (int i = 0; i < 12 * 12; ++i) {
+        // Black, white, glass and nothing, in blocks: colours overshoot where the alpha does not.
+        constexpr std::uint32_t kKinds[] = {0xFF000000, 0xFFFFFFFF, 0x80808080, 0x00000000, 0x80000000};
+        edges.push_back(kKinds[(i / 3 + i / 36 * 2) % 5]);
     }
     for (const Size target : {Size{29, 31}, Size{7, 5}}) {
         for (const std::uint32_t pixel : Scaled(edges, {12, 12}, target)) {

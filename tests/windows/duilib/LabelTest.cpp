@@ -181,6 +181,37 @@ TEST_P(Label, TheRenderEngineMeasuresWhatIsDrawn) {
     EXPECT_EQ(none, Rect{});
 }
 
+TEST_P(Label, TheRenderEngineDrawsOnAnyDeviceContext) {
+    TestWindow window(Layout(""));
+    Render(window, Dpi());
+    CPaintManagerUI& manager = window.PaintManager();
+    const Size size{Px(200), Px(40)};
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ original = SelectObject(dc, bitmap);
+    const auto darkestAfter = [&](DWORD argb) {
+        auto* const pixels = static_cast<std::uint32_t*>(bits);
+        std::fill_n(pixels, size.cx * size.cy, kWhite);
+        Rect place{0, 0, size.cx, size.cy};
+        CRenderEngine::DrawText(dc, &manager, place, L"HHHH", argb, 7, DT_SINGLELINE | DT_VCENTER);
+        GdiFlush();
+        std::uint32_t found = 255;
+        for (int i = 0; i < size.cx * size.cy; ++i) {
+            found = std::min(found, pixels[i] & 0xFF);
+        }
+        return static_cast<int>(found);
+    };
+    EXPECT_EQ(darkestAfter(0xFF000000), 0);
+    EXPECT_NEAR(darkestAfter(0x80000000), 127, 2);
+    EXPECT_EQ(darkestAfter(0x00000000), 255);
+    SelectObject(dc, original);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+}
+
 TEST(LabelAccess, IsTextWithANameOrNothing) {
     TestWindow window(R"(<Window size="220,120"><VerticalLayout><Label name="a" text="Hello"/><Label name="b"/>
                          <Label name="c" tooltip="Tip"/></VerticalLayout></Window>)");

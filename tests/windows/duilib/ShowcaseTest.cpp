@@ -64,6 +64,21 @@ TEST_F(Showcase, IsMirroredForRightToLeftLanguages) {
     log.ExpectNone();
 }
 
+TEST_F(Showcase, PaintingLeavesNoGdiObjects) {
+    TestWindow window(layout);
+    const auto paintAll = [&] {
+        for (const int dpi : {96, 144, 192}) {
+            Render(window, dpi);
+        }
+    };
+    paintAll();
+    const int before = GdiObjectCount();
+    for (int i = 0; i < 10; ++i) {
+        paintAll();
+    }
+    EXPECT_LE(GdiObjectCount(), before);
+}
+
 // To look at and to play with: run it with --gtest_also_run_disabled_tests; Esc closes the window.
 TEST_F(Showcase, DISABLED_StaysOpen) {
     TestWindow window(layout);

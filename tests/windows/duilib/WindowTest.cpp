@@ -61,6 +61,13 @@ TEST_F(Window, IsDraggedByMarkedControlsOnly) {
 TEST_F(Window, CanBeSizedWhereTheLayoutGivesLimits) {
     TestWindow fixed(kLayout, WS_OVERLAPPEDWINDOW);
     EXPECT_EQ(GetWindowLongPtrW(fixed.GetHWND(), GWL_STYLE) & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
+    fixed.ShowWindow();
+    for (const WPARAM command : {static_cast<WPARAM>(SC_MAXIMIZE), static_cast<WPARAM>(SC_MAXIMIZE | 2)}) {
+        SendMessageW(fixed.GetHWND(), WM_SYSCOMMAND, command, 0);
+    }
+    SendMessageW(fixed.GetHWND(), WM_NCLBUTTONDBLCLK, HTCAPTION, ScreenPoint(fixed.GetHWND(), fixed.CenterOf(L"drag")));
+    EXPECT_FALSE(IsZoomed(fixed.GetHWND()));
+    EXPECT_EQ(SizeOf(fixed.GetHWND()), (Size{300, 200}));
     TestWindow window(R"(<Window size="300,200" minsize="200,100"><Control name="c"/></Window>)", WS_OVERLAPPEDWINDOW);
     const HWND hwnd = window.GetHWND();
     EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, {1, 199})), HTBOTTOMLEFT);
@@ -70,6 +77,37 @@ TEST_F(Window, CanBeSizedWhereTheLayoutGivesLimits) {
     EXPECT_EQ(SizeOf(hwnd), (Size{200, 100}));
     SetWindowPos(hwnd, nullptr, 0, 0, 500, 400, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_EQ(window.Find(L"c").GetPos(), (Rect{0, 0, 500, 400}));
+    window.ShowWindow();
+    SendMessageW(hwnd, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+    EXPECT_TRUE(IsZoomed(hwnd));
+    // No edge of it lies off the screen.
+    RECT client{};
+    GetClientRect(hwnd, &client);
+    MapWindowPoints(hwnd, HWND_DESKTOP, reinterpret_cast<POINT*>(&client), 2);
+    MONITORINFO info{};
+    info.cbSize = sizeof(info);
+    GetMonitorInfoW(MonitorFromWindow(hwnd, MONITOR_DEFAULTTONEAREST), &info);
+    EXPECT_TRUE(EqualRect(&client, &info.rcWork));
+    SendMessageW(hwnd, WM_SYSCOMMAND, SC_RESTORE, 0);
+    EXPECT_EQ(SizeOf(hwnd), (Size{500, 400}));
+}
+
+TEST_F(Window, AltAloneOpensNoMenu) {
+    TestWindow window(kLayout);
+    window.ShowWindow();
+    PumpPending();
+    // A menu would run a loop of its own until something ends it.
+    bool menu = false;
+    UIMainQueue::getInstance()->dispatch([&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof(info);
+        GetGUIThreadInfo(GetCurrentThreadId(), &info);
+        menu = (info.flags & GUI_INMENUMODE) != 0;
+        SendMessageW(window.GetHWND(), WM_CANCELMODE, 0, 0);
+    });
+    SendMessageW(window.GetHWND(), WM_SYSCOMMAND, SC_KEYMENU, 0);
+    PumpPending();
+    EXPECT_FALSE(menu);
 }
 
 TEST_F(Window, MissingOrBrokenLayoutLeavesAnEmptyWindowAndALogLine) {
