@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kNameEnds = " \t\r\n<>\"'=&/";
 constexpr std::string_view kComment = "<!--", kCommentEnd = "-->";
 constexpr std::string_view kCData = "<![CDATA[", kCDataEnd = "]]>";
 constexpr std::string_view kInstruction = "<?", kInstructionEnd = "?>";
@@ -29,7 +30,6 @@ class Preparer {
     XmlText Run() {
         while (!rest_.empty() && TakeNext()) {
         }
-        // Text after the last markup belongs to nothing that is finished.
         text_.finished = text_.finished && open_.empty();
         for (; !open_.empty(); open_.pop_back()) {
             text_.ascii += "</";
@@ -44,13 +44,19 @@ class Preparer {
     bool TakeNext() {
         const std::size_t begin = rest_.find('<');
         const std::string_view plain = rest_.substr(0, begin);
-        if (begin == std::string_view::npos) {
-            text_.finished = plain.find_first_not_of(kBlanks) == std::string_view::npos;
+        // Outside the root only blanks are allowed.
+        const bool stray = open_.empty() && plain.find_first_not_of(kBlanks) != std::string_view::npos;
+        if (begin == std::string_view::npos || stray) {
+            text_.finished = !stray;
             return false;
         }
         const std::string_view markup = rest_.substr(begin);
         const std::size_t length = MarkupLength(markup);
         if (length == std::string_view::npos) {
+            text_.finished = false;
+            return false;
+        }
+        if (open_.empty() && markup.starts_with(kCData)) {
             text_.finished = false;
             return false;
         }
@@ -112,7 +118,7 @@ class Preparer {
     }
 
     static std::string NameOf(std::string_view markup) {
-        const std::size_t end = std::min(markup.find_first_of(kBlanks), markup.size() - 1);
+        const std::size_t end = std::min(markup.find_first_of(kNameEnds, 1), markup.size() - 1);
         return std::string(markup.substr(1, end - 1));
     }
 

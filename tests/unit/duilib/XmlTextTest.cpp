@@ -54,9 +54,11 @@ TEST(XmlText, EveryBeginningIsFinished) {
 }
 
 TEST(XmlText, TextAfterTheEndIsCutOffAndSaid) {
-    const XmlText text = PrepareXml("<a/> junk");
-    EXPECT_EQ(text.ascii, "<a/>");
-    EXPECT_FALSE(text.finished);
+    for (const char* xml : {"<a/> junk", "<a/><![CDATA[junk]]>"}) {
+        const XmlText text = PrepareXml(xml);
+        EXPECT_EQ(text.ascii, "<a/>");
+        EXPECT_FALSE(text.finished);
+    }
 }
 
 TEST(XmlText, NothingIsNoElement) {
