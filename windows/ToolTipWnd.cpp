@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int kHeightDip = 104;
+constexpr int kBubbleRadiusDip = 6;
 constexpr int kMarginDip = 60;  // what the popup is wider than its text
 constexpr DWORD kStyle = 0x80000001;
 constexpr UINT kShowFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER | SWP_NOSENDCHANGING;
@@ -91,7 +92,19 @@ void ToolTipWnd::Show(bool visible) {
     const int widthPx = DuiLib::DipToPx(GetToolTipWidth(), OwnerDpi());
     const int heightPx = DuiLib::DipToPx(kHeightDip, OwnerDpi());
     SetWindowPos(GetHWND(), HWND_TOPMOST, xPx_, yPx_, widthPx, heightPx, kShowFlags);
+    CutToBubble();
     SetFocus(GetParent(GetHWND()));
+}
+
+void ToolTipWnd::CutToBubble() {
+    PaintManager().UpdateLayout();
+    const DuiLib::CControlUI* bubble = PaintManager().FindControl(L"tooltip_bubble");
+    if (!bubble)
+        return;
+    const DuiLib::Rect& px = bubble->GetPos();
+    const int cornerPx = DuiLib::DipToPx(2 * kBubbleRadiusDip, OwnerDpi());
+    // The region is the system's from here on; its right and bottom edges are not part of it.
+    SetWindowRgn(GetHWND(), CreateRoundRectRgn(px.left, px.top, px.right + 1, px.bottom + 1, cornerPx, cornerPx), TRUE);
 }
 
 LRESULT ToolTipWnd::OnMouseLeave(WPARAM, LPARAM, bool& handled) {

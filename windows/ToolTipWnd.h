@@ -3,7 +3,8 @@
 //
 // A page calls SetAnchor, SetPosition, SetToolTipText and Show(true). The popup hides when the pointer
 // leaves the explained control or comes onto the popup itself, and when the main window loses the focus.
-// Layout: a text "tooltip_text". Sizes and distances are 96-DPI units unless a name says px. Thread: UI thread.
+// Layout: a text "tooltip_text" in the visible part, "tooltip_bubble". Sizes and distances are 96-DPI units unless a
+// name says px. Thread: UI thread.
 #include <windows.h>
 
 #include <string>
@@ -39,6 +40,8 @@ class ToolTipWnd : public DuiLib::WindowImplBase, public HintWindow {
 
   private:
     int OwnerDpi() const;
+    // Only the bubble of the layout is seen of the window.
+    void CutToBubble();
 
     DuiLib::CControlUI* anchor_ = nullptr;      // borrowed; null while hidden
     DuiLib::CPaintManagerUI* owner_ = nullptr;  // borrowed; the main window's, which outlives every hint

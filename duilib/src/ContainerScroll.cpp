@@ -39,12 +39,14 @@ struct ContainerAttributes {
     static bool VScrollBar(CContainerUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool wanted) {
             c.vertical_ = MakeBar(wanted, true);
+            c.Invalidate();
             c.NeedUpdate();
         });
     }
     static bool HScrollBar(CContainerUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool wanted) {
             c.horizontal_ = MakeBar(wanted, false);
+            c.Invalidate();
             c.NeedUpdate();
         });
     }
@@ -125,6 +127,7 @@ bool CContainerUI::FocusableByDefault() const {
 // --- bars
 
 void CContainerUI::ArrangeScrollBars(const Rect& insidePx) {
+    const Rect earlier = ThumbsPx();
     const Rect& pos = GetPos();
     const int thickness = ToPx(kBarDip);
     const bool rightToLeft = mirror_ && IsRightToLeft();
@@ -141,6 +144,20 @@ void CContainerUI::ArrangeScrollBars(const Rect& insidePx) {
                               pos.right - (rightToLeft ? 0 : corner), pos.bottom},
                              contentRectPx_.Width(), insidePx.Width(), scrollPx_.x, ToPx(kMinThumbDip), rightToLeft);
     }
+    // Nothing else repaints a bar that comes, goes or moves while the container keeps its rectangle.
+    if (const Rect now = ThumbsPx(); now != earlier && GetManager() != nullptr) {
+        GetManager()->Invalidate(earlier.Union(now).Intersect(pos));
+    }
+}
+
+Rect CContainerUI::ThumbsPx() const {
+    Rect thumbs;
+    for (const ScrollBar* bar : {vertical_.get(), horizontal_.get()}) {
+        if (bar != nullptr && bar->IsShown()) {
+            thumbs = thumbs.Union(bar->ThumbPx());
+        }
+    }
+    return thumbs;
 }
 
 ScrollBar* CContainerUI::ScrollBarAt(Point px) const {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "XmlText.h"
+
 namespace DuiLib {
 namespace {
 
@@ -169,10 +171,17 @@ XmlDocument ReadXmlText(std::string_view utf8) {
         document.error = L"larger than 1 MiB";
         return document;
     }
+    XmlText text = PrepareXml(utf8);
+    if (!text.hasElement) {
+        document.error = L"no root element";
+        return document;
+    }
+    // Without a declaration some readers take blanks before the root for the end.
+    text.ascii.insert(0, "<?xml version=\"1.0\"?>");
     Reference<IStream> stream;
     HRESULT result = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out());
     if (SUCCEEDED(result)) {
-        result = stream->Write(utf8.data(), static_cast<ULONG>(utf8.size()), nullptr);
+        result = stream->Write(text.ascii.data(), static_cast<ULONG>(text.ascii.size()), nullptr);
     }
     if (SUCCEEDED(result)) {
         result = stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
@@ -192,6 +201,12 @@ XmlDocument ReadXmlText(std::string_view utf8) {
         return Failed(L"no XML reader, ", result);
     }
     TreeBuilder(*reader.Get(), document).Run();
+    if (document.error.empty() && !text.finished) {
+        document.error = L"unexpected end";
+        document.errorLine = text.lineCount;
+    } else if (document.error.empty() && !text.validUtf8) {
+        document.error = L"not UTF-8";
+    }
     return document;
 }
 

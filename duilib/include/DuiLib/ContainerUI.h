@@ -85,6 +85,7 @@ class DUILIB_API CContainerUI : public CControlUI {
     void Arrange();
     void ArrangeFloating();
     void ArrangeScrollBars(const Rect& insidePx);
+    Rect ThumbsPx() const;  // around the thumbs that are shown
     static void PaintChild(CControlUI& child, Canvas& canvas, const Rect& dirtyPx);
     void PaintScrollBars(Canvas& canvas) const;
     bool ScrollsNow() const;

@@ -189,6 +189,11 @@ TEST_F(DialogBuilder, BrokenFilesGiveNothingButALine) {
                                        "<Button></Label>",
                                        "<Button width=1/>",
                                        "<Button/><Button/>",
+                                       "<Label>text",
+                                       "<Label><!-- ",
+                                       "<Label><![CDATA[x",
+                                       "<Label><?x ",
+                                       "<Label a=\"",
                                        "<!DOCTYPE x [<!ENTITY e \"v\">]><Button text=\"&e;\"/>",
                                        "<Button text=\"&unknown;\"/>",
                                        "<Unknown/>",
@@ -202,6 +207,19 @@ TEST_F(DialogBuilder, BrokenFilesGiveNothingButALine) {
         EXPECT_EQ(Build(xml), nullptr) << xml;
         EXPECT_GE(watch.Failures().size(), 1u) << xml;
         EXPECT_TRUE(watch.Has("(CDialogBuilder::Create)")) << xml;
+    }
+}
+
+TEST_F(DialogBuilder, CommentsAnywhereAndTheirLines) {
+    for (const std::string start :
+         {"", "\n\n", "<?xml version='1.0'?>\n\n", "<?xml version=\"1.0\"\n encoding=\"utf-8\"?>\n", "<!-- a -->\n\n",
+          "\n <!-- a\n --> ", "<?xml version='1.0'?>\n<!-- -->\n",
+          "\xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\n\n"}) {
+        const LogWatch watch;
+        EXPECT_NE(Build(start + "<Label x=\"1\"/> <!-- > --> \n<!-- b -->\n"), nullptr) << start;
+        const bool atStart = start.empty();
+        EXPECT_TRUE(watch.Has(atStart ? "line 1: <Label>" : "line 3: <Label>") || watch.Has("line 2: <Label>"))
+            << start;
     }
 }
 

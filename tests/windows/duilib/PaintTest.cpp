@@ -22,9 +22,9 @@ class Patch : public CControlUI {
     Rect lastDirty;
 };
 
-class Painting : public testing::Test {
+class WindowPainting : public testing::Test {
   protected:
-    Painting() {
+    WindowPainting() {
         auto& root = window.Find<CContainerUI>(L"root");
         for (Patch** patch : {&left, &right}) {
             auto owned = std::make_unique<Patch>(patch == &left ? 0xFFFF0000 : 0xFF0000FF);
@@ -34,7 +34,7 @@ class Painting : public testing::Test {
         SetWindowPos(window.GetHWND(), HWND_TOPMOST, 300, 300, 0, 0, SWP_NOSIZE);
         SetCursorPos(10, 10);
     }
-    ~Painting() override { log.ExpectNone(); }
+    ~WindowPainting() override { log.ExpectNone(); }
 
     void Show() {
         window.ShowWindow();
@@ -54,7 +54,7 @@ class Painting : public testing::Test {
     Patch* right = nullptr;
 };
 
-TEST_F(Painting, OnlyWhatChangedIsPainted) {
+TEST_F(WindowPainting, OnlyWhatChangedIsPainted) {
     Show();
     left->SetBkColor(0xFFFFFF00);
     PumpPending();
@@ -68,7 +68,7 @@ TEST_F(Painting, OnlyWhatChangedIsPainted) {
     EXPECT_EQ(right->paints, 1);
 }
 
-TEST_F(Painting, WhatIsUncoveredIsCopiedNotPainted) {
+TEST_F(WindowPainting, WhatIsUncoveredIsCopiedNotPainted) {
     Show();
     InvalidateRect(window.GetHWND(), nullptr, TRUE);
     PumpPending();
@@ -77,7 +77,7 @@ TEST_F(Painting, WhatIsUncoveredIsCopiedNotPainted) {
     EXPECT_EQ(ScreenPixel({0, 50}), RGB(0, 255, 0));  // the border
 }
 
-TEST_F(Painting, PaintMessageOfTheProgramValidates) {
+TEST_F(WindowPainting, PaintMessageOfTheProgramValidates) {
     Show();
     left->SetBkColor(0xFF123456);
     window.PaintManager().OnWM_PAINT();
@@ -85,7 +85,7 @@ TEST_F(Painting, PaintMessageOfTheProgramValidates) {
     EXPECT_EQ(ScreenPixel({100, 50}), RGB(0x12, 0x34, 0x56));
 }
 
-TEST_F(Painting, AnArrangementAloneIsPaintedToo) {
+TEST_F(WindowPainting, AnArrangementAloneIsPaintedToo) {
     Show();
     left->SetFixedWidth(100);
     PumpPending();
@@ -96,14 +96,14 @@ TEST_F(Painting, AnArrangementAloneIsPaintedToo) {
     EXPECT_EQ(ScreenPixel({150, 50}), RGB(255, 255, 255));  // the window's own colour
 }
 
-TEST_F(Painting, HiddenWindowPaintsWhenItIsShown) {
+TEST_F(WindowPainting, HiddenWindowPaintsWhenItIsShown) {
     PumpPending();
     EXPECT_EQ(left->paints, 0);
     Show();
     EXPECT_EQ(ScreenPixel({100, 50}), RGB(255, 0, 0));
 }
 
-TEST_F(Painting, PrintsTheWholeWindowIntoAnotherContext) {
+TEST_F(WindowPainting, PrintsTheWholeWindowIntoAnotherContext) {
     const HDC screen = GetDC(nullptr);
     const HDC dc = CreateCompatibleDC(screen);
     const HBITMAP bitmap = CreateCompatibleBitmap(screen, 400, 100);
@@ -120,7 +120,7 @@ TEST_F(Painting, PrintsTheWholeWindowIntoAnotherContext) {
     ReleaseDC(nullptr, screen);
 }
 
-TEST_F(Painting, ManyWindowsLeaveNoObjectsBehind) {
+TEST_F(WindowPainting, ManyWindowsLeaveNoObjectsBehind) {
     const auto round = [] {
         TestWindow other(R"(<Window size="300,100" roundcorner="8"><Font id="1" size="20"/><HorizontalLayout>
             <Button name="a" text="A" tooltip="tip" font="1"/><Button name="b" text="B"/></HorizontalLayout></Window>)");

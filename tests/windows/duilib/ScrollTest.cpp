@@ -106,6 +106,33 @@ TEST_F(Scroll, ThumbIsDragged) {
     EXPECT_EQ(Top(), 400);
 }
 
+TEST_F(Scroll, BarsThatComeMoveAndGoAreRepainted) {
+    Load(R"(<Window size="300,200" textcolor="#FF000000"><VerticalLayout name="list" vscrollbar="true">
+        <Control name="grows" height="100"/></VerticalLayout></Window>)");
+    SetWindowPos(window->GetHWND(), HWND_TOPMOST, 300, 300, 0, 0, SWP_NOSIZE);
+    window->ShowWindow();
+    const auto hasThumbAt = [&](int y) {
+        PumpPending();
+        const HDC dc = GetDC(window->GetHWND());
+        const COLORREF color = GetPixel(dc, 294, y);
+        ReleaseDC(window->GetHWND(), dc);
+        return color != RGB(255, 255, 255);
+    };
+    EXPECT_FALSE(hasThumbAt(10));
+    window->Find(L"grows").SetFixedHeight(800);
+    EXPECT_TRUE(hasThumbAt(10));
+    EXPECT_FALSE(hasThumbAt(190));
+    list->SetScrollPos({0, 600});
+    EXPECT_TRUE(hasThumbAt(190));
+    EXPECT_FALSE(hasThumbAt(10));
+    window->Find(L"grows").SetFixedHeight(1600);
+    EXPECT_FALSE(hasThumbAt(190)) << "it has moved up and become shorter";
+    window->Find(L"grows").SetFixedHeight(100);
+    for (int y = 0; y < 200; y += 10) {
+        EXPECT_FALSE(hasThumbAt(y));
+    }
+}
+
 TEST_F(Scroll, CaptureThatIsTakenAwayEndsTheDrag) {
     Load(kLayout);
     window->Mouse(WM_LBUTTONDOWN, {294, 30}, MK_LBUTTON);

@@ -1,0 +1,22 @@
+// Damaged XML as it is prepared for the system's reader: always plain, always finished.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "XmlText.h"
+#include "fuzz/support/Require.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view input{reinterpret_cast<const char*>(data), size};
+    const DuiLib::XmlText text = DuiLib::PrepareXml(input);
+    if (!text.hasElement) {
+        return 0;  // no reader sees it
+    }
+    REQUIRE(std::all_of(text.ascii.begin(), text.ascii.end(), [](char c) { return c > 0; }));
+    // What it made is finished, and preparing it again changes nothing.
+    const DuiLib::XmlText again = DuiLib::PrepareXml(text.ascii);
+    REQUIRE(again.finished);
+    REQUIRE(again.validUtf8);
+    REQUIRE(again.ascii == text.ascii);
+    return 0;
+}
