@@ -24,7 +24,9 @@ if(WIN32)
     target_compile_options(pixora_options INTERFACE -fstack-protector-strong -g1 -gdwarf-4)
     target_compile_definitions(pixora_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>
                                                         $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
-    target_link_options(pixora_options INTERFACE -Wl,--dynamicbase,--high-entropy-va,--nxcompat -lssp)
+    target_link_options(pixora_options INTERFACE -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+    # After every object that refers to it, hence a library and not an option.
+    target_link_libraries(pixora_options INTERFACE ssp)
 elseif(PIXORA_SANITIZE)
     target_compile_options(pixora_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                                     -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)

@@ -4,8 +4,9 @@
 // Why: every failure of the program ends in one line here, and nowhere else. A line is
 //     2026-11-21 10:15:30.123 [L4] [1234] message(Class::Function)
 // that is local time, level, thread id and the text as it was streamed. Levels: 3 tells, 4 is a failure; the numbers
-// belong to the suite. Lines of level 4 are on disk when Log returns, the others within a second or at exit.
-// Threads: every operation may be called from any thread. Nothing throws.
+// belong to the suite. Every line is handed to the system before Log returns, so it survives a crash of the program.
+// Several processes of one name may log at once, and the file may be read, renamed or deleted meanwhile.
+// Threads: every operation may be called from any thread. Nothing throws, and the thread's last error is kept.
 #include <sstream>
 #include <string>
 
@@ -16,11 +17,12 @@ class SUITE_LOGGER_API QxLogger {
     // The process-wide logger. Lines logged before InitProcessLogger are kept, and written when it runs.
     static QxLogger* GetInstance();
 
-    // Opens %LOCALAPPDATA%\Velmora\Quillon\Logs\<program name>.log (5 files of 2 MiB). False when no file can be
-    // written; logging is then silent. A second call does nothing.
+    // Opens %LOCALAPPDATA%\Velmora\Quillon\Logs\<program name>.log; at 2 MiB it becomes <program name>.1.log, and four
+    // of those are kept. False when no file can be written; logging is then silent. A second call does nothing and
+    // answers as the first.
     bool InitProcessLogger();
 
-    // Writes one line; line breaks within the text become blanks.
+    // Writes one line; line breaks within the text become blanks, and a text of more than 8192 characters is cut.
     static void Log(int level, const std::wostringstream& stream);
 
     // The file that is written to; empty before InitProcessLogger or when it failed.
@@ -38,7 +40,11 @@ class SUITE_LOGGER_API QxLogger {
 // LogLine(3, L"PixoraMutex::IsAlreadyRunning", L"CloseHandle error: ", GetLastError()).
 template <typename... Parts>
 void LogLine(int level, const wchar_t* function, const Parts&... parts) {
-    std::wostringstream stream;
-    (stream << ... << parts) << L'(' << function << L')';
-    QxLogger::Log(level, stream);
+    try {
+        std::wostringstream stream;
+        (stream << ... << parts) << L'(' << function << L')';
+        QxLogger::Log(level, stream);
+    } catch (...) {
+        // No memory for the line: there is nowhere else to tell.
+    }
 }

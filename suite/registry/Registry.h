@@ -2,8 +2,9 @@
 // The suite's registry class: typed reads and writes of single values.
 //
 // Why: callers name a hive, a path and a value, and never hold a key. A path may begin with a backslash. A read that
-// fails (no key, no value, another type, an unterminated or odd-sized string that cannot be understood) leaves the
-// output variable exactly as it was. Strings of any length are read whole, without their terminator.
+// fails (no key, no value, another type, a number that has not four bytes, a string that ends in half a character)
+// leaves the output variable exactly as it was. Strings of any length are read up to their terminator, or whole when
+// the writer left it out.
 // Threads: static operations from any thread; an instance belongs to one thread. Nothing throws.
 #include <windows.h>
 
@@ -18,6 +19,7 @@ class SUITE_REGISTRY_API Registry {
     explicit Registry(HKEY rootKey = HKEY_CURRENT_USER);
 
     void SetRootKey(HKEY rootKey);
+    // True also when the key is there but may not be read.
     bool KeyExists(const std::wstring& keyPath) const;
     // Creates the key with all missing parents; true when it is there afterwards.
     bool CreateKey(const std::wstring& keyPath) const;
@@ -26,8 +28,8 @@ class SUITE_REGISTRY_API Registry {
     static bool GetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, int& value,
                          REGSAM access);
     // REG_SZ or REG_EXPAND_SZ (not expanded).
-    static bool GetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName,
-                         std::wstring& value, REGSAM access);
+    static bool GetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, std::wstring& value,
+                         REGSAM access);
     // Writes REG_DWORD or REG_SZ; false when the key is missing or cannot be opened with `access`.
     static bool SetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, int value,
                          REGSAM access);

@@ -1,0 +1,111 @@
+#include "suite/logger/QxLogger.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "suite/common/LocalFolder.h"
+#include "suite/common/SharedAppendFile.h"
+#include "suite/logger/LogText.h"
+
+namespace {
+
+constexpr std::uint64_t kFileLimitBytes = 2 * 1024 * 1024;
+constexpr int kOlderFiles = 4;
+constexpr std::size_t kMostEarlyLines = 1000;
+
+struct State {
+    std::atomic<suite::SharedAppendFile*> open{nullptr};  // set once, when logging to the file begins
+
+    std::mutex lock;
+    // Guarded by lock.
+    bool started = false;
+    std::vector<std::string> earlyLines;
+};
+
+// Never destroyed: other modules log until the very end of the process.
+State& TheState() {
+    static State* const state = new State;
+    return *state;
+}
+
+std::string FormatNow(int level, std::wstring_view text) {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    const suite::LogTime time{now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
+    return suite::FormatLogLine(time, level, GetCurrentThreadId(), text);
+}
+
+void Deliver(std::string line) {
+    State& state = TheState();
+    suite::SharedAppendFile* file = state.open.load();
+    if (file == nullptr) {
+        std::lock_guard guard(state.lock);
+        file = state.open.load();
+        if (file == nullptr) {
+            if (!state.started && state.earlyLines.size() < kMostEarlyLines) {
+                state.earlyLines.push_back(std::move(line));
+            }
+            return;
+        }
+    }
+    file->Append(line);
+}
+
+bool Start(State& state) {
+    const std::wstring folder = suite::LocalDataFolder();
+    if (folder.empty()) {
+        return false;
+    }
+    const std::wstring path = folder + L"\\Velmora\\Quillon\\Logs\\" + suite::ProgramName() + L".log";
+    auto file = std::make_unique<suite::SharedAppendFile>(path, kFileLimitBytes, kOlderFiles);
+    if (!file->Open()) {
+        return false;
+    }
+    for (const std::string& line : state.earlyLines) {
+        file->Append(line);
+    }
+    state.open.store(file.release());
+    return true;
+}
+
+}  // namespace
+
+QxLogger* QxLogger::GetInstance() {
+    static QxLogger* const instance = new QxLogger;
+    return instance;
+}
+
+bool QxLogger::InitProcessLogger() {
+    try {
+        State& state = TheState();
+        std::lock_guard guard(state.lock);
+        if (!state.started) {
+            state.started = true;
+            Start(state);
+            std::vector<std::string>().swap(state.earlyLines);
+        }
+        return state.open.load() != nullptr;
+    } catch (...) {
+        return false;
+    }
+}
+
+void QxLogger::Log(int level, const std::wostringstream& stream) {
+    // Callers log between a failed call and their own look at the error code.
+    const DWORD lastError = GetLastError();
+    try {
+        Deliver(FormatNow(level, stream.view()));
+    } catch (...) {
+        // No memory for the line: there is nowhere else to tell.
+    }
+    SetLastError(lastError);
+}
+
+std::wstring QxLogger::FilePath() const {
+    const suite::SharedAppendFile* file = TheState().open.load();
+    return file != nullptr ? file->Path() : std::wstring();
+}
