@@ -1,9 +1,13 @@
 #include "app/StartDecision.h"
 
 StartWindow ChooseStartWindow(const StartSettings& settings) {
-    if (settings.filterDriverInstall != 1) return StartWindow::DriverBrokenMessage;
-    if (settings.initAlgorithm == 0) return StartWindow::FunctionUnavailableMessage;
+    if (settings.filterDriverInstall != 1)
+        return StartWindow::DriverBrokenMessage;
+    if (settings.initAlgorithm == 0)
+        return StartWindow::FunctionUnavailableMessage;
     return StartWindow::Settings;
 }
 
-bool IsRunCommand(const std::wstring& commandLine) { return commandLine == L"run"; }
+bool IsRunCommand(const std::wstring& commandLine) {
+    return commandLine == L"run";
+}

@@ -75,7 +75,8 @@ void RunMessageWindow(HINSTANCE instance, StartWindow kind) {
 
 bool IsCmdLineEnable(const wchar_t* cmdLine) {
     std::wstring command = cmdLine;
-    if (command.empty()) command = GetCommandLineW();
+    if (command.empty())
+        command = GetCommandLineW();
     if (command.empty()) {
         LogLine(3, L"IsCmdLineEnable", L"enter cmdLine is empty");
         return false;

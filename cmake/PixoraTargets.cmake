@@ -18,6 +18,10 @@ add_library(pixora_options INTERFACE)
 target_include_directories(pixora_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(pixora_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Wno-unknown-pragmas
                                                 -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # GCC 12 gives this warning for sound uses of operator+ of std::string.
+    target_compile_options(pixora_options INTERFACE -Wno-restrict)
+endif()
 if(WIN32)
     target_compile_definitions(pixora_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                                                         _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006)

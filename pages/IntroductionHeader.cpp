@@ -9,8 +9,8 @@ constexpr int kTitleMargin = 56;
 constexpr int kTextMargin = 4;
 constexpr int kGaps = 2 * 40;
 constexpr int kTabsLimit = 446;
-constexpr int kLeastLeft = 41;    // a smaller distance than this
-constexpr int kNarrowLeft = 40;   // becomes this one
+constexpr int kLeastLeft = 41;   // a smaller distance than this
+constexpr int kNarrowLeft = 40;  // becomes this one
 
 }  // namespace
 
@@ -23,10 +23,12 @@ IntroductionHeaderLayout LayOutIntroductionHeader(const IntroductionHeaderText& 
     IntroductionHeaderLayout layout;
     layout.titleWidth = text.titleWidth;
     layout.groupLeftPadding = (kPageWidth - total) / 2 - (text.titleWidth + kTitleMargin);
-    if (layout.groupLeftPadding < kLeastLeft) layout.groupLeftPadding = kNarrowLeft;
+    if (layout.groupLeftPadding < kLeastLeft)
+        layout.groupLeftPadding = kNarrowLeft;
 
     int widest = std::max({first, second, third});
-    if (total > kTabsLimit) widest -= total - kTabsLimit;
+    if (total > kTabsLimit)
+        widest -= total - kTabsLimit;
     layout.firstWidth = std::min(widest, first);
     layout.secondWidth = std::min(widest, second);
     layout.thirdWidth = std::min(widest, third);

@@ -23,7 +23,8 @@ IntroductionPage::IntroductionPage(DuiLib::CPaintManagerUI* paintManager)
                          {kFocusOption, L"focus_person_underline"}} {}
 
 void IntroductionPage::OnActivate() {
-    if (initialised_) return;
+    if (initialised_)
+        return;
     tabs_ = FindAs<DuiLib::CTabLayoutUI>(L"introduction_page_tab");
     LayOutHeader();
     SelectFirstTab();
@@ -35,47 +36,57 @@ void IntroductionPage::LayOutHeader() {
         const DuiLib::CControlUI* control = Find(name);
         return control ? TextWidth(control->GetText(), kSelectedFont) : 0;
     };
-    const IntroductionHeaderLayout layout = LayOutIntroductionHeader({widthOf(L"introduction_title_txt"),
-                                                                      widthOf(kBackgroundOption), widthOf(kSightOption),
-                                                                      widthOf(kFocusOption)});
+    const IntroductionHeaderLayout layout = LayOutIntroductionHeader(
+        {widthOf(L"introduction_title_txt"), widthOf(kBackgroundOption), widthOf(kSightOption), widthOf(kFocusOption)});
     const auto setWidth = [this](const wchar_t* name, int widthDip) {
-        if (DuiLib::CControlUI* control = Find(name)) control->SetFixedWidth(widthDip);
+        if (DuiLib::CControlUI* control = Find(name))
+            control->SetFixedWidth(widthDip);
     };
     setWidth(L"introduction_title_txt", layout.titleWidth);
     setWidth(L"custom_background_layout", layout.firstWidth);
     setWidth(L"correct_sight_layout", layout.secondWidth);
     setWidth(L"focus_person_layout", layout.thirdWidth);
-    if (DuiLib::CControlUI* group = Find(L"option_group_layout")) group->SetPadding({layout.groupLeftPadding, 0, 0, 0});
+    if (DuiLib::CControlUI* group = Find(L"option_group_layout"))
+        group->SetPadding({layout.groupLeftPadding, 0, 0, 0});
 }
 
 void IntroductionPage::SelectFirstTab() {
     auto* option = FindAs<DuiLib::COptionUI>(kBackgroundOption);
-    if (!option) return;
+    if (!option)
+        return;
     option->SetSelected(true);
-    if (tabs_) tabs_->SelectItemByName(optionToContainer_[kBackgroundOption]);
+    if (tabs_)
+        tabs_->SelectItemByName(optionToContainer_[kBackgroundOption]);
     SelectOption(option);
 }
 
 void IntroductionPage::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
     if (name == L"back_btn") {
-        if (Owner()) Owner()->ShowFirstPage();
+        if (Owner())
+            Owner()->ShowFirstPage();
         return;
     }
     const auto container = optionToContainer_.find(name);
-    if (container == optionToContainer_.end()) return;
-    if (tabs_) tabs_->SelectItemByName(container->second);
+    if (container == optionToContainer_.end())
+        return;
+    if (tabs_)
+        tabs_->SelectItemByName(container->second);
     SelectOption(msg.sender);
 }
 
 void IntroductionPage::SelectOption(DuiLib::CControlUI* option) {
     for (const auto& [name, container] : optionToContainer_) {
         auto* other = FindAs<DuiLib::COptionUI>(name);
-        if (other && other != option && other->GetFont() != kRestFont) other->SetFont(kRestFont);
+        if (other && other != option && other->GetFont() != kRestFont)
+            other->SetFont(kRestFont);
     }
-    if (auto* label = dynamic_cast<DuiLib::CLabelUI*>(option)) label->SetFont(kSelectedFont);
+    if (auto* label = dynamic_cast<DuiLib::CLabelUI*>(option))
+        label->SetFont(kSelectedFont);
 
-    if (DuiLib::CControlUI* previous = Find(currentUnderline_)) previous->SetVisible(false);
+    if (DuiLib::CControlUI* previous = Find(currentUnderline_))
+        previous->SetVisible(false);
     currentUnderline_ = optionToUnderline_[option->GetName()];
-    if (DuiLib::CControlUI* underline = Find(currentUnderline_)) underline->SetVisible(true);
+    if (DuiLib::CControlUI* underline = Find(currentUnderline_))
+        underline->SetVisible(true);
 }

@@ -6,8 +6,7 @@
 #include "DuiLib/RenderEngine.h"
 #include "suite/logger/QxLogger.h"
 
-PageBase::PageBase(const std::wstring& layoutFile, const std::wstring& pageName,
-                   DuiLib::CPaintManagerUI* paintManager)
+PageBase::PageBase(const std::wstring& layoutFile, const std::wstring& pageName, DuiLib::CPaintManagerUI* paintManager)
     : owner_(PageHost::Current()), paintManager_(paintManager), pageName_(pageName), layoutFile_(layoutFile) {
     PageBase::BuildLayout();
 }
@@ -45,7 +44,8 @@ void PageBase::SelectTab(DuiLib::CTabLayoutUI* tabs, DuiLib::CNotifyPump* pump) 
 }
 
 void PageBase::ShowPage(const std::wstring& name, int flag) {
-    if (owner_) owner_->ShowPage(name, flag);
+    if (owner_)
+        owner_->ShowPage(name, flag);
 }
 
 DuiLib::CControlUI* PageBase::Find(const std::wstring& name) const {

@@ -53,8 +53,8 @@ class PageBase : public DuiLib::CNotifyPump {
     DuiLib::CPaintManagerUI* Manager() const { return paintManager_; }
 
   private:
-    PageHost* const owner_;                         // borrowed; may be null
-    DuiLib::CPaintManagerUI* const paintManager_;   // borrowed
+    PageHost* const owner_;                        // borrowed; may be null
+    DuiLib::CPaintManagerUI* const paintManager_;  // borrowed
     const std::wstring pageName_, layoutFile_;
     std::unique_ptr<DuiLib::CControlUI> detached_;  // the tree, until the tab container takes it
     DuiLib::CControlUI* root_ = nullptr;            // borrowed from detached_ or the container

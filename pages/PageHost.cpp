@@ -6,6 +6,10 @@ PageHost* g_current = nullptr;  // borrowed: the host takes itself back
 
 }  // namespace
 
-PageHost* PageHost::Current() { return g_current; }
+PageHost* PageHost::Current() {
+    return g_current;
+}
 
-void PageHost::SetCurrent(PageHost* host) { g_current = host; }
+void PageHost::SetCurrent(PageHost* host) {
+    g_current = host;
+}

@@ -1,8 +1,12 @@
 #include "windows/ColorComposite.h"
 
+#include <initializer_list>
+
 namespace {
 
-float Channel(std::uint32_t color, int shift) { return static_cast<float>((color >> shift) & 0xFF) / 255.0F; }
+float Channel(std::uint32_t color, int shift) {
+    return static_cast<float>((color >> shift) & 0xFF) / 255.0F;
+}
 
 }  // namespace
 

@@ -1,7 +1,8 @@
 #include "windows/DelDoubleCheckPage.h"
 
-#include <utility>
+#include <initializer_list>
 
+#include "service/HomeService.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/ColorComposite.h"
 
@@ -14,15 +15,16 @@ constexpr DWORD kCancelAtRest = 0x0C000000;
 
 bool IsOneOf(const std::wstring& name, std::initializer_list<const wchar_t*> names) {
     for (const wchar_t* candidate : names) {
-        if (name == candidate) return true;
+        if (name == candidate)
+            return true;
     }
     return false;
 }
 
 }  // namespace
 
-DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner, DeleteItem deleteItem)
-    : owner_(owner), deleteItem_(std::move(deleteItem)) {
+DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner)
+    : owner_(owner), model_(HomeService::GetInstance()) {
     if (!owner_) {
         LogLine(4, L"DelDoubleCheckPage::DelDoubleCheckPage", L"paintMgr is nullptr");
         return;
@@ -33,10 +35,14 @@ DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner, DeleteIte
 
 void DelDoubleCheckPage::SetMaxLimitText(const std::wstring& text) {
     DuiLib::CPaintManagerUI& manager = PaintManager();
-    if (DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content")) content->SetText(text);
-    if (DuiLib::CControlUI* confirm = manager.FindControl(L"confirm")) confirm->SetVisible(false);
-    if (DuiLib::CControlUI* cancel = manager.FindControl(L"cancel")) cancel->SetVisible(false);
-    if (DuiLib::CControlUI* notice = manager.FindControl(L"maxLimit")) notice->SetVisible(true);
+    if (DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content"))
+        content->SetText(text);
+    if (DuiLib::CControlUI* confirm = manager.FindControl(L"confirm"))
+        confirm->SetVisible(false);
+    if (DuiLib::CControlUI* cancel = manager.FindControl(L"cancel"))
+        cancel->SetVisible(false);
+    if (DuiLib::CControlUI* notice = manager.FindControl(L"maxLimit"))
+        notice->SetVisible(true);
     manager.GetWindowSpec().defaultButton = L"maxLimit";
     manager.GetWindowSpec().cancelButton = L"maxLimit";
 }
@@ -55,7 +61,8 @@ const DuiLib::CNotifyPump::NotifyMap& DelDoubleCheckPage::GetMessageMap() const 
 void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring name = msg.sender->GetName();
     if (name == L"confirm") {
-        deleteItem_(itemName_);
+        if (model_)
+            model_->DeleteCustomBackground(itemName_);
         Close(1);
     } else if (name == L"cancel") {
         itemName_.clear();
@@ -66,14 +73,17 @@ void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
 }
 
 void DelDoubleCheckPage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
-    if (!IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"})) return;
+    if (!IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"}))
+        return;
     msg.sender->SetBkColor(CompositeColor(msg.sender->GetBkColor(), kHoverOverlay));
 }
 
 void DelDoubleCheckPage::OnMouseLeft(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
-    if (IsOneOf(name, {L"confirm", L"maxLimit"})) msg.sender->SetBkColor(kAccentAtRest);
-    if (name == L"cancel") msg.sender->SetBkColor(kCancelAtRest);
+    if (IsOneOf(name, {L"confirm", L"maxLimit"}))
+        msg.sender->SetBkColor(kAccentAtRest);
+    if (name == L"cancel")
+        msg.sender->SetBkColor(kCancelAtRest);
 }
 
 void DelDoubleCheckPage::OnButtonPressed(DuiLib::TNotifyUI& msg) {

@@ -1,21 +1,19 @@
 #pragma once
 // The modal question before a custom background is deleted, and the notice that no more can be added.
 //
-// Made over a window, told what to ask (SetItemName or SetMaxLimitText), shown with ShowModal. What deletes is handed
-// in by whoever makes it.
+// Made over a window, told what to ask (SetItemName or SetMaxLimitText), shown with ShowModal.
 // Layout: text "msgbox_content"; buttons "confirm" and "cancel" of the question, "maxLimit" of the notice.
 // Thread: UI thread.
-#include <functional>
 #include <string>
 
 #include "DuiLib/WindowImplBase.h"
 
+class HomeService;
+
 class DelDoubleCheckPage : public DuiLib::WindowImplBase {
   public:
-    using DeleteItem = std::function<void(const std::wstring& itemName)>;
-
     // `owner` is borrowed for the life of the window; null is logged and no window is made.
-    DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner, DeleteItem deleteItem);
+    explicit DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner);
 
     void SetItemName(const std::wstring& name) { itemName_ = name; }
     void SetMaxLimitText(const std::wstring& text);
@@ -33,5 +31,5 @@ class DelDoubleCheckPage : public DuiLib::WindowImplBase {
 
     std::wstring itemName_;
     DuiLib::CPaintManagerUI* const owner_;  // borrowed
-    const DeleteItem deleteItem_;
+    HomeService* const model_;              // the process's
 };

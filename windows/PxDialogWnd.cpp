@@ -19,11 +19,14 @@ constexpr std::int32_t kCloseSubCode = 0x40000;
 PxDialogWnd::PxDialogWnd() = default;
 
 PxDialogWnd::~PxDialogWnd() {
-    if (client_) client_->UnRegisterMessageCallbackAll();
+    if (client_)
+        client_->UnRegisterMessageCallbackAll();
     client_.reset();
 }
 
-const wchar_t* PxDialogWnd::GetWindowClassName() const { return WindowStart::kWindowClass; }
+const wchar_t* PxDialogWnd::GetWindowClassName() const {
+    return WindowStart::kWindowClass;
+}
 
 void PxDialogWnd::Run(HINSTANCE instance) {
     WindowStart::MakeDpiAware(L"PxDialogWnd");
@@ -47,29 +50,35 @@ void PxDialogWnd::InitIPCMessageClient() {
         LogLine(4, L"PxDialogWnd::InitIPCMessageClient", L"Init IPC Client Error");
         return;
     }
-    client_->RegisterMessageCallback(kServiceNotification,
-                                     [this](TagIPCMessageItem& item) { OnMessageReceive(item); });
+    client_->RegisterMessageCallback(kServiceNotification, [this](TagIPCMessageItem& item) { OnMessageReceive(item); });
 }
 
 void PxDialogWnd::OnMessageReceive(const TagIPCMessageItem& item) {
-    if (item.slot[2] != kServiceNotification || item.slot[1] != kCloseSubCode) return;
+    if (item.slot[2] != kServiceNotification || item.slot[1] != kCloseSubCode)
+        return;
     LogLine(4, L"PxDialogWnd::OnMessageReceive", L"OnMessageReceive close win");
     // A window belongs to its thread: closing is handed over to it, not done from here.
     DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
 }
 
-void PxDialogWnd::UseHtmlMessage() { WindowStart::UseHtmlMessage(PaintManager()); }
+void PxDialogWnd::UseHtmlMessage() {
+    WindowStart::UseHtmlMessage(PaintManager());
+}
 
 void PxDialogWnd::SetMessageText(const std::wstring& text) {
-    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) content->SetText(text);
+    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content"))
+        content->SetText(text);
     ShowWindow(true, true);
     DuiLib::CPaintManagerUI::MessageLoop();
 }
 
-void PxDialogWnd::ActivateExisting() { WindowStart::ActivateWindow(GetWindowClassName()); }
+void PxDialogWnd::ActivateExisting() {
+    WindowStart::ActivateWindow(GetWindowClassName());
+}
 
 void PxDialogWnd::OnClick(DuiLib::TNotifyUI& msg) {
-    if (msg.sender && msg.sender->GetName() == L"closebtn") WindowStart::CloseAndQuit(GetHWND());
+    if (msg.sender && msg.sender->GetName() == L"closebtn")
+        WindowStart::CloseAndQuit(GetHWND());
 }
 
 void PxDialogWnd::Notify(DuiLib::TNotifyUI& msg) {
@@ -84,6 +93,7 @@ LRESULT PxDialogWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
 }
 
 LRESULT PxDialogWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
-    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam)) return hit;
+    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam))
+        return hit;
     return WindowStart::HitTestControls(PaintManager(), lParam);
 }

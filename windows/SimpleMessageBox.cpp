@@ -15,28 +15,35 @@ SimpleMessageBox::SimpleMessageBox(DuiLib::CPaintManagerUI* owner) : owner_(owne
 }
 
 void SimpleMessageBox::SetContent(const std::wstring& text) {
-    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) content->SetText(text);
+    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content"))
+        content->SetText(text);
     if (DuiLib::CControlUI* button = PaintManager().FindControl(L"msg_ok_btn")) {
         button->SetText(DuiLib::UICulture::GetInstance()->GetString(L"IDS_LUMI_OK"));
     }
 }
 
-void SimpleMessageBox::UseHtmlMessage() { WindowStart::UseHtmlMessage(PaintManager()); }
+void SimpleMessageBox::UseHtmlMessage() {
+    WindowStart::UseHtmlMessage(PaintManager());
+}
 
 void SimpleMessageBox::ShowBox() {
-    if (!owner_) return;
+    if (!owner_)
+        return;
     ShowMask(true);
     ShowModal();
 }
 
 void SimpleMessageBox::ShowMask(bool visible) {
-    if (!owner_) return;
-    if (DuiLib::CControlUI* mask = owner_->FindControl(L"mask_control")) mask->SetVisible(visible);
+    if (!owner_)
+        return;
+    if (DuiLib::CControlUI* mask = owner_->FindControl(L"mask_control"))
+        mask->SetVisible(visible);
 }
 
 void SimpleMessageBox::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
-    if (name != L"msg_close_btn" && name != L"msg_ok_btn") return;
+    if (name != L"msg_close_btn" && name != L"msg_ok_btn")
+        return;
     ShowMask(false);
     Close();
 }

@@ -9,8 +9,7 @@ namespace {
 constexpr int kHeightDip = 104;
 constexpr int kMarginDip = 60;  // what the popup is wider than its text
 constexpr DWORD kStyle = 0x80000001;
-constexpr UINT kShowFlags =
-    SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER | SWP_NOSENDCHANGING;
+constexpr UINT kShowFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER | SWP_NOSENDCHANGING;
 
 }  // namespace
 
@@ -21,12 +20,16 @@ ToolTipWnd& ToolTipWnd::GetInstance(DuiLib::CPaintManagerUI* paintManager) {
 }
 
 void ToolTipWnd::Prepare(DuiLib::CPaintManagerUI* paintManager) {
-    if (!paintManager) return;
+    if (!paintManager)
+        return;
     const UINT dpi = static_cast<UINT>(paintManager->GetDPI());
-    if (!owner_) owner_ = paintManager;
-    if (IsWindowEnabled(GetHWND()) && dpi_ == dpi) return;
+    if (!owner_)
+        owner_ = paintManager;
+    if (IsWindowEnabled(GetHWND()) && dpi_ == dpi)
+        return;
 
-    if (IsWindow(GetHWND())) DestroyWindow(GetHWND());
+    if (IsWindow(GetHWND()))
+        DestroyWindow(GetHWND());
     dpi_ = dpi;
     Create(paintManager->GetPaintWindow(), title_, kStyle, WS_EX_TOPMOST);
     PaintManager().SetDPI(static_cast<int>(dpi));
@@ -64,10 +67,13 @@ int ToolTipWnd::GetToolTipWidth() {
     return DuiLib::PxToDip(rect.Width(), OwnerDpi()) + kMarginDip;
 }
 
-int ToolTipWnd::OwnerDpi() const { return owner_ ? owner_->GetDPI() : 96; }
+int ToolTipWnd::OwnerDpi() const {
+    return owner_ ? owner_->GetDPI() : 96;
+}
 
 void ToolTipWnd::SetPosition(int dxPx, int dyPx) {
-    if (!anchor_) return;
+    if (!anchor_)
+        return;
     RECT owner = {};
     GetWindowRect(GetParent(GetHWND()), &owner);
     xPx_ = owner.left + anchor_->GetPos().left + dxPx;
@@ -75,7 +81,8 @@ void ToolTipWnd::SetPosition(int dxPx, int dyPx) {
 }
 
 void ToolTipWnd::Show(bool visible) {
-    if ((IsWindowVisible(GetHWND()) != FALSE) == visible) return;
+    if ((IsWindowVisible(GetHWND()) != FALSE) == visible)
+        return;
     if (!visible) {
         anchor_ = nullptr;
         ShowWindow(false, false);
@@ -90,12 +97,14 @@ void ToolTipWnd::Show(bool visible) {
 LRESULT ToolTipWnd::OnMouseLeave(WPARAM, LPARAM, bool& handled) {
     handled = false;
     POINT cursor = {};
-    if (!GetCursorPos(&cursor)) return 0;
+    if (!GetCursorPos(&cursor))
+        return 0;
     RECT parent = {};
     GetWindowRect(GetParent(GetHWND()), &parent);
     const POINT inOwner{cursor.x - parent.left, cursor.y - parent.top};
     const DuiLib::CControlUI* under = owner_ ? owner_->FindControl(inOwner) : nullptr;
-    if (!anchor_ || under != anchor_) Show(false);
+    if (!anchor_ || under != anchor_)
+        Show(false);
     return 0;
 }
 

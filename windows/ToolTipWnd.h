@@ -1,7 +1,7 @@
 #pragma once
 // The hint popup of the settings pages: one per process, beside the control that it explains, as wide as its text.
 //
-// A page calls SetAnchor, SetPosition, SetToolTipText and Show(true), in that order. The popup hides when the pointer
+// A page calls SetAnchor, SetPosition, SetToolTipText and Show(true). The popup hides when the pointer
 // leaves the explained control or comes onto the popup itself, and when the main window loses the focus.
 // Layout: a text "tooltip_text". Sizes and distances are 96-DPI units unless a name says px. Thread: UI thread.
 #include <windows.h>
@@ -9,21 +9,22 @@
 #include <string>
 
 #include "DuiLib/WindowImplBase.h"
+#include "pages/PageHost.h"
 
-class ToolTipWnd : public DuiLib::WindowImplBase {
+class ToolTipWnd : public DuiLib::WindowImplBase, public HintWindow {
   public:
     // With a paint manager: remembers the first one as the owner, and makes the popup (again) when there is none yet
     // or it was made for another DPI.
     static ToolTipWnd& GetInstance(DuiLib::CPaintManagerUI* paintManager);
 
-    void SetToolTipText(const std::wstring& text);
+    void SetToolTipText(const std::wstring& text) override;
     // Width that the text needs, with its margins; 0 after a logged failure.
-    int GetToolTipWidth();
+    int GetToolTipWidth() override;
     // `control` is borrowed until the popup is hidden.
-    void SetAnchor(DuiLib::CControlUI* control) { anchor_ = control; }
+    void SetAnchor(DuiLib::CControlUI* control) override { anchor_ = control; }
     // Top left corner at that distance (px) from the anchor's; nothing without an anchor.
-    void SetPosition(int dxPx, int dyPx);
-    void Show(bool visible);
+    void SetPosition(int dxPx, int dyPx) override;
+    void Show(bool visible) override;
 
   protected:
     explicit ToolTipWnd(const wchar_t* title) : title_(title) {}
@@ -39,9 +40,9 @@ class ToolTipWnd : public DuiLib::WindowImplBase {
   private:
     int OwnerDpi() const;
 
-    DuiLib::CControlUI* anchor_ = nullptr;        // borrowed; null while hidden
-    DuiLib::CPaintManagerUI* owner_ = nullptr;    // borrowed; the main window's, which outlives every hint
-    int xPx_ = 0, yPx_ = 0;                       // screen coordinates
-    UINT dpi_ = 0;                                // that the popup was made for
+    DuiLib::CControlUI* anchor_ = nullptr;      // borrowed; null while hidden
+    DuiLib::CPaintManagerUI* owner_ = nullptr;  // borrowed; the main window's, which outlives every hint
+    int xPx_ = 0, yPx_ = 0;                     // screen coordinates
+    UINT dpi_ = 0;                              // that the popup was made for
     const wchar_t* const title_;
 };

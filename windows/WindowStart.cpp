@@ -17,7 +17,8 @@
 namespace WindowStart {
 
 void MakeDpiAware(const std::wstring& owner) {
-    if (!IsWindows7OrGreater()) return;
+    if (!IsWindows7OrGreater())
+        return;
     const HRESULT result = SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
     // The manifest has set the awareness already; the system then answers "access denied", which is as good.
     if (result != S_OK) {
@@ -55,7 +56,8 @@ std::wstring SetResourcesAndLanguage(HINSTANCE instance) {
 
 void ActivateWindow(const wchar_t* className) {
     const HWND window = FindWindowW(className, nullptr);
-    if (!window || !IsWindow(window)) return;
+    if (!window || !IsWindow(window))
+        return;
     ShowWindow(window, IsWindowVisible(window) ? SW_RESTORE : SW_SHOWNORMAL);
     SetForegroundWindow(GetLastActivePopup(window));
 }
@@ -73,15 +75,18 @@ void CloseAndQuit(HWND window) {
 }
 
 void FollowLink(const DuiLib::TNotifyUI& msg) {
-    if (msg.type != DuiLib::NotifyType::kLink) return;
+    if (msg.type != DuiLib::NotifyType::kLink)
+        return;
     const auto* text = dynamic_cast<const DuiLib::CTextUI*>(msg.sender);
-    if (!text) return;
+    if (!text)
+        return;
     ShellExecuteW(nullptr, L"open", text->GetLinkContent(0).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 void UseHtmlMessage(DuiLib::CPaintManagerUI& manager) {
     DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content");
-    if (!content) return;
+    if (!content)
+        return;
     content->SetAttribute(L"showhtml", L"true");
     content->SetAttribute(L"IsNcHit", L"false");
     content->SetAttribute(L"align", L"left");

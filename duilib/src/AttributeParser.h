@@ -13,13 +13,14 @@
 
 namespace DuiLib {
 
-std::optional<int> ParseInt(std::wstring_view text);             // decimal, sign allowed, within ±1,000,000
-std::optional<bool> ParseBool(std::wstring_view text);           // "true" or "false"
-std::optional<Rect> ParseRect(std::wstring_view text);           // "l,t,r,b"
-std::optional<Size> ParseSize(std::wstring_view text);           // "w,h", not negative
+std::optional<int> ParseInt(std::wstring_view text);              // decimal, sign allowed, within ±1,000,000
+std::optional<bool> ParseBool(std::wstring_view text);            // "true" or "false"
+std::optional<Rect> ParseRect(std::wstring_view text);            // "l,t,r,b"
+std::optional<Size> ParseSize(std::wstring_view text);            // "w,h", not negative
 std::optional<std::uint32_t> ParseColor(std::wstring_view text);  // "#AARRGGBB", "#RRGGBB" (opaque), "0xAARRGGBB"
 
-// name="value" name='value' … as styles hold them; nothing when it is malformed.
+// name="value" name='value' … as styles hold them; nothing when it is malformed. A value ends at a quote that a blank
+// or the end of the text follows, so that a path may hold an apostrophe.
 using AttributeList = std::vector<std::pair<std::wstring, std::wstring>>;
 std::optional<AttributeList> ParseAttributeList(std::wstring_view text);
 

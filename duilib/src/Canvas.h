@@ -6,7 +6,8 @@
 // Coordinates are client pixels of the window. Thread: UI thread.
 #include <windows.h>
 
-#include <string>
+#include <cstdint>
+#include <string_view>
 
 #include "DuiLib/Geometry.h"
 
@@ -18,7 +19,7 @@ struct ScaledImage;
 class Canvas {
   public:
     // `bits` of a DIB section that is selected into `dc`; both borrowed.
-    Canvas(HDC dc, DWORD* bits, Size sizePx, const Rect& clipPx);
+    Canvas(HDC dc, std::uint32_t* bits, Size sizePx, const Rect& clipPx);
 
     HDC GetDC() const { return dc_; }
     const Rect& GetClip() const { return clip_; }
@@ -33,11 +34,13 @@ class Canvas {
     // Blends an image of the rectangle's own size; with a radius it is clipped to rounded corners.
     void DrawImage(const ScaledImage& image, const Rect& px, BYTE alpha = 255, int radiusPx = 0);
     // DT_… flags as in CRenderEngine::DrawText, without DT_CALCRECT.
-    void DrawText(const std::wstring& text, const Rect& px, HFONT font, DWORD argb, UINT style);
+    void DrawText(std::wstring_view text, const Rect& px, HFONT font, DWORD argb, UINT style);
 
   private:
+    PixelView View() const;
+
     HDC dc_;
-    DWORD* bits_;
+    std::uint32_t* bits_;
     Size size_;
     Rect clip_;
 };

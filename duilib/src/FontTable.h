@@ -16,21 +16,26 @@ class FontTable {
     FontTable& operator=(const FontTable&) = delete;
 
     void Add(int index, const FontSpec& font, bool isDefault);
-    void SetDpi(int dpi);  // drops the handles
+    void SetDpi(int dpi);        // drops the handles
     HFONT Get(int index) const;  // unknown: the default font
     // The font with another weight, slant or line, for marked-up text.
     HFONT GetVariant(int index, bool bold, bool italic, bool underline) const;
 
   private:
-    struct Key;
     const FontSpec& SpecOf(int index) const;
-    HFONT Make(const FontSpec& font) const;
+    void DropHandles();
+
+    struct Key {
+        int index;
+        bool bold, italic, underline;
+        auto operator<=>(const Key&) const = default;
+    };
 
     std::map<int, FontSpec> specs_;
     FontSpec fallback_;
     int defaultIndex_ = -1;
     int dpi_ = 96;
-    mutable std::map<long long, HFONT> handles_;
+    mutable std::map<Key, HFONT> handles_;
 };
 
 }  // namespace DuiLib

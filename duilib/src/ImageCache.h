@@ -4,7 +4,8 @@
 // Files are given below the resource folder or as full paths. "drawable/x.png" exists in renditions beside its folder:
 // drawable-125, -150, -200, -300 (percent; drawable itself is 100): the smallest that is at least as large as the DPI
 // asks for is taken, else the largest there is; a file elsewhere has its pixels as units. Decoding goes through the
-// system's imaging component, scaling with its best filter; a picture is never decoded larger than 8192 × 8192. A file
+// system's imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only
+// as they were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file
 // that is missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts.
 // Thread: UI thread. Owns its pixels.
 #include <windows.h>

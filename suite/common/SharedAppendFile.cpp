@@ -1,7 +1,6 @@
 #include "suite/common/SharedAppendFile.h"
 
 #include <algorithm>
-#include <cwctype>
 #include <iterator>
 #include <new>
 
@@ -67,9 +66,10 @@ SharedAppendFile::SharedAppendFile(std::wstring path, std::uint64_t limitBytes, 
       nextRotation_(limitBytes) {}
 
 std::wstring SharedAppendFile::MutexName(const std::wstring& path) {
-    std::uint64_t hash = 14695981039346656037u;  // FNV-1a
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a; letters in both cases name the same file
     for (const wchar_t unit : path) {
-        hash = (hash ^ static_cast<std::uint64_t>(std::towlower(static_cast<wint_t>(unit)))) * 1099511628211u;
+        const bool upper = unit >= L'A' && unit <= L'Z';
+        hash = (hash ^ static_cast<std::uint64_t>(upper ? unit + (L'a' - L'A') : unit)) * 1099511628211u;
     }
     return L"Local\\QxAppend-" + std::to_wstring(hash);
 }

@@ -1,5 +1,10 @@
 #pragma once
-// Facts about the user's session. Any thread. Nothing throws.
+// Facts about the user's session.
+//
+// The display language is the first of those that the user chose in the system's settings, not the regional format.
+// Under Wine it follows the environment of the process that is started: LC_ALL=zh_CN.UTF-8 gives "zh-CN", and the
+// locale need not be installed.
+// Any thread. Nothing throws.
 #include <string>
 
 #include "suite/product/Export.h"

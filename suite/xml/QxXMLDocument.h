@@ -10,6 +10,10 @@
 
 #include "suite/xml/Export.h"
 
+namespace suite {
+struct XmlTree;
+}
+
 class SUITE_XML_API QxXmlAttribute {
   public:
     bool IsAttributeNull() const { return value_ == nullptr; }
@@ -31,8 +35,7 @@ class SUITE_XML_API QxXmlElement {
 
   private:
     friend class QxXMLDocument;
-    struct Node;
-    const Node* node_ = nullptr;  // borrowed from the document
+    const suite::XmlTree* node_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXMLDocument {
@@ -42,12 +45,12 @@ class SUITE_XML_API QxXMLDocument {
     QxXMLDocument(const QxXMLDocument&) = delete;
     QxXMLDocument& operator=(const QxXMLDocument&) = delete;
 
-    // 0 when the file was read (an empty file counts as read, without a root element), else the system's error code:
-    // the file is missing or unreadable, is not well-formed, or passes a limit.
+    // 0 when the file was read (an empty or blank file counts as read, without a root element), else the system's error
+    // code: the file is missing or unreadable, is not well-formed, or passes a limit. What was loaded before is gone.
     int LoadFile(const std::string& path);
     // Null when nothing is loaded or the file has no root element.
     QxXmlElement RootElement() const;
 
   private:
-    std::unique_ptr<QxXmlElement::Node> root_;
+    std::unique_ptr<suite::XmlTree> root_;
 };

@@ -1,4 +1,47 @@
 #!/usr/bin/env python3
-"""The rules of this tree that a program can check; prints each breach and exits 1 if there is one."""
+"""The rules of this tree that a program can check. Prints each breach and exits 1 if there is one.
+
+check.py            all of them
+check.py NAME...    only those: layers, standalone, words, sizes, format, texts, binaries, tidy
+"""
+import os
+import subprocess
 import sys
-sys.exit(0)
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+
+import binaries
+import headers
+import layers
+import plain
+import texts
+import tidy
+
+CHECKS = {
+    "layers": layers.main,
+    "standalone": headers.main,
+    "words": plain.words,
+    "sizes": plain.sizes,
+    "format": plain.formatting,
+    "texts": texts.main,
+    "binaries": binaries.main,
+    "tidy": tidy.main,
+}
+
+
+def run():
+    names = sys.argv[1:] or list(CHECKS)
+    failed = 0
+    for name in names:
+        breaches = CHECKS[name]()
+        print(f"  {name}: {'ok' if not breaches else str(len(breaches)) + ' breaches'}", flush=True)
+        for breach in breaches:
+            print(f"    {breach}")
+        failed += bool(breaches)
+    print(f"house rules: {len(names) - failed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    os.chdir(subprocess.check_output(["git", "rev-parse", "--show-toplevel"], text=True).strip())
+    sys.exit(run())

@@ -26,7 +26,8 @@ AccessibleWindow::AccessibleWindow(HWND window) {
 }
 
 AccessibleWindow::~AccessibleWindow() {
-    if (client_) client_->Release();
+    if (client_)
+        client_->Release();
 }
 
 AccessibleControl AccessibleWindow::Read(long id) const {
@@ -34,19 +35,25 @@ AccessibleControl AccessibleWindow::Read(long id) const {
     control.id = id;
     const VARIANT child = ChildId(id);
     BSTR text = nullptr;
-    if (client_->get_accName(child, &text) == S_OK) control.name = TakeText(text);
+    if (client_->get_accName(child, &text) == S_OK)
+        control.name = TakeText(text);
     text = nullptr;
     long topic = 0;
-    if (client_->get_accHelpTopic(&text, child, &topic) == S_OK) control.control = TakeText(text);
+    if (client_->get_accHelpTopic(&text, child, &topic) == S_OK)
+        control.control = TakeText(text);
     text = nullptr;
-    if (client_->get_accValue(child, &text) == S_OK) control.value = TakeText(text);
+    if (client_->get_accValue(child, &text) == S_OK)
+        control.value = TakeText(text);
     text = nullptr;
-    if (client_->get_accDefaultAction(child, &text) == S_OK) control.action = TakeText(text);
+    if (client_->get_accDefaultAction(child, &text) == S_OK)
+        control.action = TakeText(text);
     VARIANT answer;
     VariantInit(&answer);
-    if (client_->get_accRole(child, &answer) == S_OK && answer.vt == VT_I4) control.role = answer.lVal;
+    if (client_->get_accRole(child, &answer) == S_OK && answer.vt == VT_I4)
+        control.role = answer.lVal;
     VariantInit(&answer);
-    if (client_->get_accState(child, &answer) == S_OK && answer.vt == VT_I4) control.state = answer.lVal;
+    if (client_->get_accState(child, &answer) == S_OK && answer.vt == VT_I4)
+        control.state = answer.lVal;
     long left = 0, top = 0, width = 0, height = 0;
     if (client_->accLocation(&left, &top, &width, &height, child) == S_OK) {
         control.screenPx = {left, top, left + width, top + height};
@@ -57,13 +64,16 @@ AccessibleControl AccessibleWindow::Read(long id) const {
 std::vector<AccessibleControl> AccessibleWindow::List() const {
     std::vector<AccessibleControl> result;
     long count = 0;
-    if (!client_ || client_->get_accChildCount(&count) != S_OK || count <= 0) return result;
+    if (!client_ || client_->get_accChildCount(&count) != S_OK || count <= 0)
+        return result;
     std::vector<VARIANT> children(static_cast<std::size_t>(count));
     long got = 0;
-    if (FAILED(AccessibleChildren(client_, 0, count, children.data(), &got))) return result;
+    if (FAILED(AccessibleChildren(client_, 0, count, children.data(), &got)))
+        return result;
     for (long i = 0; i < got; ++i) {
         VARIANT& child = children[static_cast<std::size_t>(i)];
-        if (child.vt == VT_I4) result.push_back(Read(child.lVal));
+        if (child.vt == VT_I4)
+            result.push_back(Read(child.lVal));
         VariantClear(&child);
     }
     return result;
@@ -72,18 +82,23 @@ std::vector<AccessibleControl> AccessibleWindow::List() const {
 std::optional<AccessibleControl> AccessibleWindow::Find(const std::wstring& name) const {
     const std::vector<AccessibleControl> all = List();
     for (const AccessibleControl& control : all) {
-        if (control.control == name) return control;
+        if (control.control == name)
+            return control;
     }
     for (const AccessibleControl& control : all) {
-        if (control.name == name) return control;
+        if (control.name == name)
+            return control;
     }
     return std::nullopt;
 }
 
-bool AccessibleWindow::Press(long id) const { return client_ && client_->accDoDefaultAction(ChildId(id)) == S_OK; }
+bool AccessibleWindow::Press(long id) const {
+    return client_ && client_->accDoDefaultAction(ChildId(id)) == S_OK;
+}
 
 bool AccessibleWindow::SetValue(long id, const std::wstring& value) const {
-    if (!client_) return false;
+    if (!client_)
+        return false;
     BSTR text = SysAllocStringLen(value.data(), static_cast<UINT>(value.size()));
     const HRESULT result = client_->put_accValue(ChildId(id), text);
     SysFreeString(text);
@@ -93,7 +108,8 @@ bool AccessibleWindow::SetValue(long id, const std::wstring& value) const {
 long AccessibleWindow::FocusedId() const {
     VARIANT answer;
     VariantInit(&answer);
-    if (!client_ || client_->get_accFocus(&answer) != S_OK) return 0;
+    if (!client_ || client_->get_accFocus(&answer) != S_OK)
+        return 0;
     const long id = answer.vt == VT_I4 ? answer.lVal : 0;
     VariantClear(&answer);
     return id;
@@ -108,10 +124,12 @@ std::wstring AccessibleRoleName(long role) {
 std::wstring AccessibleStateNames(long state) {
     std::wstring result;
     for (DWORD bit = 1; bit && bit <= STATE_SYSTEM_PROTECTED; bit <<= 1) {
-        if (!(static_cast<DWORD>(state) & bit)) continue;
+        if (!(static_cast<DWORD>(state) & bit))
+            continue;
         wchar_t text[64] = {};
         const UINT length = GetStateTextW(bit, text, 64);
-        if (!result.empty()) result += L", ";
+        if (!result.empty())
+            result += L", ";
         result += length ? std::wstring(text, length) : std::to_wstring(bit);
     }
     return result;

@@ -12,11 +12,11 @@
 #include <vector>
 
 struct AccessibleControl {
-    long id = 0;             // child id within the window
-    std::wstring control;    // name in the layout; empty when it has none
-    std::wstring name;       // what a screen reader says
-    long role = 0;           // ROLE_SYSTEM_…
-    long state = 0;          // STATE_SYSTEM_… bits
+    long id = 0;           // child id within the window
+    std::wstring control;  // name in the layout; empty when it has none
+    std::wstring name;     // what a screen reader says
+    long role = 0;         // ROLE_SYSTEM_…
+    long state = 0;        // STATE_SYSTEM_… bits
     std::wstring value;
     std::wstring action;
     RECT screenPx = {};

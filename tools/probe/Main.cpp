@@ -38,7 +38,8 @@ void PrintList(const AccessibleWindow& window) {
                     control.action.empty() ? "" : ", ", Utf8(control.action).c_str(),
                     Utf8(AccessibleStateNames(control.state)).c_str(), Utf8(control.value).c_str(), r.left, r.top,
                     r.right, r.bottom);
-        if (control.id == focused) std::printf("  ^ has the focus\n");
+        if (control.id == focused)
+            std::printf("  ^ has the focus\n");
     }
 }
 
@@ -51,7 +52,8 @@ HWND WaitForWindow(const std::wstring& className, DWORD timeoutMs) {
             RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
             DWORD_PTR answer = 0;
             // A message that is answered: everything painted before it.
-            if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &answer)) return window;
+            if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &answer))
+                return window;
         }
         Sleep(20);
     } while (GetTickCount64() < end);
@@ -75,7 +77,8 @@ int Run(std::vector<std::wstring> arguments) {
     }
 
     const HWND handle = FindWindowW(className.c_str(), nullptr);
-    if (!handle) return 1;
+    if (!handle)
+        return 1;
     if (command == L"rect") {
         RECT r = {};
         GetWindowRect(handle, &r);
@@ -83,7 +86,8 @@ int Run(std::vector<std::wstring> arguments) {
         return 0;
     }
     const AccessibleWindow window(handle);
-    if (!window.IsOpen()) return 1;
+    if (!window.IsOpen())
+        return 1;
     if (command == L"list") {
         PrintList(window);
         return 0;
@@ -95,7 +99,8 @@ int Run(std::vector<std::wstring> arguments) {
         return 64;
     }
     const auto control = window.Find(arguments[1]);
-    if (!control) return 2;
+    if (!control)
+        return 2;
     return (press ? window.Press(control->id) : window.SetValue(control->id, arguments[2])) ? 0 : 2;
 }
 

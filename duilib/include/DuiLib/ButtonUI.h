@@ -3,13 +3,16 @@
 //
 // Attributes beside those of Label:
 //   normalimage, hotimage, pushedimage, focusedimage, disabledimage: image attribute, none
-//       a state without an image shows the normal one
+//       a state without an image shows the normal one, pushed the hot one
 //   hotbkcolor, pushedbkcolor, disabledbkcolor: #AARRGGBB, none   a state without a colour shows bkcolor
-//   hottextcolor, pushedtextcolor: #AARRGGBB, textcolor
+//   hottextcolor, pushedtextcolor: #AARRGGBB, textcolor           likewise
 // Sends "buttondown" when it goes down, "click" when it is released inside or pressed by Space or Enter, "mouseenter"
 // and "mouseleave". While the left button is held after a press inside, the state has the captured bit; the pushed
 // bit follows the pointer in and out. keyboard is true by default, align is center.
 // Thread: UI thread.
+#include <optional>
+#include <string>
+
 #include "DuiLib/LabelUI.h"
 
 namespace DuiLib {
@@ -24,8 +27,13 @@ class DUILIB_API CButtonUI : public CLabelUI {
     void DoEvent(const TEventUI& event) override;
     void SetEnabled(bool enabled) override;
 
-    // Does what a click does; nothing when disabled.
+    // Does what a click does; nothing when it, or an ancestor, is disabled.
     virtual void Activate();
+
+    // A button that a program draws as a switch, by exchanging its images: from the first call on it is a check box to
+    // screen readers. Nothing changes on the screen.
+    void SetChecked(bool checked);
+    std::optional<bool> IsChecked() const { return checked_; }
 
     const std::wstring& GetNormalImage() const { return normalImage_; }
     void SetNormalImage(const std::wstring& imageAttribute);
@@ -36,15 +44,27 @@ class DUILIB_API CButtonUI : public CLabelUI {
 
   protected:
     bool FocusableByDefault() const override { return true; }
-    void Paint(Canvas& canvas, const Rect& dirtyPx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    DWORD CurrentBkColor() const override;
     DWORD CurrentTextColor() const override;
     // The image of the present state; empty for none.
     virtual const std::wstring& CurrentImage() const;
+    virtual void PaintImages(Canvas& canvas);
+    // Itself and every ancestor.
+    bool IsUsable() const;
+    // Sets an image and repaints where it is another one.
+    void ChangeImage(std::wstring& image, const std::wstring& imageAttribute);
 
   private:
+    friend struct ButtonAttributes;
+    void FollowPointer(Point mousePx);
+    void ButtonUp(Point mousePx);
+    bool HandleKey(const TEventUI& event);
+
     std::wstring normalImage_, hotImage_, pushedImage_, focusedImage_, disabledImage_;
     DWORD hotBkColor_ = 0, pushedBkColor_ = 0, disabledBkColor_ = 0, hotTextColor_ = 0, pushedTextColor_ = 0;
+    std::optional<bool> checked_;
+    bool entered_ = false;  // "mouseenter" was sent, "mouseleave" not yet
 };
 
 }  // namespace DuiLib

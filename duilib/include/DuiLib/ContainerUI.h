@@ -5,10 +5,12 @@
 //   inset: l,t,r,b, 0,0,0,0            room between the border and the children
 //   childpadding: number, 0            room between neighbours (vertical, horizontal and tile layouts)
 //   vscrollbar, hscrollbar: true | false, false   scrolls where the content is larger than the container
+//   mirror: true | false, true         false: not mirrored in right-to-left languages
 // A scroll bar appears only when it is needed, lies over the right (left in right-to-left languages) or lower edge
-// within the container, can be dragged, clicked beside its thumb, and follows wheel, Page Up/Down, Home and End. The
-// focused control is scrolled into view.
-// Thread: UI thread. Owns its children.
+// within the container, can be dragged, clicked beside its thumb, and follows wheel, arrows, Page Up/Down, Home and
+// End. The focused control is scrolled into view. A container that scrolls and holds nothing that can have the focus
+// can have it itself. Children are painted within the container's rectangle, later ones over earlier ones. Thread: UI
+// thread. Owns its children.
 #include <memory>
 #include <vector>
 
@@ -26,7 +28,7 @@ class DUILIB_API CContainerUI : public CControlUI {
     AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
 
     int GetCount() const { return static_cast<int>(children_.size()); }
-    CControlUI* GetItemAt(int index) const;         // null when out of range
+    CControlUI* GetItemAt(int index) const;          // null when out of range
     int GetItemIndex(const CControlUI* item) const;  // -1 when it is not a child
     virtual bool Add(std::unique_ptr<CControlUI> item);
     virtual bool AddAt(std::unique_ptr<CControlUI> item, int index);  // false when out of range or null
@@ -46,30 +48,61 @@ class DUILIB_API CContainerUI : public CControlUI {
 
     void SetManager(CPaintManagerUI* manager, CContainerUI* parent) override;
     void SetPos(const Rect& px) override;
-    void Paint(Canvas& canvas, const Rect& dirtyPx) override;
     void DoEvent(const TEventUI& event) override;
     CControlUI* FindControlAt(Point px) override;
     CControlUI* FindControlByName(std::wstring_view name) override;
     bool Visit(const std::function<bool(CControlUI&)>& visit) override;
+    AccessibleInfo GetAccessibleInfo() const override;
 
   protected:
     Size MeasureContent(Size availablePx) override;
-    // Places the children within `insidePx` (already moved by the scroll position; as wide and high as the content
-    // where that is larger). Mirrored for right-to-left languages afterwards by the base: place left to right.
+    void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    bool FocusableByDefault() const override;
+    // Places the children that take room within `insidePx` (already moved by the scroll position; as wide and high as
+    // the content where that is larger), each by PlaceChild.
     virtual void ArrangeChildren(const Rect& insidePx);
+    // Gives a child its rectangle, mirrored in right-to-left languages: callers place left to right.
+    void PlaceChild(CControlUI& child, const Rect& px);
     // The size of all children as they would like to be, in pixels, without the inset.
     virtual Size MeasureChildren(Size availablePx);
     const std::vector<std::unique_ptr<CControlUI>>& Children() const { return children_; }
-    // A child that takes part in arranging: visible, not floating.
-    static bool TakesRoom(const CControlUI& child) { return child.IsVisible() && !child.IsFloat(); }
+    // A child that takes part in arranging: visible, not floating, its maximum not 0.
+    static bool TakesRoom(const CControlUI& child) {
+        return child.IsVisible() && !child.IsFloat() && !child.IsCollapsed();
+    }
+    // A child's padding in pixels.
+    Rect PaddingPx(const CControlUI& child) const;
+    // Where a child stands in a cell: fills it or has its own size, aligned, at the top; within its padding.
+    Rect RectInCell(CControlUI& child, const Rect& cellPx) const;
+    static int AlignedLeft(const CControlUI& child, const Rect& roomPx, int widthPx);
+    bool ScrollsVertically() const { return vertical_ != nullptr; }
+    bool ScrollsHorizontally() const { return horizontal_ != nullptr; }
 
   private:
+    friend struct ContainerAttributes;  // the attribute table
+
+    Rect InsetPx() const;
+    void Arrange();
+    void ArrangeFloating();
+    void ArrangeScrollBars(const Rect& insidePx);
+    static void PaintChild(CControlUI& child, Canvas& canvas, const Rect& dirtyPx);
+    void PaintScrollBars(Canvas& canvas) const;
+    bool ScrollsNow() const;
+    // These say whether anything moved, or whether the event was the scroll bars'.
+    bool ScrollTo(Point px);
+    bool ScrollByKey(WORD key);
+    bool ScrollByEvent(const TEventUI& event);
+    bool EndDrag(bool releaseCapture);
+    ScrollBar* ScrollBarAt(Point px) const;
+    void Discard(std::unique_ptr<CControlUI> item);
+
     std::vector<std::unique_ptr<CControlUI>> children_;
     Rect insetDip_;
     int childPaddingDip_ = 0;
+    bool mirror_ = true;
     Point scrollPx_;
-    Size contentPx_;
-    std::unique_ptr<ScrollBar> vertical_, horizontal_;
+    Rect contentRectPx_;                                // where the whole content lies, moved by the scroll position
+    std::unique_ptr<ScrollBar> vertical_, horizontal_;  // null: that direction does not scroll
 };
 
 }  // namespace DuiLib

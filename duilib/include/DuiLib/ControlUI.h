@@ -30,7 +30,7 @@
 //   IsNcHit: true | false, false          the window is dragged by it
 //   virtualwnd: text, ""                  see NotifyPump.h
 //   keyboard: true | false, per class     can have the focus
-//   mouse: true | false, true             false: invisible to the pointer
+//   mouse: true | false, true             false: invisible to the pointer; a container's children are not
 //   cursor: arrow | hand, arrow
 //   userdata: text, ""
 // Thread: UI thread. Ownership: a parent owns its children; a control knows parent and manager, both borrowed.
@@ -52,7 +52,6 @@ namespace DuiLib {
 class Canvas;
 class CContainerUI;
 class CPaintManagerUI;
-struct AttributeEntry;
 
 // Bits of a control's state.
 inline constexpr unsigned kStateFocused = 0x01;
@@ -63,6 +62,8 @@ inline constexpr unsigned kStatePushed = 0x10;
 inline constexpr unsigned kStateCaptured = 0x40;
 
 enum class AttributeResult { Ok, Unknown, BadValue };
+
+enum class HAlign { Left, Center, Right };
 
 // What a control is to a screen reader.
 struct AccessibleInfo {
@@ -78,6 +79,7 @@ struct LengthDip {
     enum class Kind { Fill, Auto, Fixed };
     Kind kind = Kind::Fill;
     int value = 0;
+    bool operator==(const LengthDip&) const = default;
 };
 
 class DUILIB_API CControlUI {
@@ -117,7 +119,8 @@ class DUILIB_API CControlUI {
 
     // --- state
     bool IsVisible() const { return visible_; }
-    // Visible, and every ancestor too (a tab layout's hidden items are not), and not squeezed to nothing.
+    // Visible, and every ancestor too (a tab layout's hidden items are not), and not squeezed to nothing. False until
+    // the first arrangement.
     bool IsShown() const;
     virtual void SetVisible(bool visible);
     bool IsEnabled() const { return (state_ & kStateDisabled) == 0; }
@@ -128,6 +131,10 @@ class DUILIB_API CControlUI {
     void SetFocus();
     // Enabled, shown and able to have the focus.
     bool CanHaveFocus() const;
+    // Tab stops here; an option of a group is one only where it is the selected one, or the first of none.
+    virtual bool IsTabStop() const { return CanHaveFocus(); }
+    // Tab within the focused control, as from link to link; false when there is nothing further.
+    virtual bool MoveFocusWithin(bool) { return false; }
     bool IsNcHit() const { return ncHit_; }
 
     // --- size, in 96-DPI units
@@ -143,6 +150,9 @@ class DUILIB_API CControlUI {
     int GetMaxWidth() const { return maxSizeDip_.cx; }
     int GetMinHeight() const { return minSizeDip_.cy; }
     int GetMaxHeight() const { return maxSizeDip_.cy; }
+    // A maximum of 0 in either direction: takes no room and is not shown.
+    bool IsCollapsed() const { return maxSizeDip_.cx == 0 || maxSizeDip_.cy == 0; }
+    HAlign GetAlign() const { return align_; }
     void SetPadding(const Rect& dip);
     const Rect& GetPadding() const { return paddingDip_; }
     bool IsFloat() const { return floating_; }
@@ -157,6 +167,7 @@ class DUILIB_API CControlUI {
     virtual void SetPos(const Rect& px);
     // Paints itself; called with the canvas clipped to the dirty part of this control.
     virtual void Paint(Canvas& canvas, const Rect& dirtyPx);
+    // The wheel and keys that a control does not use go on to its parent.
     virtual void DoEvent(const TEventUI& event);
     void Invalidate();
     void NeedUpdate();
@@ -185,18 +196,38 @@ class DUILIB_API CControlUI {
     virtual Size MeasureContent(Size availablePx);
     // Pieces of Paint in their order: background colour, background image, content, border, focus ring.
     virtual void PaintContent(Canvas& canvas, const Rect& dirtyPx);
+    // The background colour of the present state.
+    virtual DWORD CurrentBkColor() const { return bkColor_; }
+    // Called when the focus came by the keyboard.
+    virtual void PaintFocusRing(Canvas& canvas) const;
+    void SetAlign(HAlign align) { align_ = align; }
     virtual bool FocusableByDefault() const { return false; }
     int Dpi() const;  // of the manager; 96 without one
     int ToPx(int dip) const { return DipToPx(dip, Dpi()); }
     bool IsRightToLeft() const;
     // Sends a notification through the manager.
     void SendNotify(const wchar_t* type, WPARAM wParam = 0, LPARAM lParam = 0);
+    // Over the control, or over a rectangle of it; an empty attribute paints nothing.
     void PaintImage(Canvas& canvas, const std::wstring& imageAttribute) const;
+    void PaintImage(Canvas& canvas, const std::wstring& imageAttribute, const Rect& px) const;
+    // A text of a layout: a key of the string tables becomes its text.
+    std::wstring ResolveText(std::wstring_view text) const;
 
     unsigned state_ = 0;
 
   private:
     friend struct ControlAttributes;  // the attribute table
+    // What MeasureContent said for that room; labels are measured several times in one arrangement.
+    static constexpr unsigned kNotMeasured = ~0u;
+    struct Measured {
+        Size availablePx, contentPx;
+        unsigned fontGeneration = kNotMeasured;
+    };
+    static constexpr int kMeasuredCount = 3;
+
+    void ForgetMeasured();
+    void ChangeLength(LengthDip& length, LengthDip value);
+    void ChangeLimit(int& limit, int dip);
 
     const long id_;
     CPaintManagerUI* manager_ = nullptr;  // borrowed; the window outlives its tree
@@ -204,12 +235,15 @@ class DUILIB_API CControlUI {
     std::wstring name_, text_, toolTip_, accName_, virtualWnd_, userData_, bkImage_;
     bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false;
     std::optional<bool> keyboard_;
+    HAlign align_ = HAlign::Left;
     LengthDip width_, height_;
     Size minSizeDip_{0, 0};
     Size maxSizeDip_;
     Rect paddingDip_, floatPosDip_, posPx_;
     DWORD bkColor_ = 0, borderColor_ = 0, focusBorderColor_ = 0;
     int borderSizeDip_ = 0, borderRoundDip_ = 0;
+    Measured measured_[kMeasuredCount];
+    int measuredNext_ = 0;
 };
 
 }  // namespace DuiLib

@@ -14,6 +14,7 @@
 // Thread: UI thread.
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/Notify.h"

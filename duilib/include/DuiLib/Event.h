@@ -7,13 +7,12 @@
 namespace DuiLib {
 
 enum class EventType {
-    MouseEnter,
+    MouseEnter,  // also for each ancestor: the pointer came onto the control or something in it
     MouseLeave,
     MouseMove,
     MouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
-    ButtonDown,  // left button
+    ButtonDown,  // left button; the second press of a double click is one more
     ButtonUp,
-    DoubleClick,
     KeyDown,  // `key`
     KeyUp,
     SetFocus,
@@ -28,7 +27,8 @@ struct TEventUI {
     WORD key = 0;   // virtual key
     int wheelDelta = 0;
     bool control = false;  // Ctrl is held
-    bool shift = false;
+    bool shift = false;    // Shift is held; with SetFocus: the focus came by Shift+Tab
+    bool repeat = false;   // a KeyDown that comes because the key is being held
 };
 
 }  // namespace DuiLib

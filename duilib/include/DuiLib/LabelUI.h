@@ -1,12 +1,12 @@
 #pragma once
-// A line, or with wordwrap a block, of plain text.
+// A line, or with wordwrap a block, of plain text. A line feed in the text is a line break.
 //
 // Attributes beside those of Control:
 //   font: number, -1                      index of a font of the layout; -1 is its default font
 //   textcolor, disabledtextcolor: #AARRGGBB, the layout's defaults
 //   align: left | center | right, left    (left and right change places in right-to-left languages)
 //   valign: top | center | bottom, center
-//   textpadding: l,t,r,b, 0,0,0,0
+//   textpadding: l,t,r,b, 0,0,0,0         left and right change places likewise
 //   wordwrap: true | false, false         breaks lines; the height follows the width
 //   endellipsis: true | false, false      cuts what does not fit with "…"
 // Thread: UI thread.
@@ -22,6 +22,7 @@ class DUILIB_API CLabelUI : public CControlUI {
 
     int GetFont() const { return font_; }
     void SetFont(int index);
+    // 0: the layout's default.
     DWORD GetTextColor() const { return textColor_; }
     void SetTextColor(DWORD argb);
     void SetDisabledTextColor(DWORD argb);
@@ -29,19 +30,24 @@ class DUILIB_API CLabelUI : public CControlUI {
     UINT GetTextStyle() const;
 
   protected:
+    enum class VAlign { Top, Center, Bottom };
+
     Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     // Colour of the text in the present state.
     virtual DWORD CurrentTextColor() const;
     Rect TextRectPx() const;
-    const Rect& TextPadding() const { return textPaddingDip_; }
+    // The room between the control's edge and its text, in pixels, as it is on the screen.
+    Rect TextPaddingPx() const;
     bool WordWrap() const { return wordWrap_; }
+    VAlign GetVAlign() const { return valign_; }
 
   private:
-    enum class Align { Near, Center, Far };
+    friend struct LabelAttributes;
+
     int font_ = -1;
     DWORD textColor_ = 0, disabledTextColor_ = 0;
-    Align align_ = Align::Near, valign_ = Align::Center;
+    VAlign valign_ = VAlign::Center;
     Rect textPaddingDip_;
     bool wordWrap_ = false, endEllipsis_ = false;
 };

@@ -4,8 +4,10 @@
 
 namespace DuiLib {
 
+struct LineItem;
+
 // One below the other. Fixed and auto heights first; what is left is shared equally by the children with height
-// "fill", within their minima and maxima.
+// "fill", within their minima and maxima. Where the layout scrolls, a fill child is at least as high as its content.
 class DUILIB_API CVerticalLayoutUI : public CContainerUI {
   public:
     const wchar_t* GetClass() const override { return L"VerticalLayout"; }
@@ -13,6 +15,9 @@ class DUILIB_API CVerticalLayoutUI : public CContainerUI {
   protected:
     void ArrangeChildren(const Rect& insidePx) override;
     Size MeasureChildren(Size availablePx) override;
+
+  private:
+    std::vector<LineItem> Items(Size availablePx) const;
 };
 
 // Side by side; as CVerticalLayoutUI with the axes exchanged. Mirrored in right-to-left languages.
@@ -28,14 +33,19 @@ class DUILIB_API CHorizontalLayoutUI : public CContainerUI {
     Size MeasureChildren(Size availablePx) override;
 
   private:
+    friend struct HorizontalLayoutAttributes;  // the attribute table
     enum class VAlign { Top, Center, Bottom };
+
+    std::vector<LineItem> Items(Size availablePx) const;
+
     VAlign valign_ = VAlign::Top;
 };
 
 // Rows of cells of one size, filled in reading order.
 // Attributes beside those of Container:
 //   columns: number, 0         cells in a row; 0: as many as fit
-//   itemsize: w,h, 0,0         size of a cell in units; 0: the child's own
+//   itemsize: w,h, 0,0         size of a cell in units; 0: that of the largest child with its padding, but with
+//                              `columns` and a child of width "fill" the row is shared out
 //   rowpadding: number, childpadding
 class DUILIB_API CTileLayoutUI : public CContainerUI {
   public:
@@ -47,6 +57,10 @@ class DUILIB_API CTileLayoutUI : public CContainerUI {
     Size MeasureChildren(Size availablePx) override;
 
   private:
+    friend struct TileLayoutAttributes;  // the attribute table
+    struct Grid;
+    Grid GridFor(int roomPx) const;
+
     int columns_ = 0;
     Size itemSizeDip_;
     int rowPaddingDip_ = -1;
@@ -54,7 +68,7 @@ class DUILIB_API CTileLayoutUI : public CContainerUI {
 
 // Shows one child at a time; the others are not visible.
 // Attribute beside those of Container:
-//   selectedid: number, 0
+//   selectedid: number, 0              index of the child that is shown first
 class DUILIB_API CTabLayoutUI : public CContainerUI {
   public:
     const wchar_t* GetClass() const override { return L"TabLayout"; }
@@ -69,7 +83,10 @@ class DUILIB_API CTabLayoutUI : public CContainerUI {
     bool SelectItemByName(const std::wstring& name);
 
   private:
+    friend struct TabLayoutAttributes;  // the attribute table
+
     int selected_ = -1;
+    int wanted_ = 0;  // selectedid, until a child of that index has come; then -1
 };
 
 }  // namespace DuiLib

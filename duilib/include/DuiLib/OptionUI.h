@@ -8,8 +8,11 @@
 //   selectedimage, selectedhotimage, foreimage: image attribute, none   foreimage is drawn over the others
 //   selectedbkcolor, selectedtextcolor: #AARRGGBB, none
 // Sends "selectchanged" (wParam 1 or 0) when the selection changed by whatever means, then "click" for a user's click.
-// In a group Tab reaches the selected option (or the first) and the arrow keys walk and click the others.
+// In a group Tab reaches the selected option (or the first) and the arrow keys walk and click the others; with Ctrl
+// they only walk. Up and down walk to the row above or below where there is one.
 // Thread: UI thread.
+#include <vector>
+
 #include "DuiLib/ButtonUI.h"
 
 namespace DuiLib {
@@ -19,6 +22,7 @@ class DUILIB_API COptionUI : public CButtonUI {
     const wchar_t* GetClass() const override { return L"Option"; }
     AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
     AccessibleInfo GetAccessibleInfo() const override;
+    bool IsTabStop() const override;
     void DoEvent(const TEventUI& event) override;
     void Activate() override;
 
@@ -30,11 +34,17 @@ class DUILIB_API COptionUI : public CButtonUI {
     void SetSelectedImage(const std::wstring& imageAttribute);
 
   protected:
-    void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
+    void PaintImages(Canvas& canvas) override;
+    DWORD CurrentBkColor() const override;
     DWORD CurrentTextColor() const override;
     const std::wstring& CurrentImage() const override;
 
   private:
+    friend struct OptionAttributes;
+    // The options of this one's group in layout order, this one among them.
+    std::vector<COptionUI*> GroupMembers() const;
+    COptionUI* NeighbourFor(WORD key) const;
+
     std::wstring group_, selectedImage_, selectedHotImage_, foreImage_;
     DWORD selectedBkColor_ = 0, selectedTextColor_ = 0;
 };

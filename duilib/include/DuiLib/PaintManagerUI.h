@@ -33,11 +33,11 @@ struct FontSpec {
 
 // What a layout's <Window> element says; sizes in 96-DPI units.
 struct WindowSpec {
-    Size sizeDip;             // 0,0: the window's size stays as it was created
+    Size sizeDip;  // 0,0: the window's size stays as it was created
     Size minSizeDip, maxSizeDip;
-    int roundCornerDip = 0;   // radius; the system's own rounding is used where it has one
+    int roundCornerDip = 0;  // radius; the system's own rounding is used where it has one
     DWORD bkColor = 0xFFFFFFFF;
-    DWORD borderColor = 0;    // a line of one pixel along the window's edge; 0: none
+    DWORD borderColor = 0;                     // a line of one pixel along the window's edge; 0: none
     std::wstring defaultButton, cancelButton;  // names of the controls that Enter and Esc press
     bool closeOnEscape = false;
     DWORD textColor = 0xFF1A1A1A, disabledTextColor = 0xFFA0A0A0, linkColor = 0xFF0A59F7, hotLinkColor = 0xFF0847C5,
@@ -60,8 +60,6 @@ class DUILIB_API CPaintManagerUI {
     static const std::wstring& GetResourcePath();
     // Runs until WM_QUIT; returns its code.
     static int MessageLoop();
-    // Keyboard navigation and message filters; for a message loop of one's own. True: the message is done with.
-    static bool TranslateUiMessage(const MSG& msg);
 
     // --- the window
     void Init(HWND window);
@@ -72,6 +70,13 @@ class DUILIB_API CPaintManagerUI {
     void AttachDialog(std::unique_ptr<CControlUI> root);
     CControlUI* GetRoot() const;
     WindowSpec& GetWindowSpec();
+    // The left button was released and somebody else may answer to it: the system's capture ends, that of a control
+    // stays until MessageHandler sees the release, or CancelCapture.
+    void ReleaseSystemCapture();
+    // The capture is taken away: the control that had it gets CaptureLost.
+    void CancelCapture();
+    // Asks the system for WM_MOUSELEAVE, for a window that answers WM_MOUSEMOVE itself.
+    void TrackMouseLeave();
     // Sees every message of the window; true: `result` is the answer, and nothing else looks at the message.
     bool MessageHandler(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     // Arranges what needs it, paints the update region and validates it. Called for WM_PAINT.
@@ -109,6 +114,10 @@ class DUILIB_API CPaintManagerUI {
     CControlUI* GetHot() const;  // the control under the pointer
     // A control leaves the tree: whatever points at it is cleared.
     void ControlRemoved(CControlUI* control);
+    // Tells screen readers that a control changed (EVENT_OBJECT_…CHANGE). Costs nothing when none listens.
+    void NotifyAccessible(const CControlUI* control, DWORD event) const;
+    // Destroys a control that left the tree as soon as no event or notification is being handled any more.
+    void Retire(std::unique_ptr<CControlUI> control);
 
     // --- notifications
     void AddNotifier(INotifyUI* notifier);  // borrowed; must be removed before it dies
@@ -118,13 +127,15 @@ class DUILIB_API CPaintManagerUI {
     // Calls every notifier, now. The sender may be destroyed by one of them: callers do not touch it afterwards.
     void SendNotify(TNotifyUI& msg);
     void SendNotify(CControlUI* sender, const wchar_t* type, WPARAM wParam = 0, LPARAM lParam = 0);
-    void SetQueryControlText(IQueryControlText* query);  // borrowed; null: UICulture
+    void SetQueryControlText(IQueryControlText* query);      // borrowed; null: UICulture
     std::wstring ResolveText(std::wstring_view text) const;  // "IDS_…" to its text, anything else as it is
 
     // --- fonts, styles, images
     void AddFont(int index, const FontSpec& font, bool isDefault);
     HFONT GetFont(int index) const;  // of the present DPI; an unknown index gives the default font
     const FontTable& Fonts() const;
+    // Another number whenever measured text may have become wrong: the DPI, a font or the system's settings changed.
+    unsigned GetFontGeneration() const;
     // A <Default name="Button" value="…"/> or <Style name="card" value="…"/> of a layout.
     void AddDefaultAttributes(const std::wstring& className, const std::wstring& attributes);
     void AddStyle(const std::wstring& name, const std::wstring& attributes);

@@ -6,7 +6,8 @@
 //   value: number, 0                       kept as it is given; only the drawing is limited to the range
 //   barheight: number, 0                   thickness of the bar, centred; 0: the whole height
 //   barcolor, forecolor: #AARRGGBB, none   the whole bar and its filled part, with rounded ends
-//   foreimage: image attribute, none       instead of forecolor
+//   foreimage: image attribute, none       instead of forecolor: as large as the bar, seen as far as it is filled
+// In right-to-left languages it is filled from the right.
 // Thread: UI thread.
 #include "DuiLib/LabelUI.h"
 
@@ -24,11 +25,21 @@ class DUILIB_API CProgressUI : public CLabelUI {
     virtual void SetValue(int value);
 
   protected:
+    Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     Rect BarRectPx() const;
-    void SetValueQuietly(int value) { value_ = value; }
+    // The bar, filled up to that distance from its low end.
+    void PaintBar(Canvas& canvas, int filledPx);
+    // The value within the range; the range's low end when the range is empty.
+    int LimitedValue() const;
+    // How far from the low end of `lengthPx` pixels the value lies.
+    int ValueToPx(int lengthPx) const;
+    int BarHeightDip() const { return barHeightDip_; }
+    DWORD GetForeColor() const { return foreColor_; }
 
   private:
+    friend struct ProgressAttributes;
+
     int min_ = 0, max_ = 100, value_ = 0, barHeightDip_ = 0;
     DWORD barColor_ = 0, foreColor_ = 0;
     std::wstring foreImage_;

@@ -1,15 +1,16 @@
 #pragma once
-// A progress bar with a thumb that the user moves.
+// A progress bar with a thumb that the user moves. Its text is not drawn, it names it.
 //
 // Attributes beside those of Progress:
 //   step: number, 1                         of an arrow key or a wheel notch
 //   thumbsize: w,h, 20,20
 //   thumbimage, thumbhotimage, thumbpushedimage, thumbdisabledimage: image attribute, none
-// While it is dragged it sends "movevaluechanged" for each new value; "valuechanged" when the thumb is released, or a
-// click on the bar, a wheel notch or a key (arrows, Page Up/Down: 10 steps or a tenth of the range, Home, End) moved
-// it. SetValue sends nothing, and during a drag only takes effect on the value that is drawn after it. In
-// right-to-left languages the low end is on the right. keyboard is true by default.
-// Thread: UI thread.
+//       a state without an image shows thumbimage; without any, the thumb is a disc of the fore colour
+// A press beside the thumb moves it there and begins a drag. While it is dragged it sends "movevaluechanged" for each
+// new value, and "valuechanged" when it is released after it moved. A wheel notch or a key (arrows, Page Up/Down: 10
+// steps, or a tenth of the range where that is less, Home, End) sends "valuechanged" when it changed the value.
+// SetValue sends nothing; during a drag it does nothing, the hand wins. In right-to-left languages the low end is on
+// the right. keyboard is true by default. Thread: UI thread.
 #include "DuiLib/ProgressUI.h"
 
 namespace DuiLib {
@@ -21,20 +22,32 @@ class DUILIB_API CSliderUI : public CProgressUI {
     AccessibleInfo GetAccessibleInfo() const override;
     bool SetAccessibleValue(const std::wstring& value) override;
     void DoEvent(const TEventUI& event) override;
+    void SetValue(int value) override;
+    void SetEnabled(bool enabled) override;
 
   protected:
     bool FocusableByDefault() const override { return true; }
+    Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
 
   private:
+    friend struct SliderAttributes;
     Rect ThumbRectPx() const;
     int ValueAt(int xPx) const;
-    void MoveTo(int value, const wchar_t* notification);
+    // Does nothing, and is false, when the value stays as it is.
+    bool MoveTo(int value, const wchar_t* notification);
+    bool HandleKey(const TEventUI& event);
+    void BeginDrag(Point mousePx);
+    void EndDrag();
+    bool IsDragged() const { return (GetState() & kStateCaptured) != 0; }
+    const std::wstring& CurrentThumbImage() const;
 
     int step_ = 1;
     Size thumbSizeDip_{20, 20};
     std::wstring thumbImage_, thumbHotImage_, thumbPushedImage_, thumbDisabledImage_;
-    int grabOffsetPx_ = 0;
+    int grabOffsetPx_ = 0;  // from the thumb's centre to where it was taken hold of
+    bool movedInDrag_ = false;
+    int wheelRest_ = 0;  // of fine wheels: what does not yet make a notch
 };
 
 }  // namespace DuiLib

@@ -4,7 +4,9 @@
 // A subclass names its layout (GetSkinFile) and its window class. On WM_CREATE the layout is built and the window gets
 // the layout's size, InitWindow follows; a layout that is missing or broken leaves an empty window and a log line.
 // The whole window is client area: the frame that its style asks for is kept for the system (minimise, Alt+F4, task
-// bar) and is not drawn. Message handlers set `handled` to false to let the system go on.
+// bar) and is not drawn. The user can size it where the layout gives a minimum or maximum size; else a sizing frame and
+// maximise box of its style are taken away. Message handlers find `handled` true and set it to false to let the paint
+// manager and the system go on.
 // Thread: UI thread.
 #include <memory>
 #include <string>
@@ -47,8 +49,8 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
     virtual LRESULT OnClose(WPARAM wParam, LPARAM lParam, bool& handled);
     virtual LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled);
     virtual LRESULT OnNcHitTest(WPARAM wParam, LPARAM lParam, bool& handled);
-    // What the window says to a hit before its controls are asked: a sizing border (HTLEFT …) where the layout's
-    // minimum and maximum sizes differ from its size, else 0.
+    // What the window says to a hit before its controls are asked: a sizing border (HTLEFT …) where the user can size
+    // it, else 0.
     virtual LRESULT OnNcPreHitTest(WPARAM wParam, LPARAM lParam);
     virtual LRESULT OnMouseMove(WPARAM wParam, LPARAM lParam, bool& handled);
     virtual LRESULT OnMouseLeave(WPARAM wParam, LPARAM lParam, bool& handled);
@@ -61,6 +63,7 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
 
   private:
     void ApplyShape();
+    bool IsResizable();
 
     CPaintManagerUI paintManager_;
 };

@@ -1,0 +1,13 @@
+#include "pages/ContainerUIEx.h"
+
+#include "DuiLib/Notify.h"
+
+void CContainerUIEx::DoEvent(const DuiLib::TEventUI& event) {
+    if (event.type == DuiLib::EventType::MouseEnter)
+        SendNotify(DuiLib::NotifyType::kMouseEnter);
+    if (event.type == DuiLib::EventType::MouseLeave) {
+        SendNotify(DuiLib::NotifyType::kMouseLeave);
+        return;
+    }
+    CContainerUI::DoEvent(event);
+}

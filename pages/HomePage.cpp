@@ -1,0 +1,193 @@
+#include "pages/HomePage.h"
+
+#include <mfapi.h>
+#include <objbase.h>
+
+#include <fstream>
+
+#include "DuiLib/OptionUI.h"
+#include "DuiLib/SliderUI.h"
+#include "DuiLib/UIMainQueue.h"
+#include "pages/PageNames.h"
+#include "service/HomeService.h"
+#include "service/KindNotifier.h"
+#include "suite/logger/QxLogger.h"
+#include "suite/url/UrlsManager.h"
+
+namespace {
+
+using GlobalUtils::BeautyKind;
+using GlobalUtils::FeatureStatusTuple;
+using GlobalUtils::MessageBoxKind;
+
+// Version of Media Foundation that the program is written for (MF_VERSION of Windows 7 and later).
+constexpr ULONG kMediaFoundationVersion = 0x20070;
+constexpr int kTextFont = 13;
+
+}  // namespace
+
+HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
+    : PageBase(L"layout\\PixoraHomePage.xml", PageNames::kHome, paintManager),
+      uiThread_(GetCurrentThreadId()),
+      switchImages_{{0, L"file='drawable/LumiCamera/Switch_Selected_Enabled@2x.png' reverse='true'"},
+                    {1, L"file='drawable/LumiCamera/Switch_Selected_Hover@2x.png' reverse='true'"},
+                    {2, L""},  // kept for compatibility, like 5: never applied
+                    {3, L"file='drawable/LumiCamera/Switch_Unselected_Enabled@2x.png' reverse='true'"},
+                    {4, L"file='drawable/LumiCamera/Switch_Unselected_Hover@2x.png' reverse='true'"},
+                    {5, L""},
+                    {7, L"file='drawable/LumiCamera/checked.png' reverse='true'"},
+                    {6, L"file='drawable/LumiCamera/unchecked.png' reverse='true'"}},
+      backgroundButtons_{L"custom_background_btn",     L"none_background_btn",          L"img_one_background_btn",
+                         L"img_two_background_btn",    L"img_three_background_btn",     L"img_four_background_btn",
+                         L"img_five_background_btn",   L"img_six_background_btn",       L"img_seven_background_btn",
+                         L"img_eight_background_btn",  L"img_nine_background_btn",      L"img_ten_background_btn",
+                         L"img_eleven_background_btn", L"img_animation_background_btn", L"virtual_background_btn"},
+      self_(std::make_shared<HomePage*>(this)) {
+    model_ = HomeService::GetInstance();
+    if (!model_)
+        return;
+    WireModel();
+    configLoaded_ = true;
+    watcher_ = std::make_unique<SettingsWatcher>([this] { model_->NotifyStatus(); });
+    SubscribeHub();
+}
+
+HomePage::~HomePage() {
+    watcher_.reset();
+    for (const auto& unsubscribe : unsubscribe_)
+        unsubscribe();
+    if (model_) {
+        model_->SetStatusObserver({});
+        model_->SetServiceResetObserver({});
+        model_->SetMessageKindCallback({});
+        model_->SetAddCustomItemCallback({});
+        model_->SetRemoveCustomItemCallback({});
+    }
+}
+
+void HomePage::WireModel() {
+    model_->SetStatusObserver([this](const FeatureStatusTuple& snapshot) { Refresh(snapshot); });
+    model_->SetServiceResetObserver([this] {
+        if (Owner())
+            Owner()->CloseWindow();
+    });
+    model_->SetMessageKindCallback([this](MessageBoxKind kind) {
+        if (Owner())
+            Owner()->ShowMessage(kind);
+    });
+    model_->SetAddCustomItemCallback([this](const std::wstring& name, const wchar_t* path, bool isVideo) {
+        return AddCustomItem(name, path, isVideo);
+    });
+    model_->SetRemoveCustomItemCallback(
+        [this](std::int32_t index, const std::wstring& path) { return DelBackgroudItem(index, path); });
+}
+
+void HomePage::SubscribeHub() {
+    const auto subscribe = [this]<typename Kind>(std::int32_t channel, std::function<void(Kind&)> listener) {
+        auto& hub = KindNotifier<Kind>::GetInstance();
+        const std::int64_t id = hub.Subscribe(channel, std::move(listener));
+        unsubscribe_.push_back([&hub, channel, id] { hub.Unsubscribe(channel, id); });
+    };
+    subscribe(GlobalUtils::kMessageBoxChannel, std::function<void(MessageBoxKind&)>([this](MessageBoxKind& kind) {
+                  if (Owner())
+                      Owner()->ShowMessage(kind);
+              }));
+    subscribe(GlobalUtils::kBeautyChannel,
+              std::function<void(BeautyKind&)>([this](BeautyKind& kind) { OnBeautyKind(kind); }));
+}
+
+void HomePage::Initialize() {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
+    previewSwitch_ = Find(L"preview_switch");
+    previewArea_ = Find(L"preview_wnd");
+    if (model_)
+        model_->NotifyStatus();
+}
+
+void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
+    if (GetCurrentThreadId() == uiThread_) {
+        ShowSnapshot(snapshot);
+        return;
+    }
+    DuiLib::UIMainQueue::getInstance()->dispatch([page = std::weak_ptr<HomePage*>(self_), snapshot] {
+        if (const auto alive = page.lock())
+            (*alive)->ShowSnapshot(snapshot);
+    });
+}
+
+void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
+    const auto& [switches, sliders, background] = snapshot;
+    if (DuiLib::CControlUI* text = Find(L"preview_text")) {
+        if (const int width = TextWidth(text->GetText(), kTextFont))
+            text->SetFixedWidth(width);
+    }
+    ShowCameraIllustration();
+
+    switchStates_.clear();
+    for (const auto& [name, status] : switches)
+        switchStates_[name] = static_cast<std::int32_t>(status);
+    if (switchStates_.empty())
+        return;
+    for (const auto& [name, state] : switchStates_)
+        RedrawSwitch(Find(name), state);
+
+    sliderValues_.clear();
+    sliderValues_.insert(sliders.begin(), sliders.end());
+    for (const auto& [name, level] : sliderValues_) {
+        if (auto* slider = FindAs<DuiLib::CSliderUI>(name))
+            slider->SetValue(level);
+    }
+
+    if (model_ && model_->IsSupportHardSwitch() == 1) {
+        if (DuiLib::CControlUI* row = Find(L"camera_swith_layout"))
+            row->SetMaxHeight(0);
+    }
+    SelectBackgroundOption(background);
+}
+
+void HomePage::ShowCameraIllustration() {
+    DuiLib::CControlUI* area = Find(L"preview_wnd");
+    if (!area)
+        return;
+    if (GetCameraXmlConfig("BackgroudImage") == 0) {
+        area->SetBkImage(L"file='drawable/LumiCamera/img_notora_camera.png' reverse='true'");
+    } else if (GetCameraXmlConfig("BackgroudImage") == 1) {
+        area->SetBkImage(L"file='drawable/LumiCamera/img_deskora_camera.png' reverse='true'");
+    }
+}
+
+void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& background) {
+    std::wstring name = background.btnName;
+    const bool fileOpens = !background.path.empty() && std::ifstream(background.path.c_str()).good();
+    // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's.
+    if (!fileOpens && name == L"custom_background_option")
+        name = L"none_background_btn";
+    if (auto* option = FindAs<DuiLib::COptionUI>(name))
+        option->SetSelected(true);
+}
+
+void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
+    if (!model_ || !msg.sender)
+        return;
+    const std::wstring name = msg.sender->GetName();
+    if (const auto state = switchStates_.find(name); state != switchStates_.end()) {
+        ClickSwitch(msg.sender, state->second);
+    } else if (backgroundButtons_.contains(name)) {
+        ClickChangeBackground(name);
+    } else if (name == L"show_detail_btn") {
+        ShowPage(PageNames::kIntroduction, 0);
+    } else if (name == L"show_introduction_btn") {
+        OpenIntroduction(name);
+    } else if (name.find(L"custom_background_btn_") != std::wstring::npos && name.find(L"_del") != std::wstring::npos) {
+        if (Owner())
+            Owner()->AskForDeletion(name);
+    }
+}
+
+void HomePage::OpenIntroduction(const std::wstring& name) {
+    const DuiLib::CControlUI* label = Find(L"Pixora_Introduce_Url");
+    const std::wstring url = label ? label->GetText() : std::wstring();
+    if (name == L"show_introduction_btn" && !url.empty())
+        ntx::util::UrlsManager::OpenUrl(url);
+}

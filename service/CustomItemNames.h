@@ -1,0 +1,24 @@
+#pragma once
+// Names of the user's own backgrounds and of their parts in the gallery.
+//
+// Threads: pure functions, any thread.
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace CustomItemNames {
+
+inline constexpr std::wstring_view kPrefix = L"custom_background_btn_";
+inline constexpr std::wstring_view kVideoSuffix = L"_video";
+// The largest number of items, and one more than the largest number in a name.
+inline constexpr std::int32_t kLimit = 32;
+
+// The first name that is not a key of the map; the last name when all are.
+std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken);
+
+}  // namespace CustomItemNames
+
+// From the name of any part of an item back to the item: cut before the first "_del", else "_item", else "_bk".
+// Empty for a name that belongs to no item. A video badge's name comes back whole; kept, its users count on it.
+std::wstring CustomItemName(std::wstring_view partName);

@@ -1,0 +1,11 @@
+#include "service/DataMessageSender.h"
+
+#include "service/IPCDataIO.h"
+#include "service/ServiceMessages.h"
+
+void DataMessageSender::PostSwitchState(std::int32_t value) const {
+    IPCDataIO payload;
+    if (ServiceMessages::WriteRecord(payload, {.senderId = senderId_, .value = value})) {
+        client_->PostIPCMessage(ServiceMessages::SwitchStateMessage(payload.Data(), payload.Position()));
+    }
+}

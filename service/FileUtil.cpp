@@ -1,0 +1,58 @@
+#include "service/FileUtil.h"
+
+#include <windows.h>
+
+#include <sddl.h>
+#include <shlwapi.h>
+
+#include "service/FileKinds.h"
+#include "suite/logger/QxLogger.h"
+
+namespace {
+
+constexpr const wchar_t* kEverybodysFolder = L"D:(A;CIOI;GA;;;BU)(A;CIOI;GA;;;AU)(A;CIOI;GA;;;CO)(A;CIOI;GA;;;BA)";
+
+// The error number; ERROR_SUCCESS when the folder was made.
+DWORD CreateEverybodysFolder(const std::wstring& path) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(kEverybodysFolder, SDDL_REVISION_1, &descriptor,
+                                                              nullptr)) {
+        return GetLastError();
+    }
+    SECURITY_ATTRIBUTES attributes{sizeof(attributes), descriptor, FALSE};
+    const DWORD error = CreateDirectoryW(path.c_str(), &attributes) ? ERROR_SUCCESS : GetLastError();
+    LocalFree(descriptor);
+    return error;
+}
+
+}  // namespace
+
+FileUtil& FileUtil::GetInstance() {
+    static FileUtil instance;
+    return instance;
+}
+
+bool FileUtil::IsVideoFile(const std::wstring& path) const {
+    return FileKinds::IsVideo(path);
+}
+
+bool FileUtil::IsImageFile(const std::wstring& path) const {
+    return FileKinds::IsImage(path);
+}
+
+bool FileUtil::FileExists(const std::wstring& path) const {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool FileUtil::CreateResDirectory(const std::wstring& path) const {
+    if (PathIsDirectoryW(path.c_str())) {
+        LogLine(3, L"FileUtil::CreateResDirectory", L"Now Directory is Exist");
+        return true;
+    }
+    const DWORD error = CreateEverybodysFolder(path);
+    if (error != ERROR_SUCCESS) {
+        LogLine(3, L"FileUtil::CreateResDirectory", L"Now Directory create Failed", error);
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,21 @@
+#pragma once
+// The settings key of the current user: single values in, single values out, and its first-run content.
+//
+// Why: camera service and program share the key and both write it, so nothing is cached and every read asks the
+// registry. Threads: any; each operation is atomic by itself.
+#include <string>
+
+namespace SettingsStore {
+
+// False when there is no such value or it has another type; `value` is then as it was, which callers count on.
+bool Read(const wchar_t* name, int& value);
+bool Read(const wchar_t* name, std::wstring& value);
+
+// A failure is ignored: the page does not learn of it, and the next read tells the truth.
+void Write(const wchar_t* name, int value);
+void Write(const wchar_t* name, const std::wstring& value);
+
+// Creates the key with its ten defaults when it does not exist. A key that exists is left alone, whatever it lacks.
+void CreateDefaultsOnFirstRun();
+
+}  // namespace SettingsStore

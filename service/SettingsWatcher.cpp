@@ -1,0 +1,176 @@
+#include "service/SettingsWatcher.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <utility>
+
+#include "DuiLib/UIMainQueue.h"
+#include "service/HomeService.h"
+#include "service/SettingNames.h"
+#include "service/WatchPacing.h"
+#include "suite/logger/QxLogger.h"
+#include "suite/registry/Registry.h"
+
+using std::chrono::milliseconds;
+
+namespace {
+
+suite::Handle MakeEvent(bool manualReset) {
+    return suite::Handle(CreateEventW(nullptr, manualReset, FALSE, nullptr));
+}
+
+// Opens the event that the rounds wait for; it is made unsignalled when nobody holds it.
+suite::Handle HoldChangedEvent() {
+    return suite::Handle(CreateEventW(nullptr, FALSE, FALSE, SettingNames::kChangedEventName));
+}
+
+bool KeyExists() {
+    return DE::Registry(HKEY_CURRENT_USER).KeyExists(SettingNames::kKeyPath);
+}
+
+DWORD WaitMs(milliseconds time) {
+    return static_cast<DWORD>(time.count());
+}
+
+}  // namespace
+
+// The refreshing side, on the UI thread. Outlives the watcher as long as something of it is queued there.
+class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher> {
+  public:
+    explicit Refresher(std::function<void()> refresh) : refresh_(std::move(refresh)), done_(MakeEvent(false)) {}
+
+    // Any thread: from here on nothing is refreshed.
+    void Stop() { stopped_ = true; }
+
+    // Automatic reset: Refresh has run.
+    HANDLE Done() const { return done_.Get(); }
+
+    // UI thread.
+    void Refresh() const {
+        if (!stopped_) {
+            refresh_();
+        }
+    }
+    void SignalDone() const { SetEvent(done_.Get()); }
+
+    // UI thread: a refresh a moment after the last call. One timer serves all calls.
+    void RefreshLater() {
+        ++lastCall_;
+        if (!std::exchange(timerRuns_, true)) {
+            StartTimer();
+        }
+    }
+
+  private:
+    void StartTimer() {
+        DuiLib::UIMainQueue::getInstance()->dispatchAfter(
+            WaitMs(WatchPacing::kFollowUp), [self = shared_from_this(), call = lastCall_] { self->OnTimer(call); });
+    }
+    void OnTimer(unsigned call) {
+        if (stopped_) {
+            return;
+        }
+        if (call != lastCall_) {
+            StartTimer();
+            return;
+        }
+        timerRuns_ = false;
+        refresh_();
+    }
+
+    const std::function<void()> refresh_;
+    const suite::Handle done_;
+    std::atomic<bool> stopped_ = false;
+    // UI thread.
+    unsigned lastCall_ = 0;
+    bool timerRuns_ = false;
+};
+
+SettingsWatcher::SettingsWatcher(std::function<void()> refresh)
+    : refresher_(std::make_shared<Refresher>(std::move(refresh))), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
+    if (!stop_ || !ended_ || refresher_->Done() == nullptr) {
+        LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no event: ", GetLastError());
+        return;
+    }
+    try {
+        thread_ = std::thread([this] { Run(); });
+    } catch (const std::exception& error) {
+        LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no thread: ", error.what());
+    }
+}
+
+SettingsWatcher::~SettingsWatcher() {
+    Stop();
+}
+
+void SettingsWatcher::Stop() {
+    refresher_->Stop();
+    if (!thread_.joinable()) {
+        return;
+    }
+    SetEvent(stop_.Get());
+    // Again and again, for arming a round may clear the event, and another program's wait may take the signal.
+    constexpr DWORD kAgainMs = 20;
+    const suite::Handle changed = HoldChangedEvent();
+    do {
+        SetEvent(changed.Get());
+    } while (WaitForSingleObject(ended_.Get(), kAgainMs) == WAIT_TIMEOUT);
+    thread_.join();
+}
+
+bool SettingsWatcher::StopRequested() const {
+    return WaitForSingleObject(stop_.Get(), 0) == WAIT_OBJECT_0;
+}
+
+void SettingsWatcher::Run() {
+    // A round that throws (no memory) ends the loop; it begins anew after a wait.
+    while (!StopRequested()) {
+        try {
+            WatchUntilStopped();
+        } catch (const std::exception& error) {
+            LogLine(4, L"SettingsWatcher::Run", L"watching failed: ", error.what());
+            WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::kBackOff));
+        } catch (...) {
+            LogLine(4, L"SettingsWatcher::Run", L"watching failed");
+            WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::kBackOff));
+        }
+    }
+    SetEvent(ended_.Get());
+}
+
+void SettingsWatcher::WatchUntilStopped() {
+    suite::Handle changed;
+    for (;;) {
+        if (!changed) {
+            changed = HoldChangedEvent();
+        }
+        // What signalled the event until now belongs to a round that is over.
+        ResetEvent(changed.Get());
+        if (StopRequested()) {
+            return;
+        }
+        // For what changed since the last refresh while no round was armed.
+        if (KeyExists()) {
+            DuiLib::UIMainQueue::getInstance()->dispatch([refresher = refresher_] { refresher->RefreshLater(); });
+        }
+
+        const auto start = std::chrono::steady_clock::now();
+        const bool noticed = changed && HomeService::WatchSettingsOnce([refresher = refresher_] {
+                                 // Also when the refresh throws, else no change would be noticed any more.
+                                 struct Signal {
+                                     const Refresher& of;
+                                     ~Signal() { of.SignalDone(); }
+                                 } const signal{*refresher};
+                                 refresher->Refresh();
+                             });
+        const auto took = std::chrono::steady_clock::now() - start;
+
+        if (noticed) {
+            const std::array<HANDLE, 2> either{stop_.Get(), refresher_->Done()};
+            WaitForMultipleObjects(either.size(), either.data(), FALSE, INFINITE);
+        }
+        WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::WaitAfterRound(noticed, took)));
+    }
+}

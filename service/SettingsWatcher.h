@@ -1,0 +1,44 @@
+#pragma once
+// Watches the settings key for as long as it lives, and refreshes its owner on the UI thread after each change.
+//
+// Why: one round of HomeService::WatchSettingsOnce tells of one change, may end at once for none, and nothing is told
+// of a change that falls between two rounds. This class makes a loop of rounds that sees every change and never spins:
+//  - its thread holds the named event itself, unsignalled, and clears it before each round;
+//  - a round that fails, or ends sooner than a change explains, is followed by a wait of about a second;
+//  - the next round starts when the refresh of the last one has run, so they cannot pile up behind a busy UI thread;
+//  - when the next round is armed, one more refresh shows what changed between the two, so the last state always ends
+//    up on the screen.
+// While nothing changes, one thread waits for one event, and no timer runs. While the key is missing, it is looked for
+// about once a second.
+// Threads: the UI thread; the refresh runs there.
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "suite/common/Handle.h"
+
+class SettingsWatcher {
+  public:
+    explicit SettingsWatcher(std::function<void()> refresh);
+    // As Stop.
+    ~SettingsWatcher();
+    SettingsWatcher(const SettingsWatcher&) = delete;
+    SettingsWatcher& operator=(const SettingsWatcher&) = delete;
+
+    // Ends the thread; when it returns no refresh comes any more. REQUIRES: no listener of the hub's message-box
+    // channel waits for the UI thread.
+    void Stop();
+
+  private:
+    class Refresher;
+
+    void Run();
+    void WatchUntilStopped();
+    bool StopRequested() const;
+
+    // Constant after construction.
+    std::shared_ptr<Refresher> refresher_;  // shared with what is queued on the UI thread
+    suite::Handle stop_;                    // manual reset
+    suite::Handle ended_;                   // manual reset: the thread watches no more
+    std::thread thread_;
+};

@@ -1,0 +1,197 @@
+#include "tests/e2e/support/Program.h"
+
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/e2e/support/Machine.h"
+#include "tests/support/PngFile.h"
+
+namespace e2e {
+
+namespace {
+
+constexpr wchar_t kWindowClass[] = L"Camera";
+
+// The window's pixels as they are on the screen, top row first.
+std::vector<DWORD> Grab(HWND window, SIZE& size) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    size = {client.right, client.bottom};
+    POINT origin = {};
+    ClientToScreen(window, &origin);
+
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HDC screen = GetDC(nullptr);
+    const HDC memory = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ previous = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, size.cx, size.cy, screen, origin.x, origin.y, SRCCOPY);
+    GdiFlush();
+    const auto* pixels = static_cast<const DWORD*>(bits);
+    std::vector<DWORD> result(pixels, pixels + static_cast<std::size_t>(size.cx) * static_cast<std::size_t>(size.cy));
+    SelectObject(memory, previous);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    return result;
+}
+
+void SendMouse(DWORD flags) {
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = flags;
+    SendInput(1, &input, sizeof(input));
+}
+
+void SendKey(WORD key, DWORD flags) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.dwFlags = flags;
+    SendInput(1, &input, sizeof(input));
+}
+
+}  // namespace
+
+Program::Program(const std::wstring& arguments, const std::wstring& folder) {
+    const std::wstring path = (folder.empty() ? ProgramFolder() : folder) + L"Pixora.exe";
+    std::wstring commandLine = L"\"" + path + L"\"" + (arguments.empty() ? L"" : L" " + arguments);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(path.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process)) {
+        throw std::runtime_error("Pixora.exe cannot be started");
+    }
+    CloseHandle(process.hThread);
+    process_ = suite::Handle(process.hProcess);
+    processId_ = process.dwProcessId;
+}
+
+Program::~Program() {
+    if (Runs()) {
+        TerminateProcess(process_.Get(), 99);
+        WaitForSingleObject(process_.Get(), INFINITE);
+    }
+}
+
+bool Program::Runs() const {
+    return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT;
+}
+
+std::optional<DWORD> Program::WaitForEnd() {
+    const auto patience = static_cast<DWORD>(std::chrono::milliseconds(kPatience).count());
+    if (WaitForSingleObject(process_.Get(), patience) != WAIT_OBJECT_0)
+        return std::nullopt;
+    DWORD code = 0;
+    GetExitCodeProcess(process_.Get(), &code);
+    return code;
+}
+
+HWND Program::WaitForWindow() {
+    const bool shown = WaitUntil([this] {
+        HWND window = nullptr;
+        while ((window = FindWindowExW(nullptr, window, kWindowClass, nullptr)) != nullptr) {
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            if (owner == processId_ && IsWindowVisible(window) && !AccessibleWindow(window).List().empty()) {
+                window_ = window;
+                return true;
+            }
+        }
+        return !Runs();
+    });
+    if (!shown || !window_)
+        return nullptr;
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    // Answered after everything before it: the window has painted.
+    SendMessageW(window_, WM_NULL, 0, 0);
+    return window_;
+}
+
+std::optional<AccessibleControl> Program::Find(const std::wstring& name) const {
+    return AccessibleWindow(window_).Find(name);
+}
+
+std::optional<AccessibleControl> Program::WaitFor(const std::wstring& name) const {
+    std::optional<AccessibleControl> control;
+    WaitUntil([&] {
+        control = Find(name);
+        return control.has_value();
+    });
+    return control;
+}
+
+RECT Program::ClientRect(const std::wstring& name) const {
+    const auto control = Find(name);
+    if (!control)
+        return {};
+    RECT rect = control->screenPx;
+    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+void Program::MoveTo(POINT screen) const {
+    SetCursorPos(screen.x, screen.y);
+}
+
+void Program::ClickAt(POINT screen) const {
+    MoveTo(screen);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    SendMouse(MOUSEEVENTF_LEFTUP);
+}
+
+void Program::Click(const std::wstring& name) const {
+    const auto control = WaitFor(name);
+    if (!control)
+        throw std::runtime_error("no such control to click on");
+    const RECT& r = control->screenPx;
+    ClickAt({(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+}
+
+void Program::PressKey(WORD key, bool alt) const {
+    if (alt)
+        SendKey(VK_MENU, 0);
+    SendKey(key, 0);
+    SendKey(key, KEYEVENTF_KEYUP);
+    if (alt)
+        SendKey(VK_MENU, KEYEVENTF_KEYUP);
+}
+
+COLORREF Program::PixelAt(int xPx, int yPx) const {
+    SIZE size = {};
+    const std::vector<DWORD> pixels = Grab(window_, size);
+    if (xPx < 0 || yPx < 0 || xPx >= size.cx || yPx >= size.cy)
+        return CLR_INVALID;
+    return pixels[static_cast<std::size_t>(yPx * size.cx + xPx)] & 0xFFFFFF;
+}
+
+int Program::Screenshot(const std::wstring& name) const {
+    SIZE size = {};
+    const std::vector<DWORD> pixels = Grab(window_, size);
+    const std::wstring folder = ProgramFolder() + L"..\\..\\screenshots\\";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    WritePng(folder + name + L".png", pixels, size.cx, size.cy);
+    std::set<DWORD> colors;
+    for (const DWORD pixel : pixels) {
+        colors.insert(pixel);
+        if (colors.size() >= 1000)
+            break;
+    }
+    return static_cast<int>(colors.size());
+}
+
+int CountWindows(const wchar_t* className) {
+    int count = 0;
+    HWND window = nullptr;
+    while ((window = FindWindowExW(nullptr, window, className, nullptr)) != nullptr) {
+        if (IsWindowVisible(window))
+            ++count;
+    }
+    return count;
+}
+
+}  // namespace e2e

@@ -1,0 +1,56 @@
+#pragma once
+// The real program, started as its suite starts it, looked at through the accessibility door and driven by the real
+// mouse and keyboard. Threads: the test's, which must have COM initialised.
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "suite/common/Handle.h"
+#include "tools/probe/AccessibleWindow.h"
+
+namespace e2e {
+
+class Program {
+  public:
+    // Starts Pixora.exe from `folder` with that command line after the program's path.
+    explicit Program(const std::wstring& arguments = L"run", const std::wstring& folder = {});
+    // Ends the process, if it still runs.
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // The window once it is shown, has its controls and has painted; null when the time is over.
+    HWND WaitForWindow();
+    HWND Window() const { return window_; }
+    // The exit code once the process has ended; nothing when the time is over.
+    std::optional<DWORD> WaitForEnd();
+    bool Runs() const;
+
+    // The control of that layout name; nothing when it is not shown.
+    std::optional<AccessibleControl> Find(const std::wstring& name) const;
+    std::optional<AccessibleControl> WaitFor(const std::wstring& name) const;
+    // The control's rectangle in client coordinates.
+    RECT ClientRect(const std::wstring& name) const;
+
+    // --- the real mouse and keyboard
+    void MoveTo(POINT screen) const;
+    void Click(const std::wstring& name) const;
+    void ClickAt(POINT screen) const;
+    void PressKey(WORD key, bool alt = false) const;
+
+    // Pixel of the window as it is on the screen, 0x00RRGGBB.
+    COLORREF PixelAt(int xPx, int yPx) const;
+    // Leaves build/screenshots/<name>.png; how many different colours it has, up to 1000.
+    int Screenshot(const std::wstring& name) const;
+
+  private:
+    suite::Handle process_;
+    DWORD processId_ = 0;
+    HWND window_ = nullptr;
+};
+
+// Visible top-level windows of the class, whoever they belong to.
+int CountWindows(const wchar_t* className);
+
+}  // namespace e2e

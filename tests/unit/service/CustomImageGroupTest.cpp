@@ -1,0 +1,60 @@
+#include "service/CustomImageGroup.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using CustomImageGroup::Parse;
+using CustomImageGroup::Serialise;
+using Records = std::vector<CustomImageRecord>;
+
+const CustomImageRecord kImage{L"custom_background_btn_0", 0, 14, L"C:\\u\\0.jpg", L"D:\\\u5916\u89c2.PNG"};
+const CustomImageRecord kVideo{L"custom_background_btn_1", 1, 15, L"C:\\u\\1.jpg", L"D:\\clip.mp4"};
+
+TEST(CustomImageGroupTest, WritesTheIndexBeforeTheKindAndEndsEveryRecord) {
+    EXPECT_EQ(Serialise({kVideo}),
+              L"custom_background_btn_1[(&,f!=)]15[(&,f!=)]1[(&,f!=)]C:\\u\\1.jpg[(&,f!=)]D:\\clip.mp4[(&;i!-)]");
+    EXPECT_EQ(Serialise({}), L"");
+}
+
+TEST(CustomImageGroupTest, ReadsWhatItWrote) {
+    const Records records{kImage, kVideo, {L"", -7, -2147483647 - 1, L"", L""}};
+    EXPECT_EQ(Parse(Serialise(records)), records);
+    EXPECT_EQ(Parse(L""), Records{});
+}
+
+TEST(CustomImageGroupTest, ReadsALastRecordWithoutItsSeparator) {
+    std::wstring text = Serialise({kImage, kVideo});
+    text.resize(text.size() - CustomImageGroup::kItemSeparator.size());
+    EXPECT_EQ(Parse(text), (Records{kImage, kVideo}));
+}
+
+TEST(CustomImageGroupTest, DropsAPieceWithFourFieldsAndKeepsTheOthers) {
+    const std::wstring damaged = L"custom_background_btn_5[(&,f!=)]1[(&,f!=)]0[(&,f!=)]C:\\u\\5.jpg[(&;i!-)]";
+    EXPECT_EQ(Parse(Serialise({kImage}) + damaged + Serialise({kVideo})), (Records{kImage, kVideo}));
+}
+
+TEST(CustomImageGroupTest, DropsEmptyPieces) {
+    EXPECT_EQ(Parse(L"[(&;i!-)][(&;i!-)]" + Serialise({kImage}) + L"[(&;i!-)]"), Records{kImage});
+}
+
+TEST(CustomImageGroupTest, DropsPiecesWithoutDecimalNumbers) {
+    for (const wchar_t* number :
+         {L"", L"x", L"1x", L" 1", L"+1", L"-", L"0x1", L"2147483648", L"-2147483649", L"99999999999999999999999999"}) {
+        const std::wstring field = L"[(&,f!=)]";
+        EXPECT_EQ(Parse(L"a" + field + number + field + L"0" + field + L"t" + field + L"s"), Records{}) << number;
+        EXPECT_EQ(Parse(L"a" + field + L"0" + field + number + field + L"t" + field + L"s"), Records{}) << number;
+    }
+}
+
+TEST(CustomImageGroupTest, IgnoresFieldsAfterTheFifth) {
+    const std::wstring text = L"a[(&,f!=)]2[(&,f!=)]1[(&,f!=)]t[(&,f!=)]s[(&,f!=)]more[(&;i!-)]";
+    EXPECT_EQ(Parse(text), (Records{{L"a", 1, 2, L"t", L"s"}}));
+}
+
+TEST(CustomImageGroupTest, APartOfASeparatorIsText) {
+    const Records records{{L"a", 0, 0, L"[(&;i!-", L"[(&,f!="}};
+    EXPECT_EQ(Parse(Serialise(records)), records);
+}
+
+}  // namespace

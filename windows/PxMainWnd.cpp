@@ -1,0 +1,289 @@
+#include "windows/PxMainWnd.h"
+
+#include <windowsx.h>
+#include <wtsapi32.h>
+
+#include <algorithm>
+#include <exception>
+#include <thread>
+
+#include "DuiLib/ButtonUI.h"
+#include "DuiLib/UICulture.h"
+#include "DuiLib/UIMainQueue.h"
+#include "pages/HomePage.h"
+#include "pages/IntroductionPage.h"
+#include "pages/PageNames.h"
+#include "service/HomeService.h"
+#include "service/KindNotifier.h"
+#include "suite/logger/QxLogger.h"
+#include "windows/DelButtonToolTip.h"
+#include "windows/DelDoubleCheckPage.h"
+#include "windows/MessageTexts.h"
+#include "windows/SimpleMessageBox.h"
+#include "windows/ToolTipWnd.h"
+#include "windows/WindowStart.h"
+
+namespace {
+
+using GlobalUtils::MessageBoxKind;
+
+// Posted by the frame capture when reading or drawing failed; the result is in wParam.
+constexpr UINT kCaptureFailed = WM_APP + 1;
+// Kept with the messages that announce a move, though no system sends it for one.
+constexpr UINT kMoveSpare = 0x030B;
+
+// Keys of the modal queue beside the message kinds, which are not negative.
+constexpr std::int32_t kDeletionKey = -1;
+constexpr std::int32_t kLimitKey = -2;
+
+// The layout name that the pointer was over last.
+std::wstring& HoveredName() {
+    static std::wstring name;
+    return name;
+}
+
+}  // namespace
+
+PxMainWnd::PxMainWnd() : switcher_(std::make_unique<PageSwitcher>()) {
+    SetCurrent(this);
+}
+
+PxMainWnd::~PxMainWnd() {
+    pages_.clear();
+    for (const std::wstring& name : virtualWndNames_)
+        RemoveVirtualWnd(name);
+    switcher_.reset();
+    virtualWndNames_.clear();
+    SetCurrent(nullptr);
+}
+
+const wchar_t* PxMainWnd::GetWindowClassName() const {
+    return WindowStart::kWindowClass;
+}
+
+void PxMainWnd::Run(HINSTANCE instance) {
+    WindowStart::MakeDpiAware(L"PxMainWnd");
+    WindowStart::SetValuePath(L"PxMainWnd");
+    const std::wstring title = WindowStart::SetResourcesAndLanguage(instance);
+    Create(nullptr, title, WindowStart::kWindowStyle, 0);
+    SetIcon(1);
+    CenterWindow();
+    ToolTipWnd::GetInstance(&PaintManager());
+    const HWND window = FindWindowW(GetWindowClassName(), nullptr);
+    WTSRegisterSessionNotification(window, NOTIFY_FOR_THIS_SESSION);
+    ShowWindow(true, true);
+    DuiLib::CPaintManagerUI::MessageLoop();
+}
+
+void PxMainWnd::ActivateExisting() {
+    WindowStart::ActivateWindow(GetWindowClassName());
+}
+
+void PxMainWnd::InitWindow() {
+    AddPage(PageNames::kHome, std::make_unique<HomePage>(&PaintManager()));
+    AddPage(PageNames::kIntroduction, std::make_unique<IntroductionPage>(&PaintManager()));
+    if (switcher_)
+        switcher_->Select(PageNames::kHome, true);
+    for (const auto& [name, page] : pages_)
+        page->Initialize();
+}
+
+void PxMainWnd::AddPage(const std::wstring& name, std::unique_ptr<PageBase> page) {
+    pages_[name] = std::move(page);
+    if (switcher_)
+        switcher_->Register(name, [this](const std::wstring& shown) { ShowTab(shown); });
+}
+
+PageBase* PxMainWnd::FindPage(const std::wstring& name) const {
+    const auto page = pages_.find(name);
+    return page == pages_.end() ? nullptr : page->second.get();
+}
+
+void PxMainWnd::ShowTab(const std::wstring& name) {
+    PageBase* page = FindPage(name);
+    if (!page)
+        return;
+    page->SelectTab(PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container"), this);
+    if (std::find(virtualWndNames_.begin(), virtualWndNames_.end(), name) == virtualWndNames_.end()) {
+        virtualWndNames_.push_back(name);
+    }
+}
+
+void PxMainWnd::Notify(DuiLib::TNotifyUI& msg) {
+    using GlobalUtils::BeautyKind;
+    using namespace DuiLib::NotifyType;
+    if (msg.sender && (msg.type == kValueChanged || msg.type == kMoveValueChanged)) {
+        static const std::map<std::wstring, BeautyKind> kinds = {{L"slider_smooth", BeautyKind::kSmooth},
+                                                                 {L"slider_white", BeautyKind::kWhite},
+                                                                 {L"slider_eye", BeautyKind::kEye},
+                                                                 {L"slider_face", BeautyKind::kFace}};
+        const auto kind = kinds.find(msg.sender->GetName());
+        if (kind != kinds.end()) {
+            KindNotifier<BeautyKind>::GetInstance().Publish(GlobalUtils::kBeautyChannel, BeautyKind(kind->second));
+        }
+    }
+    WindowImplBase::Notify(msg);
+}
+
+void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
+    if (!msg.sender)
+        return;
+    const std::wstring& name = msg.sender->GetName();
+    if (name == L"minbtn")
+        SendMessage(WM_SYSCOMMAND, SC_MINIMIZE);
+    if (name == L"closebtn")
+        WindowStart::CloseAndQuit(GetHWND());
+}
+
+LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
+    handled = false;
+    PostQuitMessage(0);
+    return 0;
+}
+
+LRESULT PxMainWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
+    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam))
+        return hit;
+    return WindowStart::HitTestControls(PaintManager(), lParam);
+}
+
+LRESULT PxMainWnd::OnKillFocus(WPARAM, LPARAM, bool& handled) {
+    handled = false;
+    ToolTipWnd::GetInstance(nullptr).Show(false);
+    DelButtonToolTip::GetInstance(nullptr).Show(false);
+    return 0;
+}
+
+LRESULT PxMainWnd::OnLButtonUp(WPARAM, LPARAM lParam, bool& handled) {
+    handled = false;
+    DuiLib::CPaintManagerUI& manager = PaintManager();
+    // While a control has the capture the release is its own, wherever the pointer is by then.
+    DuiLib::CControlUI* control = manager.GetCapture();
+    if (!control)
+        control = manager.FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+    auto* button = dynamic_cast<DuiLib::CButtonUI*>(control);
+    if (!button || button->GetName() != L"custom_background_btn")
+        return 0;
+    if (!(button->GetState() & DuiLib::kStateCaptured))
+        return 0;
+
+    button->SetState(button->GetState() & ~(DuiLib::kStatePushed | DuiLib::kStateCaptured));
+    manager.ReleaseCapture();
+    manager.SendNotify(button, DuiLib::NotifyType::kClick);
+    handled = true;
+    if (PageBase* home = FindPage(PageNames::kHome); home && home->GetRoot())
+        home->GetRoot()->NeedUpdate();
+    return 0;
+}
+
+void PxMainWnd::PublishMove() {
+    using GlobalUtils::PreviewPlaceKind;
+    using GlobalUtils::WndMoveKind;
+    KindNotifier<WndMoveKind>::GetInstance().Publish(GlobalUtils::kWndMoveChannel, WndMoveKind::kMoved);
+    KindNotifier<PreviewPlaceKind>::GetInstance().Publish(GlobalUtils::kPreviewPlaceChannel,
+                                                          PreviewPlaceKind::kPlaceAgain);
+}
+
+LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    using GlobalUtils::OnListenKindInfo;
+    using GlobalUtils::ScreenLockKind;
+    switch (message) {
+        case WM_DPICHANGED:
+            PaintManager().OnDpiChanged(wParam, lParam);
+            PublishMove();
+            return 0;
+        case WM_WTSSESSION_CHANGE:
+            if (wParam == WTS_SESSION_LOCK) {
+                KindNotifier<ScreenLockKind>::GetInstance().Publish(GlobalUtils::kScreenLockChannel,
+                                                                    ScreenLockKind::kLocked);
+            }
+            break;
+        case WM_SIZE:
+        case WM_SIZING:
+        case kMoveSpare:
+            PublishMove();
+            break;
+        case kCaptureFailed:
+            KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
+                                                                  OnListenKindInfo{wParam, lParam});
+            break;
+        case WM_PAINT:
+            RegisterVideoThumbnail();
+            PaintManager().OnWM_PAINT();
+            return 0;
+        case WM_MOUSEMOVE:
+            TrackHover(lParam);
+            break;
+        default:
+            break;
+    }
+    return WindowImplBase::HandleMessage(message, wParam, lParam);
+}
+
+void PxMainWnd::RegisterVideoThumbnail() {
+    // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
+    std::thread([this] {
+        try {
+            const HomeService* model = HomeService::GetInstance();
+            if (model) thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+        } catch (const std::exception& error) {
+            LogLine(4, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+        }
+    }).join();
+}
+
+void PxMainWnd::TrackHover(LPARAM lParam) {
+    const DuiLib::CControlUI* control = PaintManager().FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+    auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome));
+    if (!control || control->GetName().empty() || !home)
+        return;
+    const std::wstring current = control->GetName();
+    home->HideDelButton(HoveredName(), current);
+    HoveredName() = current;
+}
+
+void PxMainWnd::ShowPage(const std::wstring& name, int) {
+    if (switcher_)
+        switcher_->Select(name, false);
+}
+
+void PxMainWnd::ShowFirstPage() {
+    ShowPage(PageNames::kHome, 0);
+}
+
+void PxMainWnd::CloseWindow() {
+    DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+}
+
+void PxMainWnd::ShowMessage(MessageBoxKind kind) {
+    modals_.Show(static_cast<std::int32_t>(kind), [this, kind] {
+        const wchar_t* key = MessageTextKey(kind);
+        if (!key)
+            return;
+        SimpleMessageBox box(&PaintManager());
+        box.SetContent(DuiLib::UICulture::GetInstance()->GetString(key));
+        box.ShowBox();
+    });
+}
+
+void PxMainWnd::AskForDeletion(const std::wstring& itemName) {
+    modals_.Show(kDeletionKey, [this, itemName] {
+        DelDoubleCheckPage box(&PaintManager());
+        box.SetItemName(itemName);
+        box.ShowModal();
+    });
+}
+
+void PxMainWnd::ShowLimitNotice() {
+    modals_.Show(kLimitKey, [this] {
+        DelDoubleCheckPage box(&PaintManager());
+        box.SetMaxLimitText(DuiLib::UICulture::GetInstance()->GetString(L"IDS_LUMI_OVER_MAX_LIMIT"));
+        box.ShowModal();
+    });
+}
+
+HintWindow* PxMainWnd::GetHint(Hint hint) {
+    if (hint == Hint::DeleteButton)
+        return &DelButtonToolTip::GetInstance(&PaintManager());
+    return &ToolTipWnd::GetInstance(&PaintManager());
+}
