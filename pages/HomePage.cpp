@@ -48,7 +48,7 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
         return;
     WireModel();
     configLoaded_ = true;
-    watcher_ = std::make_unique<SettingsWatcher>([this] { model_->NotifyStatus(); });
+    watcher_ = std::make_unique<SettingsWatcher>(*model_);
     SubscribeHub();
 }
 
@@ -59,9 +59,9 @@ HomePage::~HomePage() {
     if (model_) {
         model_->SetStatusObserver({});
         model_->SetServiceResetObserver({});
-        model_->SetMessageKindCallback({});
-        model_->SetAddCustomItemCallback({});
-        model_->SetRemoveCustomItemCallback({});
+        model_->SetMessageCallback({});
+        model_->SetAddCustomItem({});
+        model_->SetRemoveCustomItem({});
     }
 }
 
@@ -71,14 +71,14 @@ void HomePage::WireModel() {
         if (Owner())
             Owner()->CloseWindow();
     });
-    model_->SetMessageKindCallback([this](MessageBoxKind kind) {
+    model_->SetMessageCallback([this](MessageBoxKind kind) {
         if (Owner())
             Owner()->ShowMessage(kind);
     });
-    model_->SetAddCustomItemCallback([this](const std::wstring& name, const wchar_t* path, bool isVideo) {
+    model_->SetAddCustomItem([this](const std::wstring& name, const wchar_t* path, bool isVideo) {
         return AddCustomItem(name, path, isVideo);
     });
-    model_->SetRemoveCustomItemCallback(
+    model_->SetRemoveCustomItem(
         [this](std::int32_t index, const std::wstring& path) { return DelBackgroudItem(index, path); });
 }
 

@@ -51,15 +51,15 @@ void HomeService::SetServiceResetObserver(ServiceResetObserver observer) {
     serviceResetObserver_.Set(std::move(observer));
 }
 
-void HomeService::SetMessageKindCallback(MessageKindCallback callback) {
+void HomeService::SetMessageCallback(MessageKindCallback callback) {
     messageKind_.Set(std::move(callback));
 }
 
-void HomeService::SetAddCustomItemCallback(AddCustomItemCallback callback) {
+void HomeService::SetAddCustomItem(AddCustomItemCallback callback) {
     addCustomItem_.Set(std::move(callback));
 }
 
-void HomeService::SetRemoveCustomItemCallback(RemoveCustomItemCallback callback) {
+void HomeService::SetRemoveCustomItem(RemoveCustomItemCallback callback) {
     removeCustomItem_.Set(std::move(callback));
 }
 

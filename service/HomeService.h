@@ -29,6 +29,7 @@ class HomeService {
     using StatusObserver = std::function<void(GlobalUtils::FeatureStatusTuple)>;
     // The pipe client's thread.
     using ServiceResetObserver = std::function<void()>;
+    // Kept for compatibility: the model publishes message kinds on the hub and calls it for none.
     using MessageKindCallback = std::function<void(GlobalUtils::MessageBoxKind)>;
     // Item name, file path, whether it is a video; gives the item's index in the gallery, -1 for none.
     using AddCustomItemCallback = std::function<std::int32_t(const std::wstring&, const wchar_t*, bool)>;
@@ -42,9 +43,9 @@ class HomeService {
     // empty one takes it away. REQUIRES: a callback never waits for the UI thread.
     void SetStatusObserver(StatusObserver observer);
     void SetServiceResetObserver(ServiceResetObserver observer);
-    void SetMessageKindCallback(MessageKindCallback callback);
-    void SetAddCustomItemCallback(AddCustomItemCallback callback);
-    void SetRemoveCustomItemCallback(RemoveCustomItemCallback callback);
+    void SetMessageCallback(MessageKindCallback callback);
+    void SetAddCustomItem(AddCustomItemCallback callback);
+    void SetRemoveCustomItem(RemoveCustomItemCallback callback);
 
     // The snapshot is complete whatever the key lacks: a switch that is missing has the state of the one read before
     // it (camera, beauty, sight, focus; 0 before the first), a level that is missing that of the level before it

@@ -5,6 +5,7 @@ namespace SettingNames {
 // Below HKEY_CURRENT_USER. With the leading backslash for the suite's registry class, without for the system.
 inline constexpr const wchar_t* kKeyPath = L"\\SOFTWARE\\Velmora\\Quillon\\LumiCamera";
 inline constexpr const wchar_t* kSystemKeyPath = L"SOFTWARE\\Velmora\\Quillon\\LumiCamera";
+inline constexpr const wchar_t* kSystemParentPath = L"SOFTWARE\\Velmora\\Quillon";
 
 inline constexpr const wchar_t* kCameraSwitch = L"lumi_camera_switch";
 inline constexpr const wchar_t* kBackgroundReplacement = L"lumi_camera_background_replacement";

@@ -26,6 +26,32 @@ suite::Handle HoldChangedEvent() {
     return suite::Handle(CreateEventW(nullptr, FALSE, FALSE, SettingNames::kChangedEventName));
 }
 
+// Signals the event when the settings key is deleted or made. Not every system tells that to who watches the key
+// itself, and a round would wait for a key that is gone for good. A key is deleted before its parent, so this catches
+// it all.
+class KeyGuard {
+  public:
+    explicit KeyGuard(HANDLE event) {
+        if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemParentPath, 0, KEY_NOTIFY, &parent_) !=
+            ERROR_SUCCESS) {
+            parent_ = nullptr;
+            return;
+        }
+        RegNotifyChangeKeyValue(parent_, FALSE, REG_NOTIFY_CHANGE_NAME, event, TRUE);
+    }
+    // Signals the event if that did not happen before.
+    ~KeyGuard() {
+        if (parent_ != nullptr) {
+            RegCloseKey(parent_);
+        }
+    }
+    KeyGuard(const KeyGuard&) = delete;
+    KeyGuard& operator=(const KeyGuard&) = delete;
+
+  private:
+    HKEY parent_ = nullptr;
+};
+
 bool KeyExists() {
     return DE::Registry(HKEY_CURRENT_USER).KeyExists(SettingNames::kKeyPath);
 }
@@ -39,7 +65,7 @@ DWORD WaitMs(milliseconds time) {
 // The refreshing side, on the UI thread. Outlives the watcher as long as something of it is queued there.
 class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher> {
   public:
-    explicit Refresher(std::function<void()> refresh) : refresh_(std::move(refresh)), done_(MakeEvent(false)) {}
+    explicit Refresher(HomeService& model) : model_(model), done_(MakeEvent(false)) {}
 
     // Any thread: from here on nothing is refreshed.
     void Stop() { stopped_ = true; }
@@ -48,9 +74,9 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
     HANDLE Done() const { return done_.Get(); }
 
     // UI thread.
-    void Refresh() const {
+    void Refresh() {
         if (!stopped_) {
-            refresh_();
+            model_.NotifyStatus();
         }
     }
     void SignalDone() const { SetEvent(done_.Get()); }
@@ -77,10 +103,10 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
             return;
         }
         timerRuns_ = false;
-        refresh_();
+        model_.NotifyStatus();
     }
 
-    const std::function<void()> refresh_;
+    HomeService& model_;  // borrowed; not used once stopped
     const suite::Handle done_;
     std::atomic<bool> stopped_ = false;
     // UI thread.
@@ -88,8 +114,8 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
     bool timerRuns_ = false;
 };
 
-SettingsWatcher::SettingsWatcher(std::function<void()> refresh)
-    : refresher_(std::make_shared<Refresher>(std::move(refresh))), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
+SettingsWatcher::SettingsWatcher(HomeService& model)
+    : refresher_(std::make_shared<Refresher>(model)), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
     if (!stop_ || !ended_ || refresher_->Done() == nullptr) {
         LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no event: ", GetLastError());
         return;
@@ -151,26 +177,30 @@ void SettingsWatcher::WatchUntilStopped() {
         if (StopRequested()) {
             return;
         }
-        // For what changed since the last refresh while no round was armed.
-        if (KeyExists()) {
-            DuiLib::UIMainQueue::getInstance()->dispatch([refresher = refresher_] { refresher->RefreshLater(); });
-        }
-
         const auto start = std::chrono::steady_clock::now();
-        const bool noticed = changed && HomeService::WatchSettingsOnce([refresher = refresher_] {
-                                 // Also when the refresh throws, else no change would be noticed any more.
-                                 struct Signal {
-                                     const Refresher& of;
-                                     ~Signal() { of.SignalDone(); }
-                                 } const signal{*refresher};
-                                 refresher->Refresh();
-                             });
+        const bool noticed = changed && Round(changed.Get());
         const auto took = std::chrono::steady_clock::now() - start;
-
         if (noticed) {
             const std::array<HANDLE, 2> either{stop_.Get(), refresher_->Done()};
             WaitForMultipleObjects(either.size(), either.data(), FALSE, INFINITE);
         }
         WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::WaitAfterRound(noticed, took)));
     }
+}
+
+bool SettingsWatcher::Round(HANDLE changed) {
+    const KeyGuard guard(changed);
+    const bool existed = std::exchange(keyExists_, KeyExists());
+    if (existed || keyExists_) {
+        // For what changed since the last refresh while no round was armed.
+        DuiLib::UIMainQueue::getInstance()->dispatch([refresher = refresher_] { refresher->RefreshLater(); });
+    }
+    return HomeService::WatchSettingsOnce([refresher = refresher_] {
+        // Also when the refresh throws, else no change would be noticed any more.
+        struct Signal {
+            const Refresher& of;
+            ~Signal() { of.SignalDone(); }
+        } const signal{*refresher};
+        refresher->Refresh();
+    });
 }

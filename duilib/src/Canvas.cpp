@@ -34,8 +34,8 @@ void Canvas::StrokeRect(const Rect& px, DWORD argb, int widthPx, int radiusPx) {
 }
 
 void Canvas::DrawImage(const ScaledImage& image, const Rect& px, BYTE alpha, int radiusPx) {
-    BlendImage(View(), px, {image.pixels.data(), image.sizePx.cx, image.sizePx.cy, image.sizePx.cx}, alpha, radiusPx,
-               clip_);
+    const ConstPixelView view{image.pixels.data(), image.sizePx.cx, image.sizePx.cy, image.sizePx.cx, image.opaque};
+    BlendImage(View(), px, view, alpha, radiusPx, clip_);
 }
 
 void Canvas::DrawText(std::wstring_view text, const Rect& px, HFONT font, DWORD argb, UINT style) {

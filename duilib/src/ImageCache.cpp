@@ -70,6 +70,13 @@ Cuts CutAxis(int begin, int end, int nearSource, int farSource, int target, int 
     return {{begin, begin + nearSource, end - farSource, end}, {0, nearTarget, target - farTarget, target}};
 }
 
+// Bitmaps with alpha are premultiplied by convention; one that is not is made to look as if it were.
+std::uint32_t Premultiplied(std::uint32_t pixel) {
+    const std::uint32_t alpha = pixel >> 24;
+    const auto limited = [=](int shift) { return std::min((pixel >> shift) & 0xFF, alpha) << shift; };
+    return (alpha << 24) | limited(16) | limited(8) | limited(0);
+}
+
 }  // namespace
 
 class ImageCache::Impl {
@@ -107,13 +114,9 @@ class ImageCache::Impl {
         MakeRoom(pixels.size());
         scaledPixels_ += pixels.size();
         Scaled& scaled = scaled_[key];
-        scaled = {{sizePx, std::move(pixels)}, ++uses_};
+        const bool opaque = std::all_of(pixels.begin(), pixels.end(), [](std::uint32_t p) { return p >> 24 == 255; });
+        scaled = {{sizePx, std::move(pixels), opaque}, ++uses_};
         return &scaled.image;
-    }
-
-    Size NaturalSizeDip(const std::wstring& file) {
-        const Picture& picture = Find(file);
-        return picture.failed ? Size{} : picture.sizeDip;
     }
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {
@@ -137,7 +140,7 @@ class ImageCache::Impl {
             return false;
         }
         for (std::uint32_t& pixel : picture.pixels) {
-            pixel |= alpha ? 0 : 0xFF000000;
+            pixel = alpha ? Premultiplied(pixel) : pixel | 0xFF000000;
         }
         Remove(name);
         pictures_[KeyOf(name)] = std::move(picture);
@@ -281,10 +284,6 @@ void ImageCache::SetDpi(int dpi) {
 
 const ScaledImage* ImageCache::Get(const ImageAttribute& image, Size sizePx, bool mirrored) {
     return impl_->Get(image, sizePx, mirrored);
-}
-
-Size ImageCache::NaturalSizeDip(const std::wstring& file) {
-    return impl_->NaturalSizeDip(file);
 }
 
 bool ImageCache::Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {

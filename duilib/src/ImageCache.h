@@ -25,6 +25,7 @@ namespace DuiLib {
 struct ScaledImage {
     Size sizePx;
     std::vector<std::uint32_t> pixels;
+    bool opaque = false;  // no pixel is translucent
 };
 
 class ImageCache {
@@ -36,8 +37,6 @@ class ImageCache {
     // The image as it covers `sizePx`, mirrored or not; null when it cannot be drawn. Valid until the next call of a
     // member that is not const.
     const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool mirrored);
-    // Size in units of the whole image; 0,0 when it cannot be read.
-    Size NaturalSizeDip(const std::wstring& file);
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha);
     bool Has(const std::wstring& name) const;

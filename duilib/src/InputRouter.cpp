@@ -296,14 +296,18 @@ bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
     POINT p{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     ScreenToClient(manager_.GetPaintWindow(), &p);
     const RetiredControls::Scope scope(retired_);
-    CControlUI* const hit = manager_.FindControl(p);
-    if (!IsUsable(hit)) {
+    // Over a control that is disabled the list around it scrolls all the same.
+    CControlUI* target = manager_.FindControl(p);
+    while (target != nullptr && !IsUsable(target)) {
+        target = target->GetParent();
+    }
+    if (target == nullptr) {
         return false;
     }
     TEventUI event = MakeEvent(EventType::MouseWheel);
     event.mousePx = {static_cast<int>(p.x), static_cast<int>(p.y)};
     event.wheelDelta = GET_WHEEL_DELTA_WPARAM(wParam);
-    Send(hit, event);
+    Send(target, event);
     return true;
 }
 

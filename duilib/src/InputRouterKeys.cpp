@@ -93,6 +93,7 @@ bool InputRouter::SetNextTabControl(bool forward) {
 
 bool InputRouter::OnKeyDown(WORD key, bool repeat) {
     const RetiredControls::Scope scope(retired_);
+    manager_.UpdateLayout();  // what is not arranged is not shown
     switch (key) {
         case VK_TAB:
             return GetKeyState(VK_CONTROL) >= 0 && SetNextTabControl(GetKeyState(VK_SHIFT) >= 0);

@@ -34,7 +34,7 @@ class CPaintManagerUI::Impl {
     // The fonts are made anew: another DPI, or other settings of the system.
     void RenewFonts();
     void OnSize(WPARAM kind);
-    bool OnGetMinMaxInfo(MINMAXINFO& info) const;
+    void OnGetMinMaxInfo(MINMAXINFO& info) const;
     LRESULT OnGetObject(WPARAM wParam, LPARAM lParam);
     void OnWindowGone();
 

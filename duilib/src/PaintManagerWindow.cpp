@@ -122,17 +122,16 @@ void CPaintManagerUI::Impl::OnSize(WPARAM kind) {
     InvalidateAll();
 }
 
-bool CPaintManagerUI::Impl::OnGetMinMaxInfo(MINMAXINFO& info) const {
-    const auto limit = [this](LONG& target, int dip) {
-        if (dip > 0) {
-            target = DipToPx(dip, dpi);
-        }
-    };
-    limit(info.ptMinTrackSize.x, spec.minSizeDip.cx);
-    limit(info.ptMinTrackSize.y, spec.minSizeDip.cy);
-    limit(info.ptMaxTrackSize.x, spec.maxSizeDip.cx);
-    limit(info.ptMaxTrackSize.y, spec.maxSizeDip.cy);
-    return spec.minSizeDip != Size{} || spec.maxSizeDip != Size{};
+void CPaintManagerUI::Impl::OnGetMinMaxInfo(MINMAXINFO& info) const {
+    // The system's own minimum has room for a frame that these windows do not draw.
+    info.ptMinTrackSize = {std::max(1, DipToPx(spec.minSizeDip.cx, dpi)),
+                           std::max(1, DipToPx(spec.minSizeDip.cy, dpi))};
+    if (spec.maxSizeDip.cx > 0) {
+        info.ptMaxTrackSize.x = DipToPx(spec.maxSizeDip.cx, dpi);
+    }
+    if (spec.maxSizeDip.cy > 0) {
+        info.ptMaxTrackSize.y = DipToPx(spec.maxSizeDip.cy, dpi);
+    }
 }
 
 LRESULT CPaintManagerUI::Impl::OnGetObject(WPARAM wParam, LPARAM lParam) {
@@ -184,7 +183,8 @@ bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam,
             impl.OnSize(wParam);
             return false;
         case WM_GETMINMAXINFO:
-            return impl.OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+            impl.OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+            return true;
         case WM_DPICHANGED:
             OnDpiChanged(wParam, lParam);
             return true;

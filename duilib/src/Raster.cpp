@@ -38,13 +38,12 @@ constexpr Pixel Mix(Pixel below, Pixel color, Pixel alpha) {
     return 0xFF000000 | redBlue | (green << 8);
 }
 
-// A premultiplied pixel over an opaque one; channels of a pixel that is not premultiplied stop at white.
+// A premultiplied pixel over an opaque one. No sum exceeds 255, because no colour exceeds its alpha.
 constexpr Pixel Over(Pixel below, Pixel above) {
     const Pixel rest = 255 - (above >> 24);
-    const Pixel redBlue = (above & 0x00FF00FF) + DivideLanesBy255((below & 0x00FF00FF) * rest);
-    const Pixel green = ((above >> 8) & 0xFF) + DivideBy255(((below >> 8) & 0xFF) * rest);
-    const Pixel red = std::min<Pixel>(redBlue >> 16, 255), blue = std::min<Pixel>(redBlue & 0xFFFF, 255);
-    return 0xFF000000 | (red << 16) | (std::min<Pixel>(green, 255) << 8) | blue;
+    const Pixel redBlue = DivideLanesBy255((below & 0x00FF00FF) * rest);
+    const Pixel green = DivideBy255(((below >> 8) & 0xFF) * rest);
+    return 0xFF000000 | ((above & 0x00FFFFFF) + (redBlue | (green << 8)));
 }
 
 // Area of the quarter disc x² + y² <= r² (x, y >= 0) within the unit square whose corner next to the centre is (x, y).
@@ -143,6 +142,20 @@ void FillSpan(Pixel* row, int from, int to, Pixel argb) {
     }
 }
 
+void BlendSpan(Pixel* row, const Pixel* source, int from, int to, Pixel alpha, bool opaque) {
+    if (alpha != 255) {
+        for (int x = from; x < to; ++x) {
+            row[x] = Over(row[x], ScalePixel(source[x], alpha));
+        }
+    } else if (opaque) {
+        std::copy(source + from, source + std::max(from, to), row + from);
+    } else {
+        for (int x = from; x < to; ++x) {
+            row[x] = Over(row[x], source[x]);
+        }
+    }
+}
+
 void MixAt(Pixel* row, int x, Pixel argb, Pixel coverage) {
     if (coverage != 0) {
         row[x] = Mix(row[x], argb, DivideBy255((argb >> 24) * coverage));
@@ -221,15 +234,16 @@ void BlendImage(const PixelView& target, const Rect& rect, const ConstPixelView&
         Pixel* row = RowOf(target, y);
         const Pixel* source = image.bits + static_cast<std::ptrdiff_t>(y - rect.top) * image.stridePx - rect.left;
         const bool corner = radius > 0 && shape.IsCornerRow(y);
-        for (int x = area.left; x < area.right; ++x) {
-            const Pixel factor = corner ? DivideBy255(shape.CoverageAt(x, y) * alpha) : alpha;
-            const Pixel above = factor == 255 ? source[x] : ScalePixel(source[x], factor);
-            if ((above >> 24) == 255) {
-                row[x] = above;
-            } else if (above != 0) {
-                row[x] = Over(row[x], above);
+        const int flatLeft = corner ? std::clamp(shape.FlatLeft(), area.left, area.right) : area.left;
+        const int flatRight = corner ? std::clamp(shape.FlatRight(), flatLeft, area.right) : area.right;
+        const auto blendCorner = [&](int from, int to) {
+            for (int x = from; x < to; ++x) {
+                row[x] = Over(row[x], ScalePixel(source[x], DivideBy255(shape.CoverageAt(x, y) * alpha)));
             }
-        }
+        };
+        blendCorner(area.left, flatLeft);
+        BlendSpan(row, source, flatLeft, flatRight, alpha, image.opaque);
+        blendCorner(flatRight, area.right);
     }
 }
 

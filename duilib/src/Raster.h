@@ -20,6 +20,7 @@ struct ConstPixelView {
     const std::uint32_t* bits = nullptr;
     int widthPx = 0, heightPx = 0;
     int stridePx = 0;
+    bool opaque = false;  // no pixel is translucent, so that rows may be copied
 };
 
 // All are clipped to `clip` and the view. A radius is limited to half the shorter side.
@@ -27,7 +28,8 @@ void FillRoundRect(const PixelView& target, const Rect& rect, int radius, std::u
 // The line lies inside the rectangle; one that is too thick fills it.
 void StrokeRoundRect(const PixelView& target, const Rect& rect, int radius, int width, std::uint32_t argb,
                      const Rect& clip);
-// `image` (premultiplied) at the rectangle's place, pixel for pixel: the smaller of the two sizes counts.
+// `image` (premultiplied: no colour is larger than the alpha) at the rectangle's place, pixel for pixel: the smaller of
+// the two sizes counts.
 void BlendImage(const PixelView& target, const Rect& rect, const ConstPixelView& image, std::uint8_t alpha, int radius,
                 const Rect& clip);
 // A colour through a mask that has its own coverage for red, green and blue (text as the system draws it, white on

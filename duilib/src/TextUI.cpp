@@ -262,7 +262,8 @@ void CTextUI::DoEvent(const TEventUI& event) {
             pressedLink_ = -1;
             break;
         case EventType::SetCursor:
-            if (hotLink_ >= 0) {
+            // Not the hot link: the cursor is asked for before the pointer's move arrives.
+            if (IsEnabled() && LinkAt(event.mousePx) >= 0) {
                 ::SetCursor(::LoadCursorW(nullptr, IDC_HAND));
                 return;
             }

@@ -98,7 +98,7 @@ class UIMainQueue::Impl {
         if (queue != nullptr) {
             switch (message) {
                 case kRunTask:
-                    queue->RunOne();
+                    queue->RunOne(false);
                     return 0;
                 case kRearm:
                     queue->Rearm(window);
@@ -106,7 +106,7 @@ class UIMainQueue::Impl {
                 case WM_TIMER:
                     KillTimer(window, wParam);
                     if (wParam == kBreatheTimer) {
-                        queue->RunOne();
+                        queue->RunOne(true);
                     } else {
                         queue->MoveDue();
                         queue->Rearm(window);
@@ -126,7 +126,7 @@ class UIMainQueue::Impl {
         }
     }
 
-    void RunOne() {
+    void RunOne(bool afterInput) {
         std::function<void()> task;
         {
             const std::lock_guard lock(mutex_);
@@ -134,14 +134,16 @@ class UIMainQueue::Impl {
             if (tasks_.empty()) {
                 return;
             }
+            // Posted messages go before input, so where input waits the task is left to a timer, which comes after it.
+            if (!afterInput && HIWORD(GetQueueStatus(QS_INPUT)) != 0) {
+                posted_ = SetTimer(window_, kBreatheTimer, kBreatheMs, nullptr) != 0;
+                if (posted_) {
+                    return;
+                }
+            }
             task = std::move(tasks_.front());
             tasks_.pop_front();
-            // Before the task runs: it may open a modal window, whose loop goes on with the next. Posted messages go
-            // before input, so where input waits the next task is left to a timer, which comes after it.
-            if (!tasks_.empty() && HIWORD(GetQueueStatus(QS_INPUT)) != 0) {
-                posted_ = SetTimer(window_, kBreatheTimer, kBreatheMs, nullptr) != 0;
-            }
-            PostIfNeeded();
+            PostIfNeeded();  // before the task runs: it may open a modal window, whose loop goes on with the next
         }
         Run(task);
     }

@@ -15,7 +15,10 @@ struct CrashRegistration {
     std::wstring productName;
 };
 
-// Installs a handler for unhandled exceptions, std::terminate and abort: it writes
+// Installs a handler for unhandled exceptions of the system, std::terminate and abort: it writes
 // %LOCALAPPDATA%\<productName>\CrashDumps\<program>-<time>-<pid>.dmp and one line to the program's log, then lets the
-// process end with its own exit code. The newest ten dumps are kept. The record is copied before the call returns.
+// process end as it would have ended, with its own exit code. The newest ten dumps of a program are kept. Nothing is
+// installed when the enable flag is 0; the second flag, the mode and the application's name are kept for compatibility
+// and have no effect. The record is copied before the call returns, the library stays in memory, and a second call does
+// nothing.
 using RegisterAppCrashHandlerFunction = void(__cdecl*)(const CrashRegistration* record);

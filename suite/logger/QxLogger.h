@@ -6,7 +6,7 @@
 // that is local time, level, thread id and the text as it was streamed. Levels: 3 tells, 4 is a failure; the numbers
 // belong to the suite. Every line is handed to the system before Log returns, so it survives a crash of the program.
 // Several processes of one name may log at once, and the file may be read, renamed or deleted meanwhile.
-// Threads: every operation may be called from any thread. Nothing throws, and the thread's last error is kept.
+// Threads: every operation may be called from any thread. Nothing throws.
 #include <sstream>
 #include <string>
 
@@ -22,7 +22,8 @@ class SUITE_LOGGER_API QxLogger {
     // answers as the first.
     bool InitProcessLogger();
 
-    // Writes one line; line breaks within the text become blanks, and a text of more than 8192 characters is cut.
+    // Writes one line; line breaks within the text become blanks, and a text of more than 8192 characters is cut. The
+    // thread's last error stays as it was.
     static void Log(int level, const std::wostringstream& stream);
 
     // The file that is written to; empty before InitProcessLogger or when it failed.

@@ -4,6 +4,7 @@
 
 #include "suite/common/Handle.h"
 #include "suite/common/Utf8.h"
+#include "suite/xml/XmlGate.h"
 #include "suite/xml/XmlTree.h"
 
 namespace {
@@ -76,7 +77,8 @@ int QxXMLDocument::LoadFile(const std::string& path) {
         if (error != ERROR_SUCCESS) {
             return static_cast<int>(error);
         }
-        return static_cast<int>(suite::ReadXml(bytes, root_));
+        const HRESULT result = suite::ReadXml(bytes, root_);
+        return FACILITY_WIN32 == HRESULT_FACILITY(result) ? HRESULT_CODE(result) : static_cast<int>(result);
     } catch (...) {
         return ERROR_NOT_ENOUGH_MEMORY;
     }

@@ -6,10 +6,14 @@
 #include <xmllite.h>
 
 #include "suite/common/Utf8.h"
+#include "suite/xml/XmlGate.h"
 
 namespace suite {
 
 namespace {
+
+const HRESULT kBroken = HRESULT_FROM_WIN32(ERROR_XML_PARSE_ERROR);
+const HRESULT kRefused = HRESULT_FROM_WIN32(ERROR_NOT_SUPPORTED);
 
 struct Release {
     void operator()(IUnknown* object) const { object->Release(); }
@@ -18,7 +22,7 @@ struct Release {
 template <typename Interface>
 using Com = std::unique_ptr<Interface, Release>;
 
-// Builds the tree while the system's reader walks the text. The limits do not rest on the reader's own.
+// Builds the tree while the system's reader walks the text.
 class TreeReader {
   public:
     TreeReader(IXmlReader* reader, std::unique_ptr<XmlTree>& root) : reader_(reader), root_(root) {}
@@ -31,8 +35,6 @@ class TreeReader {
                 result = Begin();
             } else if (type == XmlNodeType_EndElement) {
                 result = End();
-            } else if (type == XmlNodeType_DocumentType) {
-                result = static_cast<HRESULT>(WC_E_DTDPROHIBITED);
             }
             if (FAILED(result)) {
                 return result;
@@ -41,13 +43,13 @@ class TreeReader {
         if (FAILED(result)) {
             return result;
         }
-        return root_ != nullptr && open_.empty() ? S_OK : static_cast<HRESULT>(MX_E_INPUTEND);
+        return root_ != nullptr && open_.empty() ? S_OK : kBroken;
     }
 
   private:
     HRESULT Begin() {
-        if (open_.size() >= kMostXmlLevels || ++elements_ > kMostXmlElements || (open_.empty() && root_ != nullptr)) {
-            return HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
+        if (open_.empty() && root_ != nullptr) {
+            return kBroken;
         }
         auto element = std::make_unique<XmlTree>();
         const bool isEmpty = reader_->IsEmptyElement() != FALSE;
@@ -72,7 +74,7 @@ class TreeReader {
 
     HRESULT End() {
         if (open_.empty()) {
-            return HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
+            return kBroken;
         }
         open_.pop_back();
         return S_OK;
@@ -111,23 +113,15 @@ class TreeReader {
     IXmlReader* const reader_;  // borrowed; must outlive this object
     std::unique_ptr<XmlTree>& root_;
     std::vector<XmlTree*> open_;  // the elements around the reader's place, outermost first
-    std::size_t elements_ = 0;
 };
-
-bool IsBlank(const std::string& bytes) {
-    return bytes.find_first_not_of(" \t\r\n") == std::string::npos;
-}
 
 }  // namespace
 
 HRESULT ReadXml(const std::string& bytes, std::unique_ptr<XmlTree>& root) {
     root.reset();
-    const std::string text = bytes.rfind("\xEF\xBB\xBF", 0) == 0 ? bytes.substr(3) : bytes;
-    if (IsBlank(text)) {
-        return S_OK;
-    }
-    if (bytes.size() > kMostXmlBytes) {
-        return HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE);
+    const XmlVerdict verdict = JudgeXml(bytes);
+    if (verdict != XmlVerdict::kSound) {
+        return verdict == XmlVerdict::kBlank ? S_OK : verdict == XmlVerdict::kRefused ? kRefused : kBroken;
     }
     IXmlReader* made = nullptr;
     HRESULT result = CreateXmlReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&made), nullptr);

@@ -1,6 +1,7 @@
 #pragma once
 // The elements of one XML text, as the document class keeps them, and the reading of the text by the system's reader.
 //
+// What comes from outside is judged first (XmlGate.h); the reader only ever sees sound text.
 // Texts between the elements are left out: no caller asks for them. Nothing of the system's reader stays alive.
 // Any thread; XmlLite needs no COM initialisation.
 #include <windows.h>
@@ -11,10 +12,6 @@
 #include <vector>
 
 namespace suite {
-
-inline constexpr std::size_t kMostXmlBytes = 1024 * 1024;
-inline constexpr std::size_t kMostXmlLevels = 64;
-inline constexpr std::size_t kMostXmlElements = 10'000;
 
 struct XmlTree {
     std::string name;

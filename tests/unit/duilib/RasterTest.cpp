@@ -16,7 +16,7 @@ struct Picture {
     Picture(int width, int height, std::uint32_t color = kWhite)
         : size{width, height}, pixels(static_cast<size_t>(width) * static_cast<size_t>(height), color) {}
     PixelView View() { return {pixels.data(), size.cx, size.cy, size.cx}; }
-    ConstPixelView ConstView() const { return {pixels.data(), size.cx, size.cy, size.cx}; }
+    ConstPixelView ConstView() const { return {pixels.data(), size.cx, size.cy, size.cx, false}; }
     Rect All() const { return {0, 0, size.cx, size.cy}; }
     std::uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y * size.cx + x)]; }
     Size size;
@@ -164,10 +164,28 @@ TEST(Raster, TheSmallerOfImageAndRectangleCounts) {
     EXPECT_EQ(target.At(3, 2), kBlack);
 }
 
-TEST(Raster, AnImageThatIsNotPremultipliedStopsAtWhite) {
-    Picture target(1, 1), image(1, 1, 0x10FFFFFF);
-    BlendImage(target.View(), target.All(), image.ConstView(), 255, 0, target.All());
-    EXPECT_EQ(target.At(0, 0), kWhite);
+TEST(Raster, AnOpaqueImageIsCopied) {
+    Picture target(20, 20), blended(20, 20), image(20, 20, 0xFF336699);
+    ConstPixelView view = image.ConstView();
+    BlendImage(blended.View(), blended.All(), view, 255, 5, {2, 3, 20, 20});
+    view.opaque = true;
+    BlendImage(target.View(), target.All(), view, 255, 5, {2, 3, 20, 20});
+    EXPECT_EQ(target.pixels, blended.pixels);
+    EXPECT_EQ(target.At(10, 10), 0xFF336699u);
+    EXPECT_EQ(target.At(1, 10), kWhite);
+}
+
+TEST(Raster, EveryPremultipliedPixelBlendsExactly) {
+    for (std::uint32_t alpha = 0; alpha < 256; ++alpha) {
+        for (std::uint32_t color = 0; color <= alpha; color += 5) {
+            for (std::uint32_t below = 0; below < 256; below += 15) {
+                Picture target(1, 1, 0xFF000000 | below * 0x010101), image(1, 1, alpha << 24 | color * 0x010101);
+                BlendImage(target.View(), target.All(), image.ConstView(), 255, 0, target.All());
+                const auto expected = static_cast<std::uint32_t>(std::lround(color + below * (255 - alpha) / 255.0));
+                ASSERT_EQ(target.At(0, 0), 0xFF000000 | expected * 0x010101) << alpha << " " << color << " " << below;
+            }
+        }
+    }
 }
 
 TEST(Raster, AMaskHasACoverageForEachColour) {

@@ -114,8 +114,7 @@ Direction::Direction(bool rightToLeft) {
 }
 
 Direction::~Direction() {
-    UICulture::GetInstance()->SetValuesFolder(L"");
-    UICulture::GetInstance()->SelectLanguage(L"", false);
+    UICulture::GetInstance()->SelectLanguage(L"en_US", true);
 }
 
 }  // namespace DuiLib::Test

@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr DWORD kPatienceMs = 60'000;
+constexpr DWORD kPatienceMs = 120'000;
 
 // One pass: a file that is still open in this process keeps its name, and std::filesystem::remove_all would try to
 // empty its folder for ever.

@@ -15,7 +15,7 @@ class Helper {
     explicit Helper(const std::wstring& arguments);
     ~Helper();
 
-    // The exit code; fails the test and gives 0xFFFFFFFF when it does not come within a minute.
+    // The exit code; fails the test and gives 0xFFFFFFFF when it does not come within two minutes.
     DWORD Wait();
     // Ends it at once, as a user or the system may.
     void Kill();

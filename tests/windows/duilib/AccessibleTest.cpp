@@ -1,0 +1,258 @@
+// The controls of a window as screen readers and end-to-end tests see them.
+#include <windows.h>
+
+#include <oleacc.h>
+
+#include <map>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/OptionUI.h"
+#include "DuiLib/SliderUI.h"
+#include "TestWindow.h"
+
+namespace DuiLib::Test {
+namespace {
+
+constexpr char kLayout[] = R"(<Window size="400,300">
+  <VerticalLayout name="root">
+    <Label name="label" text="A label" height="30"/>
+    <HorizontalLayout name="row" height="40">
+      <Button name="ok" text="OK" tooltip="Press it" width="100"/>
+      <Button name="icon" tooltip="Only a picture" width="40"/>
+      <Button name="off" text="Off" enabled="false" width="40"/>
+      <Button name="hidden" text="Hidden" visible="false" width="40"/>
+    </HorizontalLayout>
+    <HorizontalLayout height="40">
+      <Option name="one" text="One" group="g" selected="true" width="80"/>
+      <Option name="two" text="Two" group="g" width="80"/>
+    </HorizontalLayout>
+    <Slider name="slider" min="0" max="10" value="5" height="30" accname="Strength"/>
+    <Text name="text" text="See &lt;a href='x:1'&gt;this&lt;/a&gt;" showhtml="true" height="30"/>
+    <Control name="decoration"/>
+  </VerticalLayout>
+</Window>)";
+
+VARIANT Id(long id) {
+    VARIANT v{};
+    v.vt = VT_I4;
+    v.lVal = id;
+    return v;
+}
+
+std::wstring Take(BSTR text) {
+    const std::wstring taken = text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    SysFreeString(text);
+    return taken;
+}
+
+class Accessibility : public testing::Test {
+  protected:
+    Accessibility() {
+        window.ShowWindow();
+        PumpPending();
+        EXPECT_EQ(AccessibleObjectFromWindow(window.GetHWND(), static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                             reinterpret_cast<void**>(&object)),
+                  S_OK);
+        if (object == nullptr) {
+            throw std::runtime_error("no accessible object");
+        }
+        long count = 0;
+        object->get_accChildCount(&count);
+        std::vector<VARIANT> children(static_cast<std::size_t>(count));
+        long got = 0;
+        EXPECT_EQ(AccessibleChildren(object, 0, count, children.data(), &got), S_OK);
+        EXPECT_EQ(got, count);
+        for (const VARIANT& child : children) {
+            EXPECT_EQ(child.vt, VT_I4);
+            BSTR name = nullptr;
+            long id = 0;
+            EXPECT_EQ(object->get_accHelpTopic(&name, child, &id), S_OK);
+            EXPECT_EQ(id, child.lVal);
+            order.push_back(Take(name));
+            ids[order.back()] = id;
+        }
+    }
+    ~Accessibility() override {
+        object->Release();
+        log.ExpectNone();
+    }
+
+    std::wstring Name(const wchar_t* control) {
+        BSTR text = nullptr;
+        object->get_accName(Id(ids.at(control)), &text);
+        return Take(text);
+    }
+    std::wstring Value(const wchar_t* control) {
+        BSTR text = nullptr;
+        object->get_accValue(Id(ids.at(control)), &text);
+        return Take(text);
+    }
+    long Role(const wchar_t* control) {
+        VARIANT v{};
+        object->get_accRole(Id(ids.at(control)), &v);
+        return v.lVal;
+    }
+    long State(const wchar_t* control) {
+        VARIANT v{};
+        object->get_accState(Id(ids.at(control)), &v);
+        return v.lVal;
+    }
+
+    LogWatch log;
+    TestWindow window{kLayout};
+    IAccessible* object = nullptr;
+    std::vector<std::wstring> order;
+    std::map<std::wstring, long> ids;
+};
+
+TEST_F(Accessibility, ShownControlsAreListedInLayoutOrder) {
+    EXPECT_EQ(order, (std::vector<std::wstring>{L"label", L"ok", L"icon", L"off", L"one", L"two", L"slider", L"text"}));
+}
+
+TEST_F(Accessibility, NamesRolesAndValues) {
+    EXPECT_EQ(Name(L"ok"), L"OK");
+    EXPECT_EQ(Name(L"icon"), L"Only a picture");
+    EXPECT_EQ(Name(L"slider"), L"Strength");
+    EXPECT_EQ(Name(L"text"), L"See this");
+    EXPECT_EQ(Role(L"ok"), ROLE_SYSTEM_PUSHBUTTON);
+    EXPECT_EQ(Role(L"one"), ROLE_SYSTEM_RADIOBUTTON);
+    EXPECT_EQ(Role(L"slider"), ROLE_SYSTEM_SLIDER);
+    EXPECT_EQ(Value(L"slider"), L"5");
+    BSTR title = nullptr;
+    EXPECT_EQ(object->get_accName(Id(CHILDID_SELF), &title), S_OK);
+    EXPECT_EQ(Take(title), L"Test window");
+    BSTR description = nullptr;
+    EXPECT_EQ(object->get_accDescription(Id(ids[L"ok"]), &description), S_OK);
+    EXPECT_EQ(Take(description), L"Press it");
+}
+
+TEST_F(Accessibility, States) {
+    EXPECT_NE(State(L"off") & STATE_SYSTEM_UNAVAILABLE, 0);
+    EXPECT_EQ(State(L"ok") & STATE_SYSTEM_UNAVAILABLE, 0);
+    EXPECT_NE(State(L"ok") & STATE_SYSTEM_FOCUSABLE, 0);
+    EXPECT_NE(State(L"one") & STATE_SYSTEM_CHECKED, 0);
+    EXPECT_EQ(State(L"two") & STATE_SYSTEM_CHECKED, 0);
+    window.Find(L"row").SetEnabled(false);
+    EXPECT_NE(State(L"ok") & STATE_SYSTEM_UNAVAILABLE, 0);
+}
+
+TEST_F(Accessibility, FocusIsTold) {
+    ASSERT_TRUE(PumpUntil([&] { return ::GetFocus() == window.GetHWND(); }));
+    EXPECT_EQ(object->accSelect(SELFLAG_TAKEFOCUS, Id(ids[L"slider"])), S_OK);
+    VARIANT focus{};
+    EXPECT_EQ(object->get_accFocus(&focus), S_OK);
+    EXPECT_EQ(focus.lVal, ids[L"slider"]);
+    EXPECT_NE(State(L"slider") & STATE_SYSTEM_FOCUSED, 0);
+    EXPECT_EQ(object->accSelect(SELFLAG_TAKEFOCUS, Id(ids[L"off"])), S_FALSE);
+}
+
+TEST_F(Accessibility, PlaceAndHitTestAgree) {
+    long left = 0;
+    long top = 0;
+    long width = 0;
+    long height = 0;
+    EXPECT_EQ(object->accLocation(&left, &top, &width, &height, Id(ids[L"ok"])), S_OK);
+    EXPECT_EQ(width, 100);
+    VARIANT hit{};
+    EXPECT_EQ(object->accHitTest(left + width / 2, top + height / 2, &hit), S_OK);
+    EXPECT_EQ(hit.lVal, ids[L"ok"]);
+    EXPECT_EQ(object->accLocation(&left, &top, &width, &height, Id(CHILDID_SELF)), S_OK);
+    EXPECT_EQ(width, 400);
+    EXPECT_EQ(object->accHitTest(left + 200, top + 299, &hit), S_OK);
+    EXPECT_EQ(hit.lVal, CHILDID_SELF);
+    EXPECT_EQ(object->accHitTest(left - 10, top, &hit), S_FALSE);
+}
+
+TEST_F(Accessibility, DefaultActionPressesWithoutKeepingTheClientWaiting) {
+    BSTR action = nullptr;
+    EXPECT_EQ(object->get_accDefaultAction(Id(ids[L"ok"]), &action), S_OK);
+    EXPECT_FALSE(Take(action).empty());
+    EXPECT_EQ(object->accDoDefaultAction(Id(ids[L"ok"])), S_OK);
+    EXPECT_FALSE(window.Got(L"click ok"));
+    EXPECT_TRUE(PumpUntil([&] { return window.Got(L"click ok"); }));
+    EXPECT_EQ(object->accDoDefaultAction(Id(ids[L"off"])), S_FALSE);
+    EXPECT_EQ(object->accDoDefaultAction(Id(ids[L"label"])), DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(object->accDoDefaultAction(Id(ids[L"two"])), S_OK);
+    EXPECT_TRUE(PumpUntil([&] { return window.Find<COptionUI>(L"two").IsSelected(); }));
+}
+
+TEST_F(Accessibility, ValueCanBeSet) {
+    BSTR seven = SysAllocString(L"7");
+    EXPECT_EQ(object->put_accValue(Id(ids[L"slider"]), seven), S_OK);
+    EXPECT_EQ(window.Find<CSliderUI>(L"slider").GetValue(), 7);
+    EXPECT_TRUE(window.Got(L"valuechanged slider"));
+    EXPECT_EQ(object->put_accValue(Id(ids[L"ok"]), seven), E_INVALIDARG);
+    SysFreeString(seven);
+}
+
+TEST_F(Accessibility, Navigation) {
+    VARIANT to{};
+    EXPECT_EQ(object->accNavigate(NAVDIR_FIRSTCHILD, Id(CHILDID_SELF), &to), S_OK);
+    EXPECT_EQ(to.lVal, ids[L"label"]);
+    EXPECT_EQ(object->accNavigate(NAVDIR_NEXT, to, &to), S_OK);
+    EXPECT_EQ(to.lVal, ids[L"ok"]);
+    EXPECT_EQ(object->accNavigate(NAVDIR_LASTCHILD, Id(CHILDID_SELF), &to), S_OK);
+    EXPECT_EQ(to.lVal, ids[L"text"]);
+    EXPECT_EQ(object->accNavigate(NAVDIR_NEXT, to, &to), S_FALSE);
+}
+
+TEST_F(Accessibility, WrongIdsAndNullPointersAreRefused) {
+    BSTR text = nullptr;
+    EXPECT_EQ(object->get_accName(Id(123456789), &text), E_INVALIDARG);
+    EXPECT_EQ(object->get_accName(Id(window.Find(L"hidden").GetId()), &text), E_INVALIDARG);
+    VARIANT none{};
+    EXPECT_EQ(object->get_accName(none, &text), E_INVALIDARG);
+    EXPECT_EQ(object->get_accName(Id(ids[L"ok"]), nullptr), E_POINTER);
+    IDispatch* child = nullptr;
+    EXPECT_EQ(object->get_accChild(Id(ids[L"ok"]), &child), S_FALSE);
+}
+
+TEST_F(Accessibility, OutlivesItsWindow) {
+    const long ok = ids[L"ok"];
+    DestroyWindow(window.GetHWND());
+    BSTR text = nullptr;
+    VARIANT v{};
+    long count = 0;
+    EXPECT_EQ(object->get_accName(Id(ok), &text), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->get_accRole(Id(CHILDID_SELF), &v), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->get_accChildCount(&count), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->get_accFocus(&v), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->accHitTest(0, 0, &v), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->accDoDefaultAction(Id(ok)), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(object->accNavigate(NAVDIR_FIRSTCHILD, Id(CHILDID_SELF), &v), CO_E_OBJNOTCONNECTED);
+}
+
+std::vector<std::pair<DWORD, LONG>> heard;  // event, child
+
+void CALLBACK Hear(HWINEVENTHOOK, DWORD event, HWND, LONG object, LONG child, DWORD, DWORD) {
+    if (object == OBJID_CLIENT && child != CHILDID_SELF) {
+        heard.emplace_back(event, child);
+    }
+}
+
+TEST_F(Accessibility, ChangesAreAnnounced) {
+    heard.clear();
+    const HWINEVENTHOOK hook = SetWinEventHook(EVENT_OBJECT_FOCUS, EVENT_OBJECT_VALUECHANGE, nullptr, Hear,
+                                               GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
+    ASSERT_NE(hook, nullptr);
+    const auto heardOf = [&](DWORD event, const wchar_t* control) {
+        return PumpUntil([&] {
+            return std::find(heard.begin(), heard.end(), std::pair(event, static_cast<LONG>(ids[control]))) !=
+                   heard.end();
+        });
+    };
+    window.PaintManager().SetFocus(&window.Find(L"slider"), true);
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_FOCUS, L"slider"));
+    window.Key(VK_RIGHT);
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_VALUECHANGE, L"slider"));
+    window.Find<COptionUI>(L"two").SetSelected(true);
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_STATECHANGE, L"two"));
+    window.Find(L"ok").SetText(L"Fine");
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_NAMECHANGE, L"ok"));
+    window.Find(L"ok").SetEnabled(false);
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_STATECHANGE, L"ok"));
+    UnhookWinEvent(hook);
+}
+
+}  // namespace
+}  // namespace DuiLib::Test

@@ -1,0 +1,80 @@
+#include "DuiLib/UICulture.h"
+
+#include "TestWindow.h"
+
+namespace DuiLib::Test {
+namespace {
+
+class Culture : public testing::Test {
+  protected:
+    Culture() {
+        Write(L"en_US", R"(<Strings language="en_US" direction="ltr">
+            <String id="IDS_A">Hello</String><String id="IDS_B">Only &lt;b&gt;English&lt;/b&gt;</String></Strings>)");
+        Write(L"de_DE", R"(<Strings language="de_DE" direction="ltr"><String id="IDS_A">Grüße</String></Strings>)");
+        Write(L"ar_SA", R"(<Strings language="ar_SA" direction="rtl"><String id="IDS_A">مرحبا</String></Strings>)");
+        culture.SetValuesFolder(Folder());
+    }
+    ~Culture() override {
+        culture.SetValuesFolder(L"");
+        culture.SelectLanguage(L"", false);
+    }
+    static std::wstring Folder() { return ResourceFolder::Get().Path() + L"values"; }
+    static void Write(const std::wstring& language, std::string_view table) {
+        ResourceFolder::Get().Write(L"values\\" + language + L"\\strings.xml", table);
+    }
+    UICulture& culture = *UICulture::GetInstance();
+};
+
+TEST_F(Culture, GivesTheTextOfTheLanguageThenEnglishThenTheKey) {
+    EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+    EXPECT_EQ(culture.GetLanguage(), L"de_DE");
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"Grüße");
+    EXPECT_EQ(culture.GetString(L"IDS_B"), L"Only <b>English</b>");
+    EXPECT_EQ(culture.GetString(L"IDS_NONE"), L"IDS_NONE");
+    EXPECT_FALSE(culture.IsRightToLeft());
+}
+
+TEST_F(Culture, OtherRegionOfTheSameLanguageThenEnglish) {
+    EXPECT_TRUE(culture.SelectLanguage(L"ar_EG", false));
+    EXPECT_EQ(culture.GetLanguage(), L"ar_SA");
+    EXPECT_TRUE(culture.IsRightToLeft());
+    EXPECT_TRUE(culture.SelectLanguage(L"fr_FR", true));
+    EXPECT_EQ(culture.GetLanguage(), L"en_US");
+    EXPECT_FALSE(culture.IsRightToLeft());
+}
+
+TEST_F(Culture, BrokenTableIsLoggedAndReadAsFarAsItIsSound) {
+    Write(L"de_DE", R"(<Strings direction="ltr"><String id="IDS_A">Gut</String><String id="IDS_B">Halb)");
+    const LogWatch log;
+    EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+    EXPECT_TRUE(log.Has("strings.xml"));
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"Gut");
+}
+
+TEST_F(Culture, MissingTableFallsBackToEnglish) {
+    std::filesystem::create_directories(Folder() + L"\\it_IT");
+    const LogWatch log;
+    EXPECT_TRUE(culture.SelectLanguage(L"it_IT", true));
+    EXPECT_EQ(culture.GetLanguage(), L"en_US");
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"Hello");
+    EXPECT_TRUE(log.Has("it_IT"));
+}
+
+TEST_F(Culture, MissingFolderGivesKeysAndALogLine) {
+    culture.SetValuesFolder(Folder() + L"_absent");
+    const LogWatch log;
+    EXPECT_FALSE(culture.SelectLanguage(L"de_DE", true));
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"IDS_A");
+    EXPECT_EQ(culture.GetLanguage(), L"");
+    EXPECT_FALSE(log.Failures().empty());
+}
+
+TEST_F(Culture, LayoutsTakeTheirTextsFromTheTable) {
+    culture.SelectLanguage(L"de_DE", true);
+    TestWindow window(R"(<Window size="200,100"><Button name="b" text="IDS_A" tooltip="IDS_B"/></Window>)");
+    EXPECT_EQ(window.Find(L"b").GetText(), L"Grüße");
+    EXPECT_EQ(window.Find(L"b").GetToolTip(), L"Only <b>English</b>");
+}
+
+}  // namespace
+}  // namespace DuiLib::Test

@@ -1,0 +1,312 @@
+// Windows of the system: creation, size and shape, modal loops, closing, DPI, what a minimised window keeps.
+#include <thread>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/UIMainQueue.h"
+#include "TestWindow.h"
+
+namespace DuiLib::Test {
+namespace {
+
+constexpr char kLayout[] = R"(<Window size="300,200" closeonescape="true">
+  <VerticalLayout name="root" bkcolor="#FF203040">
+    <HorizontalLayout name="title" height="40" IsNcHit="true"><Control name="drag" IsNcHit="true"/>
+      <Button name="close" width="40"/></HorizontalLayout>
+    <Button name="ok" height="40" text="OK"/>
+    <Control name="rest"/>
+  </VerticalLayout>
+</Window>)";
+
+Size SizeOf(HWND window) {
+    RECT r{};
+    GetWindowRect(window, &r);
+    return {static_cast<int>(r.right - r.left), static_cast<int>(r.bottom - r.top)};
+}
+
+Size ClientOf(HWND window) {
+    RECT r{};
+    GetClientRect(window, &r);
+    return {static_cast<int>(r.right), static_cast<int>(r.bottom)};
+}
+
+LPARAM ScreenPoint(HWND window, Point px) {
+    POINT p{px.x, px.y};
+    ClientToScreen(window, &p);
+    return MAKELPARAM(p.x, p.y);
+}
+
+class Window : public testing::Test {
+  protected:
+    ~Window() override { log.ExpectNone(); }
+    LogWatch log;
+};
+
+TEST_F(Window, HasTheLayoutsSizeAndIsAllClient) {
+    for (const DWORD style : {static_cast<DWORD>(WS_POPUP | WS_BORDER | WS_SYSMENU | WS_MINIMIZEBOX),
+                              static_cast<DWORD>(WS_OVERLAPPEDWINDOW), static_cast<DWORD>(WS_POPUP | 1)}) {
+        TestWindow window(kLayout, style);
+        EXPECT_EQ(SizeOf(window.GetHWND()), (Size{300, 200})) << style;
+        EXPECT_EQ(ClientOf(window.GetHWND()), (Size{300, 200})) << style;
+    }
+}
+
+TEST_F(Window, IsDraggedByMarkedControlsOnly) {
+    TestWindow window(kLayout);
+    const HWND hwnd = window.GetHWND();
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, window.CenterOf(L"drag"))), HTCAPTION);
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, window.CenterOf(L"close"))), HTCLIENT);
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, {1, 199})), HTCLIENT);
+}
+
+TEST_F(Window, CanBeSizedWhereTheLayoutGivesLimits) {
+    TestWindow fixed(kLayout, WS_OVERLAPPEDWINDOW);
+    EXPECT_EQ(GetWindowLongPtrW(fixed.GetHWND(), GWL_STYLE) & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
+    TestWindow window(R"(<Window size="300,200" minsize="200,100"><Control name="c"/></Window>)", WS_OVERLAPPEDWINDOW);
+    const HWND hwnd = window.GetHWND();
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, {1, 199})), HTBOTTOMLEFT);
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, {150, 1})), HTTOP);
+    EXPECT_EQ(SendMessageW(hwnd, WM_NCHITTEST, 0, ScreenPoint(hwnd, {150, 100})), HTCLIENT);
+    SetWindowPos(hwnd, nullptr, 0, 0, 50, 50, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(SizeOf(hwnd), (Size{200, 100}));
+    SetWindowPos(hwnd, nullptr, 0, 0, 500, 400, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(window.Find(L"c").GetPos(), (Rect{0, 0, 500, 400}));
+}
+
+TEST_F(Window, MissingOrBrokenLayoutLeavesAnEmptyWindowAndALogLine) {
+    class Missing : public TestWindow {
+      public:
+        Missing() : TestWindow("<Window") {}
+    };
+    const LogWatch own;
+    Missing window;
+    EXPECT_NE(window.GetHWND(), nullptr);
+    EXPECT_EQ(window.PaintManager().GetRoot(), nullptr);
+    EXPECT_FALSE(own.Failures().empty());
+    window.ShowWindow();
+    PumpPending();
+    window.Mouse(WM_MOUSEMOVE, {5, 5});
+    window.Mouse(WM_LBUTTONDOWN, {5, 5});
+    window.Key(VK_TAB);
+    window.Key(VK_RETURN);
+    DestroyWindow(window.GetHWND());
+    log = LogWatch();  // those lines were wanted
+}
+
+TEST_F(Window, DpiChangeMovesToTheSuggestedRectangleAndScales) {
+    TestWindow window(kLayout);
+    const HWND hwnd = window.GetHWND();
+    window.ShowWindow(true, false);
+    PumpPending();
+    const RECT suggested{100, 120, 100 + 450, 120 + 300};
+    SendMessageW(hwnd, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&suggested));
+    RECT now{};
+    GetWindowRect(hwnd, &now);
+    EXPECT_TRUE(EqualRect(&now, &suggested));
+    EXPECT_EQ(window.PaintManager().GetDPI(), 144);
+    EXPECT_EQ(window.Find(L"ok").GetPos(), (Rect{0, 60, 450, 120}));
+    SendMessageW(hwnd, WM_DPICHANGED, MAKEWPARAM(96, 96), 0);
+    EXPECT_EQ(SizeOf(hwnd), (Size{300, 200}));
+    EXPECT_EQ(window.Find(L"ok").GetPos(), (Rect{0, 40, 300, 80}));
+}
+
+TEST_F(Window, SetDpiKeepsTheWindowsSize) {
+    TestWindow window(kLayout);
+    window.PaintManager().SetDPI(192);
+    EXPECT_EQ(SizeOf(window.GetHWND()), (Size{300, 200}));
+    EXPECT_EQ(window.Find(L"ok").GetPos(), (Rect{0, 80, 300, 160}));
+}
+
+TEST_F(Window, MinimisedWindowWakesUpIntact) {
+    TestWindow window(kLayout);
+    const HWND hwnd = window.GetHWND();
+    window.ShowWindow();
+    PumpPending();
+    const Rect before = window.Find(L"ok").GetPos();
+    SendMessageW(hwnd, WM_SYSCOMMAND, SC_MINIMIZE, 0);
+    ASSERT_TRUE(IsIconic(hwnd));
+    PumpPending();
+    window.Find(L"ok").SetText(L"changed while minimised");
+    PumpPending();
+    EXPECT_EQ(window.Find(L"ok").GetPos(), before);
+    SendMessageW(hwnd, WM_SYSCOMMAND, SC_RESTORE, 0);
+    PumpPending();
+    EXPECT_EQ(SizeOf(hwnd), (Size{300, 200}));
+    EXPECT_EQ(window.Find(L"ok").GetPos(), before);
+    HDC dc = GetDC(hwnd);
+    EXPECT_EQ(GetPixel(dc, 150, 150), RGB(0x20, 0x30, 0x40));
+    ReleaseDC(hwnd, dc);
+}
+
+TEST_F(Window, AltF4AndEscapeClose) {
+    for (const bool escape : {false, true}) {
+        TestWindow window(kLayout);
+        window.ShowWindow();
+        PumpPending();
+        if (escape) {
+            window.Key(VK_ESCAPE);
+        } else {
+            window.SendMessage(WM_SYSKEYDOWN, VK_F4, 0x20000001);
+        }
+        EXPECT_TRUE(PumpUntil([&] { return window.GetHWND() == nullptr; })) << escape;
+    }
+}
+
+TEST_F(Window, ModalWindowDisablesItsOwnerAndGivesItsResult) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    const HWND ownerHwnd = owner.GetHWND();
+    TestWindow box(kLayout, WS_OVERLAPPEDWINDOW, ownerHwnd);
+    bool ownerWasEnabled = true;
+    UIMainQueue::getInstance()->dispatch([&] {
+        ownerWasEnabled = IsWindowEnabled(ownerHwnd) != FALSE;
+        box.Click(L"ok");
+    });
+    box.onNotify = [&](TNotifyUI& msg) {
+        if (msg.type == NotifyType::kClick) {
+            box.Close(7);
+        }
+    };
+    EXPECT_EQ(box.ShowModal(), 7u);
+    EXPECT_FALSE(ownerWasEnabled);
+    EXPECT_TRUE(IsWindowEnabled(ownerHwnd));
+    EXPECT_EQ(box.GetHWND(), nullptr);
+    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == ownerHwnd; }));
+}
+
+TEST_F(Window, ModalWindowsNestAndOpenFromWithinAClick) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    UINT inner = 0;
+    UINT outer = 0;
+    owner.onNotify = [&](TNotifyUI& msg) {
+        if (msg.type != NotifyType::kClick) {
+            return;
+        }
+        // The button that was clicked goes while the modal window is up.
+        TestWindow box(kLayout, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+        UIMainQueue::getInstance()->dispatch([&] {
+            TestWindow second(kLayout, WS_OVERLAPPEDWINDOW, box.GetHWND());
+            UIMainQueue::getInstance()->dispatch([&] {
+                owner.Find<CContainerUI>(L"root").RemoveAt(1);
+                second.Close(2);
+            });
+            inner = second.ShowModal();
+            EXPECT_TRUE(IsWindowEnabled(box.GetHWND()));
+            EXPECT_FALSE(IsWindowEnabled(owner.GetHWND()));
+            box.Close(1);
+        });
+        outer = box.ShowModal();
+    };
+    owner.Click(L"ok");
+    EXPECT_EQ(inner, 2u);
+    EXPECT_EQ(outer, 1u);
+    EXPECT_TRUE(IsWindowEnabled(owner.GetHWND()));
+    EXPECT_EQ(owner.PaintManager().FindControl(L"ok"), nullptr);
+}
+
+TEST_F(Window, QuitEndsAModalLoopAndReachesTheOuterOne) {
+    TestWindow box(kLayout, WS_OVERLAPPEDWINDOW);
+    UIMainQueue::getInstance()->dispatch([] { PostQuitMessage(9); });
+    EXPECT_EQ(box.ShowModal(), 0u);
+    EXPECT_EQ(box.GetHWND(), nullptr);
+    EXPECT_EQ(CPaintManagerUI::MessageLoop(), 9);
+}
+
+TEST_F(Window, ModalLoopEndsWhenAnotherThreadClosesTheWindow) {
+    TestWindow box(kLayout, WS_OVERLAPPEDWINDOW);
+    const HWND hwnd = box.GetHWND();
+    std::thread closer([hwnd] { SendMessageW(hwnd, WM_SYSCOMMAND, SC_CLOSE, 0); });
+    EXPECT_EQ(box.ShowModal(), 0u);
+    closer.join();
+}
+
+TEST_F(Window, CanBeCreatedAgain) {
+    class Again : public TestWindow {
+      public:
+        using TestWindow::TestWindow;
+        void CreateAgain() { Create(nullptr, L"again", WS_POPUP | 1, WS_EX_TOPMOST); }
+    };
+    Again window(kLayout);
+    window.Click(L"ok");
+    const HWND first = window.GetHWND();
+    window.CreateAgain();
+    EXPECT_FALSE(IsWindow(first));
+    EXPECT_TRUE(IsWindow(window.GetHWND()));
+    window.Click(L"ok");
+    EXPECT_EQ(window.Count(L"click ok"), 2);
+    DestroyWindow(window.GetHWND());
+    window.CreateAgain();
+    window.Click(L"ok");
+    EXPECT_EQ(window.Count(L"click ok"), 3);
+}
+
+TEST_F(Window, TheObjectMayEndItselfWithItsWindow) {
+    static bool destroyed = false;
+    class SelfMade : public TestWindow {
+      public:
+        using TestWindow::TestWindow;
+        ~SelfMade() override { destroyed = true; }
+        void OnFinalMessage(HWND) override { delete this; }
+    };
+    auto* const window = new SelfMade(kLayout);
+    window->onNotify = [window](TNotifyUI& msg) {
+        if (msg.type == NotifyType::kClick) {
+            DestroyWindow(window->GetHWND());  // while the click is still being handled
+            EXPECT_FALSE(destroyed);
+        }
+    };
+    window->Click(L"ok");
+    EXPECT_TRUE(destroyed);
+}
+
+TEST_F(Window, CentersOnItsOwnerWithinTheWorkArea) {
+    TestWindow owner(kLayout);
+    SetWindowPos(owner.GetHWND(), nullptr, 700, 500, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    owner.ShowWindow(true, false);
+    TestWindow box(R"(<Window size="100,80"><Control/></Window>)", WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    box.Center2ParentWindow();
+    RECT r{};
+    GetWindowRect(box.GetHWND(), &r);
+    EXPECT_EQ(r.left, 800);
+    EXPECT_EQ(r.top, 560);
+    SetWindowPos(owner.GetHWND(), nullptr, -290, -190, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    box.Center2ParentWindow();
+    GetWindowRect(box.GetHWND(), &r);
+    EXPECT_EQ(r.left, 0);
+    EXPECT_EQ(r.top, 0);
+    box.CenterWindow();
+    GetWindowRect(box.GetHWND(), &r);
+    MONITORINFO info{};
+    info.cbSize = sizeof(info);
+    GetMonitorInfoW(MonitorFromWindow(box.GetHWND(), MONITOR_DEFAULTTONEAREST), &info);
+    EXPECT_EQ(r.left, (info.rcWork.left + info.rcWork.right - 100) / 2);
+}
+
+TEST_F(Window, AnExceptionInAHandlerIsLogged) {
+    TestWindow window(kLayout);
+    const LogWatch own;
+    window.onNotify = [](TNotifyUI&) { throw std::runtime_error("from a handler"); };
+    window.Click(L"ok");
+    window.onNotify = nullptr;
+    EXPECT_TRUE(own.Has("from a handler"));
+    window.Click(L"ok");
+    EXPECT_TRUE(window.Got(L"click ok"));
+    log = LogWatch();
+}
+
+TEST_F(Window, IdleMeansNoMessages) {
+    TestWindow window(kLayout);
+    window.ShowWindow();
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"ok"));
+    PumpPending();
+    UpdateWindow(window.GetHWND());
+    EXPECT_FALSE(GetUpdateRect(window.GetHWND(), nullptr, FALSE));
+    MSG msg{};
+    EXPECT_FALSE(PeekMessageW(&msg, window.GetHWND(), WM_PAINT, WM_PAINT, PM_NOREMOVE));
+    EXPECT_FALSE(PeekMessageW(&msg, window.GetHWND(), WM_TIMER, WM_TIMER, PM_NOREMOVE));
+}
+
+}  // namespace
+}  // namespace DuiLib::Test

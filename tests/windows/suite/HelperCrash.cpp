@@ -1,0 +1,107 @@
+#include <windows.h>
+
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+#include <thread>
+
+#include "suite/common/LocalFolder.h"
+#include "suite/crashdump/CrashRegistration.h"
+#include "suite/logger/QxLogger.h"
+#include "tests/windows/suite/HelperCommands.h"
+
+namespace {
+
+// Read at run time, so that the compiler does not see what comes of it.
+volatile ULONG_PTR badAddress = 16;
+
+void AccessViolation() {
+    *reinterpret_cast<volatile int*>(badAddress) = 1;
+}
+
+void IllegalInstruction() {
+    __builtin_trap();
+}
+
+int Recurse(const volatile char* callersFrame);
+int (*volatile recurse)(const volatile char*) = Recurse;
+
+int Recurse(const volatile char* callersFrame) {
+    volatile char frame[1024];
+    frame[0] = callersFrame[0];
+    return recurse(frame) + frame[0];
+}
+
+void StackOverflow() {
+    const volatile char first = 1;
+    recurse(&first);
+}
+
+void Throw() {
+    throw std::runtime_error("thrown on purpose");
+}
+
+void ThrowInt() {
+    throw 5;
+}
+
+void RaiseOwnCode() {
+    RaiseException(0xE0001234, 0, 0, nullptr);
+}
+
+void CrashOnTwoThreads() {
+    std::thread other(AccessViolation);
+    AccessViolation();
+    other.join();
+}
+
+const std::map<std::wstring, void (*)()> kCrashes = {
+    {L"access", AccessViolation}, {L"illegal", IllegalInstruction},
+    {L"overflow", StackOverflow}, {L"throw", Throw},
+    {L"throw-int", ThrowInt},     {L"abort", std::abort},
+    {L"own-code", RaiseOwnCode},  {L"two-threads", CrashOnTwoThreads},
+    {L"nothing", [] {}},
+};
+
+// As a program does it: the library is found at run time and let go at the end.
+HMODULE LoadAndRegister(bool enable) {
+    std::wstring path = suite::ProgramPath();
+    path.replace(path.find_last_of(L'\\') + 1, std::wstring::npos, L"QxCrashDump.dll");
+    const HMODULE library = LoadLibraryW(path.c_str());
+    const auto registerHandler = reinterpret_cast<RegisterAppCrashHandlerFunction>(
+        reinterpret_cast<void*>(GetProcAddress(library, "RegisterAppCrashHandler")));
+    if (registerHandler == nullptr) {
+        std::exit(1);
+    }
+    CrashRegistration record;
+    record.enableFlag = enable ? 1 : 0;
+    record.appName = L"QUILLON";
+    record.productName = L"QUILLON";
+    registerHandler(nullptr);
+    registerHandler(&record);
+    return library;
+}
+
+}  // namespace
+
+// Ends with 7 when the kind is no crash.
+int Crash(const Arguments& arguments) {
+    const auto crash = kCrashes.at(arguments.at(1));
+    const std::wstring& how = arguments.at(2);
+    if (how != L"plain") {
+        const HMODULE library = LoadAndRegister(how != L"disabled");
+        if (how == L"unloaded") {
+            FreeLibrary(library);
+        }
+    }
+    if (how != L"early") {
+        QxLogger::GetInstance()->InitProcessLogger();
+    }
+    LogLine(3, L"Crash", L"before");
+    if (how == L"thread") {
+        std::thread(crash).join();
+    } else {
+        crash();
+    }
+    return 7;
+}

@@ -1,0 +1,128 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "suite/common/Handle.h"
+#include "suite/common/LocalFolder.h"
+#include "suite/common/SharedAppendFile.h"
+#include "suite/common/Utf8.h"
+#include "suite/report/EventDataReport.h"
+#include "suite/report/TallyView.h"
+#include "tests/windows/suite/HelperCommands.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const fs::path& SpoolPath() {
+    static const fs::path path =
+        fs::path(suite::LocalDataFolder()) / L"Velmora" / L"Quillon" / L"Report" / L"events.jsonl";
+    return path;
+}
+
+bool Send(const std::string& id, const std::string& text) {
+    std::string message;
+    return EventDataReport::Instance().GetMsg(message, id, text) && EventDataReport::Instance().SendMsg(message);
+}
+
+template <typename Condition>
+bool Within20Seconds(Condition condition) {
+    const ULONGLONG deadline = GetTickCount64() + 20'000;
+    while (!condition()) {
+        if (GetTickCount64() > deadline) {
+            return false;
+        }
+        Sleep(2);
+    }
+    return true;
+}
+
+long CountLinesWith(const std::string& text) {
+    std::ifstream file(SpoolPath());
+    long count = 0;
+    for (std::string line; std::getline(file, line);) {
+        count += line.find(text) != std::string::npos;
+    }
+    return count;
+}
+
+}  // namespace
+
+int Report(const Arguments&) {
+    std::string untouched = "before";
+    if (EventDataReport::Instance().GetMsg(untouched, "", "text") || untouched != "before") {
+        return 1;
+    }
+    if (!Send("631770001", "open camera") || !Send("7", "a\"b\\c\nd")) {
+        return 1;
+    }
+    TallyEvent event(992612801);
+    event.PutInt("STATUS", 1);
+    event.PutInt("SMOOTH", -5);
+    event.PutInt("THIN", 0);
+    return TallyView::Report(event) ? 0 : 1;
+}
+
+int ReportMany(const Arguments& arguments) {
+    const int threads = std::stoi(arguments.at(1));
+    const int events = std::stoi(arguments.at(2));
+    const std::string name = "p" + std::to_string(GetCurrentProcessId()) + "-";
+    std::atomic<bool> good{true};
+    std::vector<std::thread> workers;
+    for (int thread = 0; thread < threads; ++thread) {
+        workers.emplace_back([&, thread] {
+            for (int event = 0; event < events; ++event) {
+                if (!Send("1", name + std::to_string(thread) + "-" + std::to_string(event))) {
+                    good = false;
+                }
+            }
+        });
+    }
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+    if (arguments.size() == 4 && !Within20Seconds([&] { return CountLinesWith(name) == threads * events; })) {
+        return 1;
+    }
+    return good ? 0 : 1;
+}
+
+int ReportUploader(const Arguments&) {
+    // Nobody else may have the file open: the writer has to let go of it while it has nothing to write.
+    const auto isFree = [] {
+        return static_cast<bool>(
+            suite::Handle(CreateFileW(SpoolPath().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)));
+    };
+    const auto arrived = [] { return CountLinesWith("\"event\"") == 1; };
+    if (!Send("1", "before") || !Within20Seconds(arrived) || !Within20Seconds(isFree)) {
+        return 1;
+    }
+    if (!DeleteFileW(SpoolPath().c_str())) {
+        return 1;
+    }
+    return Send("1", "after") && Within20Seconds(arrived) ? 0 : 1;
+}
+
+int ReportFull(const Arguments&) {
+    const suite::Handle mutex(
+        CreateMutexW(nullptr, TRUE, suite::SharedAppendFile::MutexName(SpoolPath().wstring()).c_str()));
+    int accepted = 0;
+    while (accepted < 10'000 && Send("1", "x")) {
+        ++accepted;
+    }
+    std::string message(9000, 'x');
+    const bool tooLongRefused = !EventDataReport::Instance().SendMsg(message);
+    return mutex && accepted >= 4096 && accepted < 10'000 && tooLongRefused ? 0 : 1;
+}
+
+int ReceiveUrl(const Arguments& arguments) {
+    const fs::path target = fs::path(suite::LocalDataFolder()) / L"url.txt";
+    const fs::path draft = fs::path(suite::LocalDataFolder()) / L"url.tmp";
+    std::ofstream(draft, std::ios::binary) << suite::ToUtf8(arguments.at(1));
+    fs::rename(draft, target);
+    return 0;
+}
