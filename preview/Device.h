@@ -42,6 +42,10 @@ class Device {
     // Flips the locked back buffer left to right; the pixel size follows from the pitch.
     void MirrorState(D3DLOCKED_RECT* locked);
 
+  protected:
+    // For a derived class that loses the device on purpose; null when there is none. Borrowed.
+    IDirect3DDevice9* Direct3DDevice() const { return device_; }
+
   private:
     HRESULT AdoptMediaType(IMFMediaType* type);
     HRESULT CreateSwapChain();
