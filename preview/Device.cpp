@@ -1,0 +1,287 @@
+#include "preview/Device.h"
+
+#include <mfapi.h>
+#include <mferror.h>
+
+#include "preview/FrameLock.h"
+#include "preview/LetterBox.h"
+#include "preview/MirrorPicture.h"
+#include "preview/SourceExtent.h"
+#include "suite/common/ComRelease.h"
+#include "suite/logger/QxLogger.h"
+
+namespace {
+
+constexpr UINT kBackBuffers = 2;
+
+struct CreationError {
+    HRESULT result;
+    const wchar_t* name;
+};
+
+constexpr CreationError kCreationErrors[] = {
+    {D3DERR_DEVICELOST, L"D3DERR_DEVICELOST"},
+    {D3DERR_INVALIDCALL, L"D3DERR_INVALIDCALL"},
+    {D3DERR_NOTAVAILABLE, L"D3DERR_NOTAVAILABLE"},
+    {D3DERR_OUTOFVIDEOMEMORY, L"D3DERR_OUTOFVIDEOMEMORY"},
+};
+
+void TellCreationError(HRESULT result) {
+    for (const CreationError& error : kCreationErrors) {
+        if (error.result == result) {
+            MessageBoxW(nullptr, error.name, L"d3d错误", MB_OK);
+        }
+    }
+}
+
+}  // namespace
+
+Device::~Device() {
+    Destroy();
+}
+
+HRESULT Device::Open(HWND window) {
+    if (device_ != nullptr) {
+        return S_OK;
+    }
+    if (direct3d_ == nullptr) {
+        direct3d_ = Direct3DCreate9(D3D_SDK_VERSION);
+        if (direct3d_ == nullptr) {
+            return E_FAIL;
+        }
+    }
+    D3DDISPLAYMODE mode = {};
+    HRESULT result = direct3d_->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &mode);
+    if (SUCCEEDED(result)) {
+        result = direct3d_->CheckDeviceType(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, mode.Format, D3DFMT_X8R8G8B8, TRUE);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    D3DPRESENT_PARAMETERS parameters = {};
+    parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
+    parameters.SwapEffect = D3DSWAPEFFECT_COPY;
+    parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
+    parameters.Windowed = TRUE;
+    parameters.hDeviceWindow = window;
+    result =
+        direct3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, window,
+                                D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_FPU_PRESERVE, &parameters, &device_);
+    if (FAILED(result)) {
+        TellCreationError(result);
+        return result;
+    }
+    window_ = window;
+    deviceParameters_ = parameters;
+    return result;
+}
+
+bool Device::IsFormatSupported(GUID subtype) const {
+    return preview::FindFormat(subtype) != nullptr;
+}
+
+HRESULT Device::GetFormat(UINT index, GUID* subtype) const {
+    const auto table = preview::FormatTable();
+    if (index >= table.size()) {
+        return MF_E_NO_MORE_TYPES;
+    }
+    *subtype = table[index].subtype;
+    return S_OK;
+}
+
+HRESULT Device::ConfigureVideo(IMFMediaType* type) {
+    HRESULT result = AdoptMediaType(type);
+    if (SUCCEEDED(result)) {
+        result = CreateSwapChain();
+    }
+    if (FAILED(result)) {
+        format_ = 0;
+        converter_ = nullptr;
+        return result;
+    }
+    UpdateTargetRect();
+    return result;
+}
+
+HRESULT Device::AdoptMediaType(IMFMediaType* type) {
+    GUID subtype = {};
+    HRESULT result = type->GetGUID(MF_MT_SUBTYPE, &subtype);
+    if (FAILED(result)) {
+        return result;
+    }
+    converter_ = preview::FindFormat(subtype);
+    if (converter_ == nullptr) {
+        return MF_E_INVALIDMEDIATYPE;
+    }
+    result = MFGetAttributeSize(type, MF_MT_FRAME_SIZE, &widthPx_, &heightPx_);
+    if (FAILED(result)) {
+        return result;
+    }
+    // A back buffer of size 0 would silently take the window's size.
+    if (widthPx_ == 0 || heightPx_ == 0 || widthPx_ > preview::kMostSide || heightPx_ > preview::kMostSide) {
+        return MF_E_INVALIDMEDIATYPE;
+    }
+    interlaceMode_ = MFGetAttributeUINT32(type, MF_MT_INTERLACE_MODE, MFVideoInterlace_Progressive);
+    UINT32 stride = 0;
+    if (SUCCEEDED(type->GetUINT32(MF_MT_DEFAULT_STRIDE, &stride))) {
+        defaultStride_ = static_cast<LONG>(stride);
+    } else {
+        result = MFGetStrideForBitmapInfoHeader(subtype.Data1, widthPx_, &defaultStride_);
+        if (SUCCEEDED(result)) {
+            result = type->SetUINT32(MF_MT_DEFAULT_STRIDE, static_cast<UINT32>(defaultStride_));
+        }
+        if (FAILED(result)) {
+            return result;
+        }
+    }
+    if (FAILED(MFGetAttributeRatio(type, MF_MT_PIXEL_ASPECT_RATIO, &pixelAspect_[0], &pixelAspect_[1]))) {
+        pixelAspect_[0] = 1;
+        pixelAspect_[1] = 1;
+    }
+    format_ = subtype.Data1;
+    return S_OK;
+}
+
+HRESULT Device::CreateSwapChain() {
+    ComRelease(swapChain_);
+    if (device_ == nullptr) {
+        return E_FAIL;
+    }
+    D3DPRESENT_PARAMETERS parameters = {};
+    parameters.BackBufferWidth = widthPx_;
+    parameters.BackBufferHeight = heightPx_;
+    parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
+    parameters.BackBufferCount = kBackBuffers;
+    parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+    parameters.hDeviceWindow = window_;
+    parameters.Windowed = TRUE;
+    parameters.Flags = D3DPRESENTFLAG_LOCKABLE_BACKBUFFER | D3DPRESENTFLAG_DEVICECLIP | D3DPRESENTFLAG_VIDEO;
+    parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
+    return device_->CreateAdditionalSwapChain(&parameters, &swapChain_);
+}
+
+void Device::UpdateTargetRect() {
+    RECT client = {};
+    GetClientRect(window_, &client);
+    const preview::PictureSize size = preview::CorrectAspect(
+        {static_cast<LONG>(widthPx_), static_cast<LONG>(heightPx_)}, pixelAspect_[0], pixelAspect_[1]);
+    const preview::PictureRect box = preview::LetterBox(size, {client.left, client.top, client.right, client.bottom});
+    SetRect(&destination_, box.left, box.top, box.right, box.bottom);
+}
+
+HRESULT Device::DrawSample(IMFMediaBuffer* buffer) {
+    if (converter_ == nullptr) {
+        return MF_E_INVALIDREQUEST;
+    }
+    if (device_ == nullptr || swapChain_ == nullptr) {
+        return S_OK;
+    }
+    const HRESULT result = CheckDevice();
+    if (FAILED(result)) {
+        return result;
+    }
+    const preview::FrameLock frame(buffer, defaultStride_, heightPx_);
+    if (FAILED(frame.Result())) {
+        return frame.Result();
+    }
+    if (!frame.Holds(converter_->format, widthPx_, heightPx_)) {
+        return S_FALSE;
+    }
+    return DrawFrame(frame.FirstRow(), frame.Stride());
+}
+
+HRESULT Device::DrawFrame(const BYTE* firstRow, LONG stride) {
+    IDirect3DSurface9* surface = nullptr;
+    HRESULT result = swapChain_->GetBackBuffer(0, D3DBACKBUFFER_TYPE_MONO, &surface);
+    if (SUCCEEDED(result)) {
+        D3DLOCKED_RECT locked = {};
+        result = surface->LockRect(&locked, nullptr, D3DLOCK_NOSYSLOCK);
+        if (SUCCEEDED(result)) {
+            Convert(&locked, firstRow, stride);
+            result = surface->UnlockRect();
+        }
+        if (SUCCEEDED(result)) {
+            result = Present(surface);
+        }
+    }
+    ComRelease(surface);
+    return result;
+}
+
+void Device::Convert(D3DLOCKED_RECT* locked, const BYTE* firstRow, LONG stride) {
+    auto* bits = static_cast<BYTE*>(locked->pBits);
+    const auto pitch = static_cast<UINT32>(locked->Pitch);
+    if (bits != nullptr && preview::BytesPerPixel(pitch, widthPx_) == 4) {
+        converter_->mirrored(bits, locked->Pitch, firstRow, stride, widthPx_, heightPx_);
+        return;
+    }
+    if (bits != nullptr) {
+        converter_->plain(bits, locked->Pitch, firstRow, stride, widthPx_, heightPx_);
+    }
+    MirrorState(locked);
+}
+
+void Device::MirrorState(D3DLOCKED_RECT* locked) {
+    if (locked->pBits == nullptr) {
+        LogLine(4, L"Device::MirrorState", L"Fail to get D3DLOCKED_RECT!");
+        return;
+    }
+    preview::MirrorPicture(static_cast<BYTE*>(locked->pBits), static_cast<UINT32>(locked->Pitch), widthPx_, heightPx_);
+}
+
+HRESULT Device::Present(IDirect3DSurface9* surface) {
+    IDirect3DSurface9* backBuffer = nullptr;
+    HRESULT result = device_->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &backBuffer);
+    if (SUCCEEDED(result)) {
+        result = device_->ColorFill(backBuffer, nullptr, D3DCOLOR_ARGB(0xFF, 0, 0, 0));
+    }
+    if (SUCCEEDED(result)) {
+        result = device_->StretchRect(surface, nullptr, backBuffer, &destination_, D3DTEXF_LINEAR);
+    }
+    if (SUCCEEDED(result)) {
+        result = device_->Present(nullptr, nullptr, nullptr, nullptr);
+        // Kept: a present that fails must not end the preview; a device that is lost is found before the next frame.
+        if (static_cast<LONG>(GetLastError()) >= 0) {
+            result = S_OK;
+        }
+    }
+    ComRelease(backBuffer);
+    return result;
+}
+
+HRESULT Device::CheckDevice() {
+    if (device_ == nullptr) {
+        return E_FAIL;
+    }
+    const HRESULT result = device_->TestCooperativeLevel();
+    return result == D3DERR_DEVICELOST || result == D3DERR_DEVICENOTRESET ? Reset() : result;
+}
+
+HRESULT Device::Reset() {
+    if (device_ != nullptr) {
+        D3DPRESENT_PARAMETERS parameters = deviceParameters_;
+        if (FAILED(device_->Reset(&parameters))) {
+            Destroy();
+        }
+    }
+    HRESULT result = S_OK;
+    if (device_ == nullptr) {
+        result = Open(window_);
+        if (FAILED(result)) {
+            return result;
+        }
+    }
+    if (swapChain_ == nullptr && format_ != 0) {
+        result = CreateSwapChain();
+        if (SUCCEEDED(result)) {
+            UpdateTargetRect();
+        }
+    }
+    return result;
+}
+
+void Device::Destroy() {
+    ComRelease(swapChain_);
+    ComRelease(device_);
+    ComRelease(direct3d_);
+}

@@ -1,0 +1,24 @@
+#pragma once
+// How much memory a frame of a format takes, so that a buffer that is too short for the agreed size (a broken transfer,
+// a camera that changed its format by itself) is noticed before it is read. Pure functions, any thread.
+#include <cstdint>
+
+#include "preview/PixelConverter.h"
+
+namespace preview {
+
+// REQUIRES of both functions: width and height are at most this.
+constexpr std::uint32_t kMostSide = 0x8000;
+
+// The bytes that a converter reads, relative to the first row's start: from `begin` (0 or less) up to `end`.
+struct SourceExtent {
+    std::int64_t begin;
+    std::int64_t end;
+};
+
+SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t width, std::uint32_t height);
+
+// The bytes of a frame whose rows follow each other without a gap.
+std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height);
+
+}  // namespace preview

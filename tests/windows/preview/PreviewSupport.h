@@ -1,0 +1,73 @@
+#pragma once
+// What the preview's tests share: the platform's media part started, a window to draw into, what that window shows on
+// the screen, and the lines that were logged.
+//
+// A level 4 line that a test did not take is a failure of that test. One thread, the test's, which also owns the
+// windows; Wait serves their messages.
+#include <windows.h>
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace preview_test {
+
+constexpr std::chrono::seconds kPatience(20);
+
+// Serves messages until the condition holds. False: it did not within the time.
+bool Wait(const std::function<bool()>& condition, std::chrono::milliseconds patience = kPatience);
+
+// A top-level popup without a border, so that its client area has exactly that size.
+class TestWindow {
+  public:
+    TestWindow(int width, int height, bool visible = true);
+    ~TestWindow();
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+
+    HWND Get() const { return window_; }
+    void Resize(int width, int height);
+    // Numbers of the messages WM_APP + 1 that arrived, with their first parameter.
+    const std::vector<WPARAM>& Events() const { return events_; }
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    HWND window_;
+    std::vector<WPARAM> events_;
+};
+
+// What the screen shows where the window's client area is: 0x00RRGGBB, top row first.
+struct Shot {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+
+    std::uint32_t At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y) * width + x); }
+};
+Shot ShotOf(HWND window);
+// Takes shots until one satisfies the condition; the last one in any case.
+Shot WaitForShot(HWND window, const std::function<bool(const Shot&)>& condition);
+
+// Whether no channel differs by more.
+bool IsNear(std::uint32_t a, std::uint32_t b, int tolerance);
+
+class PreviewTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
+    void SetUp() override;
+    void TearDown() override;
+
+    // The level 4 lines since the last call, as "text(Class::Function)".
+    std::vector<std::string> TakeFailures();
+
+  private:
+    std::uint64_t logRead_ = 0;  // bytes of the log that were taken
+};
+
+}  // namespace preview_test
