@@ -43,7 +43,8 @@ void HomePage::ClickSwitch(DuiLib::CControlUI* sender, std::int32_t stored) {
     RedrawSwitch(sender, state);
     // The panel that opens is below the window's edge on most screens: bring it into sight.
     DuiLib::CControlUI* panel = name == kBeautyPerson ? Find(L"beauty_layout") : nullptr;
-    if (state == 1 && panel && panel->GetParent()) panel->GetParent()->EnsureVisible(*panel);
+    if (state == 1 && panel && panel->GetParent())
+        panel->GetParent()->EnsureVisible(*panel);
 }
 
 void HomePage::SwitchExclusion(std::int32_t state, const std::wstring& name) {

@@ -225,7 +225,8 @@ void PxMainWnd::RegisterVideoThumbnail() {
     std::thread([this] {
         try {
             const HomeService* model = HomeService::GetInstance();
-            if (model) thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+            if (model)
+                thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
         } catch (const std::exception& error) {
             LogLine(4, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
         }

@@ -84,9 +84,11 @@ TEST_F(MessageWindowTest, OpensItsLinkWithTheMouseAndDoesNotMove) {
     for (LONG y = content->screenPx.top + 4; y < content->screenPx.bottom; y += 8) {
         for (LONG x = content->screenPx.left + 8; x < content->screenPx.right; x += 40) {
             program_->ClickAt({x, y});
-            if (WaitUntil([] { return !Machine::OpenedLinks().empty(); }, std::chrono::milliseconds(150))) break;
+            if (WaitUntil([] { return !Machine::OpenedLinks().empty(); }, std::chrono::milliseconds(150)))
+                break;
         }
-        if (!Machine::OpenedLinks().empty()) break;
+        if (!Machine::OpenedLinks().empty())
+            break;
     }
     EXPECT_THAT(Machine::OpenedLinks(), ElementsAre("https://support.example.com/pixora/algorithm"));
     RECT after = {};

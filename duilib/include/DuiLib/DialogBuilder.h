@@ -24,8 +24,8 @@ namespace DuiLib {
 class DUILIB_API CDialogBuilder {
   public:
     // `layoutFile`: path below the resource folder. `type`: root element that is expected, null for any. `callback`
-    // makes the program's own control classes, may be null. `manager` gets window attributes, fonts and styles. Null when
-    // the file cannot be read or its root is no control.
+    // makes the program's own control classes, may be null. `manager` gets window attributes, fonts and styles. Null
+    // when the file cannot be read or its root is no control.
     std::unique_ptr<CControlUI> Create(const std::wstring& layoutFile, const wchar_t* type,
                                        IDialogBuilderCallback* callback, CPaintManagerUI* manager);
     // As Create, from text instead of a file; `sourceName` stands in log lines.

@@ -37,8 +37,10 @@ struct Rect {
     }
     // The smallest rectangle around both; an empty one adds nothing.
     Rect Union(const Rect& o) const {
-        if (IsEmpty()) return o;
-        if (o.IsEmpty()) return *this;
+        if (IsEmpty())
+            return o;
+        if (o.IsEmpty())
+            return *this;
         return {std::min(left, o.left), std::min(top, o.top), std::max(right, o.right), std::max(bottom, o.bottom)};
     }
     // Made smaller by a margin on each side; never turned inside out.
@@ -58,7 +60,11 @@ constexpr int ScaleBy(int value, int numerator, int denominator) {
     const long long half = denominator / 2;
     return static_cast<int>((product >= 0 ? product + half : product - half) / denominator);
 }
-constexpr int DipToPx(int dip, int dpi) { return ScaleBy(dip, dpi, 96); }
-constexpr int PxToDip(int px, int dpi) { return ScaleBy(px, 96, dpi); }
+constexpr int DipToPx(int dip, int dpi) {
+    return ScaleBy(dip, dpi, 96);
+}
+constexpr int PxToDip(int px, int dpi) {
+    return ScaleBy(px, 96, dpi);
+}
 
 }  // namespace DuiLib

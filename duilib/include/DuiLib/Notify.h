@@ -14,18 +14,18 @@ class CControlUI;
 
 // The notification types. wParam and lParam are 0 unless said.
 namespace NotifyType {
-inline constexpr wchar_t kClick[] = L"click";                      // a button was pressed and released, or by keyboard
-inline constexpr wchar_t kButtonDown[] = L"buttondown";            // a button went down
-inline constexpr wchar_t kMouseEnter[] = L"mouseenter";            // the pointer came onto a control
+inline constexpr wchar_t kClick[] = L"click";            // a button was pressed and released, or by keyboard
+inline constexpr wchar_t kButtonDown[] = L"buttondown";  // a button went down
+inline constexpr wchar_t kMouseEnter[] = L"mouseenter";  // the pointer came onto a control
 inline constexpr wchar_t kMouseLeave[] = L"mouseleave";
-inline constexpr wchar_t kSelectChanged[] = L"selectchanged";      // an option became selected or not (wParam)
-inline constexpr wchar_t kValueChanged[] = L"valuechanged";        // a slider was released or stepped; wParam: value
+inline constexpr wchar_t kSelectChanged[] = L"selectchanged";        // an option became selected or not (wParam)
+inline constexpr wchar_t kValueChanged[] = L"valuechanged";          // a slider was released or stepped; wParam: value
 inline constexpr wchar_t kMoveValueChanged[] = L"movevaluechanged";  // a slider is being dragged; wParam: value
-inline constexpr wchar_t kLink[] = L"link";                        // a link of a text was followed; wParam: its index
-inline constexpr wchar_t kTabSelect[] = L"tabselect";              // a tab layout shows another item; wParam: index
+inline constexpr wchar_t kLink[] = L"link";                          // a link of a text was followed; wParam: its index
+inline constexpr wchar_t kTabSelect[] = L"tabselect";                // a tab layout shows another item; wParam: index
 inline constexpr wchar_t kSetFocus[] = L"setfocus";
 inline constexpr wchar_t kKillFocus[] = L"killfocus";
-inline constexpr wchar_t kScroll[] = L"scroll";                    // a container's content was scrolled
+inline constexpr wchar_t kScroll[] = L"scroll";  // a container's content was scrolled
 }  // namespace NotifyType
 
 struct TNotifyUI {
