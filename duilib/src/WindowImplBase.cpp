@@ -218,8 +218,8 @@ void WindowImplBase::ApplyShape() {
 }
 
 bool WindowImplBase::IsResizable() {
-    const WindowSpec& spec = paintManager_.GetWindowSpec();
-    return spec.minSizeDip != Size{} || spec.maxSizeDip != Size{};
+    // With neither limit, or with both the same, the window has one size.
+    return paintManager_.GetWindowSpec().minSizeDip != paintManager_.GetWindowSpec().maxSizeDip;
 }
 
 }  // namespace DuiLib
