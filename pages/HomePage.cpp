@@ -9,6 +9,7 @@
 #include "DuiLib/SliderUI.h"
 #include "DuiLib/UIMainQueue.h"
 #include "pages/PageNames.h"
+#include "service/CustomItemNames.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
 #include "suite/logger/QxLogger.h"
@@ -181,7 +182,7 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
         OpenIntroduction(name);
     } else if (name.find(L"custom_background_btn_") != std::wstring::npos && name.find(L"_del") != std::wstring::npos) {
         if (Owner())
-            Owner()->AskForDeletion(name);
+            Owner()->AskForDeletion(CustomItemName(name));
     }
 }
 

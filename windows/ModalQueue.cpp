@@ -1,9 +1,11 @@
 #include "windows/ModalQueue.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "DuiLib/UIMainQueue.h"
+#include "suite/logger/QxLogger.h"
 
 // UI thread; `alive` ends with the queue.
 struct ModalQueue::State {
@@ -27,7 +29,11 @@ struct ModalQueue::State {
         showing = true;
         while (alive && !requests.empty()) {
             const std::function<void()> show = requests.front().show;
-            show();
+            try {
+                show();
+            } catch (const std::exception& error) {
+                LogLine(4, L"ModalQueue::Show", L"A modal window ended with an exception: ", error.what());
+            }
             if (!requests.empty())
                 requests.pop_front();
         }

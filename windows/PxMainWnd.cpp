@@ -62,6 +62,11 @@ const wchar_t* PxMainWnd::GetWindowClassName() const {
 }
 
 void PxMainWnd::Run(HINSTANCE instance) {
+    Open(instance);
+    DuiLib::CPaintManagerUI::MessageLoop();
+}
+
+void PxMainWnd::Open(HINSTANCE instance) {
     WindowStart::MakeDpiAware(L"PxMainWnd");
     WindowStart::SetValuePath(L"PxMainWnd");
     const std::wstring title = WindowStart::SetResourcesAndLanguage(instance);
@@ -72,7 +77,6 @@ void PxMainWnd::Run(HINSTANCE instance) {
     const HWND window = FindWindowW(GetWindowClassName(), nullptr);
     WTSRegisterSessionNotification(window, NOTIFY_FOR_THIS_SESSION);
     ShowWindow(true, true);
-    DuiLib::CPaintManagerUI::MessageLoop();
 }
 
 void PxMainWnd::ActivateExisting() {
@@ -89,6 +93,12 @@ void PxMainWnd::InitWindow() {
 }
 
 void PxMainWnd::AddPage(const std::wstring& name, std::unique_ptr<PageBase> page) {
+    if (const PageBase* former = FindPage(name)) {
+        // Its controls go with it: nobody would answer them any more.
+        RemoveVirtualWnd(name);
+        if (auto* tabs = PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container"))
+            tabs->Remove(former->GetRoot());
+    }
     pages_[name] = std::move(page);
     if (switcher_)
         switcher_->Register(name, [this](const std::wstring& shown) { ShowTab(shown); });
@@ -177,9 +187,13 @@ LRESULT PxMainWnd::OnLButtonUp(WPARAM, LPARAM lParam, bool& handled) {
 }
 
 void PxMainWnd::PublishMove() {
-    using GlobalUtils::PreviewPlaceKind;
     using GlobalUtils::WndMoveKind;
     KindNotifier<WndMoveKind>::GetInstance().Publish(GlobalUtils::kWndMoveChannel, WndMoveKind::kMoved);
+    PublishPlace();
+}
+
+void PxMainWnd::PublishPlace() {
+    using GlobalUtils::PreviewPlaceKind;
     KindNotifier<PreviewPlaceKind>::GetInstance().Publish(GlobalUtils::kPreviewPlaceChannel,
                                                           PreviewPlaceKind::kPlaceAgain);
 }
@@ -189,7 +203,10 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     using GlobalUtils::ScreenLockKind;
     switch (message) {
         case WM_DPICHANGED:
+            // The window is moved and sized within: one publication stands for all of it.
+            changingDpi_ = true;
             PaintManager().OnDpiChanged(wParam, lParam);
+            changingDpi_ = false;
             PublishMove();
             return 0;
         case WM_WTSSESSION_CHANGE:
@@ -201,7 +218,12 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
         case WM_SIZING:
         case kMoveSpare:
-            PublishMove();
+            if (!changingDpi_)
+                PublishMove();
+            break;
+        case WM_MOVE:
+            if (!changingDpi_)
+                PublishPlace();
             break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
@@ -256,8 +278,16 @@ void PxMainWnd::CloseWindow() {
     DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
 }
 
+void PxMainWnd::QueueModal(std::int32_t key, std::function<void()> show) {
+    modals_.Show(key, [this, show = std::move(show)] {
+        // What comes when the window has closed already would stand alone on the screen.
+        if (GetHWND())
+            show();
+    });
+}
+
 void PxMainWnd::ShowMessage(MessageBoxKind kind) {
-    modals_.Show(static_cast<std::int32_t>(kind), [this, kind] {
+    QueueModal(static_cast<std::int32_t>(kind), [this, kind] {
         const wchar_t* key = MessageTextKey(kind);
         if (!key)
             return;
@@ -268,7 +298,7 @@ void PxMainWnd::ShowMessage(MessageBoxKind kind) {
 }
 
 void PxMainWnd::AskForDeletion(const std::wstring& itemName) {
-    modals_.Show(kDeletionKey, [this, itemName] {
+    QueueModal(kDeletionKey, [this, itemName] {
         DelDoubleCheckPage box(&PaintManager());
         box.SetItemName(itemName);
         box.ShowModal();
@@ -276,7 +306,7 @@ void PxMainWnd::AskForDeletion(const std::wstring& itemName) {
 }
 
 void PxMainWnd::ShowLimitNotice() {
-    modals_.Show(kLimitKey, [this] {
+    QueueModal(kLimitKey, [this] {
         DelDoubleCheckPage box(&PaintManager());
         box.SetMaxLimitText(DuiLib::UICulture::GetInstance()->GetString(L"IDS_LUMI_OVER_MAX_LIMIT"));
         box.ShowModal();

@@ -7,6 +7,8 @@
 // operations of PageHost that may be called from any thread.
 #include <windows.h>
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -23,8 +25,10 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     PxMainWnd();
     ~PxMainWnd() override;
 
-    // Prepares the process, shows the window, and runs the message loop until it ends.
+    // Opens the window and runs the message loop until it ends.
     void Run(HINSTANCE instance);
+    // Prepares the process (DPI, paths, language), makes the window and shows it.
+    void Open(HINSTANCE instance);
     // Brings the window of the instance that runs already to the front.
     void ActivateExisting();
 
@@ -58,13 +62,17 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
 
   private:
     void ShowTab(const std::wstring& name);
+    void QueueModal(std::int32_t key, std::function<void()> show);
     void RegisterVideoThumbnail();
     void TrackHover(LPARAM lParam);
     void PublishMove();
+    // The preview's window, which stands over this one, has to follow.
+    void PublishPlace();
 
     std::map<std::wstring, std::unique_ptr<PageBase>> pages_;
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows
     std::unique_ptr<PageSwitcher> switcher_;
+    bool changingDpi_ = false;
     VideoThumbnail thumbnail_;
     ModalQueue modals_;
 };

@@ -234,8 +234,8 @@ bool WindowImplBase::IsRefused(WPARAM command, LPARAM key) {
 }
 
 bool WindowImplBase::IsResizable() {
-    const WindowSpec& spec = paintManager_.GetWindowSpec();
-    return spec.minSizeDip != Size{} || spec.maxSizeDip != Size{};
+    // With neither limit, or with both the same, the window has one size.
+    return paintManager_.GetWindowSpec().minSizeDip != paintManager_.GetWindowSpec().maxSizeDip;
 }
 
 }  // namespace DuiLib

@@ -1,0 +1,159 @@
+#include "windows/PxDialogWnd.h"
+
+#include "DuiLib/TextUI.h"
+#include "tests/windows/support/OpenedLinks.h"
+#include "tests/windows/support/Screen.h"
+#include "tests/windows/support/Script.h"
+#include "tests/windows/windows/WindowTests.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kClosed[] = "[L4] OnMessageReceive close win(PxDialogWnd::OnMessageReceive)";
+
+class PxDialogWndTest : public ProgramTest {
+  protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        dialog_.emplace();
+        dialog_->Run(GetModuleHandleW(nullptr));
+        // The dialog's own greeting; the model's came long ago.
+        ASSERT_TRUE(Service().WaitFor(ServerEvent::Kind::kHello, Input::kDeadline));
+    }
+    void TearDown() override {
+        dialog_.reset();
+        Input::TakeQuit();
+        ProgramTest::TearDown();
+    }
+
+    DuiLib::CControlUI& Control(const wchar_t* name) { return *dialog_->PaintManager().FindControl(name); }
+    bool IsOpen() const { return IsWindow(dialog_->GetHWND()) != FALSE; }
+    // Shows the dialog with that text, and does that when it is there; returns when it has closed.
+    void ShowAnd(const std::wstring& text, const Script::Action& act) {
+        Script script;
+        script.When(
+            "the dialog is shown", [this] { return IsWindowVisible(dialog_->GetHWND()) != FALSE; },
+            [this, act] {
+                ASSERT_TRUE(Input::Activate(dialog_->GetHWND()));
+                dialog_->PaintManager().UpdateLayout();
+                act();
+            });
+        script.Run([&] { dialog_->SetMessageText(text); });
+        EXPECT_FALSE(IsOpen());
+    }
+    static void SendToAll(std::int32_t code, std::int32_t subCode) {
+        TagIPCMessageItem item;
+        item.slot[1] = subCode;
+        item.slot[2] = code;
+        EXPECT_EQ(Service().Send(item), 2);  // the model and the dialog
+    }
+
+    std::optional<PxDialogWnd> dialog_;
+};
+
+TEST_F(PxDialogWndTest, IsReadyButHiddenUntilItHasItsText) {
+    const HWND window = dialog_->GetHWND();
+    wchar_t text[64] = {};
+    GetClassNameW(window, text, 64);
+    EXPECT_STREQ(text, L"Camera");
+    GetWindowTextW(window, text, 64);
+    EXPECT_STREQ(text, L"Pixora");
+    EXPECT_EQ(GetWindowLongPtrW(window, GWL_STYLE) & 0x808A0000, 0x808A0000);
+    EXPECT_TRUE(GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOOLWINDOW);
+    EXPECT_NE(SendMessageW(window, WM_GETICON, ICON_BIG, 0), 0);
+    EXPECT_FALSE(IsWindowVisible(window));
+}
+
+TEST_F(PxDialogWndTest, ShowsItsTextUntilItsButtonIsPressed) {
+    ShowAnd(L"The driver is missing.", [this] {
+        EXPECT_EQ(Control(L"msgbox_content").GetText(), L"The driver is missing.");
+        EXPECT_FALSE(dynamic_cast<DuiLib::CTextUI&>(Control(L"msgbox_content")).IsShowHtml());
+        PaintedBy(dialog_->PaintManager(), L"dialog");
+        Input::Click(Control(L"closebtn"));
+    });
+}
+
+TEST_F(PxDialogWndTest, EscapeAndTheSystemCloseIt) {
+    ShowAnd(L"text", [] { Input::Key(VK_ESCAPE); });
+    dialog_.emplace();
+    dialog_->Run(GetModuleHandleW(nullptr));
+    ShowAnd(L"text", [this] { PostMessageW(dialog_->GetHWND(), WM_SYSCOMMAND, SC_CLOSE, 0); });
+}
+
+TEST_F(PxDialogWndTest, OtherClicksDoNothing) {
+    ShowAnd(L"text", [this] {
+        dialog_->PaintManager().SendNotify(&Control(L"title_text"), L"click");
+        dialog_->PaintManager().SendNotify(nullptr, L"click");
+        dialog_->PaintManager().SendNotify(&Control(L"closebtn"), L"mouseenter");
+        EXPECT_TRUE(IsOpen());
+        dialog_->PaintManager().SendNotify(&Control(L"closebtn"), L"click");
+    });
+}
+
+TEST_F(PxDialogWndTest, TheServicesCloseMessageClosesItAndNoOther) {
+    Expect(kClosed);
+    ShowAnd(L"text", [] {
+        SendToAll(0x22711, 0x40001);
+        SendToAll(0x22711, -1);
+        SendToAll(0x4B273B, 0x40000);
+        SendToAll(0x22711, 0x40000);
+    });
+    // Messages are handled in order, so the last one was the only one that counted.
+    EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), ElementsAre(kClosed));
+}
+
+TEST_F(PxDialogWndTest, AnotherSubCodeLeavesItOpen) {
+    ShowAnd(L"text", [this] {
+        SendToAll(0x22711, 0x40001);
+        // The model hears the same pipe's next message on its own connection; the dialog's own order is what the test
+        // above holds it to. Here the dialog must simply go on working.
+        EXPECT_TRUE(IsOpen());
+        Input::Click(Control(L"closebtn"));
+    });
+    EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), IsEmpty());
+}
+
+TEST_F(PxDialogWndTest, MarkupHasLinksAndDoesNotDragTheWindow) {
+    const OpenedLinks links;
+    EXPECT_TRUE(Control(L"msgbox_content").IsNcHit());
+    dialog_->UseHtmlMessage();
+    EXPECT_FALSE(Control(L"msgbox_content").IsNcHit());
+    ShowAnd(L"<b>Effects</b><br><a href=\"https://support.example.com/two\">See how</a>", [&] {
+        auto& text = dynamic_cast<DuiLib::CTextUI&>(Control(L"msgbox_content"));
+        EXPECT_EQ(text.GetLinkCount(), 1);
+        dialog_->PaintManager().SendNotify(&text, L"link");
+        EXPECT_TRUE(links.WaitFor(1));
+        EXPECT_TRUE(IsOpen());
+        Input::Click(Control(L"closebtn"));
+    });
+    EXPECT_THAT(links.All(), ElementsAre("https://support.example.com/two"));
+}
+
+TEST_F(PxDialogWndTest, IsDraggedByItsTitleAndItsPlainText) {
+    const auto hit = [this](const wchar_t* name) {
+        dialog_->PaintManager().UpdateLayout();
+        const DuiLib::Rect& place = Control(name).GetPos();
+        POINT point{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+        ClientToScreen(dialog_->GetHWND(), &point);
+        return SendMessageW(dialog_->GetHWND(), WM_NCHITTEST, 0, MAKELPARAM(point.x, point.y));
+    };
+    EXPECT_EQ(hit(L"title_text"), HTCAPTION);
+    EXPECT_EQ(hit(L"msgbox_content"), HTCAPTION);
+    EXPECT_EQ(hit(L"closebtn"), HTCLIENT);
+    dialog_->UseHtmlMessage();
+    EXPECT_EQ(hit(L"msgbox_content"), HTCLIENT);
+}
+
+TEST_F(PxDialogWndTest, ASecondStartFindsIt) {
+    ShowAnd(L"text", [this] {
+        ShowWindow(dialog_->GetHWND(), SW_MINIMIZE);
+        dialog_->ActivateExisting();
+        EXPECT_TRUE(Input::PumpUntil([this] { return GetForegroundWindow() == dialog_->GetHWND(); }));
+        EXPECT_FALSE(IsIconic(dialog_->GetHWND()));
+        Input::Key(VK_ESCAPE);
+    });
+}
+
+}  // namespace

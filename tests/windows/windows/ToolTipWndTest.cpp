@@ -1,0 +1,295 @@
+#include "windows/ToolTipWnd.h"
+
+#include "DuiLib/LabelUI.h"
+#include "DuiLib/RenderEngine.h"
+#include "tests/windows/windows/WindowTests.h"
+#include "windows/DelButtonToolTip.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+// A hint of the test's own: the program's two live as long as the process and know one window.
+class OwnHint : public ToolTipWnd {
+  public:
+    explicit OwnHint(const wchar_t* layout = L"layout\\PixoraToolTip.xml") : ToolTipWnd(L"OWN_HINT"), layout_(layout) {}
+    using ToolTipWnd::Prepare;
+
+  protected:
+    std::wstring GetSkinFile() const override { return layout_; }
+
+  private:
+    const wchar_t* const layout_;
+};
+
+class ToolTipWndTest : public ProgramTest {
+  protected:
+    ToolTipWndTest() { hint_.Prepare(&owner_.PaintManager()); }
+
+    // In the order in which pages do it.
+    void Show(DuiLib::CControlUI& anchor, int dx, int dy, const std::wstring& text) {
+        hint_.SetAnchor(&anchor);
+        hint_.SetPosition(dx, dy);
+        hint_.SetToolTipText(text);
+        hint_.Show(true);
+    }
+    bool IsShown() const { return IsWindowVisible(hint_.GetHWND()) != FALSE; }
+    RECT Place() const {
+        RECT place = {};
+        GetWindowRect(hint_.GetHWND(), &place);
+        return place;
+    }
+    int Width() const { return Place().right - Place().left; }
+    int Height() const { return Place().bottom - Place().top; }
+
+    OwnerWindow owner_;
+    OwnHint hint_;
+};
+
+TEST_F(ToolTipWndTest, IsAPopupOfItsOwner) {
+    const HWND window = hint_.GetHWND();
+    wchar_t text[64] = {};
+    GetClassNameW(window, text, 64);
+    EXPECT_STREQ(text, L"Pixora ToolTip");
+    GetWindowTextW(window, text, 64);
+    EXPECT_STREQ(text, L"OWN_HINT");
+    EXPECT_EQ(GetWindow(window, GW_OWNER), owner_.GetHWND());
+    EXPECT_TRUE(GetWindowLongPtrW(window, GWL_STYLE) & WS_POPUP);
+    EXPECT_FALSE(GetWindowLongPtrW(window, GWL_STYLE) & (WS_CAPTION | WS_CHILD));
+    EXPECT_TRUE(GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST);
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, IsAsWideAsItsTextAndItsMargins) {
+    hint_.SetToolTipText(L"Meeting room");
+    DuiLib::CPaintManagerUI& manager = hint_.PaintManager();
+    DuiLib::Rect rect;
+    const int font = dynamic_cast<DuiLib::CLabelUI*>(manager.FindControl(L"tooltip_text"))->GetFont();
+    EXPECT_EQ(font, 12);
+    DuiLib::CRenderEngine::DrawText(manager.GetPaintDC(), &manager, rect, L"Meeting room", 0, font, DT_CALCRECT);
+    ASSERT_GT(rect.Width(), 20);
+    EXPECT_EQ(hint_.GetToolTipWidth(), rect.Width() + 60);
+
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Meeting room");
+    EXPECT_EQ(Width(), rect.Width() + 60);
+    EXPECT_EQ(Height(), 104);
+}
+
+TEST_F(ToolTipWndTest, LongerTextsAreWider) {
+    hint_.SetToolTipText(L"City");
+    const int city = hint_.GetToolTipWidth();
+    hint_.SetToolTipText(L"City, and the sea behind it");
+    EXPECT_GT(hint_.GetToolTipWidth(), city);
+}
+
+TEST_F(ToolTipWndTest, WithoutATextItIsSixtyWideAndAsHighAsEver) {
+    Show(owner_.Control(L"minbtn"), 0, 0, L"");
+    EXPECT_EQ(hint_.GetToolTipWidth(), 60);
+    EXPECT_EQ(Width(), 60);
+    EXPECT_EQ(Height(), 104);
+}
+
+TEST_F(ToolTipWndTest, StandsBesideItsAnchor) {
+    RECT window = {};
+    GetWindowRect(owner_.GetHWND(), &window);
+    const DuiLib::Rect& anchor = owner_.Control(L"closebtn").GetPos();
+    Show(owner_.Control(L"closebtn"), -18, 12, L"Delete");
+    EXPECT_EQ(Place().left, window.left + anchor.left - 18);
+    EXPECT_EQ(Place().top, window.top + anchor.top + 12);
+}
+
+TEST_F(ToolTipWndTest, WithoutAnAnchorItStaysWhereItWas) {
+    Show(owner_.Control(L"closebtn"), 5, 7, L"Close");
+    const RECT before = Place();
+    hint_.Show(false);
+    hint_.SetPosition(300, 300);
+    hint_.Show(true);
+    EXPECT_EQ(Place().left, before.left);
+    EXPECT_EQ(Place().top, before.top);
+}
+
+TEST_F(ToolTipWndTest, ShownTwiceItDoesNotMove) {
+    Show(owner_.Control(L"closebtn"), 5, 7, L"Close");
+    const RECT before = Place();
+    hint_.SetAnchor(&owner_.Control(L"minbtn"));
+    hint_.SetPosition(50, 50);
+    hint_.SetToolTipText(L"Something that is much longer");
+    hint_.Show(true);
+    const RECT after = Place();
+    EXPECT_TRUE(EqualRect(&before, &after));
+}
+
+TEST_F(ToolTipWndTest, LeavesTheKeyboardToItsOwner) {
+    ASSERT_EQ(GetFocus(), owner_.GetHWND());
+    Show(owner_.Control(L"closebtn"), 5, 7, L"Close");
+    EXPECT_EQ(GetFocus(), owner_.GetHWND());
+    EXPECT_EQ(GetForegroundWindow(), owner_.GetHWND());
+    SetFocus(nullptr);
+    hint_.Show(false);
+    EXPECT_EQ(GetFocus(), nullptr);
+    Show(owner_.Control(L"closebtn"), 5, 7, L"Close");
+    EXPECT_EQ(GetFocus(), owner_.GetHWND());
+}
+
+// --- scales
+
+TEST_F(ToolTipWndTest, WithTheSameScaleThePopupStays) {
+    const HWND before = hint_.GetHWND();
+    hint_.Prepare(&owner_.PaintManager());
+    hint_.Prepare(nullptr);
+    EXPECT_EQ(hint_.GetHWND(), before);
+}
+
+TEST_F(ToolTipWndTest, OfAnotherScaleItIsMadeAgain) {
+    hint_.SetToolTipText(L"Meeting room");
+    const int width = hint_.GetToolTipWidth();
+    const HWND before = hint_.GetHWND();
+    owner_.PaintManager().SetDPI(192);
+    EXPECT_EQ(hint_.GetHWND(), before);  // with the next request only
+    hint_.Prepare(&owner_.PaintManager());
+    EXPECT_NE(hint_.GetHWND(), before);
+    EXPECT_FALSE(IsWindow(before));
+    EXPECT_EQ(hint_.PaintManager().GetDPI(), 192);
+
+    owner_.PaintManager().UpdateLayout();
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Meeting room");
+    EXPECT_NEAR(hint_.GetToolTipWidth(), width, 3);  // units: the same text, but for the rounding of its letters
+    EXPECT_EQ(Width(), hint_.GetToolTipWidth() * 2);
+    EXPECT_EQ(Height(), 208);
+    const HWND now = hint_.GetHWND();
+    hint_.Prepare(&owner_.PaintManager());
+    EXPECT_EQ(hint_.GetHWND(), now);
+}
+
+TEST_F(ToolTipWndTest, MadeAgainWhileShownItIsHidden) {
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Minimize");
+    owner_.PaintManager().SetDPI(144);
+    hint_.Prepare(&owner_.PaintManager());
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, GoneWithItsOwnersWindowItIsMadeAgain) {
+    DestroyWindow(hint_.GetHWND());
+    EXPECT_EQ(hint_.GetHWND(), nullptr);
+    hint_.Prepare(&owner_.PaintManager());
+    EXPECT_TRUE(IsWindow(hint_.GetHWND()));
+}
+
+TEST_F(ToolTipWndTest, TheFirstOwnerStays) {
+    OwnerWindow second;
+    second.PaintManager().SetDPI(192);
+    hint_.Prepare(&second.PaintManager());
+    // The popup belongs to the second window, the sizes still go by the first one's scale.
+    EXPECT_EQ(GetWindow(hint_.GetHWND(), GW_OWNER), second.GetHWND());
+    hint_.SetAnchor(&second.Control(L"minbtn"));
+    hint_.SetToolTipText(L"");
+    hint_.Show(true);
+    EXPECT_EQ(Height(), 104);
+}
+
+// --- the mouse
+
+TEST_F(ToolTipWndTest, HidesUnderThePointer) {
+    Show(owner_.Control(L"closebtn"), 5, 60, L"Close");
+    EXPECT_EQ(SendMessageW(hint_.GetHWND(), WM_MOUSEMOVE, 0, MAKELPARAM(3, 3)), 0);
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, ThePointerItselfHidesIt) {
+    Show(owner_.Control(L"closebtn"), 5, 60, L"Close");
+    const RECT place = Place();
+    Input::MoveTo(POINT{place.left + 10, place.top + 10});
+    EXPECT_TRUE(Input::PumpUntil([this] { return !IsShown(); }));
+}
+
+TEST_F(ToolTipWndTest, LeftOntoItsAnchorItStays) {
+    Show(owner_.Control(L"closebtn"), 5, 60, L"Close");
+    Input::MoveTo(owner_.Control(L"closebtn"));
+    SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+    EXPECT_TRUE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, LeftOntoAnythingElseItHides) {
+    for (const wchar_t* elsewhere : {L"minbtn", L"title_bar", L"wnd_container"}) {
+        Show(owner_.Control(L"closebtn"), 5, 160, L"Close");
+        Input::MoveTo(owner_.Control(elsewhere));
+        SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+        EXPECT_FALSE(IsShown());
+    }
+    Show(owner_.Control(L"closebtn"), 5, 160, L"Close");
+    Input::Park();
+    SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, WithoutAnAnchorItHidesWhereverItIsLeft) {
+    hint_.SetToolTipText(L"");
+    hint_.Show(true);
+    Input::Park();
+    SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, HiddenItForgetsItsAnchor) {
+    Show(owner_.Control(L"closebtn"), 5, 60, L"Close");
+    hint_.Show(false);
+    hint_.Show(true);
+    Input::MoveTo(owner_.Control(L"closebtn"));
+    SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+    EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, TheLeaveGoesOnToTheBase) {
+    PassedOnMessages passedOn(hint_.PaintManager());
+    SendMessageW(hint_.GetHWND(), WM_MOUSELEAVE, 0, 0);
+    EXPECT_EQ(passedOn.Count(WM_MOUSELEAVE), 1);
+}
+
+// --- what is missing
+
+TEST_F(ToolTipWndTest, WithoutAWindowTextAndWidthFail) {
+    OwnHint hint;
+    hint.Prepare(nullptr);
+    Expect("[L4] paintMgr nullptr(ToolTipWnd::SetToolTipText)");
+    Expect("[L4] paintMgr nullptr(ToolTipWnd::GetToolTipWidth)");
+    hint.SetToolTipText(L"nobody sees it");
+    EXPECT_EQ(hint.GetToolTipWidth(), 0);
+    hint.Show(false);
+    hint.SetPosition(1, 1);
+    EXPECT_THAT(LogOf("ToolTipWnd::SetToolTipText"), ElementsAre("[L4] paintMgr nullptr(ToolTipWnd::SetToolTipText)"));
+    EXPECT_THAT(LogOf("ToolTipWnd::GetToolTipWidth"),
+                ElementsAre("[L4] paintMgr nullptr(ToolTipWnd::GetToolTipWidth)"));
+}
+
+TEST_F(ToolTipWndTest, WithoutItsTextControlItIsSixtyWide) {
+    OwnHint hint(L"layout\\Pixora.xml");
+    hint.Prepare(&owner_.PaintManager());
+    Expect("[L4] exist control nullptr(ToolTipWnd::SetToolTipText)");
+    Expect("[L4] exist control nullptr(ToolTipWnd::GetToolTipWidth)");
+    hint.SetToolTipText(L"nobody sees it");
+    EXPECT_EQ(hint.GetToolTipWidth(), 0);
+    EXPECT_THAT(LogOf("ToolTipWnd::SetToolTipText"),
+                ElementsAre("[L4] exist control nullptr(ToolTipWnd::SetToolTipText)"));
+    EXPECT_THAT(LogOf("ToolTipWnd::GetToolTipWidth"),
+                ElementsAre("[L4] exist control nullptr(ToolTipWnd::GetToolTipWidth)"));
+}
+
+// --- the program's two
+
+TEST_F(MainWindowTest, TheProgramsHintsAreTwoPopups) {
+    ToolTipWnd& hint = ToolTipWnd::GetInstance(nullptr);
+    EXPECT_EQ(&ToolTipWnd::GetInstance(&Manager()), &hint);
+    DelButtonToolTip& deleteHint = DelButtonToolTip::GetInstance(&Manager());
+    EXPECT_EQ(&DelButtonToolTip::GetInstance(nullptr), &deleteHint);
+    EXPECT_NE(static_cast<ToolTipWnd*>(&deleteHint), &hint);
+    EXPECT_NE(hint.GetHWND(), deleteHint.GetHWND());
+    wchar_t text[64] = {};
+    GetClassNameW(deleteHint.GetHWND(), text, 64);
+    EXPECT_STREQ(text, L"Pixora ToolTip");
+    GetWindowTextW(deleteHint.GetHWND(), text, 64);
+    EXPECT_STREQ(text, L"CUSTOM_DEL_TOOL_TIP_CLASS");
+    EXPECT_EQ(Window().GetHint(PageHost::Hint::Option), static_cast<HintWindow*>(&hint));
+    EXPECT_EQ(Window().GetHint(PageHost::Hint::DeleteButton), static_cast<HintWindow*>(&deleteHint));
+}
+
+}  // namespace

@@ -1,0 +1,76 @@
+#include "windows/VideoThumbnail.h"
+
+#include <fstream>
+
+#include "tests/windows/windows/WindowTests.h"
+
+namespace {
+
+TEST(VideoThumbnail, KnowsVideosByTheirExtensionInLowerCase) {
+    for (const wchar_t* extension : {L".mp4", L".avi", L".mkv", L".mov", L".flv", L".rmvb", L".wmv"})
+        EXPECT_TRUE(VideoThumbnail::IsVideoPath(std::wstring(L"C:\\Films\\one") + extension));
+    EXPECT_TRUE(VideoThumbnail::IsVideoPath(L".mp4"));
+    EXPECT_TRUE(VideoThumbnail::IsVideoPath(L"C:\\Films\\one.jpg.mp4"));
+    EXPECT_TRUE(VideoThumbnail::IsVideoPath(L"日本.mp4"));
+}
+
+TEST(VideoThumbnail, EverythingElseIsNone) {
+    for (const wchar_t* path : {L"", L"one", L"mp4", L"one.MP4", L"one.Mp4", L"one.mp", L"one.mp44", L"one.mp4 ",
+                                L"one.", L"one.mp4.jpg", L"C:\\Films.mp4\\one", L"one.mpeg", L"one.mp4\\"})
+        EXPECT_FALSE(VideoThumbnail::IsVideoPath(path)) << std::wstring(path).size();
+}
+
+class VideoThumbnailTest : public ProgramTest {
+  protected:
+    std::wstring MakeFile(const std::wstring& name) {
+        const std::wstring path = OwnFolder() + name;
+        std::ofstream(path.c_str()) << "no film";
+        return path;
+    }
+
+    OwnerWindow window_;
+    VideoThumbnail thumbnail_;
+};
+
+TEST_F(VideoThumbnailTest, WhatIsNoReadableVideoIsNotRegistered) {
+    const std::wstring picture = MakeFile(L"picture.jpg");
+    for (const std::wstring& path : {std::wstring(), std::wstring(L"C:\\nowhere\\film.mp4"), picture, OwnFolder()}) {
+        thumbnail_.Register(window_.PaintManager(), path);
+        EXPECT_FALSE(window_.PaintManager().HasImage(path));
+    }
+}
+
+TEST_F(VideoThumbnailTest, AVideoWithoutACoverIsNotRegistered) {
+    const std::wstring film = MakeFile(L"film.mp4");
+    thumbnail_.Register(window_.PaintManager(), film);
+    thumbnail_.Register(window_.PaintManager(), film);
+    EXPECT_FALSE(window_.PaintManager().HasImage(film));
+    const std::wstring bare = L"film.mp4";  // without a folder
+    SetCurrentDirectoryW(OwnFolder().c_str());
+    thumbnail_.Register(window_.PaintManager(), bare);
+    EXPECT_FALSE(window_.PaintManager().HasImage(bare));
+    SetCurrentDirectoryW(ProgramFolder().c_str());
+}
+
+TEST_F(VideoThumbnailTest, AnImageThatIsThereStaysAsItIs) {
+    const std::wstring film = MakeFile(L"known.mp4");
+    HBITMAP cover = CreateBitmap(64, 36, 1, 32, nullptr);
+    ASSERT_TRUE(window_.PaintManager().AddImage(film, cover, 64, 36, false, false));
+    thumbnail_.Register(window_.PaintManager(), film);
+    EXPECT_TRUE(window_.PaintManager().HasImage(film));
+}
+
+TEST_F(MainWindowTest, PaintsWithAVideoAsTheBackground) {
+    const std::wstring film = OwnFolder() + L"background.mp4";
+    std::ofstream(film.c_str()) << "no film";
+    Write(L"lumi_camera_background_image_path", film);
+    for (int paint = 0; paint < 3; ++paint) {
+        InvalidateRect(Window().GetHWND(), nullptr, FALSE);
+        EXPECT_EQ(SendMessageW(Window().GetHWND(), WM_PAINT, 0, 0), 0);
+    }
+    EXPECT_FALSE(GetUpdateRect(Window().GetHWND(), nullptr, FALSE));
+    // The file is let go of.
+    EXPECT_TRUE(DeleteFileW(film.c_str()));
+}
+
+}  // namespace
