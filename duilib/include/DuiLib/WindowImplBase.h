@@ -4,10 +4,9 @@
 // A subclass names its layout (GetSkinFile) and its window class. On WM_CREATE the layout is built and the window gets
 // the layout's size, InitWindow follows; a layout that is missing or broken leaves an empty window and a log line.
 // The whole window is client area: the frame that its style asks for is kept for the system (minimise, Alt+F4, task
-// bar) and is not drawn. The user can size it where the layout gives a minimum or maximum size that leaves a choice; else
-// a sizing frame and maximise box of its style are taken away. Message handlers find `handled` true and set it to false to let the paint
-// manager and the system go on.
-// Thread: UI thread.
+// bar) and is not drawn. The user can size it where the layout gives a minimum or maximum size that leaves a choice;
+// else a sizing frame and maximise box of its style are taken away. Message handlers find `handled` true and set it to
+// false to let the paint manager and the system go on. Thread: UI thread.
 #include <memory>
 #include <string>
 
