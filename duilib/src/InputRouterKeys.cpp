@@ -93,7 +93,8 @@ bool InputRouter::SetNextTabControl(bool forward) {
 
 bool InputRouter::OnKeyDown(WORD key, bool repeat) {
     const RetiredControls::Scope scope(retired_);
-    manager_.UpdateLayout();  // what is not arranged is not shown
+    // A key may come before the first paint, and only what has been arranged counts as shown.
+    manager_.UpdateLayout();
     switch (key) {
         case VK_TAB:
             return GetKeyState(VK_CONTROL) >= 0 && SetNextTabControl(GetKeyState(VK_SHIFT) >= 0);

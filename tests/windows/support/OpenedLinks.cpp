@@ -47,6 +47,12 @@ std::vector<std::string> OpenedLinks::All() const {
     return links;
 }
 
-bool OpenedLinks::WaitFor(std::size_t count) const {
-    return Input::PumpUntil([&] { return All().size() >= count; });
+std::vector<std::string> OpenedLinks::WaitFor(std::size_t count) const {
+    const auto deadline = std::chrono::steady_clock::now() + Input::kDeadline;
+    std::vector<std::string> links = All();
+    while (links.size() < count && std::chrono::steady_clock::now() < deadline) {
+        Sleep(10);
+        links = All();
+    }
+    return links;
 }

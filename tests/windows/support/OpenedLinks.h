@@ -1,7 +1,9 @@
 #pragma once
 // While it lives, web links that this process opens reach a recorder in place of the user's browser.
 //
-// Why: the way through the shell is real, but for the table that names the browser. Thread: the test's.
+// Why: the way through the shell is real, but for the table that names the browser. The process sees nothing else of
+// that table meanwhile, so let it live for the moment in which a link is opened only: no image can be decoded, no other
+// COM object be made. Thread: the test's.
 #include <windows.h>
 
 #include <string>
@@ -14,12 +16,12 @@ class OpenedLinks {
     OpenedLinks(const OpenedLinks&) = delete;
     OpenedLinks& operator=(const OpenedLinks&) = delete;
 
-    // The addresses so far, oldest first.
-    std::vector<std::string> All() const;
-    // Runs messages until there are that many; false when they do not come in time.
-    bool WaitFor(std::size_t count) const;
+    // The addresses, oldest first, as soon as there are that many; no message runs. Fewer when the deadline passes.
+    std::vector<std::string> WaitFor(std::size_t count) const;
 
   private:
+    std::vector<std::string> All() const;
+
     std::wstring file_;
     HKEY classes_ = nullptr;
 };

@@ -220,7 +220,7 @@ TEST_F(MessagesTest, QuittingWhileABoxIsShownEndsEverything) {
     EXPECT_EQ(FindThreadWindow(L"MESSAGE BOX"), nullptr);
 }
 
-TEST_F(MessagesTest, TheServicesResetClosesTheBoxToo) {
+TEST_F(MessagesTest, TheServicesResetEndsTheBoxToo) {
     Script script;
     script
         .When(
@@ -229,7 +229,7 @@ TEST_F(MessagesTest, TheServicesResetClosesTheBoxToo) {
                 Window().ShowMessage(MessageBoxKind::kVideoTooLarge);
                 SendFromService(0x22711, 0x40000);
             })
-        .Wait("the window is gone", [] { return !Exists(); });
+        .Wait("the box is gone", [] { return FindThreadWindow(L"MESSAGE BOX") == nullptr; });
     script.Run([] { Window().ShowMessage(MessageBoxKind::kCameraUnavailable); });
     EXPECT_TRUE(Input::TakeQuit());
     EXPECT_EQ(FindThreadWindow(L"MESSAGE BOX"), nullptr);
