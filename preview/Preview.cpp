@@ -5,7 +5,7 @@
 #include <new>
 
 #include "preview/CameraAllowList.h"
-#include "preview/CameraSystem.h"
+#include "preview/ReaderPark.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
@@ -20,25 +20,6 @@ class SampleGuard {
 
   private:
     CRITICAL_SECTION& lock_;
-};
-
-// A callback under way keeps the object alive and the dropped readers parked.
-class CallbackScope {
-  public:
-    CallbackScope(IUnknown* object, preview::ReaderPark& park) : object_(object), park_(park) {
-        object_->AddRef();
-        park_.Enter();
-    }
-    ~CallbackScope() {
-        park_.Leave();
-        object_->Release();
-    }
-    CallbackScope(const CallbackScope&) = delete;
-    CallbackScope& operator=(const CallbackScope&) = delete;
-
-  private:
-    IUnknown* const object_;
-    preview::ReaderPark& park_;
 };
 
 }  // namespace
@@ -80,7 +61,7 @@ bool Preview::Start(UINT32 /*ignored*/) {
     // for the start lock.
     Close();
     const std::lock_guard guard(startLock_);
-    CloseCapture();
+    Close();
     const INT32 index = SelectDevice();
     if (index < 0) {
         return false;
@@ -95,15 +76,10 @@ bool Preview::Start(UINT32 /*ignored*/) {
 }
 
 HRESULT Preview::Close() {
-    CloseCapture();
-    readerPark_.ReleaseParked();
-    return S_OK;
-}
-
-void Preview::CloseCapture() {
     const SampleGuard guard(sampleLock_);
     if (IMFSourceReader* reader = reader_.exchange(nullptr)) {
-        readerPark_.Park(reader);
+        // Kept: not released here, under the lock; a callback on its way finds null and returns.
+        preview::ParkReader(reader);
     }
     ComRelease(spareReference_);
     CoTaskMemFree(symbolicLink_);
@@ -123,6 +99,7 @@ void Preview::CloseCapture() {
     }
     ComRelease(enumerationAttributes_);
     ComRelease(mediaType_);
+    return S_OK;
 }
 
 void Preview::DestroyRenderer() {
@@ -155,7 +132,6 @@ STDMETHODIMP_(ULONG) Preview::Release() {
 
 STDMETHODIMP Preview::OnReadSample(HRESULT /*status*/, DWORD /*streamIndex*/, DWORD /*streamFlags*/,
                                    LONGLONG timestampHns, IMFSample* sample) {
-    const CallbackScope scope(this, readerPark_);
     if (reader_ == nullptr) {
         return S_OK;
     }

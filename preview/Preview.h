@@ -18,7 +18,6 @@
 #include <string>
 
 #include "preview/Device.h"
-#include "preview/ReaderPark.h"
 
 // The interfaces have no virtual destructor; this object is only ever deleted by its own Release.
 #pragma GCC diagnostic push
@@ -65,7 +64,6 @@ class Preview : public IMFSourceReaderCallback {
 
     HRESULT Initialize();
     INT32 SelectDevice();
-    void CloseCapture();
     bool CreateDeviceSource(INT32 index);
     HRESULT CreateReader(IMFMediaSource* source, IMFAttributes* attributes);
     HRESULT NegotiateMediaType(IMFSourceReader* reader);
@@ -101,7 +99,6 @@ class Preview : public IMFSourceReaderCallback {
     UINT32 deviceCount_ = 0;
     std::mutex startLock_;
 
-    preview::ReaderPark readerPark_;
     std::atomic<ULONGLONG> lastFrameTickMs_ = 0;
     UINT32 offersLeft_ = 0;  // of the negotiation that is under way
 };

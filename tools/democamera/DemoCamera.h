@@ -30,6 +30,8 @@ struct CameraSettings {
     // Instead of the painter: writes the FrameBytes(mode) bytes of a frame as they are delivered. On the camera's
     // thread.
     std::function<void(const CameraMode& mode, std::uint8_t* frame, std::uint64_t frameIndex)> rawPainter;
+    // Sees each sample after it was handed to the reader; on the camera's thread.
+    std::function<void(IMFSample* sample)> delivered;
 };
 
 // What goes wrong. Counts are numbers of frames delivered since the source was opened; -1: never.
@@ -64,6 +66,7 @@ class DemoCamera : public std::enable_shared_from_this<DemoCamera> {
     struct Counters {
         std::atomic<int> opened = 0;            // sources ever made
         std::atomic<int> running = 0;           // sources that are not shut down
+        std::atomic<int> mode = -1;             // the native type that was last run
         std::atomic<int> alive = 0;             // source objects that exist
         std::atomic<std::int64_t> frames = 0;   // delivered in all
         std::atomic<std::int64_t> skipped = 0;  // due, but nobody had asked for one

@@ -3,6 +3,7 @@
 #include <mfapi.h>
 #include <mferror.h>
 
+#include <algorithm>
 #include <new>
 #include <vector>
 
@@ -48,7 +49,7 @@ HRESULT DemoMediaSource::Initialize() {
     for (const CameraMode& mode : camera_->Settings().modes) {
         IMFMediaType* type = nullptr;
         if (SUCCEEDED(result)) {
-            result = MakeMediaType(mode, static_cast<UINT32>(types.size()), &type);
+            result = MakeMediaType(mode, &type);
         }
         if (type != nullptr) {
             types.push_back(type);
@@ -130,7 +131,8 @@ HRESULT DemoMediaSource::StartStream(IMFPresentationDescriptor* descriptor) {
     IMFStreamDescriptor* chosen = nullptr;
     IMFMediaTypeHandler* handler = nullptr;
     IMFMediaType* type = nullptr;
-    UINT32 mode = 0;
+    const std::vector<CameraMode>& modes = camera_->Settings().modes;
+    auto mode = modes.end();
     HRESULT result = descriptor->GetStreamDescriptorByIndex(0, &selected, &chosen);
     if (SUCCEEDED(result)) {
         result = chosen->GetMediaTypeHandler(&handler);
@@ -139,10 +141,8 @@ HRESULT DemoMediaSource::StartStream(IMFPresentationDescriptor* descriptor) {
         result = handler->GetCurrentMediaType(&type);
     }
     if (SUCCEEDED(result)) {
-        result = ModeOf(type, &mode);
-    }
-    if (SUCCEEDED(result) && mode >= camera_->Settings().modes.size()) {
-        result = MF_E_INVALIDMEDIATYPE;
+        mode = std::find_if(modes.begin(), modes.end(), [&](const CameraMode& each) { return IsTypeOf(each, type); });
+        result = mode != modes.end() ? S_OK : MF_E_INVALIDMEDIATYPE;
     }
     if (SUCCEEDED(result) && stream_ == nullptr) {
         result = DemoMediaStream::Make(camera_, this, chosen, &stream_);
@@ -155,7 +155,8 @@ HRESULT DemoMediaSource::StartStream(IMFPresentationDescriptor* descriptor) {
     }
     events_->QueueEventParamUnk(announced_ ? MEUpdatedStream : MENewStream, GUID_NULL, S_OK, stream_);
     announced_ = true;
-    stream_->Run(camera_->Settings().modes[mode]);
+    camera_->Seen().mode = static_cast<int>(mode - modes.begin());
+    stream_->Run(*mode);
     return stream_->QueueEvent(MEStreamStarted, GUID_NULL, S_OK, nullptr);
 }
 

@@ -228,6 +228,9 @@ bool DemoMediaStream::Deliver(const CameraFaults& faults) {
         ++delivered_;
         ++camera_->Seen().frames;
         events_->QueueEventParamUnk(MEMediaSample, GUID_NULL, S_OK, sample);
+        if (camera_->Settings().delivered) {
+            camera_->Settings().delivered(sample);
+        }
     }
     ComRelease(sample);
     ComRelease(token);

@@ -7,13 +7,6 @@
 
 namespace democamera {
 
-namespace {
-
-// The attribute that carries the mode's place in the list.
-constexpr GUID kModeIndex = {0x2b8a6f0e, 0x61c4, 0x4d0b, {0x93, 0x5a, 0x7e, 0x1d, 0xc8, 0x42, 0x0f, 0xb1}};
-
-}  // namespace
-
 const GUID& SubtypeOf(CameraFormat format) {
     switch (format) {
         case CameraFormat::kRgb32:
@@ -30,8 +23,8 @@ const GUID& SubtypeOf(CameraFormat format) {
     return MFVideoFormat_MJPG;
 }
 
-HRESULT MakeMediaType(const CameraMode& mode, UINT32 index, IMFMediaType** type) {
-    HRESULT result = MFCreateMediaType(type);
+HRESULT MakeMediaType(const CameraMode& mode, IMFMediaType** type) {
+    const HRESULT result = MFCreateMediaType(type);
     if (FAILED(result)) {
         return result;
     }
@@ -51,15 +44,19 @@ HRESULT MakeMediaType(const CameraMode& mode, UINT32 index, IMFMediaType** type)
             made->SetUINT32(MF_MT_DEFAULT_STRIDE, static_cast<UINT32>(mode.bottomUp ? -stride : stride));
         }
     }
-    result = made->SetUINT32(kModeIndex, index);
-    if (FAILED(result)) {
-        ComRelease(*type);
-    }
-    return result;
+    return S_OK;
 }
 
-HRESULT ModeOf(IMFMediaType* type, UINT32* index) {
-    return type->GetUINT32(kModeIndex, index);
+bool IsTypeOf(const CameraMode& mode, IMFMediaType* type) {
+    GUID subtype = {};
+    UINT32 width = 0;
+    UINT32 height = 0;
+    UINT32 frames = 0;
+    UINT32 seconds = 0;
+    return SUCCEEDED(type->GetGUID(MF_MT_SUBTYPE, &subtype)) && IsEqualGUID(subtype, SubtypeOf(mode.format)) &&
+           SUCCEEDED(MFGetAttributeSize(type, MF_MT_FRAME_SIZE, &width, &height)) && width == mode.width &&
+           height == mode.height && SUCCEEDED(MFGetAttributeRatio(type, MF_MT_FRAME_RATE, &frames, &seconds)) &&
+           frames == mode.framesPerSecond * seconds;
 }
 
 }  // namespace democamera

@@ -10,8 +10,9 @@ namespace democamera {
 
 const GUID& SubtypeOf(CameraFormat format);
 
-// `index`: the mode's place in the camera's list; ModeOf finds it again, in the type or a copy of it.
-HRESULT MakeMediaType(const CameraMode& mode, UINT32 index, IMFMediaType** type);
-HRESULT ModeOf(IMFMediaType* type, UINT32* index);
+HRESULT MakeMediaType(const CameraMode& mode, IMFMediaType** type);
+
+// Whether a type that a reader has chosen is that of the mode: what else it says does not matter.
+bool IsTypeOf(const CameraMode& mode, IMFMediaType* type);
 
 }  // namespace democamera
