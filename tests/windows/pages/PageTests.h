@@ -16,7 +16,7 @@
 #include "tests/windows/support/ProgramTest.h"
 
 // Notes the calls as text: "anchor img_one_background_btn", "position -10,33", "text Café", "show", "hide".
-class NotingHint : public HintWindow {
+class NotingHint final : public HintWindow {
   public:
     void SetAnchor(DuiLib::CControlUI* control) override { calls.push_back(L"anchor " + control->GetName()); }
     void SetPosition(int dxPx, int dyPx) override {
