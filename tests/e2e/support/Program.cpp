@@ -13,6 +13,12 @@ namespace {
 
 constexpr wchar_t kWindowClass[] = L"Camera";
 
+// Of the layout.
+constexpr int kWindowWidthDip = 1040;
+constexpr int kWindowHeightDip = 604;
+constexpr int kEffectsTopDip = 56;
+constexpr int kEffectsBottomDip = 16;
+
 // The window's pixels as they are on the screen, top row first.
 std::vector<DWORD> Grab(HWND window, SIZE& size) {
     RECT client = {};
@@ -134,6 +140,19 @@ RECT Program::ClientRect(const std::wstring& name) const {
     return rect;
 }
 
+void Program::SetScale(int dpi) const {
+    RECT place = {};
+    GetWindowRect(window_, &place);
+    place.right = place.left + MulDiv(kWindowWidthDip, dpi, 96);
+    place.bottom = place.top + MulDiv(kWindowHeightDip, dpi, 96);
+    // The rectangle has to lie in that process's memory.
+    const suite::Handle process(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, processId_));
+    void* remote = VirtualAllocEx(process.Get(), nullptr, sizeof(place), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    if (remote && WriteProcessMemory(process.Get(), remote, &place, sizeof(place), nullptr))
+        SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote));
+    VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+}
+
 void Program::MoveTo(POINT screen) const {
     SetCursorPos(screen.x, screen.y);
 }
@@ -150,6 +169,36 @@ void Program::Click(const std::wstring& name) const {
         throw std::runtime_error("no such control to click on");
     const RECT& r = control->screenPx;
     ClickAt({(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+}
+
+void Program::Wheel(int notches) const {
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = MOUSEEVENTF_WHEEL;
+    input.mi.mouseData = static_cast<DWORD>(notches * WHEEL_DELTA);
+    SendInput(1, &input, sizeof(input));
+}
+
+bool Program::Reveal(const std::wstring& name) const {
+    RECT client = {};
+    GetClientRect(window_, &client);
+    const int dpi = MulDiv(client.right, 96, kWindowWidthDip);
+    const auto toPx = [dpi](int dip) { return MulDiv(dip, dpi, 96); };
+    // Beside the cards: over a slider the wheel would move it.
+    POINT margin{client.right - toPx(12), client.bottom / 2};
+    ClientToScreen(window_, &margin);
+    return WaitUntil([&] {
+        const RECT rect = ClientRect(name);
+        if (IsRectEmpty(&rect))
+            return false;
+        const bool above = rect.top < toPx(kEffectsTopDip);
+        const bool below = rect.bottom > client.bottom - toPx(kEffectsBottomDip);
+        if (above == below)
+            return true;
+        MoveTo(margin);
+        Wheel(above ? 1 : -1);
+        return false;
+    });
 }
 
 void Program::PressKey(WORD key, bool alt) const {
