@@ -12,6 +12,7 @@
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/e2e/support/SettingsModel.h"
+#include "tests/support/Environment.h"
 #include "tools/service/PipeServer.h"
 
 namespace e2e {
@@ -21,11 +22,6 @@ using testing::IsEmpty;
 
 constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\iNotoraAssistant";
 constexpr int kHighestLevel = 10;
-
-int FromEnvironment(const char* name, int otherwise) {
-    const char* text = std::getenv(name);
-    return text ? std::atoi(text) : otherwise;
-}
 
 class ModelTest : public testing::Test {
   protected:

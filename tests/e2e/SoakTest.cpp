@@ -12,6 +12,7 @@
 #include "tests/e2e/support/ProcessFootprint.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/e2e/support/SettingsModel.h"
+#include "tests/support/Environment.h"
 #include "tools/service/PipeServer.h"
 
 namespace e2e {
@@ -27,11 +28,6 @@ constexpr std::size_t kMoreBytes = 16u << 20;
 constexpr int kMoreHandles = 40;
 constexpr int kMoreThreads = 6;
 constexpr int kMoreGdiObjects = 60;
-
-int FromEnvironment(const char* name, int otherwise) {
-    const char* text = std::getenv(name);
-    return text ? std::atoi(text) : otherwise;
-}
 
 class SoakTest : public testing::Test {
   protected:
