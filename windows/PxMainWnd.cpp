@@ -225,6 +225,10 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (!changingDpi_)
                 PublishPlace();
             break;
+        case WM_WINDOWPOSCHANGED:
+            if (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW))
+                PublishPlace();
+            break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
                                                                   OnListenKindInfo{wParam, lParam});
