@@ -2,8 +2,12 @@
 #include <mferror.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <memory>
+#include <mutex>
 
+#include "tools/demo/EffectSettings.h"
 #include "tools/democamera/CameraOptions.h"
 #include "tools/democamera/DemoCameraSystem.h"
 
@@ -59,6 +63,26 @@ void PaintHalves(std::uint32_t* picture, std::uint32_t width, std::uint32_t heig
     }
 }
 
+// The person, as the present settings make it look. The scene goes on where the last preview left it.
+class PersonPainter {
+  public:
+    void Paint(std::uint32_t* picture, std::uint32_t width, std::uint32_t height, std::uint64_t frame) {
+        constexpr std::uint64_t kFramesBetweenReadings = 6;
+        const std::lock_guard guard(lock_);
+        if (frame % kFramesBetweenReadings == 0)
+            settings_.Update();
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
+        scene_.Paint(picture, static_cast<int>(width), static_cast<int>(height), time.count(), settings_.Scene());
+    }
+
+  private:
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    std::mutex lock_;
+    // Guarded by lock_: a camera that is opened again may overlap with the one that closes.
+    EffectSettings settings_;
+    DemoScene scene_;
+};
+
 bool PlugIn() {
     const char* text = std::getenv("PIXORA_DEMO_CAMERA");
     const CameraOptions options = ParseCameraOptions(text ? text : "");
@@ -68,6 +92,9 @@ bool PlugIn() {
     settings.modes = {options.mode};
     if (options.picture == CameraPicture::kHalves)
         settings.painter = PaintHalves;
+    if (options.picture == CameraPicture::kPerson) {
+        settings.painter = [painter = std::make_shared<PersonPainter>()](auto... frame) { painter->Paint(frame...); };
+    }
     const auto camera = DemoCamera::Make(std::move(settings));
     camera->SetFaults(FaultsOf(options));
     SetCameras({camera});
