@@ -66,11 +66,11 @@ void PreviewWindow::Destroy() {
 void PreviewWindow::Place(int dpi, bool areaShown) {
     if (!window_)
         return;
-    if (!shown_ || !areaShown || !IsWindowVisible(owner_) || IsIconic(owner_)) {
+    const bool visible = shown_ && areaShown && IsWindowVisible(owner_) && !IsIconic(owner_);
+    if (!visible)
         ShowWindow(window_, SW_HIDE);
-        if (IsIconic(owner_))
-            return;  // its client area is nowhere
-    }
+    if (IsIconic(owner_))
+        return;  // its client area is nowhere
     POINT origin = {Scale(kOffsetDip, dpi), Scale(kOffsetDip, dpi)};
     ClientToScreen(owner_, &origin);
     RECT before = {};
@@ -86,8 +86,29 @@ void PreviewWindow::Place(int dpi, bool areaShown) {
                                Scale(kRegionDip.bottom, dpi), kCornerPx, kCornerPx),
             TRUE);
     }
-    if (shown_ && areaShown && IsWindowVisible(owner_))
-        ShowWindow(window_, SW_SHOWNOACTIVATE);
+    if (visible)
+        Raise();
+}
+
+// Not every system lifts an owned window together with its owner, or shows it where it was in the order.
+void PreviewWindow::Raise() {
+    constexpr UINT kFlags = SWP_NOMOVE | SWP_NOSIZE | SWP_NOOWNERZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW;
+    if (!IsWindowVisible(window_)) {
+        SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, kFlags);
+    } else if (!IsAboveOwner()) {
+        // Right above its owner, so that what stands over that one, a message say, stays where it is.
+        const HWND over = GetWindow(owner_, GW_HWNDPREV);
+        const bool plain = over && !(GetWindowLongPtrW(over, GWL_EXSTYLE) & WS_EX_TOPMOST);
+        SetWindowPos(window_, plain ? over : HWND_TOP, 0, 0, 0, 0, kFlags);
+    }
+}
+
+bool PreviewWindow::IsAboveOwner() const {
+    for (HWND each = GetWindow(owner_, GW_HWNDPREV); each; each = GetWindow(each, GW_HWNDPREV)) {
+        if (each == window_)
+            return true;
+    }
+    return false;
 }
 
 void PreviewWindow::Show(int dpi, bool areaShown) {

@@ -27,8 +27,8 @@ class PreviewWindow {
     void Destroy();
     HWND Get() const { return window_; }
 
-    // Moves the window and cuts it to its shape, for the main window's scale; hidden while the main window is minimised
-    // or hidden, or `areaShown` is false, whether it was shown or not.
+    // Moves the window right above the main window and cuts it to its shape, for the main window's scale; hidden while
+    // the main window is minimised or hidden, or `areaShown` is false, whether it was shown or not.
     void Place(int dpi, bool areaShown);
     // From now on it is shown, opaque, wherever Place finds that it may be; and places it.
     void Show(int dpi, bool areaShown);
@@ -38,6 +38,8 @@ class PreviewWindow {
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void Raise();
+    bool IsAboveOwner() const;
     void DragOwner(LPARAM screenPoint) const;
 
     const Events events_;
