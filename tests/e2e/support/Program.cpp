@@ -63,14 +63,14 @@ void SendKey(WORD key, DWORD flags) {
 }  // namespace
 
 Program::Program(const std::wstring& arguments, const std::wstring& folder) {
-    const std::wstring path = (folder.empty() ? ProgramFolder() : folder) + L"Pixora.exe";
+    const std::wstring path = (folder.empty() ? ProgramFolder() : folder) + Machine::ProgramName() + L".exe";
     std::wstring commandLine = L"\"" + path + L"\"" + (arguments.empty() ? L"" : L" " + arguments);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
     if (!CreateProcessW(path.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process)) {
-        throw std::runtime_error("Pixora.exe cannot be started");
+        throw std::runtime_error("the program cannot be started");
     }
     CloseHandle(process.hThread);
     process_ = suite::Handle(process.hProcess);
@@ -160,6 +160,19 @@ void Program::MoveTo(POINT screen) const {
 void Program::ClickAt(POINT screen) const {
     MoveTo(screen);
     SendMouse(MOUSEEVENTF_LEFTDOWN);
+    SendMouse(MOUSEEVENTF_LEFTUP);
+}
+
+void Program::Drag(POINT fromScreen, POINT toScreen) const {
+    MoveTo(fromScreen);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    constexpr int kSteps = 8;
+    for (int step = 1; step <= kSteps; ++step) {
+        MoveTo({fromScreen.x + (toScreen.x - fromScreen.x) * step / kSteps,
+                fromScreen.y + (toScreen.y - fromScreen.y) * step / kSteps});
+        // The window follows from its own message loop; one step it must have seen before the next.
+        SendMessageTimeoutW(window_, WM_NULL, 0, 0, SMTO_NORMAL, 1000, nullptr);
+    }
     SendMouse(MOUSEEVENTF_LEFTUP);
 }
 

@@ -13,7 +13,7 @@ namespace e2e {
 
 class Program {
   public:
-    // Starts Pixora.exe from `folder` with that command line after the program's path.
+    // Starts the program that Machine names from `folder` with that command line after the program's path.
     explicit Program(const std::wstring& arguments = L"run", const std::wstring& folder = {});
     // Ends the process, if it still runs.
     ~Program();
@@ -42,6 +42,8 @@ class Program {
     void MoveTo(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
+    // Presses the left button at one point, moves in steps and releases it at the other.
+    void Drag(POINT fromScreen, POINT toScreen) const;
     void PressKey(WORD key, bool alt = false) const;
     // Notches away from the user, negative ones towards.
     void Wheel(int notches) const;
