@@ -19,6 +19,10 @@
 
 class HomeService;
 
+namespace DuiLib {
+class COptionUI;
+}
+
 class HomePage : public PageBase {
   public:
     explicit HomePage(DuiLib::CPaintManagerUI* paintManager);
@@ -60,6 +64,7 @@ class HomePage : public PageBase {
 
     // --- gallery (HomePageGallery.cpp)
     void ClickChangeBackground(const std::wstring& name);
+    void AddOwnBackground(DuiLib::COptionUI& addButton);
     void RelayoutGallery(int count);
     void ShowToolTip(DuiLib::CControlUI* sender, bool show);
     void ShowHint(PageHost::Hint hint, DuiLib::CControlUI* anchor, const std::wstring& text, bool show);

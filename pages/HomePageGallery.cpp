@@ -22,6 +22,7 @@ using DuiLib::CControlUI;
 using DuiLib::COptionUI;
 
 constexpr wchar_t kGroup[] = L"background_replace_btn_group";
+constexpr wchar_t kAddButton[] = L"custom_background_btn";
 constexpr wchar_t kItemSuffix[] = L"_item";
 constexpr wchar_t kDeleteSuffix[] = L"_del";
 
@@ -138,13 +139,48 @@ std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstrin
 }  // namespace
 
 void HomePage::ClickChangeBackground(const std::wstring& name) {
-    if (Contains(name, L"custom_background_btn"))
+    constexpr wchar_t kFunction[] = L"HomePage::ClickChangeBackground";
+    if (!Contains(name, kAddButton)) {
+        model_->SelectBackground(name);
+        if (name == L"none_background_btn")
+            return;
+        Sleep(kExclusionWaitMs);
+        model_->SetFocusPerson(0);
         return;
-    model_->SelectBackground(name);
-    if (name == L"none_background_btn")
+    }
+    if (name == kAddButton) {
+        if (auto* option = FindAs<COptionUI>(name))
+            AddOwnBackground(*option);
+        else
+            LogLine(4, kFunction, L"Get option null!");
         return;
-    Sleep(kExclusionWaitMs);
-    model_->SetFocusPerson(0);
+    }
+    model_->SelectCustomBackground(name);
+    if (auto* option = FindAs<COptionUI>(name)) {
+        option->SetSelected(true);
+        model_->SetFocusPerson(0);
+    } else {
+        // A video that is gone has taken its cell with it.
+        LogLine(4, kFunction, L"Get option null!");
+    }
+    model_->NotifyStatus();
+}
+
+void HomePage::AddOwnBackground(COptionUI& addButton) {
+    // A second click must not open a second dialog.
+    addButton.SetEnabled(false);
+    std::wstring path;
+    if (model_->IsCustomFull()) {
+        if (Owner())
+            Owner()->ShowLimitNotice();
+    } else if (model_->ChooseCustomFile(Owner() ? Owner()->GetWindow() : nullptr, path) &&
+               model_->AddCustomBackground(path)) {
+        addButton.SetSelected(true);
+        model_->SetFocusPerson(0);
+    }
+    addButton.SetEnabled(true);
+    // The add button is the one that was clicked; the background in use is the one that is shown as chosen.
+    model_->NotifyStatus();
 }
 
 int HomePage::AddCustomItem(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
