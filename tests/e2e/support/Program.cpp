@@ -39,10 +39,11 @@ std::vector<DWORD> Grab(HWND window, SIZE& size) {
     return result;
 }
 
-void SendMouse(DWORD flags) {
+void SendMouse(DWORD flags, int amount = 0) {
     INPUT input = {};
     input.type = INPUT_MOUSE;
     input.mi.dwFlags = flags;
+    input.mi.mouseData = static_cast<DWORD>(amount);
     SendInput(1, &input, sizeof(input));
 }
 
@@ -150,6 +151,24 @@ void Program::Click(const std::wstring& name) const {
         throw std::runtime_error("no such control to click on");
     const RECT& r = control->screenPx;
     ClickAt({(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+}
+
+bool Program::BringIntoView(const std::wstring& name) const {
+    RECT window = {};
+    GetWindowRect(window_, &window);
+    return WaitUntil([&] {
+        const auto control = Find(name);
+        if (!control)
+            return false;
+        const RECT& r = control->screenPx;
+        if ((control->state & (STATE_SYSTEM_OFFSCREEN | STATE_SYSTEM_INVISIBLE)) == 0 && r.bottom < window.bottom - 8 &&
+            r.top > window.top + 48)
+            return true;
+        MoveTo({(r.left + r.right) / 2, (window.top + window.bottom) / 2});
+        SendMouse(MOUSEEVENTF_WHEEL, r.bottom >= window.bottom - 8 ? -WHEEL_DELTA : WHEEL_DELTA);
+        SendMessageW(window_, WM_NULL, 0, 0);
+        return false;
+    });
 }
 
 void Program::PressKey(WORD key, bool alt) const {

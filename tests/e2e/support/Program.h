@@ -36,6 +36,8 @@ class Program {
     // --- the real mouse and keyboard
     void MoveTo(POINT screen) const;
     void Click(const std::wstring& name) const;
+    // Scrolls with the wheel until the control lies whole in the window; false when it does not come.
+    bool BringIntoView(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
     void PressKey(WORD key, bool alt = false) const;
 
