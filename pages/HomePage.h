@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "pages/GalleryThumbnails.h"
 #include "pages/PageBase.h"
 #include "service/GlobalUtils.h"
 #include "service/SettingsWatcher.h"
@@ -81,6 +82,7 @@ class HomePage : public PageBase {
     std::map<std::wstring, std::int32_t> switchStates_;
     std::map<std::wstring, std::int32_t> sliderValues_;
     std::set<std::wstring> backgroundButtons_;
+    GalleryThumbnails thumbnails_{Manager()};
     DuiLib::CControlUI* previewSwitch_ = nullptr;  // borrowed from the page's tree
     DuiLib::CControlUI* previewArea_ = nullptr;    // borrowed from the page's tree
 

@@ -8,6 +8,7 @@
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/UICulture.h"
 #include "pages/ContainerUIEx.h"
+#include "pages/CustomItemOption.h"
 #include "pages/GalleryRows.h"
 #include "pages/HomePage.h"
 #include "service/CustomItemNames.h"
@@ -24,6 +25,7 @@ using DuiLib::COptionUI;
 constexpr wchar_t kGroup[] = L"background_replace_btn_group";
 constexpr wchar_t kAddButton[] = L"custom_background_btn";
 constexpr wchar_t kItemSuffix[] = L"_item";
+constexpr wchar_t kPictureSuffix[] = L"_bk";
 constexpr wchar_t kDeleteSuffix[] = L"_del";
 
 // Blocks the UI thread on purpose: the background's message leaves before the one of the framing.
@@ -101,16 +103,18 @@ std::wstring SpokenName(const wchar_t* key, const std::wstring& itemName) {
 std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
     auto item = MakePart<CContainerUIEx>(name + kItemSuffix, kItemWidth, kItemHeight);
     item->SetAttribute(L"borderround", L"6");
+    item->SetAttribute(L"align", L"center");
 
-    auto picture = MakePart<CControlUI>(name + L"_bk", kItemWidth, kItemHeight);
+    auto picture = MakePart<CControlUI>(name + kPictureSuffix, kItemWidth, kItemHeight);
     picture->SetAttribute(L"borderround", L"6");
     picture->SetBkImage(L"file='" + thumbnailPath + L"' reverse='true'");
     item->Add(std::move(picture));
 
-    auto option = MakePart<COptionUI>(name, kItemWidth, kItemHeight);
+    auto option = MakePart<CCustomItemOption>(name, kItemWidth, kItemHeight);
     option->SetGroup(L"background_replace_group");
     option->SetTextColor(0x053EC600);  // kept as it is; the option has no text
     option->SetNormalImage(L"file='drawable/LumiCamera/img_thumbnail_none@2x.png'");
+    option->SetHotImage(L"file='drawable/LumiCamera/img_thumbnail_hover@2x.png'");
     option->SetSelectedImage(L"file='drawable/LumiCamera/img_thumbnail_none_on@2x.png'");
     option->SetAttribute(L"accname",
                          SpokenName(isVideo ? L"IDS_LUMI_ACC_CUSTOM_VIDEO_ITEM" : L"IDS_LUMI_ACC_CUSTOM_ITEM", name));
@@ -188,6 +192,7 @@ int HomePage::AddCustomItem(const std::wstring& name, const std::wstring& thumbn
     if (!group)
         return -1;
     const int count = group->GetCount();
+    thumbnails_.Show(thumbnailPath, name + kPictureSuffix);
     group->AddAt(MakeCell(name, thumbnailPath, isVideo), count - 1);
     RelayoutGallery(count + 1);
     backgroundButtons_.insert(name);
@@ -201,6 +206,8 @@ bool HomePage::DelBackgroudItem(int index, const std::wstring& path) {
         return false;
     }
     Manager()->RemoveImage(path);
+    // The model names the item; its picture stands under the file's path.
+    thumbnails_.Forget(path + kPictureSuffix);
     const bool removed = group->RemoveAt(index);
     RelayoutGallery(group->GetCount());
     return removed;
@@ -238,6 +245,12 @@ void HomePage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
 }
 
 void HomePage::OnMouseLeave(DuiLib::TNotifyUI& msg) {
+    const std::wstring& name = msg.sender->GetName();
+    // The pointer may have gone without a move within the window: out of it, or because the gallery was scrolled.
+    if (const std::size_t item = name.find(kItemSuffix); item != std::wstring::npos) {
+        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix))
+            button->SetVisible(false);
+    }
     ShowToolTip(msg.sender, false);
 }
 

@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <vector>
+
 #include "preview/BitmapFile.h"
 #include "service/CustomItemNames.h"
 #include "service/JpegPicture.h"
@@ -38,57 +41,60 @@ bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
     return MoveFileExW(unfinished.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
 }
 
-bool CanWrite(const std::wstring& path) {
-    return bool{suite::Handle(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr))};
+bool WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes) {
+    const suite::Handle file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+           written == bytes.size();
 }
 
-bool Exists(const std::wstring& path) {
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-bool WriteImage(const std::wstring& source, const std::wstring& target) {
-    DeleteFileW(target.c_str());  // what an earlier try left may be longer
-    const HRESULT result = SaveAsJpeg(source, target);
-    if (FAILED(result)) {
+Result WriteImage(const std::wstring& source, const std::wstring& path) {
+    std::vector<std::uint8_t> bytes;
+    if (const HRESULT result = EncodeAsJpeg(source, bytes); FAILED(result)) {
         LogLine(3, kFunction, L"The file cannot be made a picture: ", result);
+        return Result::kNothingToShow;
     }
-    return SUCCEEDED(result);
+    return WriteBytes(path, bytes) ? Result::kMade : Result::kNotWritten;
 }
 
-bool WriteCover(const std::wstring& video, const std::wstring& target) {
+Result WriteCover(const std::wstring& video, const std::wstring& path) {
     const HBITMAP cover = LoadVideoCover(video);
     if (!cover) {
         LogLine(3, kFunction, L"The video has no cover");
-        return false;
+        return Result::kNothingToShow;
     }
-    const bool written = SaveBitmapToFile(cover, target);
+    const bool written = SaveBitmapToFile(cover, path);
     DeleteObject(cover);
-    return written;
+    return written ? Result::kMade : Result::kNotWritten;
+}
+
+// The source, or else what stands for one that cannot be read.
+Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& path) {
+    Result result = isVideo ? WriteCover(source, path) : WriteImage(source, path);
+    if (result == Result::kNothingToShow) {
+        result = WriteImage(kFallbackOfSuite, path);
+    }
+    if (result == Result::kNothingToShow) {
+        result = WriteImage(BesideTheProgram(kFallbackOfProgram), path);
+    }
+    return result;
 }
 
 }  // namespace
 
 Result Make(const std::wstring& source, bool isVideo, const std::wstring& target) {
     const std::wstring unfinished = target + kUnfinishedSuffix;
-    if (!CanWrite(unfinished)) {
-        LogLine(4, kFunction, L"The folder cannot be written: ", GetLastError());
-        return Result::kNotWritten;
+    Result result = WriteAny(source, isVideo, unfinished);
+    if (result == Result::kMade && !MoveIntoPlace(unfinished, target)) {
+        result = Result::kNotWritten;
     }
-    const std::wstring ownFallback = BesideTheProgram(kFallbackOfProgram);
-    const bool written = (isVideo ? WriteCover(source, unfinished) : WriteImage(source, unfinished)) ||
-                         WriteImage(kFallbackOfSuite, unfinished) || WriteImage(ownFallback, unfinished);
-    if (written && MoveIntoPlace(unfinished, target)) {
-        return Result::kMade;
+    if (result != Result::kMade) {
+        const DWORD error = GetLastError();
+        LogLine(4, kFunction, L"No picture is stored: ", error);
+        DeleteFileW(unfinished.c_str());
     }
-    const DWORD error = GetLastError();
-    DeleteFileW(unfinished.c_str());
-    if (!written && !Exists(kFallbackOfSuite) && !Exists(ownFallback)) {
-        LogLine(4, kFunction, L"There is no picture to show");
-        return Result::kNothingToShow;
-    }
-    LogLine(4, kFunction, L"The picture cannot be stored: ", error);
-    return Result::kNotWritten;
+    return result;
 }
 
 void RemoveUnfinished(const std::wstring& folder) {

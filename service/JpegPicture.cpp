@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "service/ExifOrientation.h"
-#include "suite/common/ComRelease.h"
+#include "service/Held.h"
+#include "service/JpegThumbnail.h"
+#include "service/ThumbnailMaker.h"
 #include "suite/common/Handle.h"
 
 namespace {
@@ -21,22 +23,6 @@ constexpr UINT kMaxSidePx = 16384;
 // A camera's notes stand at the beginning of the file; each of them is at most 64 KiB.
 constexpr DWORD kNotesBytes = 256 * 1024;
 
-// Releases its interface at the end of a scope.
-template <typename Interface>
-class Held {
-  public:
-    Held() = default;
-    ~Held() { ComRelease(pointer_); }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-    Interface** Put() { return &pointer_; }
-    Interface* Get() const { return pointer_; }
-    Interface* operator->() const { return pointer_; }
-
-  private:
-    Interface* pointer_ = nullptr;
-};
-
 struct Picture {
     UINT width = 0;
     UINT height = 0;
@@ -44,6 +30,9 @@ struct Picture {
     Held<IWICBitmapDecoder> decoder;
     Held<IWICBitmapFrameDecode> frame;
     Held<IWICFormatConverter> pixels;  // 32 bits each, alpha last
+
+    UINT UprightWidth() const { return ExifOrientation::SwapsSides(orientation) ? height : width; }
+    UINT UprightHeight() const { return ExifOrientation::SwapsSides(orientation) ? width : height; }
 };
 
 int OrientationOf(const std::wstring& path) {
@@ -87,20 +76,34 @@ HRESULT ReadRows(const Picture& picture, UINT top, UINT rows, std::uint32_t* pix
     return picture.pixels->CopyPixels(&band, stride, stride * rows, reinterpret_cast<BYTE*>(pixels));
 }
 
-// Three bytes for each pixel; what is transparent lies on white.
-void Flatten(const std::uint32_t* pixels, std::size_t count, BYTE* bgr) {
+// Lays what is transparent on white.
+void Flatten(std::uint32_t* pixels, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t pixel = pixels[i];
-        const std::uint32_t alpha = pixel >> 24;
-        for (int shift = 0; shift < 24; shift += 8) {
-            const std::uint32_t value = pixel >> shift & 0xFF;
-            *bgr++ = static_cast<BYTE>(alpha == 255 ? value : (value * alpha + 255 * (255 - alpha) + 127) / 255);
+        const std::uint32_t alpha = pixels[i] >> 24;
+        if (alpha == 255) {
+            continue;
         }
+        std::uint32_t flat = 0xFF000000;
+        for (int shift = 0; shift < 24; shift += 8) {
+            const std::uint32_t value = pixels[i] >> shift & 0xFF;
+            flat |= (value * alpha + 255 * (255 - alpha) + 127) / 255 << shift;
+        }
+        pixels[i] = flat;
     }
 }
 
-// Writes the upright picture's bands, which `read` gives.
-HRESULT WriteBands(IWICBitmapFrameEncode* frame, UINT width, UINT height,
+// Three bytes for each pixel.
+void Pack(const std::uint32_t* pixels, std::size_t count, BYTE* bgr) {
+    for (std::size_t i = 0; i < count; ++i, bgr += 3) {
+        const std::uint32_t pixel = pixels[i];
+        bgr[0] = static_cast<BYTE>(pixel);
+        bgr[1] = static_cast<BYTE>(pixel >> 8);
+        bgr[2] = static_cast<BYTE>(pixel >> 16);
+    }
+}
+
+// Writes the upright picture's bands, which `read` gives, and lets the thumbnail see them.
+HRESULT WriteBands(IWICBitmapFrameEncode* frame, UINT width, UINT height, ThumbnailMaker& thumbnail,
                    const std::function<HRESULT(UINT top, UINT rows, std::uint32_t* pixels)>& read) {
     const UINT stride = (width * 3 + 3) / 4 * 4;
     std::vector<std::uint32_t> pixels(std::size_t{width} * kBandRows);
@@ -112,33 +115,35 @@ HRESULT WriteBands(IWICBitmapFrameEncode* frame, UINT width, UINT height,
         if (FAILED(result)) {
             break;
         }
+        Flatten(pixels.data(), std::size_t{width} * rows);
+        thumbnail.AddRows(top, rows, pixels.data());
         for (UINT row = 0; row < rows; ++row) {
-            Flatten(pixels.data() + std::size_t{row} * width, width, bgr.data() + std::size_t{row} * stride);
+            Pack(pixels.data() + std::size_t{row} * width, width, bgr.data() + std::size_t{row} * stride);
         }
         result = frame->WritePixels(rows, stride, stride * rows, bgr.data());
     }
     return result;
 }
 
-HRESULT WritePicture(const Picture& picture, IWICBitmapFrameEncode* frame) {
-    const bool swaps = ExifOrientation::SwapsSides(picture.orientation);
-    const UINT width = swaps ? picture.height : picture.width;
-    const UINT height = swaps ? picture.width : picture.height;
+HRESULT SetFormat(IWICBitmapFrameEncode* frame, UINT width, UINT height) {
     WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
     HRESULT result = frame->SetSize(width, height);
     if (SUCCEEDED(result)) {
         result = frame->SetPixelFormat(&format);
     }
-    if (SUCCEEDED(result) && !IsEqualGUID(format, GUID_WICPixelFormat24bppBGR)) {
-        result = WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
-    }
+    return SUCCEEDED(result) && !IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) ? WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT
+                                                                                  : result;
+}
+
+HRESULT WritePicture(const Picture& picture, IWICBitmapFrameEncode* frame, ThumbnailMaker& thumbnail) {
+    HRESULT result = SetFormat(frame, picture.UprightWidth(), picture.UprightHeight());
     if (FAILED(result)) {
         return result;
     }
     if (picture.orientation == ExifOrientation::kUpright) {
-        return WriteBands(frame, width, height, [&picture](UINT top, UINT rows, std::uint32_t* pixels) {
-            return ReadRows(picture, top, rows, pixels);
-        });
+        return WriteBands(
+            frame, picture.width, picture.height, thumbnail,
+            [&picture](UINT top, UINT rows, std::uint32_t* pixels) { return ReadRows(picture, top, rows, pixels); });
     }
     std::vector<std::uint32_t> stored(std::size_t{picture.width} * picture.height);
     for (UINT top = 0; SUCCEEDED(result) && top < picture.height; top += kBandRows) {
@@ -148,10 +153,12 @@ HRESULT WritePicture(const Picture& picture, IWICBitmapFrameEncode* frame) {
     if (FAILED(result)) {
         return result;
     }
-    return WriteBands(frame, width, height, [&](UINT top, UINT rows, std::uint32_t* pixels) {
-        ExifOrientation::TurnRows(stored.data(), picture.width, picture.height, picture.orientation, top, rows, pixels);
-        return S_OK;
-    });
+    return WriteBands(frame, picture.UprightWidth(), picture.UprightHeight(), thumbnail,
+                      [&](UINT top, UINT rows, std::uint32_t* pixels) {
+                          ExifOrientation::TurnRows(stored.data(), picture.width, picture.height, picture.orientation,
+                                                    top, rows, pixels);
+                          return S_OK;
+                      });
 }
 
 // An encoder that does not know the option keeps its own quality.
@@ -166,15 +173,28 @@ void SetQuality(IPropertyBag2* options) {
     options->Write(1, &option, &value);
 }
 
-HRESULT Encode(IWICImagingFactory* factory, const Picture& picture, const std::wstring& target) {
-    Held<IWICStream> stream;
+std::vector<std::uint8_t> BytesOf(IStream* stream) {
+    HGLOBAL memory = nullptr;
+    STATSTG state = {};
+    if (FAILED(GetHGlobalFromStream(stream, &memory)) || FAILED(stream->Stat(&state, STATFLAG_NONAME))) {
+        return {};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(state.cbSize.QuadPart));
+    if (const void* data = GlobalLock(memory)) {
+        std::copy_n(static_cast<const std::uint8_t*>(data), bytes.size(), bytes.begin());
+        GlobalUnlock(memory);
+    }
+    return bytes;
+}
+
+// `write` gives the frame its size, format and rows.
+HRESULT Encode(IWICImagingFactory* factory, const std::function<HRESULT(IWICBitmapFrameEncode* frame)>& write,
+               std::vector<std::uint8_t>& file) {
+    Held<IStream> stream;
     Held<IWICBitmapEncoder> encoder;
     Held<IWICBitmapFrameEncode> frame;
     Held<IPropertyBag2> options;
-    HRESULT result = factory->CreateStream(stream.Put());
-    if (SUCCEEDED(result)) {
-        result = stream->InitializeFromFilename(target.c_str(), GENERIC_WRITE);
-    }
+    HRESULT result = CreateStreamOnHGlobal(nullptr, TRUE, stream.Put());
     if (SUCCEEDED(result)) {
         result = factory->CreateEncoder(GUID_ContainerFormatJpeg, nullptr, encoder.Put());
     }
@@ -191,17 +211,42 @@ HRESULT Encode(IWICImagingFactory* factory, const Picture& picture, const std::w
         result = frame->Initialize(options.Get());
     }
     if (SUCCEEDED(result)) {
-        result = WritePicture(picture, frame.Get());
+        result = write(frame.Get());
     }
     if (SUCCEEDED(result)) {
         result = frame->Commit();
     }
-    return SUCCEEDED(result) ? encoder->Commit() : result;
+    if (SUCCEEDED(result)) {
+        result = encoder->Commit();
+    }
+    if (SUCCEEDED(result)) {
+        file = BytesOf(stream.Get());
+    }
+    return result;
+}
+
+// Empty when it cannot be made: the gallery then reads the picture itself.
+std::vector<std::uint8_t> EncodeThumbnail(IWICImagingFactory* factory, const ThumbnailMaker& thumbnail) {
+    const auto width = static_cast<UINT>(thumbnail.Width());
+    const auto height = static_cast<UINT>(thumbnail.Height());
+    const std::vector<std::uint32_t> pixels = thumbnail.Pixels();
+    std::vector<std::uint8_t> file;
+    const HRESULT result = Encode(
+        factory,
+        [&](IWICBitmapFrameEncode* frame) {
+            const UINT stride = width * 3;
+            std::vector<BYTE> bgr(std::size_t{stride} * height);
+            Pack(pixels.data(), pixels.size(), bgr.data());
+            const HRESULT set = SetFormat(frame, width, height);
+            return SUCCEEDED(set) ? frame->WritePixels(height, stride, stride * height, bgr.data()) : set;
+        },
+        file);
+    return SUCCEEDED(result) ? file : std::vector<std::uint8_t>();
 }
 
 }  // namespace
 
-HRESULT SaveAsJpeg(const std::wstring& source, const std::wstring& target) {
+HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file) {
     Held<IWICImagingFactory> factory;
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
                                       reinterpret_cast<void**>(factory.Put()));
@@ -209,5 +254,16 @@ HRESULT SaveAsJpeg(const std::wstring& source, const std::wstring& target) {
     if (SUCCEEDED(result)) {
         result = Open(factory.Get(), source, picture);
     }
-    return SUCCEEDED(result) ? Encode(factory.Get(), picture, target) : result;
+    if (FAILED(result)) {
+        return result;
+    }
+    ThumbnailMaker thumbnail(picture.UprightWidth(), picture.UprightHeight());
+    result = Encode(
+        factory.Get(), [&](IWICBitmapFrameEncode* frame) { return WritePicture(picture, frame, thumbnail); }, file);
+    if (SUCCEEDED(result)) {
+        if (const std::vector<std::uint8_t> small = EncodeThumbnail(factory.Get(), thumbnail); !small.empty()) {
+            file = JpegThumbnail::Embed(file, small);
+        }
+    }
+    return result;
 }
