@@ -115,8 +115,10 @@ void HomePage::Initialize() {
     MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
     previewSwitch_ = Find(L"preview_switch");
     previewArea_ = Find(L"preview_wnd");
-    if (model_)
+    if (model_) {
+        model_->InitCustomImage();
         model_->NotifyStatus();
+    }
 }
 
 void HomePage::Refresh(const FeatureStatusTuple& snapshot) {

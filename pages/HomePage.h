@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "pages/GalleryThumbnails.h"
 #include "pages/PageBase.h"
 #include "pages/PreviewWindow.h"
 #include "service/GlobalUtils.h"
@@ -20,6 +21,10 @@
 
 class HomeService;
 class Preview;
+
+namespace DuiLib {
+class COptionUI;
+}
 
 class HomePage : public PageBase {
   public:
@@ -71,6 +76,7 @@ class HomePage : public PageBase {
 
     // --- gallery (HomePageGallery.cpp)
     void ClickChangeBackground(const std::wstring& name);
+    void AddOwnBackground(DuiLib::COptionUI& addButton);
     void RelayoutGallery(int count);
     void ShowToolTip(DuiLib::CControlUI* sender, bool show);
     void ShowHint(PageHost::Hint hint, DuiLib::CControlUI* anchor, const std::wstring& text, bool show);
@@ -100,6 +106,7 @@ class HomePage : public PageBase {
     std::map<std::wstring, std::int32_t> switchStates_;
     std::map<std::wstring, std::int32_t> sliderValues_;
     std::set<std::wstring> backgroundButtons_;
+    GalleryThumbnails thumbnails_{Manager()};
     DuiLib::CControlUI* previewSwitch_ = nullptr;  // borrowed from the page's tree
     DuiLib::CControlUI* previewArea_ = nullptr;    // borrowed from the page's tree
     PreviewWindow previewWindow_;

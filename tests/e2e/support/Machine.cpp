@@ -99,11 +99,11 @@ std::optional<DWORD> Number(const wchar_t* name) {
 }
 
 std::optional<std::wstring> Text(const wchar_t* name) {
-    wchar_t value[4096] = {};
-    DWORD size = sizeof(value);
-    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_SZ, nullptr, value, &size))
+    std::vector<wchar_t> value(64 * 1024);
+    DWORD size = static_cast<DWORD>(value.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_SZ, nullptr, value.data(), &size))
         return std::nullopt;
-    return value;
+    return value.data();
 }
 
 std::vector<std::string> Log() {

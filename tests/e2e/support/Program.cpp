@@ -45,10 +45,11 @@ std::vector<DWORD> Grab(HWND window, SIZE& size) {
     return result;
 }
 
-void SendMouse(DWORD flags) {
+void SendMouse(DWORD flags, int amount = 0) {
     INPUT input = {};
     input.type = INPUT_MOUSE;
     input.mi.dwFlags = flags;
+    input.mi.mouseData = static_cast<DWORD>(amount);
     SendInput(1, &input, sizeof(input));
 }
 
@@ -185,11 +186,7 @@ void Program::Click(const std::wstring& name) const {
 }
 
 void Program::Wheel(int notches) const {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = MOUSEEVENTF_WHEEL;
-    input.mi.mouseData = static_cast<DWORD>(notches * WHEEL_DELTA);
-    SendInput(1, &input, sizeof(input));
+    SendMouse(MOUSEEVENTF_WHEEL, notches * WHEEL_DELTA);
 }
 
 bool Program::Reveal(const std::wstring& name) const {
