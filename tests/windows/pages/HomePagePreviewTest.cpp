@@ -159,10 +159,17 @@ TEST_F(HomePagePreviewTest, ItsShapeIsThePreviewArea) {
     EXPECT_EQ(place.bottom - place.top, 354);
     HRGN region = CreateRectRgn(0, 0, 0, 0);
     EXPECT_NE(GetWindowRgn(PreviewWindow(), region), ERROR);
-    HRGN wanted = CreateRoundRectRgn(40, 40, 558, 315, 32, 32);
-    EXPECT_TRUE(EqualRgn(region, wanted));
+    RECT box = {};
+    GetRgnBox(region, &box);
+    // A rounded region ends a pixel before the right and the lower edge that it is given.
+    const RECT wanted = {40, 40, 557, 314};
+    EXPECT_TRUE(EqualRect(&box, &wanted));
+    EXPECT_FALSE(PtInRegion(region, 43, 43)) << "the corners are round";
+    EXPECT_TRUE(PtInRegion(region, 46, 46));
+    EXPECT_FALSE(PtInRegion(region, 553, 310));
+    EXPECT_TRUE(PtInRegion(region, 300, 40));
+    EXPECT_TRUE(PtInRegion(region, 40, 180));
     DeleteObject(region);
-    DeleteObject(wanted);
 }
 
 TEST_F(HomePagePreviewTest, WithoutAWindowThereIsNoCapture) {
