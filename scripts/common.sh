@@ -16,6 +16,7 @@ build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-pos
 run_packages="wine64 wine xvfb xdotool x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 test_packages="clang-format clang-tidy ffmpeg"
+bench_packages="libyuv-dev libswscale-dev"
 
 # ensure_packages names...: installs what is missing, and says so before it does.
 ensure_packages() {

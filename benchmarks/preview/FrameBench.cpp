@@ -1,10 +1,12 @@
 // How long a camera frame takes from its own format to mirrored 32-bit pixels, against the same work done by libyuv
 // (conversion, then mirror, through a frame in between), by swscale (conversion, then libyuv's mirror), and against a
-// plain copy of as many bytes as a finished frame has.
+// plain copy of as many bytes as a finished frame has, and against a loop that only reads the source and writes the
+// frame. The scalar form, which the others must equal, is timed too.
 //
 // All contestants take turns within one run, so that a busy machine hits them alike; the figures are medians. "Cold":
 // the caches are flushed with other data before each turn, as between two frames of a camera; "warm": they are not.
-// Usage: preview_bench [rounds]. One line per format and size; the last column is the goal for pixora / libyuv.
+// Usage: preview_bench [rounds]. One line per format and size. ratio: pixora / libyuv, then its goal; /touch: pixora /
+// touch, goal 1.3 when cold; scalar/: scalar / pixora, goal 18 for NV12.
 #include <libyuv.h>
 
 extern "C" {
@@ -92,6 +94,17 @@ void FlushCaches() {
     }
 }
 
+// Reads all of the one and writes all of the other, and nothing else: what no conversion can go below by much.
+void Touch(const std::vector<std::uint8_t>& source, std::vector<std::uint8_t>& frame) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i + 8 <= source.size(); i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, source.data() + i, 8);
+        sum += word;
+    }
+    std::memset(frame.data(), static_cast<int>(sum), frame.size());
+}
+
 void Run(const Case& item, int width, int height, int rounds, bool cold) {
     const int stride = SourceStride(item.format, width);
     const std::size_t sourceBytes = std::size_t(stride) * height * (item.format == PixelFormat::kNv12 ? 3 : 2) / 2;
@@ -110,7 +123,9 @@ void Run(const Case& item, int width, int height, int rounds, bool cold) {
         libyuv::ARGBMirror(from.data(), 4 * width, frame.data(), 4 * width, width, height);
     };
     std::vector<Contestant> contestants;
-    for (const auto& [level, name] : {std::pair{CpuLevel::kAvx2, "pixora"}, {CpuLevel::kSsse3, "pixora ssse3"}}) {
+    for (const auto& [level, name] : {std::pair{CpuLevel::kAvx2, "pixora"},
+                                      {CpuLevel::kSsse3, "pixora ssse3"},
+                                      {CpuLevel::kScalar, "pixora scalar"}}) {
         if (level <= preview::BestCpuLevel()) {
             contestants.push_back({name,
                                    [&, convert = preview::ConvertersFor(item.format, level).mirrored] {
@@ -142,6 +157,8 @@ void Run(const Case& item, int width, int height, int rounds, bool cold) {
          {}});
     contestants.push_back({"memcpy", [&] { std::memcpy(frame.data(), other.data(), frameBytes); }, {}});
 
+    contestants.push_back({"touch", [&] { Touch(source, frame); }, {}});
+
     for (int round = 0; round < rounds; ++round) {
         // Another one begins each time: none of them always runs on the caches that the same neighbour left.
         std::rotate(contestants.begin(), contestants.begin() + 1, contestants.end());
@@ -167,9 +184,10 @@ void Run(const Case& item, int width, int height, int rounds, bool cold) {
         return 0.0;
     };
     const double ratio = figure("pixora") / figure("libyuv");
-    std::printf("%-6s %4dx%-4d %s  %7.3f  %7.3f  %7.3f  %7.3f  %7.3f   %5.2f  %5.2f\n", item.name, width, height,
-                cold ? "cold" : "warm", figure("pixora"), figure("pixora ssse3"), figure("libyuv"), figure("swscale"),
-                figure("memcpy"), ratio, item.goal);
+    std::printf("%-6s %4dx%-4d %s  %7.3f  %7.3f  %7.3f  %7.3f  %7.3f  %7.3f  %7.3f   %5.2f  %5.2f  %5.2f  %6.1f\n",
+                item.name, width, height, cold ? "cold" : "warm", figure("pixora"), figure("pixora ssse3"),
+                figure("pixora scalar"), figure("libyuv"), figure("swscale"), figure("memcpy"), figure("touch"), ratio,
+                item.goal, figure("pixora") / figure("touch"), figure("pixora scalar") / figure("pixora"));
 }
 
 }  // namespace
@@ -181,8 +199,9 @@ int main(int argc, char** argv) {
         return 64;
     }
     std::printf("Milliseconds a frame, medians of %d rounds\n", rounds);
-    std::printf("%-6s %-9s %s  %7s  %7s  %7s  %7s  %7s   %5s  %5s\n", "format", "size", "cache", "pixora", "(ssse3)",
-                "libyuv", "swscale", "memcpy", "ratio", "goal");
+    std::printf("%-6s %-9s %s  %7s  %7s  %7s  %7s  %7s  %7s  %7s   %5s  %5s  %5s  %6s\n", "format", "size", "cache",
+                "pixora", "(ssse3)", "scalar", "libyuv", "swscale", "memcpy", "touch", "ratio", "goal", "/touch",
+                "scalar/");
     for (const Case& item : kCases) {
         for (const auto& [width, height] : {std::pair{1280, 720}, {1920, 1080}}) {
             for (const bool cold : {true, false}) {
