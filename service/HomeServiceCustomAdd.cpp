@@ -4,6 +4,7 @@
 #include <commdlg.h>
 
 #include <array>
+#include <memory>
 
 #include "preview/ImageReader.h"
 #include "preview/VideoReader.h"
@@ -19,6 +20,7 @@
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "service/UsageEvents.h"
+#include "service/VideoCover.h"
 #include "suite/logger/QxLogger.h"
 
 using GlobalUtils::MessageBoxKind;
@@ -113,14 +115,22 @@ bool HomeService::CheckImageFile(const std::wstring& path) {
 }
 
 bool HomeService::CheckVideoFile(const std::wstring& path) {
-    VideoReader reader;
-    UINT width = 0;
-    UINT height = 0;
-    if (!reader.Open(path) || !reader.GetFrameSize(&width, &height)) {
+    struct Size {
+        UINT width = 0;
+        UINT height = 0;
+    };
+    const auto size = std::make_shared<Size>();
+    const bool opened = RunWhilePainting(
+        [path, size] {
+            VideoReader reader;
+            return reader.Open(path) && reader.GetFrameSize(&size->width, &size->height);
+        },
+        kVideoPatience);
+    if (!opened) {
         Publish(MessageBoxKind::kFileUnreadable);
         return false;
     }
-    if (width > kMaxVideoWidth || height > kMaxVideoHeight) {
+    if (size->width > kMaxVideoWidth || size->height > kMaxVideoHeight) {
         Publish(MessageBoxKind::kVideoTooLarge);
         return false;
     }

@@ -4,8 +4,12 @@
 
 #include <objbase.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <exception>
+#include <memory>
 #include <thread>
+#include <utility>
 
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
@@ -28,9 +32,21 @@ bool RunInApartment(const std::function<bool()>& work) {
     return result;
 }
 
-void PaintUntil(HANDLE done) {
-    while (MsgWaitForMultipleObjectsEx(1, &done, INFINITE, QS_PAINT | QS_SENDMESSAGE, MWMO_INPUTAVAILABLE) ==
-           WAIT_OBJECT_0 + 1) {
+// False when the time is over.
+bool PaintUntil(HANDLE done, std::chrono::milliseconds atMost) {
+    const auto end = std::chrono::steady_clock::now() + atMost;
+    for (;;) {
+        DWORD rest = INFINITE;
+        if (atMost != kWithoutEnd) {
+            const auto left =
+                std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+            rest = static_cast<DWORD>(std::max<std::int64_t>(0, left.count()));
+        }
+        const DWORD reason =
+            MsgWaitForMultipleObjectsEx(1, &done, rest, QS_PAINT | QS_SENDMESSAGE, MWMO_INPUTAVAILABLE);
+        if (reason != WAIT_OBJECT_0 + 1) {
+            return reason == WAIT_OBJECT_0;
+        }
         MSG message;
         if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE)) {
             DispatchMessageW(&message);
@@ -38,23 +54,35 @@ void PaintUntil(HANDLE done) {
     }
 }
 
+// Shared with the thread, which may outlive the wait.
+struct Job {
+    std::function<bool()> work;
+    suite::Handle done{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    bool result = false;  // the thread's until `done`
+};
+
 }  // namespace
 
-bool RunWhilePainting(const std::function<bool()>& work) {
-    const suite::Handle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    if (!done) {
-        return RunInApartment(work);
+bool RunWhilePainting(std::function<bool()> work, std::chrono::milliseconds atMost) {
+    const auto job = std::make_shared<Job>();
+    job->work = std::move(work);
+    if (!job->done) {
+        return RunInApartment(job->work);
     }
-    bool result = false;
     try {
-        std::thread worker([&] {
-            result = RunInApartment(work);
-            SetEvent(done.Get());
+        std::thread worker([job] {
+            job->result = RunInApartment(job->work);
+            SetEvent(job->done.Get());
         });
-        PaintUntil(done.Get());
+        if (!PaintUntil(job->done.Get(), atMost)) {
+            LogLine(4, kFunction, L"The work takes too long");
+            worker.detach();
+            return false;
+        }
         worker.join();
+        return job->result;
     } catch (const std::exception& error) {
         LogLine(4, kFunction, L"No thread for the work: ", error.what());
+        return false;
     }
-    return result;
 }

@@ -18,19 +18,30 @@ ThumbnailMaker::ThumbnailMaker(std::size_t pictureWidth, std::size_t pictureHeig
         columnOf_[x] = static_cast<std::uint32_t>(x * width_ / cropWidth_);
     }
     sums_.resize(width_ * height_);
+    constexpr std::size_t kRowsForOne = 8;
+    rowStep_ = std::max<std::size_t>(1, cropHeight_ / (height_ * kRowsForOne));
 }
 
 void ThumbnailMaker::AddRows(std::size_t top, std::size_t rows, const std::uint32_t* pixels) {
+    constexpr std::size_t kBytes = sizeof(std::uint32_t);
+    AddRows(top, rows, reinterpret_cast<const std::uint8_t*>(pixels), kBytes, pictureWidth_ * kBytes);
+}
+
+void ThumbnailMaker::AddRows(std::size_t top, std::size_t rows, const std::uint8_t* bytes, std::size_t pixelBytes,
+                             std::size_t rowBytes) {
     const std::size_t begin = std::max(top, cropTop_);
     const std::size_t end = std::min(top + rows, cropTop_ + cropHeight_);
     for (std::size_t y = begin; y < end; ++y) {
-        const std::uint32_t* row = pixels + (y - top) * pictureWidth_ + cropLeft_;
+        if ((y - cropTop_) % rowStep_ != 0) {
+            continue;
+        }
+        const std::uint8_t* pixel = bytes + (y - top) * rowBytes + cropLeft_ * pixelBytes;
         Sum* target = sums_.data() + (y - cropTop_) * height_ / cropHeight_ * width_;
-        for (std::size_t x = 0; x < cropWidth_; ++x) {
+        for (std::size_t x = 0; x < cropWidth_; ++x, pixel += pixelBytes) {
             Sum& sum = target[columnOf_[x]];
-            sum.blue += row[x] & 0xFF;
-            sum.green += row[x] >> 8 & 0xFF;
-            sum.red += row[x] >> 16 & 0xFF;
+            sum.blue += pixel[0];
+            sum.green += pixel[1];
+            sum.red += pixel[2];
             ++sum.count;
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
 // Shrinks a picture whose rows come one band after the other to the gallery's thumbnail: the middle of the picture in
-// the cell's proportions, each pixel the mean of those it stands for.
+// the cell's proportions, each pixel the mean of those it stands for (of large pictures, of some of their rows).
 //
 // Threads: one at a time.
 #include <cstddef>
@@ -19,6 +19,9 @@ class ThumbnailMaker {
     // Rows from `top` on, each as wide as the picture, blue, green, red and a byte that is left out of account.
     // REQUIRES: every row of the picture comes once.
     void AddRows(std::size_t top, std::size_t rows, const std::uint32_t* pixels);
+    // The same for pixels of three bytes, or of four, and rows of that many bytes.
+    void AddRows(std::size_t top, std::size_t rows, const std::uint8_t* bytes, std::size_t pixelBytes,
+                 std::size_t rowBytes);
 
     // Smaller than the largest thumbnail where the picture is.
     std::size_t Width() const { return width_; }
@@ -35,6 +38,7 @@ class ThumbnailMaker {
     const std::size_t pictureWidth_;
     std::size_t cropLeft_ = 0, cropTop_ = 0, cropWidth_, cropHeight_;
     std::size_t width_, height_;
+    std::size_t rowStep_ = 1;              // every so many rows of the crop count
     std::vector<std::uint32_t> columnOf_;  // thumbnail column of each column of the crop
     std::vector<Sum> sums_;
 };

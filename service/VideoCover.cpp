@@ -2,7 +2,11 @@
 
 #include <shlobj.h>
 
+#include <memory>
+#include <utility>
+
 #include "preview/VideoReader.h"
+#include "service/PaintingWait.h"
 #include "suite/common/ComRelease.h"
 
 namespace {
@@ -67,10 +71,20 @@ HBITMAP ShellVideoCover(const std::wstring& path) {
 }
 
 HBITMAP LoadVideoCover(const std::wstring& path) {
-    if (const HBITMAP cover = ShellVideoCover(path)) {
-        return cover;
-    }
-    VideoReader reader;
-    return reader.Open(path) ? reader.ReadCover(static_cast<UINT>(kCoverPx.cx), static_cast<UINT>(kCoverPx.cy))
-                             : nullptr;
+    struct Cover {
+        HBITMAP bitmap = nullptr;
+        ~Cover() { DeleteObject(bitmap); }
+    };
+    const auto cover = std::make_shared<Cover>();
+    const bool loaded = RunWhilePainting(
+        [path, cover] {
+            cover->bitmap = ShellVideoCover(path);
+            VideoReader reader;
+            if (!cover->bitmap && reader.Open(path)) {
+                cover->bitmap = reader.ReadCover(static_cast<UINT>(kCoverPx.cx), static_cast<UINT>(kCoverPx.cy));
+            }
+            return cover->bitmap != nullptr;
+        },
+        kVideoPatience);
+    return loaded ? std::exchange(cover->bitmap, nullptr) : nullptr;
 }

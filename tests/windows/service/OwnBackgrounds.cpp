@@ -127,6 +127,34 @@ OwnBackgroundsTest::Decoded OwnBackgroundsTest::Decode(const fs::path& path) {
     return picture;
 }
 
+suite::Handle OwnBackgroundsTest::StartHelper(const std::wstring& arguments) {
+    std::wstring program(MAX_PATH, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
+    std::wstring command =
+        L"\"" + (fs::path(program).parent_path() / L"service_helper.exe").wstring() + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION info{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
+        ADD_FAILURE() << "the helper cannot be started: " << GetLastError();
+        return {};
+    }
+    CloseHandle(info.hThread);
+    return suite::Handle(info.hProcess);
+}
+
+DWORD OwnBackgroundsTest::RunHelper(const std::wstring& arguments) {
+    const suite::Handle process = StartHelper(arguments);
+    DWORD code = 0xFFFFFFFF;
+    if (!process || WaitForSingleObject(process.Get(), static_cast<DWORD>(kDeadline.count())) != WAIT_OBJECT_0) {
+        TerminateProcess(process.Get(), 1);
+        WaitForSingleObject(process.Get(), INFINITE);
+    } else {
+        GetExitCodeProcess(process.Get(), &code);
+    }
+    return code;
+}
+
 std::vector<char> OwnBackgroundsTest::Content(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

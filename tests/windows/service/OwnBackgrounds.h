@@ -5,6 +5,7 @@
 // Thread: the test's, which is in a COM apartment.
 #include "service/CustomImageGroup.h"
 #include "service/KindNotifier.h"
+#include "suite/common/Handle.h"
 #include "tests/windows/service/ServiceTest.h"
 
 class OwnBackgroundsTest : public ServiceTest {
@@ -51,6 +52,11 @@ class OwnBackgroundsTest : public ServiceTest {
         std::uint32_t At(UINT x, UINT y) const { return pixels.at(std::size_t{y} * width + x); }
     };
     static Decoded Decode(const std::filesystem::path& path);
+    // Starts service_helper with those arguments.
+    static suite::Handle StartHelper(const std::wstring& arguments);
+    // Its exit code; 0xFFFFFFFF when it does not end.
+    static DWORD RunHelper(const std::wstring& arguments);
+
     // By its content, not by its name.
     static bool IsJpeg(const std::filesystem::path& path);
     static bool IsBitmap(const std::filesystem::path& path);

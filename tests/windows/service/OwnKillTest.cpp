@@ -1,13 +1,11 @@
 // A program that is ended in the middle of adding leaves the old list or the new one.
-#include <fstream>
-
-#include "suite/common/Handle.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr wchar_t kHelperRoot[] = L"SOFTWARE\\PixoraServiceHelper";
 constexpr wchar_t kHelperKey[] = L"SOFTWARE\\PixoraServiceHelper\\SOFTWARE\\Velmora\\Quillon\\LumiCamera";
 constexpr wchar_t kGroup[] = L"lumi_camera_custom_img_group";
 
@@ -17,7 +15,24 @@ class OwnKillTest : public OwnBackgroundsTest {
         OwnBackgroundsTest::SetUp();
         // The helper's registry lies in the user's real one.
         RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\PixoraServiceHelper");
+        RegDeleteTreeW(HKEY_CURRENT_USER, kHelperRoot);
+        // One that lasts: the helper's own would take no settings key.
+        HKEY key = nullptr;
+        ASSERT_EQ(
+            RegCreateKeyExW(HKEY_CURRENT_USER, kHelperRoot, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+            ERROR_SUCCESS);
+        RegCloseKey(key);
+    }
+    void TearDown() override {
+        EndHelper();
+        RegDeleteTreeW(HKEY_CURRENT_USER, kHelperRoot);
+        OwnBackgroundsTest::TearDown();
+    }
+    void EndHelper() {
+        if (helper_) {
+            TerminateProcess(helper_.Get(), 1);
+            WaitForSingleObject(helper_.Get(), INFINITE);
+        }
     }
 
     static std::wstring HelperGroup() {
@@ -28,28 +43,15 @@ class OwnKillTest : public OwnBackgroundsTest {
         return status == ERROR_SUCCESS ? text.data() : L"";
     }
 
-    static suite::Handle StartHelper(const std::wstring& file) {
-        std::wstring program(MAX_PATH, L'\0');
-        program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-        std::wstring command =
-            L"\"" + (fs::path(program).parent_path() / L"service_helper.exe").wstring() + L"\" add \"" + file + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION info{};
-        if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-            return {};
-        }
-        CloseHandle(info.hThread);
-        return suite::Handle(info.hProcess);
-    }
+    suite::Handle helper_;
 };
 
 TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {
     for (int round = 0; round < 12; ++round) {
         SCOPED_TRACE(round);
         const std::wstring before = HelperGroup();
-        const suite::Handle helper = StartHelper(Media(round % 3 == 0 ? L"clip.mp4" : L"red.jpg"));
-        ASSERT_TRUE(helper);
+        helper_ = StartHelper(L"add \"" + Media(round % 3 == 0 ? L"clip.mp4" : L"red.jpg") + L"\"");
+        ASSERT_TRUE(helper_);
         // Somewhere within the next addition, another place each time.
         const auto deadline = std::chrono::steady_clock::now() + kDeadline;
         while (HelperGroup() == before) {
@@ -59,8 +61,7 @@ TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {
         const auto moment = std::chrono::steady_clock::now() + std::chrono::milliseconds(3 * round);
         while (std::chrono::steady_clock::now() < moment) {
         }
-        TerminateProcess(helper.Get(), 1);
-        WaitForSingleObject(helper.Get(), INFINITE);
+        EndHelper();
 
         const std::wstring group = HelperGroup();
         const Records records = CustomImageGroup::Parse(group);
@@ -69,7 +70,6 @@ TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {
             EXPECT_GT(Decode(record.thumbPath).width, 0u) << fs::path(record.thumbPath);
         }
     }
-    RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\PixoraServiceHelper");
 }
 
 }  // namespace

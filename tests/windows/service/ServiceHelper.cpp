@@ -3,6 +3,7 @@
 //   service_helper                 0 when the model is one and the same
 //   service_helper drag            moves a slider many times and ends at once
 //   service_helper switch          turns the camera switch on and ends at once
+//   service_helper check FILE      1 when it is refused as a video background
 //   service_helper add FILE        adds that file as background again and again, until it is ended
 #include <windows.h>
 
@@ -30,6 +31,9 @@ int wmain(int argc, wchar_t** argv) {
     }
     if (work == L"switch") {
         model->SetCameraSwitch(1);
+    }
+    if (work == L"check" && argc > 2) {
+        return HomeService::CheckVideoFile(argv[2]) ? 0 : 1;
     }
     if (work == L"add" && argc > 2) {
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
