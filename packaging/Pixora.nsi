@@ -51,6 +51,7 @@ Var removeDataBox
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${PICTURE}"
 !define MUI_ABORTWARNING
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MUI_PAGE_INSTFILES
@@ -206,7 +207,7 @@ Function un.onInit
 FunctionEnd
 
 Function un.AskWhatToRemove
-    !insertmacro MUI_HEADER_TEXT "$(^UninstallingSubText)" ""
+    !insertmacro MUI_HEADER_TEXT "$(^UninstallCaption)" ""
     nsDialogs::Create 1018
     Pop $0
     ${NSD_CreateLabel} 0 0 100% 40u "$(TextRemoving)"
