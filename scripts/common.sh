@@ -3,7 +3,8 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build
 export WINEDEBUG=${WINEDEBUG:--all}
-# No Mono, no HTML engine, no entries in the menus of this machine, no crash dialog: a crash ends the program with its true exit code.
+# No Mono, no HTML engine, no entries in this machine's menus, no crash dialog: a crash ends the program with its true
+# exit code.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-"mscoree,mshtml=;winedbg.exe,winemenubuilder.exe=d"}
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-}
 [ -n "$LIBGL_ALWAYS_SOFTWARE" ] || unset LIBGL_ALWAYS_SOFTWARE

@@ -97,7 +97,7 @@ class Wine:
         return None
 
     def registry(self):
-        """The machine's and the user's software keys, as lines "key" and "key|name=value"."""
+        """The machine's and the user's software keys but for Wine's own, as lines "key" and "key|name=value"."""
         lines = set()
         for root in ("HKEY_LOCAL_MACHINE\\Software", "HKEY_CURRENT_USER\\Software"):
             path = os.path.join(self.prefix, "drive_c", "registry.reg")
@@ -111,4 +111,4 @@ class Wine:
                     elif line.startswith(('"', "@")):
                         lines.add(f"{key}|{line}")
             os.remove(path)
-        return lines
+        return {line for line in lines if not line.startswith("HKEY_CURRENT_USER\\Software\\Wine\\")}
