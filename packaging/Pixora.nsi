@@ -143,6 +143,10 @@ Function MakeCommsFolder
         Return
     ${EndIf}
     System::Call 'advapi32::ConvertStringSecurityDescriptorToSecurityDescriptorW(w "${COMMS_RIGHTS}", i 1, *p .R0, p 0) i .R1'
+    ${If} $R1 = 0
+        SetErrorLevel 2
+        Abort "$APPDATA\Comms"
+    ${EndIf}
     ; SECURITY_ATTRIBUTES as it lies in the memory of a 64-bit process
     System::Call '*(i 24, i 0, p R0, i 0, i 0) p .R2'
     System::Call 'kernel32::CreateDirectoryW(w "$APPDATA\Comms", p R2) i .R1'

@@ -85,6 +85,17 @@ def use_as_people_do(wine):
     wine.write(f"{PROGRAM}/Neighbour.exe", b"another program of the suite")
 
 
+def check_diagnostics(wine):
+    program = f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe"
+    code = wine.run(program, "--output", "C:\\report.txt")
+    report = wine.content("drive_c/report.txt").decode()
+    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    check(code == 1, "the diagnostics program misses the camera")
+    check("installed version 0.9.0" in report, "and knows the installation")
+    check("layouts, texts, pictures and libraries are there" in report, "and finds the program whole")
+    check("this user can make folders" in report, "and can make folders where own backgrounds belong")
+
+
 def files_made(wine, before):
     return {name for name in machine.contents(wine.prefix) if name not in before and name.startswith("drive_c/")
             and LEFT_BY_NSIS not in name}
@@ -142,6 +153,7 @@ def main(build):
               "the start scenarios pass from the installed place")
 
         use_as_people_do(wine)
+        check_diagnostics(wine)
         upgrade_running(wine, new)
         check_installed(wine, os.path.join(out, "new", "program"), version)
         refuse_when_hanging(wine, new)
