@@ -1,4 +1,4 @@
-"""The Wine machine that the installation test works on: its programs, files and registry."""
+"""A Wine machine of a test's own: its programs, files and registry."""
 import os
 import signal
 import subprocess
