@@ -100,6 +100,7 @@ std::wstring SpokenName(const wchar_t* key, const std::wstring& itemName) {
 std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
     auto item = MakePart<CContainerUIEx>(name + kItemSuffix, kItemWidth, kItemHeight);
     item->SetAttribute(L"borderround", L"6");
+    item->SetAttribute(L"align", L"center");  // as the built-in entries, which are options
 
     auto picture = MakePart<CControlUI>(name + L"_bk", kItemWidth, kItemHeight);
     picture->SetAttribute(L"borderround", L"6");

@@ -99,7 +99,7 @@ TEST_F(HomePageGalleryTest, AnItemsPartsLieWithinIt) {
     EXPECT_EQ(Manager().FindControl(POINT{(remove.left + remove.right) / 2, (remove.top + remove.bottom) / 2}),
               &Control(Name(0) + L"_del"));
     // Where a built-in entry would stand.
-    EXPECT_EQ(item.top, Control(L"img_ten_background_btn").GetPos().top + 48);
+    EXPECT_EQ(item.top, Control(L"img_ten_background_btn").GetPos().top);
     EXPECT_EQ(item.left, Control(L"img_nine_background_btn").GetPos().left);
 }
 

