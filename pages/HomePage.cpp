@@ -119,10 +119,7 @@ void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
 
 void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
     const auto& [switches, sliders, background] = snapshot;
-    if (DuiLib::CControlUI* text = Find(L"preview_text")) {
-        if (const int width = TextWidth(text->GetText(), kTextFont))
-            text->SetFixedWidth(width);
-    }
+    FitPreviewText();
     ShowCameraIllustration();
 
     switchStates_.clear();
@@ -145,6 +142,17 @@ void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
             row->SetMaxHeight(0);
     }
     SelectBackgroundOption(background);
+}
+
+void HomePage::OnScaleChanged() {
+    FitPreviewText();
+}
+
+void HomePage::FitPreviewText() {
+    if (DuiLib::CControlUI* text = Find(L"preview_text")) {
+        if (const int width = TextWidth(text->GetText(), kTextFont))
+            text->SetFixedWidth(width);
+    }
 }
 
 void HomePage::ShowCameraIllustration() {

@@ -25,6 +25,7 @@ class HomePage : public PageBase {
     ~HomePage() override;
 
     void Initialize() override;
+    void OnScaleChanged() override;
     // Shows a snapshot of the settings in every control. Any thread: other threads' calls are handed over.
     void Refresh(const GlobalUtils::FeatureStatusTuple& snapshot);
 
@@ -49,6 +50,7 @@ class HomePage : public PageBase {
     void WireModel();
     void SubscribeHub();
     void ShowSnapshot(const GlobalUtils::FeatureStatusTuple& snapshot);
+    void FitPreviewText();
     void ShowCameraIllustration();
     void SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& background);
 

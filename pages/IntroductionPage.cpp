@@ -31,6 +31,11 @@ void IntroductionPage::OnActivate() {
     initialised_ = true;
 }
 
+void IntroductionPage::OnScaleChanged() {
+    if (initialised_)
+        LayOutHeader();
+}
+
 void IntroductionPage::LayOutHeader() {
     const auto widthOf = [this](const wchar_t* name) {
         const DuiLib::CControlUI* control = Find(name);

@@ -11,6 +11,8 @@ class IntroductionPage : public PageBase {
   public:
     explicit IntroductionPage(DuiLib::CPaintManagerUI* paintManager);
 
+    void OnScaleChanged() override;
+
   protected:
     void OnActivate() override;
     void OnClick(DuiLib::TNotifyUI& msg) override;

@@ -22,6 +22,8 @@ class PageBase : public DuiLib::CNotifyPump {
 
     // Runs once, when the window exists and the first page is shown.
     virtual void Initialize() {}
+    // The window has another DPI: widths that follow a text are measured again.
+    virtual void OnScaleChanged() {}
     // Puts the page into the tab container on first use, and shows it.
     void SelectTab(DuiLib::CTabLayoutUI* tabs, DuiLib::CNotifyPump* pump);
     // Asks the owner to switch to the page of that name.

@@ -207,6 +207,8 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             changingDpi_ = true;
             PaintManager().OnDpiChanged(wParam, lParam);
             changingDpi_ = false;
+            for (const auto& [name, page] : pages_)
+                page->OnScaleChanged();
             PublishMove();
             return 0;
         case WM_WTSSESSION_CHANGE:

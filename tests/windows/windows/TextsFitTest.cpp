@@ -1,0 +1,160 @@
+// Every window at every scale: no text is cut, and nothing lies outside what holds it. In the language that the system
+// gives to the process; it is started once for each.
+#include <set>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/LabelUI.h"
+#include "DuiLib/TextUI.h"
+#include "DuiLib/UICulture.h"
+#include "suite/product/SystemEnvironment.h"
+#include "tests/windows/windows/WindowTests.h"
+#include "windows/DelDoubleCheckPage.h"
+#include "windows/MessageTexts.h"
+#include "windows/PxDialogWnd.h"
+#include "windows/SimpleMessageBox.h"
+
+namespace {
+
+using testing::IsEmpty;
+
+constexpr int kScales[] = {96, 120, 144, 192, 288};
+constexpr int kUnlimitedPx = 100000;
+
+// Opens the doors that only a label's own classes have.
+class Label : public DuiLib::CLabelUI {
+  public:
+    using CLabelUI::MeasureContent;
+};
+
+void Rescale(DuiLib::CPaintManagerUI& manager, HWND window, int dpi) {
+    RECT place = {};
+    GetWindowRect(window, &place);
+    const int before = manager.GetDPI();
+    place.right = place.left + MulDiv(place.right - place.left, dpi, before);
+    place.bottom = place.top + MulDiv(place.bottom - place.top, dpi, before);
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+    manager.UpdateLayout();
+}
+
+std::string Describe(const DuiLib::CControlUI& control) {
+    const std::wstring text = control.GetName() + L" \"" + control.GetText() + L"\"";
+    std::string narrow(text.size() * 4, '\0');
+    narrow.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.c_str(), static_cast<int>(text.size()),
+                                                               narrow.data(), static_cast<int>(narrow.size()), nullptr,
+                                                               nullptr)));
+    return narrow;
+}
+
+// What is wrong in that tree, one line each.
+class Inspector {
+  public:
+    std::vector<std::string> Inspect(DuiLib::CControlUI& root) {
+        root.Visit([this](DuiLib::CControlUI& control) {
+            if (control.IsShown()) {
+                CheckText(control);
+                CheckPlace(control);
+            }
+            return true;
+        });
+        return found_;
+    }
+
+  private:
+    void CheckText(DuiLib::CControlUI& control) {
+        auto* label = dynamic_cast<DuiLib::CLabelUI*>(&control);
+        if (!label || label->GetText().empty())
+            return;
+        const DuiLib::Rect& place = label->GetPos();
+        const DuiLib::Size wanted = (label->*&Label::MeasureContent)({place.Width(), kUnlimitedPx});
+        // Widths that follow a text are kept in 96-DPI units; at 300 % that may be short by the empty pixel at its end.
+        if (wanted.cx > place.Width() + 1 || wanted.cy > place.Height()) {
+            found_.push_back("cut: " + Describe(control) + " wants " + std::to_string(wanted.cx) + "x" +
+                             std::to_string(wanted.cy) + ", has " + std::to_string(place.Width()) + "x" +
+                             std::to_string(place.Height()));
+        }
+    }
+
+    void CheckPlace(DuiLib::CControlUI& control) {
+        const DuiLib::CContainerUI* parent = control.GetParent();
+        if (!parent)
+            return;
+        const DuiLib::Rect& inner = control.GetPos();
+        const DuiLib::Rect& outer = parent->GetPos();
+        // The column of the effects is longer than its place and can be scrolled.
+        const bool scrolls = parent->GetName() == L"effects";
+        if (inner.left < outer.left || inner.right > outer.right ||
+            (!scrolls && (inner.top < outer.top || inner.bottom > outer.bottom))) {
+            found_.push_back("outside: " + Describe(control) + " of class " + Narrow(control.GetClass()) + " in " +
+                             Describe(*parent));
+        }
+    }
+
+    static std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
+
+    std::vector<std::string> found_;
+};
+
+std::vector<std::string> Inspect(DuiLib::CPaintManagerUI& manager) {
+    return Inspector().Inspect(*manager.GetRoot());
+}
+
+class TextsFitTest : public MainWindowTest {
+  protected:
+    void SetUp() override {
+        MainWindowTest::SetUp();
+        wchar_t expected[16] = {};
+        if (GetEnvironmentVariableW(L"EXPECTED_LANGUAGE", expected, 16) > 0) {
+            ASSERT_EQ(SystemEnvironment::GetCurrentUserLanguage(), expected);
+        }
+    }
+    static std::wstring Text(const wchar_t* key) { return DuiLib::UICulture::GetInstance()->GetString(key); }
+};
+
+TEST_F(TextsFitTest, OnTheHomePage) {
+    Write(L"lumi_camera_beauty_person", 1);
+    ASSERT_TRUE(Input::PumpUntil([] { return Control(L"slider_smooth").IsShown(); }));
+    for (const int dpi : kScales) {
+        Rescale(Manager(), Window().GetHWND(), dpi);
+        EXPECT_THAT(Inspect(Manager()), IsEmpty()) << dpi;
+    }
+}
+
+TEST_F(TextsFitTest, OnTheIntroduction) {
+    Manager().SendNotify(&Control(L"show_detail_btn"), DuiLib::NotifyType::kClick);
+    for (const wchar_t* tab : {L"custom_background_option", L"correct_sight_option", L"focus_person_option"}) {
+        for (const int dpi : kScales) {
+            Rescale(Manager(), Window().GetHWND(), dpi);
+            Input::Click(Control(tab));
+            Manager().UpdateLayout();
+            EXPECT_THAT(Inspect(Manager()), IsEmpty()) << dpi;
+        }
+    }
+}
+
+TEST_F(TextsFitTest, InTheMessageBoxes) {
+    using GlobalUtils::MessageBoxKind;
+    for (const MessageBoxKind kind :
+         {MessageBoxKind::kFileUnreadable, MessageBoxKind::kBackgroundGone, MessageBoxKind::kCameraUnavailable,
+          MessageBoxKind::kImageTooLarge, MessageBoxKind::kVideoTooLarge, MessageBoxKind::kAlgorithmNotReady}) {
+        SimpleMessageBox box(&Manager());
+        box.SetContent(Text(MessageTextKey(kind)));
+        for (const int dpi : kScales) {
+            Rescale(box.PaintManager(), box.GetHWND(), dpi);
+            EXPECT_THAT(Inspect(box.PaintManager()), IsEmpty()) << dpi;
+        }
+    }
+}
+
+TEST_F(TextsFitTest, InTheQuestionAndTheNotice) {
+    for (const bool notice : {false, true}) {
+        DelDoubleCheckPage box(&Manager());
+        if (notice)
+            box.SetMaxLimitText(Text(L"IDS_LUMI_OVER_MAX_LIMIT"));
+        for (const int dpi : kScales) {
+            Rescale(box.PaintManager(), box.GetHWND(), dpi);
+            EXPECT_THAT(Inspect(box.PaintManager()), IsEmpty()) << dpi;
+        }
+    }
+}
+
+}  // namespace
