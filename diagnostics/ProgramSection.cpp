@@ -3,6 +3,7 @@
 #include <d3d9.h>
 #include <mfapi.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
