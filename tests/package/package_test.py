@@ -7,6 +7,7 @@ import shutil
 import subprocess
 import sys
 import time
+import zipfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
 
@@ -26,8 +27,8 @@ LEFT_BY_NSIS = "/Temp/"  # the uninstaller's own copy, which the system deletes 
 
 
 def pack(build, out, *options):
-    made = subprocess.check_output([sys.executable, "packaging/make", build, out, "--installer-only", *options], text=True)
-    return made.splitlines()[0]
+    """The paths of what was made, the installer first."""
+    return subprocess.check_output([sys.executable, "packaging/make", build, out, *options], text=True).splitlines()
 
 
 def install(wine, setup):
@@ -52,10 +53,25 @@ def check_installed(wine, staged, version):
     check(wine.exists(COMMS), "the shared folder is there")
 
 
-def start(wine):
-    program = wine.start(f"{wine.prefix}/{PROGRAM}/Pixora.exe", "run")
-    check(wine.run(wine.tool("PixoraProbe.exe"), "wait", "30000") == 0, "the installed program opens its window")
+def check_symbols(archive, program):
+    modules = [name for name in os.listdir(program) if name.startswith(("Pixora", "Qx", "DuiLib"))]
+    packed = {os.path.basename(name) for name in zipfile.ZipFile(archive).namelist()}
+    check(packed == {f"{name}.debug" for name in modules}, f"the symbols of {len(modules)} modules are packed")
+
+
+def start(wine, folder=PROGRAM):
+    program = wine.start(f"{wine.prefix}/{folder}/Pixora.exe", "run")
+    check(wine.run(wine.tool("PixoraProbe.exe"), "wait", "30000") == 0, f"the program in {folder} opens its window")
     return program
+
+
+def try_portable(wine, archive):
+    zipfile.ZipFile(archive).extractall(f"{wine.prefix}/drive_c/portable")
+    [folder] = os.listdir(f"{wine.prefix}/drive_c/portable")
+    program = start(wine, f"drive_c/portable/{folder}")
+    check(wine.run(wine.tool("PixoraProbe.exe"), "press", "closebtn") == 0, "and its close button closes it")
+    check(program.wait(timeout=20) == 0, "without a fault")
+    shutil.rmtree(f"{wine.prefix}/drive_c/portable")
 
 
 def upgrade_running(wine, setup):
@@ -140,8 +156,10 @@ def main(build):
     extra = os.path.join(out, "extra.txt")
     with open(extra, "w", encoding="utf-8") as file:
         file.write("of the old version\n")
-    old = pack(build, os.path.join(out, "old"), "--version", "0.9.0", "--add", f"{extra}=res/of-the-old-version.txt")
-    new = pack(build, os.path.join(out, "new"))
+    [old] = pack(build, os.path.join(out, "old"), "--installer-only", "--version", "0.9.0", "--add",
+                 f"{extra}=res/of-the-old-version.txt")
+    new, portable, symbols = pack(build, os.path.join(out, "new"))
+    check_symbols(symbols, os.path.join(out, "new", "program"))
     version = os.path.basename(new)[len("PixoraSetup-"):-len(".exe")]
 
     with machine.Wine(build, os.path.join(out, "prefix")) as wine:
@@ -162,6 +180,7 @@ def main(build):
         uninstall(wine)
         check_kept(wine, start_files, start_registry)
 
+        try_portable(wine, portable)
         check(install(wine, new) == 0, "it can be installed again")
         uninstall(wine, "/REMOVEDATA")
         check_data_removed(wine, start_files, start_registry)
