@@ -257,10 +257,23 @@ FunctionEnd
     !undef settings
 !macroend
 
+; By their names and not the whole tree: every user may write here, and what stands behind a folder's name may be a link
+; to somewhere else.
+Function un.RemovePictures
+    Delete "$APPDATA\Comms\LumiCamera\custom_background_btn_*.jpg"
+    FindFirst $R0 $R1 "$APPDATA\Comms\LumiCamera\S-1-*"
+    ${DoWhile} $R1 != ""
+        Delete "$APPDATA\Comms\LumiCamera\$R1\custom_background_btn_*.jpg"
+        RMDir "$APPDATA\Comms\LumiCamera\$R1"
+        FindNext $R0 $R1
+    ${Loop}
+    FindClose $R0
+    RMDir "$APPDATA\Comms\LumiCamera"
+FunctionEnd
+
 ; The backgrounds of all users; the settings of those who are signed in; log and crash dumps of this one.
 Function un.RemoveData
-    RMDir /r "$APPDATA\Comms\LumiCamera"
-    RMDir "$APPDATA\Comms"
+    Call un.RemovePictures
     StrCpy $R0 0
     ${Do}
         EnumRegKey $R1 HKU "" $R0
