@@ -20,6 +20,9 @@ namespace {
 using GlobalUtils::BeautyKind;
 using GlobalUtils::FeatureStatusTuple;
 using GlobalUtils::MessageBoxKind;
+using GlobalUtils::OnListenKindInfo;
+using GlobalUtils::PreviewPlaceKind;
+using GlobalUtils::ScreenLockKind;
 
 // Version of Media Foundation that the program is written for (MF_VERSION of Windows 7 and later).
 constexpr ULONG kMediaFoundationVersion = 0x20070;
@@ -43,6 +46,7 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
                          L"img_five_background_btn",   L"img_six_background_btn",       L"img_seven_background_btn",
                          L"img_eight_background_btn",  L"img_nine_background_btn",      L"img_ten_background_btn",
                          L"img_eleven_background_btn", L"img_animation_background_btn", L"virtual_background_btn"},
+      previewWindow_({[this] { StopPreview(); }, [this] { OnPreviewTick(); }}),
       self_(std::make_shared<HomePage*>(this)) {
     model_ = HomeService::GetInstance();
     if (!model_)
@@ -54,6 +58,8 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
 }
 
 HomePage::~HomePage() {
+    StopPreview();
+    previewWindow_.Destroy();
     watcher_.reset();
     for (const auto& unsubscribe : unsubscribe_)
         unsubscribe();
@@ -95,6 +101,13 @@ void HomePage::SubscribeHub() {
               }));
     subscribe(GlobalUtils::kBeautyChannel,
               std::function<void(BeautyKind&)>([this](BeautyKind& kind) { OnBeautyKind(kind); }));
+    subscribe(GlobalUtils::kPreviewPlaceChannel,
+              std::function<void(PreviewPlaceKind&)>([this](PreviewPlaceKind&) { PlacePreview(); }));
+    subscribe(GlobalUtils::kScreenLockChannel,
+              std::function<void(ScreenLockKind&)>([this](ScreenLockKind&) { OnScreenLock(); }));
+    subscribe(GlobalUtils::kOnListenChannel, std::function<void(OnListenKindInfo&)>([this](OnListenKindInfo& info) {
+                  OnCaptureError(static_cast<HRESULT>(info.wParam));
+              }));
 }
 
 void HomePage::Initialize() {
@@ -102,8 +115,10 @@ void HomePage::Initialize() {
     MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
     previewSwitch_ = Find(L"preview_switch");
     previewArea_ = Find(L"preview_wnd");
-    if (model_)
+    if (model_) {
+        model_->InitCustomImage();
         model_->NotifyStatus();
+    }
 }
 
 void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
@@ -186,6 +201,9 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
         ClickChangeBackground(name);
     } else if (name == L"show_detail_btn") {
         ShowPage(PageNames::kIntroduction, 0);
+        PlacePreview();  // it would stand over the other page
+    } else if (name == L"preview_switch") {
+        ClickPreview(msg.sender);
     } else if (name == L"show_introduction_btn") {
         OpenIntroduction(name);
     } else if (name.find(L"custom_background_btn_") != std::wstring::npos && name.find(L"_del") != std::wstring::npos) {

@@ -13,11 +13,18 @@
 #include <string>
 #include <vector>
 
+#include "pages/GalleryThumbnails.h"
 #include "pages/PageBase.h"
+#include "pages/PreviewWindow.h"
 #include "service/GlobalUtils.h"
 #include "service/SettingsWatcher.h"
 
 class HomeService;
+class Preview;
+
+namespace DuiLib {
+class COptionUI;
+}
 
 class HomePage : public PageBase {
   public:
@@ -37,6 +44,12 @@ class HomePage : public PageBase {
     // was.
     bool HideDelButton(const std::wstring& previousName, const std::wstring& currentName);
 
+    // --- preview
+    // Makes the window that the camera picture is drawn into; one that exists is used again. 1, or 0 on failure.
+    int OnCreate(HWND parentWindow);
+    // Makes the capture object for that window; its errors go to the parent window. 1, or 0 on failure.
+    int CreateMF(HWND previewWindow, HWND parentWindow);
+
     // An integer of the feature configuration file; 0 for everything that is missing or broken.
     static int GetCameraXmlConfig(const std::string& key);
 
@@ -45,6 +58,7 @@ class HomePage : public PageBase {
     void OnMouseEnter(DuiLib::TNotifyUI& msg) override;
     void OnMouseLeave(DuiLib::TNotifyUI& msg) override;
     void OnScroll(DuiLib::TNotifyUI& msg) override;
+    void OnActivate() override;
 
   private:
     void WireModel();
@@ -62,9 +76,23 @@ class HomePage : public PageBase {
 
     // --- gallery (HomePageGallery.cpp)
     void ClickChangeBackground(const std::wstring& name);
+    void AddOwnBackground(DuiLib::COptionUI& addButton);
     void RelayoutGallery(int count);
     void ShowToolTip(DuiLib::CControlUI* sender, bool show);
     void ShowHint(PageHost::Hint hint, DuiLib::CControlUI* anchor, const std::wstring& text, bool show);
+
+    // --- preview (HomePagePreview.cpp)
+    void ClickPreview(DuiLib::CControlUI* sender);
+    void StartPreview(DuiLib::CControlUI* sender);
+    // Stops and releases the capture, if there is one; the picture and the switch stay as they are.
+    void StopPreview();
+    void ShowPreviewOff(DuiLib::CControlUI* previewSwitch);
+    void DrawPreviewSwitch(DuiLib::CControlUI* control, bool on);
+    void PlacePreview();
+    bool IsPreviewAreaShown() const;
+    void OnScreenLock();
+    void OnCaptureError(HRESULT code);
+    void OnPreviewTick();
 
     void OpenIntroduction(const std::wstring& name);
 
@@ -78,8 +106,13 @@ class HomePage : public PageBase {
     std::map<std::wstring, std::int32_t> switchStates_;
     std::map<std::wstring, std::int32_t> sliderValues_;
     std::set<std::wstring> backgroundButtons_;
+    GalleryThumbnails thumbnails_{Manager()};
     DuiLib::CControlUI* previewSwitch_ = nullptr;  // borrowed from the page's tree
     DuiLib::CControlUI* previewArea_ = nullptr;    // borrowed from the page's tree
+    PreviewWindow previewWindow_;
+    Preview* preview_ = nullptr;         // owned reference; null: the preview is off
+    std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
+    int ticksWithoutFrame_ = 0;
 
     // Ends with the page: what was handed over and comes later finds it gone.
     std::shared_ptr<HomePage*> self_;

@@ -8,6 +8,7 @@
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/UICulture.h"
 #include "pages/ContainerUIEx.h"
+#include "pages/CustomItemOption.h"
 #include "pages/GalleryRows.h"
 #include "pages/HomePage.h"
 #include "service/CustomItemNames.h"
@@ -22,7 +23,9 @@ using DuiLib::CControlUI;
 using DuiLib::COptionUI;
 
 constexpr wchar_t kGroup[] = L"background_replace_btn_group";
+constexpr wchar_t kAddButton[] = L"custom_background_btn";
 constexpr wchar_t kItemSuffix[] = L"_item";
+constexpr wchar_t kPictureSuffix[] = L"_bk";
 constexpr wchar_t kDeleteSuffix[] = L"_del";
 
 // Blocks the UI thread on purpose: the background's message leaves before the one of the framing.
@@ -102,15 +105,16 @@ std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstrin
     item->SetAttribute(L"borderround", L"6");
     item->SetAttribute(L"align", L"center");  // as the built-in entries, which are options
 
-    auto picture = MakePart<CControlUI>(name + L"_bk", kItemWidth, kItemHeight);
+    auto picture = MakePart<CControlUI>(name + kPictureSuffix, kItemWidth, kItemHeight);
     picture->SetAttribute(L"borderround", L"6");
     picture->SetBkImage(L"file='" + thumbnailPath + L"' reverse='true'");
     item->Add(std::move(picture));
 
-    auto option = MakePart<COptionUI>(name, kItemWidth, kItemHeight);
+    auto option = MakePart<CCustomItemOption>(name, kItemWidth, kItemHeight);
     option->SetGroup(L"background_replace_group");
     option->SetTextColor(0x053EC600);  // kept as it is; the option has no text
     option->SetNormalImage(L"file='drawable/LumiCamera/img_thumbnail_none@2x.png'");
+    option->SetHotImage(L"file='drawable/LumiCamera/img_thumbnail_hover@2x.png'");
     option->SetSelectedImage(L"file='drawable/LumiCamera/img_thumbnail_none_on@2x.png'");
     option->SetAttribute(L"accname",
                          SpokenName(isVideo ? L"IDS_LUMI_ACC_CUSTOM_VIDEO_ITEM" : L"IDS_LUMI_ACC_CUSTOM_ITEM", name));
@@ -139,13 +143,48 @@ std::unique_ptr<CControlUI> MakeCell(const std::wstring& name, const std::wstrin
 }  // namespace
 
 void HomePage::ClickChangeBackground(const std::wstring& name) {
-    if (Contains(name, L"custom_background_btn"))
+    constexpr wchar_t kFunction[] = L"HomePage::ClickChangeBackground";
+    if (!Contains(name, kAddButton)) {
+        model_->SelectBackground(name);
+        if (name == L"none_background_btn")
+            return;
+        Sleep(kExclusionWaitMs);
+        model_->SetFocusPerson(0);
         return;
-    model_->SelectBackground(name);
-    if (name == L"none_background_btn")
+    }
+    if (name == kAddButton) {
+        if (auto* option = FindAs<COptionUI>(name))
+            AddOwnBackground(*option);
+        else
+            LogLine(4, kFunction, L"Get option null!");
         return;
-    Sleep(kExclusionWaitMs);
-    model_->SetFocusPerson(0);
+    }
+    model_->SelectCustomBackground(name);
+    if (auto* option = FindAs<COptionUI>(name)) {
+        option->SetSelected(true);
+        model_->SetFocusPerson(0);
+    } else {
+        // A video that is gone has taken its cell with it.
+        LogLine(4, kFunction, L"Get option null!");
+    }
+    model_->NotifyStatus();
+}
+
+void HomePage::AddOwnBackground(COptionUI& addButton) {
+    // A second click must not open a second dialog.
+    addButton.SetEnabled(false);
+    std::wstring path;
+    if (model_->IsCustomFull()) {
+        if (Owner())
+            Owner()->ShowLimitNotice();
+    } else if (model_->ChooseCustomFile(Owner() ? Owner()->GetWindow() : nullptr, path) &&
+               model_->AddCustomBackground(path)) {
+        addButton.SetSelected(true);
+        model_->SetFocusPerson(0);
+    }
+    addButton.SetEnabled(true);
+    // The add button is the one that was clicked; the background in use is the one that is shown as chosen.
+    model_->NotifyStatus();
 }
 
 int HomePage::AddCustomItem(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
@@ -153,6 +192,7 @@ int HomePage::AddCustomItem(const std::wstring& name, const std::wstring& thumbn
     if (!group)
         return -1;
     const int count = group->GetCount();
+    thumbnails_.Show(thumbnailPath, name + kPictureSuffix);
     group->AddAt(MakeCell(name, thumbnailPath, isVideo), count - 1);
     RelayoutGallery(count + 1);
     backgroundButtons_.insert(name);
@@ -166,6 +206,8 @@ bool HomePage::DelBackgroudItem(int index, const std::wstring& path) {
         return false;
     }
     Manager()->RemoveImage(path);
+    // The model names the item; its picture stands under the file's path.
+    thumbnails_.Forget(path + kPictureSuffix);
     const bool removed = group->RemoveAt(index);
     RelayoutGallery(group->GetCount());
     return removed;
@@ -203,6 +245,12 @@ void HomePage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
 }
 
 void HomePage::OnMouseLeave(DuiLib::TNotifyUI& msg) {
+    const std::wstring& name = msg.sender->GetName();
+    // The pointer may have gone without a move within the window: out of it, or because the gallery was scrolled.
+    if (const std::size_t item = name.find(kItemSuffix); item != std::wstring::npos) {
+        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix))
+            button->SetVisible(false);
+    }
     ShowToolTip(msg.sender, false);
 }
 

@@ -2,11 +2,35 @@
 
 #include <mfapi.h>
 
+#include <utility>
+
+#include "preview/CoverFrame.h"
 #include "suite/common/ComRelease.h"
 
 namespace {
 
 constexpr DWORD kVideoStream = static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
+
+constexpr int kMaxCoverFrames = 30;
+constexpr int kMaxCoverReads = 90;  // reads may bring no frame, but no file shall keep the program busy for ever
+constexpr UINT kNotDark = 24;
+
+// Empty when the buffer does not hold a whole frame.
+preview::CoverFrame ShrinkSample(IMFSample* sample, UINT width, UINT height, UINT maxWidth, UINT maxHeight) {
+    preview::CoverFrame frame;
+    IMFMediaBuffer* buffer = nullptr;
+    BYTE* data = nullptr;
+    DWORD length = 0;
+    if (sample->ConvertToContiguousBuffer(&buffer) == S_OK && buffer->Lock(&data, nullptr, &length) == S_OK) {
+        const UINT stride = (width + 1) / 2 * 4;
+        if (width > 0 && height > 0 && UINT64{stride} * height <= length) {
+            frame = preview::ShrinkYuy2(data, stride, width, height, maxWidth, maxHeight);
+        }
+        buffer->Unlock();
+    }
+    ComRelease(buffer);
+    return frame;
+}
 
 HRESULT SelectYuy2(IMFSourceReader* reader) {
     IMFMediaType* type = nullptr;
@@ -50,6 +74,30 @@ bool VideoReader::OpenVideoStream(const std::wstring& path) {
 
 bool VideoReader::GetFrameSize(UINT* widthPx, UINT* heightPx) {
     return mediaType_ != nullptr && MFGetAttributeSize(mediaType_, MF_MT_FRAME_SIZE, widthPx, heightPx) == S_OK;
+}
+
+HBITMAP VideoReader::ReadCover(UINT maxWidthPx, UINT maxHeightPx) {
+    preview::CoverFrame cover;
+    int frames = 0;
+    for (int reads = 0; reader_ != nullptr && reads < kMaxCoverReads && frames < kMaxCoverFrames; ++reads) {
+        DWORD stream = 0, flags = 0;
+        LONGLONG time = 0;
+        IMFSample* sample = nullptr;
+        const HRESULT result = reader_->ReadSample(kVideoStream, 0, &stream, &flags, &time, &sample);
+        if (SUCCEEDED(result) && sample != nullptr) {
+            ++frames;
+            preview::CoverFrame next = ShrinkSample(sample, frameWidthPx_, frameHeightPx_, maxWidthPx, maxHeightPx);
+            if (!next.pixels.empty()) {
+                cover = std::move(next);
+            }
+        }
+        ComRelease(sample);
+        if (FAILED(result) || (flags & (MF_SOURCE_READERF_ENDOFSTREAM | MF_SOURCE_READERF_ERROR)) != 0 ||
+            cover.MeanBrightness() > kNotDark) {
+            break;
+        }
+    }
+    return cover.pixels.empty() ? nullptr : cover.ToBitmap();
 }
 
 void VideoReader::Close() {

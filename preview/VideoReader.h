@@ -21,6 +21,9 @@ class VideoReader {
     [[nodiscard]] bool Open(const std::wstring& path);
     // REQUIRES: opened.
     [[nodiscard]] bool GetFrameSize(UINT* widthPx, UINT* heightPx);
+    // One of the first frames, not larger than that, as a bitmap that the caller owns: the first that is not dark, for
+    // many videos fade in. Null when no frame comes. REQUIRES: opened; moves on in the video.
+    [[nodiscard]] HBITMAP ReadCover(UINT maxWidthPx, UINT maxHeightPx);
     void Close();
 
   private:

@@ -116,7 +116,7 @@ start_display() {
 
 stop_display() { [ -z "${display_pid:-}" ] || kill "$display_pid" 2>/dev/null || true; }
 
-# wine_log_file: where Pixora logs in the current prefix.
+# wine_log_file [program]: where the program, Pixora unless told, logs in the current prefix.
 wine_log_file() {
-    find "$WINEPREFIX/drive_c/users" -name Pixora.log 2>/dev/null | head -1
+    find "$WINEPREFIX/drive_c/users" -name "${1:-Pixora}.log" 2>/dev/null | head -1
 }

@@ -1,5 +1,7 @@
 #include "service/CustomItemNames.h"
 
+#include <algorithm>
+
 namespace CustomItemNames {
 
 std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken) {
@@ -11,6 +13,20 @@ std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken) {
         }
     }
     return name;
+}
+
+bool IsItemName(std::wstring_view name) {
+    if (!name.starts_with(kPrefix) || name.size() == kPrefix.size()) {
+        return false;
+    }
+    const std::wstring_view number = name.substr(kPrefix.size());
+    return std::all_of(number.begin(), number.end(), [](wchar_t unit) { return unit >= L'0' && unit <= L'9'; });
+}
+
+bool IsPictureOf(std::wstring_view name, std::wstring_view path) {
+    const std::size_t slash = path.find_last_of(L"\\/");
+    const std::wstring_view file = slash == std::wstring_view::npos ? path : path.substr(slash + 1);
+    return file == std::wstring(name) + L".jpg";
 }
 
 }  // namespace CustomItemNames

@@ -19,12 +19,13 @@ enum class BeautyKind : std::int32_t { kSmooth = 0, kWhite = 1, kEye = 2, kFace 
 
 // The message box that the home page shows.
 enum class MessageBoxKind : std::int32_t {
-    kFileUnreadable = 0,     // a chosen file cannot be opened or decoded
-    kBackgroundGone = 1,     // the video of a custom background is gone, or the camera service says so
-    kCameraUnavailable = 5,  // the preview cannot start, or the camera failed
-    kImageTooLarge = 7,      // larger than 4096 x 4096
-    kVideoTooLarge = 8,      // larger than 1920 x 1200
-    kAlgorithmNotReady = 9,  // the camera service could not initialise its algorithm
+    kFileUnreadable = 0,       // a chosen file cannot be opened or decoded
+    kBackgroundGone = 1,       // the video of a custom background is gone, or the camera service says so
+    kCameraUnavailable = 5,    // the preview cannot start, or the camera failed
+    kImageTooLarge = 7,        // larger than 4096 x 4096
+    kVideoTooLarge = 8,        // larger than 1920 x 1200
+    kAlgorithmNotReady = 9,    // the camera service could not initialise its algorithm
+    kBackgroundNotSaved = 10,  // the folder of the user's own backgrounds does not take another picture
 };
 
 enum class ScreenLockKind : std::int32_t { kLocked = 0 };

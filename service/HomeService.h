@@ -6,8 +6,10 @@
 // copy of a setting; every snapshot is read anew, because camera service and other programs write the same values.
 // Threads: operations on the UI thread, where nothing else is said. Messages of the camera service arrive on the pipe
 // client's thread and call the status and reset observers there, so a page hands itself over to the UI thread. One
-// settings file each for a topic: HomeServiceStatus.cpp, ...Switches, ...Background, ...Custom, ...Link, ...Report,
-// ...Watch. Failures are logged; nothing throws but for want of memory.
+// settings file each for a topic: HomeServiceStatus.cpp, ...Switches, ...Background, ...Custom, ...CustomAdd,
+// ...CustomStart, ...Link, ...Report, ...Watch. Failures are logged; nothing throws but for want of memory.
+#include <windows.h>
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -74,8 +76,23 @@ class HomeService {
     // By the feature's name; one without a number counts as no background.
     void ApplyBackground(const std::wstring& featureName);
 
+    // Loads the user's own backgrounds and hands them to the gallery; items whose picture is gone are deleted. Needs
+    // the callbacks.
+    void InitCustomImage();
+    // Moves an older layout, whose pictures lie in the shared folder itself, into the user's folder; once for each
+    // user. False when the shared folder cannot be looked at.
+    bool SyncCustomImg();
     // True when there are as many custom backgrounds as there may be.
     bool IsCustomFull() const;
+    // Asks for a file with the system's dialog and checks it. True: it can be added, and the camera service has been
+    // told already. False: nothing was chosen, or it was refused, and the kind of message published.
+    bool ChooseCustomFile(HWND owner, std::wstring& path);
+    // Makes the file's picture in the user's folder, hands it to the gallery and chooses it. False when the picture
+    // cannot be made, which is published; then nothing has changed. The file itself is only read.
+    bool AddCustomBackground(const std::wstring& sourcePath);
+    // Whether the file is one that the camera service can use; the kind of message is published when not.
+    static bool CheckImageFile(const std::wstring& path);
+    static bool CheckVideoFile(const std::wstring& path);
     // False when there is no such item, or its video is gone; the item is then deleted, and kBackgroundGone published.
     bool SelectCustomBackground(const std::wstring& itemName);
     // Takes the item out of gallery, folder and registry; the user's own file stays. False when there is no such item.
@@ -117,6 +134,14 @@ class HomeService {
     void StartBeautyReport();
     void SetBeautyValue(const wchar_t* name, std::int32_t value);
     std::vector<CustomImageRecord>::iterator FindCustomItem(const std::wstring& itemName);
+    // Takes record, cell and the picture's entry away; gives the picture's path, empty when it had none. Files and
+    // registry stay as they are.
+    std::wstring ForgetCustomItem(std::vector<CustomImageRecord>::iterator record);
+    std::wstring PicturePath(const std::wstring& itemName) const;
+    void LoadCustomImages(const std::wstring& userSid);
+    bool MakeUserFolder() const;
+    void ShowStoredItems();
+    void MoveRecordToUserFolder(CustomImageRecord& record) const;
 
     // Constant after construction.
     std::map<std::wstring, std::wstring> btnToFeature_;
@@ -139,6 +164,7 @@ class HomeService {
     std::unique_ptr<DataMessageSender> postClient_;
 
     // UI thread.
+    std::wstring userSid_;                               // empty before InitCustomImage, or when it cannot be had
     std::vector<CustomImageRecord> customItems_;         // in the order of addition
     std::map<std::wstring, std::wstring> customByName_;  // item name to picture, item name + "_video" to the video
 

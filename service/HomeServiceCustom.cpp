@@ -55,18 +55,29 @@ bool HomeService::DeleteCustomBackground(std::wstring itemName) {
     if (record == customItems_.end()) {
         return false;
     }
-    const std::int32_t index = record->index;
-    const auto picture = customByName_.find(itemName);
-    const bool leftTheGallery = picture != customByName_.end() && removeCustomItem_.CallOr(false, index, itemName);
-
     std::wstring selected;
     SettingsStore::Read(SettingNames::kSelectedButtonName, selected);
     if (selected == itemName) {
         SettingsStore::Write(SettingNames::kBackgroundReplacement, 0);
     }
-    if (picture != customByName_.end()) {
-        DeleteFileW(picture->second.c_str());
-        customByName_.erase(picture);
+    const std::wstring picture = ForgetCustomItem(record);
+    // A damaged list may name any file; only a picture of the program's own making is deleted.
+    if (CustomItemNames::IsPictureOf(itemName, picture)) {
+        DeleteFileW(picture.c_str());
+    }
+    SettingsStore::Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(customItems_));
+    return true;
+}
+
+std::wstring HomeService::ForgetCustomItem(std::vector<CustomImageRecord>::iterator record) {
+    const std::wstring itemName = record->name;
+    const std::int32_t index = record->index;
+    std::wstring picture;
+    bool leftTheGallery = false;
+    if (const auto entry = customByName_.find(itemName); entry != customByName_.end()) {
+        picture = entry->second;
+        leftTheGallery = removeCustomItem_.CallOr(false, index, itemName);
+        customByName_.erase(entry);
     }
     customItems_.erase(record);
     if (leftTheGallery) {
@@ -75,8 +86,7 @@ bool HomeService::DeleteCustomBackground(std::wstring itemName) {
             later.index -= later.index > index ? 1 : 0;
         }
     }
-    SettingsStore::Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(customItems_));
-    return true;
+    return picture;
 }
 
 bool HomeService::CopyFileToDest(const std::wstring& source, const std::wstring& destination) {

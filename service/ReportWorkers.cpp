@@ -49,7 +49,7 @@ bool ReportWorkers::StartThread() {
     if (!thread) {
         return false;
     }
-    state.release();  // the thread's now
+    static_cast<void>(state.release());  // the thread's now
     ++state_->running;
     threads_.push_back(std::move(thread));
     return true;

@@ -13,6 +13,7 @@ inline constexpr const wchar_t* kPreBackgroundReplacement = L"pre_background_rep
 inline constexpr const wchar_t* kBackgroundImagePath = L"lumi_camera_background_image_path";
 inline constexpr const wchar_t* kCustomImageGroup = L"lumi_camera_custom_img_group";
 inline constexpr const wchar_t* kSelectedButtonName = L"background_selected_btnName";
+inline constexpr const wchar_t* kSyncCustom = L"sync_custom";
 inline constexpr const wchar_t* kEyeCorrection = L"lumi_camera_eye_correction";
 inline constexpr const wchar_t* kPersonTrack = L"lumi_camera_person_track";
 inline constexpr const wchar_t* kBeautyPerson = L"lumi_camera_beauty_person";

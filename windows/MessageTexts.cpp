@@ -15,6 +15,8 @@ const wchar_t* MessageTextKey(GlobalUtils::MessageBoxKind kind) {
             return L"IDS_LUMI_MSG_VIDEO_TOO_LARGE";
         case MessageBoxKind::kAlgorithmNotReady:
             return L"IDS_LUMI_MSG_EFFECTS_NOT_STARTED";
+        case MessageBoxKind::kBackgroundNotSaved:
+            return L"IDS_LUMI_MSG_BACKGROUND_NOT_SAVED";
     }
     return nullptr;
 }

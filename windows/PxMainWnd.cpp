@@ -227,6 +227,13 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (!changingDpi_)
                 PublishPlace();
             break;
+        case WM_WINDOWPOSCHANGED: {
+            const UINT flags = reinterpret_cast<const WINDOWPOS*>(lParam)->flags;
+            // Later: the window may still be on its way to the screen, or to its place among the others.
+            if ((flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) || !(flags & SWP_NOZORDER))
+                DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+            break;
+        }
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
                                                                   OnListenKindInfo{wParam, lParam});

@@ -67,7 +67,7 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     void TrackHover(LPARAM lParam);
     void PublishMove();
     // The preview's window, which stands over this one, has to follow.
-    void PublishPlace();
+    static void PublishPlace();
 
     std::map<std::wstring, std::unique_ptr<PageBase>> pages_;
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows

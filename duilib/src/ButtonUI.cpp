@@ -51,6 +51,7 @@ AttributeResult CButtonUI::ApplyAttribute(std::wstring_view name, std::wstring_v
 }
 
 AccessibleInfo CButtonUI::GetAccessibleInfo() const {
+    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
     AccessibleInfo info = CControlUI::GetAccessibleInfo();
     info.role = checked_ ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_PUSHBUTTON;
     info.defaultAction = !checked_ ? L"Press" : *checked_ ? L"Uncheck" : L"Check";

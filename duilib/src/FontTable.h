@@ -28,7 +28,7 @@ class FontTable {
     struct Key {
         int index;
         bool bold, italic, underline;
-        auto operator<=>(const Key&) const = default;
+        auto operator<=>(const Key&) const = default;  // NOLINT(modernize-use-nullptr): no pointer
     };
 
     std::map<int, FontSpec> specs_;

@@ -62,6 +62,7 @@ AttributeResult CProgressUI::ApplyAttribute(std::wstring_view name, std::wstring
 }
 
 AccessibleInfo CProgressUI::GetAccessibleInfo() const {
+    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
     AccessibleInfo info = CControlUI::GetAccessibleInfo();
     info.role = ROLE_SYSTEM_PROGRESSBAR;
     info.state |= STATE_SYSTEM_READONLY;

@@ -2,6 +2,7 @@
 
 #include <mferror.h>
 
+#include "suite/logger/QxLogger.h"
 #include "tools/democamera/DemoMediaSource.h"
 
 namespace democamera {
@@ -20,7 +21,7 @@ CameraFaults DemoCamera::Faults() const {
     AcquireSRWLockShared(&lock_);
     const CameraFaults faults = faults_;
     ReleaseSRWLockShared(&lock_);
-    return faults;
+    return faults.opens >= 0 && seen_.tried > faults.opens ? CameraFaults{} : faults;
 }
 
 void DemoCamera::Unplug() {
@@ -29,11 +30,16 @@ void DemoCamera::Unplug() {
 
 HRESULT DemoCamera::OpenSource(IMFMediaSource** source) {
     *source = nullptr;
+    ++seen_.tried;
     if (!pluggedIn_) {
         return MF_E_VIDEO_RECORDING_DEVICE_INVALIDATED;
     }
     const HRESULT result = Faults().openResult;
-    return FAILED(result) ? result : DemoMediaSource::Make(shared_from_this(), source);
+    if (FAILED(result)) {
+        return result;
+    }
+    LogLine(3, L"DemoCamera::OpenSource", L"demo camera opened: its pictures are made up");
+    return DemoMediaSource::Make(shared_from_this(), source);
 }
 
 }  // namespace democamera

@@ -44,6 +44,7 @@ struct CameraFaults {
     std::int64_t endAfter = -1;        // end of the stream
     std::int64_t emptyAfter = -1;      // samples without a buffer
     std::int64_t shortAfter = -1;      // buffers that hold half a frame
+    std::int64_t opens = -1;           // how many openings all of this holds for, tries included; -1: all
 };
 
 class DemoCamera : public std::enable_shared_from_this<DemoCamera> {
@@ -64,6 +65,7 @@ class DemoCamera : public std::enable_shared_from_this<DemoCamera> {
 
     // What has been seen of it.
     struct Counters {
+        std::atomic<int> tried = 0;             // openings, those that failed included
         std::atomic<int> opened = 0;            // sources ever made
         std::atomic<int> running = 0;           // sources that are not shut down
         std::atomic<int> mode = -1;             // the native type that was last run

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "suite/common/ComRelease.h"
+#include "suite/logger/QxLogger.h"
 #include "tools/democamera/DemoMediaStream.h"
 #include "tools/democamera/MediaTypes.h"
 
@@ -190,6 +191,7 @@ STDMETHODIMP DemoMediaSource::Shutdown() {
         events_->Shutdown();
     }
     --camera_->Seen().running;
+    LogLine(3, L"DemoMediaSource::Shutdown", L"demo camera closed");
     return S_OK;
 }
 

@@ -37,10 +37,7 @@ AccessibleControl AccessibleWindow::Read(long id) const {
     BSTR text = nullptr;
     if (client_->get_accName(child, &text) == S_OK)
         control.name = TakeText(text);
-    text = nullptr;
-    long topic = 0;
-    if (client_->get_accHelpTopic(&text, child, &topic) == S_OK)
-        control.control = TakeText(text);
+    control.control = LayoutName(id);
     text = nullptr;
     if (client_->get_accValue(child, &text) == S_OK)
         control.value = TakeText(text);
@@ -61,31 +58,46 @@ AccessibleControl AccessibleWindow::Read(long id) const {
     return control;
 }
 
-std::vector<AccessibleControl> AccessibleWindow::List() const {
-    std::vector<AccessibleControl> result;
+std::wstring AccessibleWindow::LayoutName(long id) const {
+    BSTR text = nullptr;
+    long topic = 0;
+    return client_->get_accHelpTopic(&text, ChildId(id), &topic) == S_OK ? TakeText(text) : std::wstring();
+}
+
+std::vector<long> AccessibleWindow::Ids() const {
+    std::vector<long> ids;
     long count = 0;
     if (!client_ || client_->get_accChildCount(&count) != S_OK || count <= 0)
-        return result;
+        return ids;
     std::vector<VARIANT> children(static_cast<std::size_t>(count));
     long got = 0;
     if (FAILED(AccessibleChildren(client_, 0, count, children.data(), &got)))
-        return result;
+        return ids;
     for (long i = 0; i < got; ++i) {
         VARIANT& child = children[static_cast<std::size_t>(i)];
         if (child.vt == VT_I4)
-            result.push_back(Read(child.lVal));
+            ids.push_back(child.lVal);
         VariantClear(&child);
     }
+    return ids;
+}
+
+std::vector<AccessibleControl> AccessibleWindow::List() const {
+    std::vector<AccessibleControl> result;
+    for (const long id : Ids())
+        result.push_back(Read(id));
     return result;
 }
 
 std::optional<AccessibleControl> AccessibleWindow::Find(const std::wstring& name) const {
-    const std::vector<AccessibleControl> all = List();
-    for (const AccessibleControl& control : all) {
-        if (control.control == name)
-            return control;
+    // Each question is a call into the other process, so only one control is read whole.
+    const std::vector<long> ids = Ids();
+    for (const long id : ids) {
+        if (LayoutName(id) == name)
+            return Read(id);
     }
-    for (const AccessibleControl& control : all) {
+    for (const long id : ids) {
+        AccessibleControl control = Read(id);
         if (control.name == name)
             return control;
     }

@@ -39,6 +39,8 @@ class AccessibleWindow {
     long FocusedId() const;  // 0: none
 
   private:
+    std::vector<long> Ids() const;
+    std::wstring LayoutName(long id) const;
     AccessibleControl Read(long id) const;
 
     IAccessible* client_ = nullptr;

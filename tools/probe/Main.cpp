@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/probe/AccessibleWindow.h"
+#include "tools/probe/ScreenMotion.h"
 
 namespace {
 
@@ -18,8 +19,10 @@ constexpr char kHelp[] =
     "  press NAME         presses the control with that layout name or name\n"
     "  value NAME TEXT    gives the control a value\n"
     "  wait [MS]          waits until the window shows its controls and has painted (10000 ms unless told)\n"
+    "  motion NAME [MS]   waits until the picture within that control moves, as a camera's does (10000 ms unless "
+    "told)\n"
     "  rect               the window's screen rectangle: left top right bottom\n"
-    "Exit status: 0 done, 1 no such window, 2 no such control or refused, 64 wrong usage.\n";
+    "Exit status: 0 done, 1 no such window, 2 no such control, refused or in vain, 64 wrong usage.\n";
 
 std::string Utf8(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
@@ -92,15 +95,20 @@ int Run(std::vector<std::wstring> arguments) {
         PrintList(window);
         return 0;
     }
+    const bool motion = command == L"motion" && (arguments.size() == 2 || arguments.size() == 3);
     const bool press = command == L"press" && arguments.size() == 2;
     const bool value = command == L"value" && arguments.size() == 3;
-    if (!press && !value) {
+    if (!press && !value && !motion) {
         std::fputs(kHelp, stderr);
         return 64;
     }
     const auto control = window.Find(arguments[1]);
     if (!control)
         return 2;
+    if (motion) {
+        const DWORD timeoutMs = arguments.size() == 3 ? std::stoul(arguments[2]) : kDefaultWaitMs;
+        return WaitForMotion(control->screenPx, timeoutMs) ? 0 : 2;
+    }
     return (press ? window.Press(control->id) : window.SetValue(control->id, arguments[2])) ? 0 : 2;
 }
 

@@ -10,6 +10,8 @@ namespace {
 
 constexpr wchar_t kKey[] = L"SOFTWARE\\Velmora\\Quillon\\LumiCamera";
 
+std::wstring g_program = L"Pixora";
+
 std::vector<std::string> LinesOf(const std::wstring& path) {
     std::vector<std::string> lines;
     std::ifstream file(path.c_str());
@@ -27,6 +29,10 @@ std::wstring LogFolder() {
     const std::wstring result = std::wstring(folder ? folder : L"") + L"\\Velmora\\Quillon\\Logs\\";
     CoTaskMemFree(folder);
     return result;
+}
+
+std::wstring LogFile() {
+    return LogFolder() + g_program + L".log";
 }
 
 // The stand-in for the desktop's opener, which the test run puts first on the path, writes here.
@@ -57,9 +63,17 @@ std::wstring ProgramFolder() {
 
 namespace Machine {
 
+void UseProgram(const std::wstring& name) {
+    g_program = name;
+}
+
+const std::wstring& ProgramName() {
+    return g_program;
+}
+
 void Reset() {
     RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
-    DeleteFileW((LogFolder() + L"Pixora.log").c_str());
+    DeleteFileW(LogFile().c_str());
     DeleteFileW(LinksFile().c_str());
 }
 
@@ -85,16 +99,16 @@ std::optional<DWORD> Number(const wchar_t* name) {
 }
 
 std::optional<std::wstring> Text(const wchar_t* name) {
-    wchar_t value[4096] = {};
-    DWORD size = sizeof(value);
-    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_SZ, nullptr, value, &size))
+    std::vector<wchar_t> value(64 * 1024);
+    DWORD size = static_cast<DWORD>(value.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_SZ, nullptr, value.data(), &size))
         return std::nullopt;
-    return value;
+    return value.data();
 }
 
 std::vector<std::string> Log() {
     std::vector<std::string> result;
-    for (const std::string& line : LinesOf(LogFolder() + L"Pixora.log")) {
+    for (const std::string& line : LinesOf(LogFile())) {
         const std::size_t level = line.find("[L");
         const std::size_t thread = line.find("] [", level);
         const std::size_t text = line.find("] ", thread + 3);

@@ -23,6 +23,10 @@ std::wstring ProgramFolder();
 
 namespace Machine {
 
+// The program under test, and so the name of its log: "Pixora" unless a test chooses its variant with the demo camera.
+void UseProgram(const std::wstring& name);
+const std::wstring& ProgramName();
+
 // Removes the settings key and the program's log, and forgets the links that were opened.
 void Reset();
 void SetNumber(const wchar_t* name, DWORD value);

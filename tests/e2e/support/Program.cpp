@@ -13,6 +13,12 @@ namespace {
 
 constexpr wchar_t kWindowClass[] = L"Camera";
 
+// Of the layout.
+constexpr int kWindowWidthDip = 1040;
+constexpr int kWindowHeightDip = 604;
+constexpr int kEffectsTopDip = 56;
+constexpr int kEffectsBottomDip = 16;
+
 // Where Pixora.exe is; the test of the installation names the installed one.
 std::wstring FolderUnderTest() {
     wchar_t folder[MAX_PATH] = {};
@@ -46,10 +52,11 @@ std::vector<DWORD> Grab(HWND window, SIZE& size) {
     return result;
 }
 
-void SendMouse(DWORD flags) {
+void SendMouse(DWORD flags, int amount = 0) {
     INPUT input = {};
     input.type = INPUT_MOUSE;
     input.mi.dwFlags = flags;
+    input.mi.mouseData = static_cast<DWORD>(amount);
     SendInput(1, &input, sizeof(input));
 }
 
@@ -64,14 +71,14 @@ void SendKey(WORD key, DWORD flags) {
 }  // namespace
 
 Program::Program(const std::wstring& arguments, const std::wstring& folder) {
-    const std::wstring path = (folder.empty() ? FolderUnderTest() : folder) + L"Pixora.exe";
+    const std::wstring path = (folder.empty() ? FolderUnderTest() : folder) + Machine::ProgramName() + L".exe";
     std::wstring commandLine = L"\"" + path + L"\"" + (arguments.empty() ? L"" : L" " + arguments);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
     if (!CreateProcessW(path.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process)) {
-        throw std::runtime_error("Pixora.exe cannot be started");
+        throw std::runtime_error("the program cannot be started");
     }
     CloseHandle(process.hThread);
     process_ = suite::Handle(process.hProcess);
@@ -141,6 +148,19 @@ RECT Program::ClientRect(const std::wstring& name) const {
     return rect;
 }
 
+void Program::SetScale(int dpi) const {
+    RECT place = {};
+    GetWindowRect(window_, &place);
+    place.right = place.left + MulDiv(kWindowWidthDip, dpi, 96);
+    place.bottom = place.top + MulDiv(kWindowHeightDip, dpi, 96);
+    // The rectangle has to lie in that process's memory.
+    const suite::Handle process(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, processId_));
+    void* remote = VirtualAllocEx(process.Get(), nullptr, sizeof(place), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    if (remote && WriteProcessMemory(process.Get(), remote, &place, sizeof(place), nullptr))
+        SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote));
+    VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+}
+
 void Program::MoveTo(POINT screen) const {
     SetCursorPos(screen.x, screen.y);
 }
@@ -151,12 +171,51 @@ void Program::ClickAt(POINT screen) const {
     SendMouse(MOUSEEVENTF_LEFTUP);
 }
 
+void Program::Drag(POINT fromScreen, POINT toScreen) const {
+    MoveTo(fromScreen);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    constexpr int kSteps = 8;
+    for (int step = 1; step <= kSteps; ++step) {
+        MoveTo({fromScreen.x + (toScreen.x - fromScreen.x) * step / kSteps,
+                fromScreen.y + (toScreen.y - fromScreen.y) * step / kSteps});
+        // The window follows from its own message loop; one step it must have seen before the next.
+        SendMessageTimeoutW(window_, WM_NULL, 0, 0, SMTO_NORMAL, 1000, nullptr);
+    }
+    SendMouse(MOUSEEVENTF_LEFTUP);
+}
+
 void Program::Click(const std::wstring& name) const {
     const auto control = WaitFor(name);
     if (!control)
         throw std::runtime_error("no such control to click on");
     const RECT& r = control->screenPx;
     ClickAt({(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+}
+
+void Program::Wheel(int notches) const {
+    SendMouse(MOUSEEVENTF_WHEEL, notches * WHEEL_DELTA);
+}
+
+bool Program::Reveal(const std::wstring& name) const {
+    RECT client = {};
+    GetClientRect(window_, &client);
+    const int dpi = MulDiv(client.right, 96, kWindowWidthDip);
+    const auto toPx = [dpi](int dip) { return MulDiv(dip, dpi, 96); };
+    // Beside the cards: over a slider the wheel would move it.
+    POINT margin{client.right - toPx(12), client.bottom / 2};
+    ClientToScreen(window_, &margin);
+    return WaitUntil([&] {
+        const RECT rect = ClientRect(name);
+        if (IsRectEmpty(&rect))
+            return false;
+        const bool above = rect.top < toPx(kEffectsTopDip);
+        const bool below = rect.bottom > client.bottom - toPx(kEffectsBottomDip);
+        if (above == below)
+            return true;
+        MoveTo(margin);
+        Wheel(above ? 1 : -1);
+        return false;
+    });
 }
 
 void Program::PressKey(WORD key, bool alt) const {

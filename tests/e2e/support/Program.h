@@ -13,8 +13,8 @@ namespace e2e {
 
 class Program {
   public:
-    // Starts Pixora.exe from `folder` (with a trailing backslash; empty: the folder in the environment variable
-    // PIXORA_PROGRAM_FOLDER, else the tests' own) with that command line after the program's path.
+    // Starts the program that Machine names from `folder` (with a trailing backslash; empty: the folder in the
+    // environment variable PIXORA_PROGRAM_FOLDER, else the tests' own) with that command line after the program's path.
     explicit Program(const std::wstring& arguments = L"run", const std::wstring& folder = {});
     // Ends the process, if it still runs.
     ~Program();
@@ -24,6 +24,8 @@ class Program {
     // The window once it is shown, has its controls and has painted; null when the time is over.
     HWND WaitForWindow();
     HWND Window() const { return window_; }
+    HANDLE Process() const { return process_.Get(); }
+    DWORD ProcessId() const { return processId_; }
     // The exit code once the process has ended; nothing when the time is over.
     std::optional<DWORD> WaitForEnd();
     bool Runs() const;
@@ -34,11 +36,20 @@ class Program {
     // The control's rectangle in client coordinates.
     RECT ClientRect(const std::wstring& name) const;
 
+    // Tells the open window that its screen has another DPI, as the system does.
+    void SetScale(int dpi) const;
+
     // --- the real mouse and keyboard
     void MoveTo(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
+    // Presses the left button at one point, moves in steps and releases it at the other.
+    void Drag(POINT fromScreen, POINT toScreen) const;
     void PressKey(WORD key, bool alt = false) const;
+    // Notches away from the user, negative ones towards.
+    void Wheel(int notches) const;
+    // Scrolls the effects until the control is whole in sight; false when it cannot be.
+    bool Reveal(const std::wstring& name) const;
 
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;

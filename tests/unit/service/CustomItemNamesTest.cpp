@@ -47,4 +47,21 @@ TEST(CustomItemNamesTest, OtherNamesBelongToNoItem) {
     }
 }
 
+TEST(CustomItemNames, AnItemNameIsThePrefixAndANumber) {
+    for (const wchar_t* name : {L"custom_background_btn_0", L"custom_background_btn_31", L"custom_background_btn_007"})
+        EXPECT_TRUE(CustomItemNames::IsItemName(name)) << name;
+    for (const wchar_t* name :
+         {L"", L"custom_background_btn_", L"custom_background_btn_1_del", L"custom_background_btn",
+          L"none_background_btn", L"custom_background_btn_-1", L" custom_background_btn_1"})
+        EXPECT_FALSE(CustomItemNames::IsItemName(name)) << name;
+}
+
+TEST(CustomItemNames, OnlyAPictureOfTheItemsNameIsItsPicture) {
+    EXPECT_TRUE(CustomItemNames::IsPictureOf(L"custom_background_btn_1", L"C:\\x\\custom_background_btn_1.jpg"));
+    EXPECT_TRUE(CustomItemNames::IsPictureOf(L"custom_background_btn_1", L"custom_background_btn_1.jpg"));
+    for (const wchar_t* path : {L"", L"C:\\x\\custom_background_btn_11.jpg", L"C:\\x\\holiday.jpg",
+                                L"C:\\custom_background_btn_1.jpg\\x.jpg", L"C:\\x\\custom_background_btn_1.mp4"})
+        EXPECT_FALSE(CustomItemNames::IsPictureOf(L"custom_background_btn_1", path)) << path;
+}
+
 }  // namespace

@@ -25,8 +25,8 @@ TEST(KindNotifierTest, OneInstanceForEachKind) {
 TEST(KindNotifierTest, CallsListenersInTheOrderOfSubscriptionWithTheSameKind) {
     auto& hub = KindNotifier<Kind<1>>::GetInstance();
     std::string calls;
-    hub.Subscribe(4, [&calls](Kind<1>& kind) { calls += 'a' + kind.value++; });
-    hub.Subscribe(4, [&calls](Kind<1>& kind) { calls += 'a' + kind.value++; });
+    hub.Subscribe(4, [&calls](Kind<1>& kind) { calls += static_cast<char>('a' + kind.value++); });
+    hub.Subscribe(4, [&calls](Kind<1>& kind) { calls += static_cast<char>('a' + kind.value++); });
     hub.Subscribe(5, [&calls](Kind<1>&) { calls += '!'; });
     Kind<1> kind{2};
     hub.Publish(4, kind);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 using suite::FormatLogLine;
-using suite::LogTime;
 
 namespace {
 

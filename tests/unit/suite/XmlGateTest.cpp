@@ -98,8 +98,7 @@ TEST(XmlGateTest, BrokenTextIsTold) {
                              "<!-->",
                              "<?",
                              "<?x",
-                             "<?"
-                             "?><a/>",
+                             "<?\?><a/>",
                              "<a/></a>",
                              "<a>\x01</a>",
                              "<a b='\xFF'/>",

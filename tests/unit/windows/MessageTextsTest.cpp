@@ -12,7 +12,7 @@ using GlobalUtils::MessageBoxKind;
 
 TEST(MessageTexts, EachKindHasATextOfItsOwn) {
     std::set<std::wstring> keys;
-    for (const int kind : {0, 1, 5, 7, 8, 9}) {
+    for (const int kind : {0, 1, 5, 7, 8, 9, 10}) {
         const wchar_t* key = MessageTextKey(static_cast<MessageBoxKind>(kind));
         ASSERT_NE(key, nullptr) << kind;
         EXPECT_EQ(std::wstring(key).rfind(L"IDS_LUMI_MSG_", 0), 0U) << kind;
@@ -27,7 +27,7 @@ TEST(MessageTexts, TheCameraAndTheSizes) {
 }
 
 TEST(MessageTexts, OtherNumbersHaveNone) {
-    for (const int kind : {2, 3, 4, 6, 10, -1, INT_MIN, INT_MAX})
+    for (const int kind : {2, 3, 4, 6, 11, -1, INT_MIN, INT_MAX})
         EXPECT_EQ(MessageTextKey(static_cast<MessageBoxKind>(kind)), nullptr) << kind;
 }
 

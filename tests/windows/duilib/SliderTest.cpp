@@ -51,8 +51,8 @@ TEST_P(Bars, AreFilledInProportion) {
     auto& progress = window.Find<CProgressUI>(L"p");
     for (const int value : {0, 25, 50, 100}) {
         progress.SetValue(value);
-        EXPECT_NEAR(Length(L"p", kGreen), 240 * value / 100, 4);
-        EXPECT_NEAR(Length(L"p", kRed), 240 - 240 * value / 100, 8);
+        EXPECT_NEAR(Length(L"p", kGreen), 2.4 * value, 4);
+        EXPECT_NEAR(Length(L"p", kRed), 240 - 2.4 * value, 8);
     }
     // The value is kept; only the drawing stops at the ends.
     progress.SetValue(250);

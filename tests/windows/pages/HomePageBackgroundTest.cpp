@@ -7,7 +7,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::int32_t kPing = 0x4B273B;
 constexpr std::chrono::milliseconds kGap{95};  // sleeping is never shorter, whatever the machine is doing

@@ -1,14 +1,11 @@
 // Turning the preview on and off again and again: nothing may be left behind, and nothing may hang.
 #include <windows.h>
 
-#include <psapi.h>
-#include <tlhelp32.h>
-
-#include <cstdio>
 #include <cstdlib>
 #include <random>
 
 #include "tests/windows/preview/CaptureSupport.h"
+#include "tests/windows/preview/ProcessUsage.h"
 
 using democamera::CameraFaults;
 using democamera::CameraFormat;
@@ -22,47 +19,6 @@ int Cycles() {
     const char* text = std::getenv("PIXORA_PREVIEW_CYCLES");
     const int cycles = text != nullptr ? std::atoi(text) : 0;
     return cycles > 0 ? cycles : 50;
-}
-
-struct Usage {
-    long long privateBytes = 0;
-    long handles = 0;
-    long gdiObjects = 0;
-    long userObjects = 0;
-    long threads = 0;
-};
-
-long CountThreads() {
-    long threads = 0;
-    HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry = {};
-    entry.dwSize = sizeof entry;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
-        threads += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
-    }
-    CloseHandle(snapshot);
-    return threads;
-}
-
-Usage UsageNow() {
-    Usage usage;
-    PROCESS_MEMORY_COUNTERS_EX memory = {};
-    memory.cb = sizeof memory;
-    EXPECT_TRUE(
-        GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory), sizeof memory));
-    usage.privateBytes = static_cast<long long>(memory.PrivateUsage);
-    DWORD handles = 0;
-    EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
-    usage.handles = static_cast<long>(handles);
-    usage.gdiObjects = static_cast<long>(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS));
-    usage.userObjects = static_cast<long>(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
-    usage.threads = CountThreads();
-    return usage;
-}
-
-void Print(const char* when, const Usage& usage) {
-    std::printf("%-10s %8lld KiB, %ld handles, %ld GDI objects, %ld user objects, %ld threads\n", when,
-                usage.privateBytes / 1024, usage.handles, usage.gdiObjects, usage.userObjects, usage.threads);
 }
 
 class CycleTest : public CaptureTest {
@@ -96,30 +52,57 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
         ASSERT_NO_FATAL_FAILURE(RunOnce());
     }
     ASSERT_TRUE(WaitForRelease());
-    const Usage before = UsageNow();
-    Print("before", before);
+    const ProcessUsage before = ProcessUsage::Now();
+    before.Print("before");
     for (int i = 0; i < Cycles(); ++i) {
         ASSERT_NO_FATAL_FAILURE(RunOnce());
     }
     ASSERT_TRUE(WaitForRelease());
-    Usage after = UsageNow();
+    ProcessUsage after = ProcessUsage::Now();
     // A thread that has ended is gone from the counts a moment later.
     Wait(
         [&] {
-            after = UsageNow();
+            after = ProcessUsage::Now();
             return after.threads <= before.threads && after.handles <= before.handles;
         },
         std::chrono::seconds(3));
-    Print("after", after);
+    after.Print("after");
     // Not per cycle: a pool may hold one thing more or less at any time.
-    EXPECT_LE(after.privateBytes, before.privateBytes + 8 * 1024 * 1024);
+    EXPECT_LE(after.heapBytes, before.heapBytes + 1024 * 1024);
+    EXPECT_LE(after.heapBlocks, before.heapBlocks + 1000);
     EXPECT_LE(after.handles, before.handles + 12);
-    EXPECT_LE(after.gdiObjects, before.gdiObjects + 4);
-    EXPECT_LE(after.userObjects, before.userObjects + 4);
+    EXPECT_LE(after.guiObjects, before.guiObjects + 8);
     EXPECT_LE(after.threads, before.threads + 3);
     EXPECT_EQ(cameras_[0]->Seen().opened, kWarmUp + Cycles());
     EXPECT_EQ(cameras_[0]->Seen().running, 0);
     EXPECT_EQ(cameras_[0]->Seen().alive, 0);
+}
+
+// PIXORA_PREVIEW_FRAMES sets another number of frames, for the long run.
+TEST_F(CycleTest, FramesLeaveNothingBehind) {
+    const char* text = std::getenv("PIXORA_PREVIEW_FRAMES");
+    const int frames = text != nullptr ? std::atoi(text) : 3000;
+    CameraSettings settings = SmallCamera(CameraFormat::kNv12);
+    settings.modes.front().framesPerSecond = 1000;
+    UseCamera(settings);
+    RunningPreview preview(window_);
+    ASSERT_TRUE(preview->Start(0));
+    ASSERT_TRUE(WaitForFrames(500));
+    const ProcessUsage before = ProcessUsage::Now();
+    before.Print("before");
+    if (std::getenv("LIVE_NODRAW"))
+        preview->DestroyRenderer();
+    const auto camera = cameras_[0];
+    const std::int64_t goal = camera->Seen().frames + frames;
+    ASSERT_TRUE(Wait([&] { return camera->Seen().frames >= goal; }, std::chrono::minutes(30)));
+    const ProcessUsage after = ProcessUsage::Now();
+    after.Print("after");
+    // A leak of one small object a frame would show.
+    EXPECT_LE(after.heapBlocks, before.heapBlocks + 1000);
+    EXPECT_LE(after.heapBytes, before.heapBytes + 1024 * 1024);
+    EXPECT_LE(after.handles, before.handles + 12);
+    EXPECT_LE(after.threads, before.threads + 3);
+    preview.Finish();
 }
 
 TEST_F(CycleTest, StartingAndClosingAtAnyMomentNeitherHangsNorDraws) {

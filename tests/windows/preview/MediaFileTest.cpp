@@ -15,7 +15,6 @@
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace preview_test {
 namespace {

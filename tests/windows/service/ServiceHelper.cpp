@@ -3,7 +3,10 @@
 //   service_helper                 0 when the model is one and the same
 //   service_helper drag            moves a slider many times and ends at once
 //   service_helper switch          turns the camera switch on and ends at once
+//   service_helper add FILE        adds that file as background again and again, until it is ended
 #include <windows.h>
+
+#include <objbase.h>
 
 #include <string>
 
@@ -27,6 +30,16 @@ int wmain(int argc, wchar_t** argv) {
     }
     if (work == L"switch") {
         model->SetCameraSwitch(1);
+    }
+    if (work == L"add" && argc > 2) {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        model->InitCustomImage();
+        for (;;) {
+            model->AddCustomBackground(argv[2]);
+            if (model->IsCustomFull()) {
+                model->DeleteCustomBackground(L"custom_background_btn_7");
+            }
+        }
     }
     model->SetStatusObserver([](const GlobalUtils::FeatureStatusTuple&) {});
     return model == HomeService::GetInstance() ? 0 : 1;

@@ -113,9 +113,9 @@ ServiceTest::Values ServiceTest::AllValues() {
     }
     for (DWORD i = 0;; ++i) {
         std::array<wchar_t, 256> name{};
-        std::array<wchar_t, 4096> data{};
+        std::vector<wchar_t> data(64 * 1024);
         DWORD nameLength = name.size();
-        DWORD size = sizeof(data);
+        DWORD size = static_cast<DWORD>(data.size() * sizeof(wchar_t));
         DWORD type = 0;
         if (RegEnumValueW(key, i, name.data(), &nameLength, nullptr, &type, reinterpret_cast<BYTE*>(data.data()),
                           &size) != ERROR_SUCCESS) {

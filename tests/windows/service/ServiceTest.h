@@ -30,6 +30,8 @@ struct HomeServiceTestAccess {
     static Model Make() { return Model(new HomeService); }
     static std::vector<CustomImageRecord>& CustomItems(HomeService& model) { return model.customItems_; }
     static std::map<std::wstring, std::wstring>& CustomByName(HomeService& model) { return model.customByName_; }
+    // As InitCustomImage for that user.
+    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.LoadCustomImages(userSid); }
     static bool HasTakenASnapshot(HomeService& model) { return !model.indexToBtn_.empty(); }
 };
 

@@ -9,7 +9,6 @@
 
 namespace {
 
-using GlobalUtils::FeatureStatus;
 using GlobalUtils::FeatureStatusTuple;
 using GlobalUtils::MessageBoxKind;
 

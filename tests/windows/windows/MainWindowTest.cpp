@@ -8,7 +8,6 @@
 
 namespace {
 
-using testing::IsEmpty;
 
 LRESULT HitAt(HWND window, POINT client) {
     ClientToScreen(window, &client);

@@ -1,0 +1,143 @@
+// Measures what the user waits for in the open settings window: a click until its ping has reached the service, a
+// change by another program until the switch is painted, and a click until the other page is painted.
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/e2e/support/Machine.h"
+#include "tests/e2e/support/Program.h"
+#include "tools/service/PipeServer.h"
+
+namespace {
+
+constexpr int kRounds = 21;
+constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\iNotoraAssistant";
+constexpr std::int32_t kSettingsChanged = 0x4B273B;
+constexpr std::chrono::seconds kPatience{10};
+
+using Clock = std::chrono::steady_clock;
+
+double MsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+struct Times {
+    std::vector<double> ms;
+
+    void Print(const char* what, double goalMs) {
+        std::sort(ms.begin(), ms.end());
+        std::printf("%s:  median %.1f ms, best %.1f ms, worst %.1f ms (goal %.0f ms)\n", what, ms[ms.size() / 2],
+                    ms.front(), ms.back(), goalMs);
+    }
+};
+
+// A pixel of the screen, looked at as often as possible.
+class Pixel {
+  public:
+    explicit Pixel(POINT screen) : point_(screen), screen_(GetDC(nullptr)) {}
+    ~Pixel() { ReleaseDC(nullptr, screen_); }
+    Pixel(const Pixel&) = delete;
+    Pixel& operator=(const Pixel&) = delete;
+
+    COLORREF Get() const { return GetPixel(screen_, point_.x, point_.y); }
+    // Milliseconds from `begin` until it has another colour than that.
+    double UntilOther(COLORREF before, Clock::time_point begin) const {
+        while (Get() == before) {
+            if (Clock::now() - begin > kPatience)
+                throw std::runtime_error("the pixel does not change");
+        }
+        return MsSince(begin);
+    }
+
+  private:
+    const POINT point_;
+    const HDC screen_;
+};
+
+POINT MiddleOf(const RECT& rect) {
+    return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+}
+
+// Nothing of the last round is under way any more: the window has answered, and no ping waits.
+void Settle(const e2e::Program& program, PipeServer& service) {
+    SendMessageW(program.Window(), WM_NULL, 0, 0);
+    while (service.WaitFor(ServerEvent::Kind::kMessage, std::chrono::milliseconds(300))) {
+    }
+}
+
+void Measure() {
+    e2e::Machine::Reset();
+    for (const wchar_t* name : {L"lumi_camera_switch", L"filter_driver_install", L"init_algorithm"})
+        e2e::Machine::SetNumber(name, 1);
+    PipeServer service;
+    if (!service.Start(kPipe))
+        throw std::runtime_error("the pipe is taken");
+    e2e::Program program;
+    if (!program.WaitForWindow() || !service.WaitFor(ServerEvent::Kind::kHello, kPatience))
+        throw std::runtime_error("the window did not open");
+
+    Times ping, change, page;
+    const RECT row = program.Find(L"focus_person_btn")->screenPx;
+    const RECT detail = program.Find(L"show_detail_btn")->screenPx;
+    const POINT farSide{row.left + (row.right - row.left) / 4, (row.top + row.bottom) / 2};
+    for (int round = 0; round < kRounds; ++round) {
+        program.MoveTo(MiddleOf(row));
+        Settle(program, service);
+        auto begin = Clock::now();
+        program.ClickAt(MiddleOf(row));
+        for (bool came = false; !came;) {
+            const auto event = service.WaitFor(ServerEvent::Kind::kMessage, kPatience);
+            if (!event)
+                throw std::runtime_error("no ping");
+            came = event->frame.slot[2] == kSettingsChanged;
+        }
+        ping.ms.push_back(MsSince(begin));
+
+        // Away from it, so that only its state changes its look.
+        program.MoveTo({row.left - 200, row.top - 200});
+        Settle(program, service);
+        const Pixel side(farSide);
+        const DWORD now = *e2e::Machine::Number(L"lumi_camera_person_track");
+        const COLORREF before = side.Get();
+        begin = Clock::now();
+        e2e::Machine::SetNumber(L"lumi_camera_person_track", now == 1 ? 0 : 1);
+        change.ms.push_back(side.UntilOther(before, begin));
+
+        Settle(program, service);
+        // The switch's place is empty on the other page.
+        program.MoveTo(MiddleOf(detail));
+        const COLORREF shown = side.Get();
+        begin = Clock::now();
+        program.ClickAt(MiddleOf(detail));
+        page.ms.push_back(side.UntilOther(shown, begin));
+        Settle(program, service);
+        program.Click(L"back_btn");
+        program.WaitFor(L"show_detail_btn");
+        Settle(program, service);
+    }
+    ping.Print("click until the service has the ping", 5);
+    change.Print("change by another program until painted", 50);
+    page.Print("click until the other page is painted", 30);
+}
+
+}  // namespace
+
+int main() {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    int status = 0;
+    try {
+        Measure();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        status = 1;
+    }
+    CoUninitialize();
+    return status;
+}

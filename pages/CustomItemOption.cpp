@@ -1,0 +1,14 @@
+#include "pages/CustomItemOption.h"
+
+#include "DuiLib/Notify.h"
+#include "DuiLib/PaintManagerUI.h"
+
+void CCustomItemOption::DoEvent(const DuiLib::TEventUI& event) {
+    DuiLib::CPaintManagerUI* const manager = GetManager();
+    if (event.type == DuiLib::EventType::KeyDown && event.key == VK_DELETE && manager) {
+        if (DuiLib::CControlUI* button = manager->FindControl(GetName() + L"_del"))
+            manager->SendNotify(button, DuiLib::NotifyType::kClick);
+        return;
+    }
+    COptionUI::DoEvent(event);
+}

@@ -1,0 +1,137 @@
+#include "pages/GalleryThumbnails.h"
+
+#include <objbase.h>
+
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "DuiLib/ControlUI.h"
+#include "DuiLib/UIMainQueue.h"
+#include "service/PictureThumbnail.h"
+#include "suite/logger/QxLogger.h"
+
+namespace {
+
+constexpr int kWidthDip = 52;
+constexpr int kHeightDip = 32;
+constexpr std::uint32_t kPlainColor = 0xFFE6EAF2;
+
+constexpr wchar_t kFunction[] = L"GalleryThumbnails::Read";
+
+}  // namespace
+
+struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
+    struct Job {
+        std::wstring path;
+        std::wstring control;
+        unsigned number = 0;
+    };
+
+    explicit State(DuiLib::CPaintManagerUI* paintManager) : manager(paintManager) {}
+
+    // The bitmap stays the caller's.
+    void Register(const std::wstring& path, HBITMAP bitmap) const {
+        if (bitmap)
+            manager->AddImage(path, bitmap, kWidthDip, kHeightDip, false, true);
+    }
+
+    // UI thread. A picture that came too late, for a cell that shows another by now, is dropped.
+    void Take(const Job& job, HBITMAP bitmap) {
+        const auto shown = latest.find(job.control);
+        if (alive && shown != latest.end() && shown->second.number == job.number && bitmap) {
+            Register(job.path, bitmap);
+            if (DuiLib::CControlUI* control = manager->FindControl(job.control))
+                control->Invalidate();
+        }
+        if (bitmap)
+            DeleteObject(bitmap);
+    }
+
+    // The reading thread.
+    void Run() {
+        const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        for (;;) {
+            Job job;
+            {
+                const std::scoped_lock lock(mutex);
+                if (stopping || jobs.empty()) {
+                    running = false;
+                    break;
+                }
+                job = std::move(jobs.front());
+                jobs.pop_front();
+            }
+            try {
+                const HBITMAP bitmap = LoadPictureThumbnail(job.path);
+                DuiLib::UIMainQueue::getInstance()->dispatch(
+                    [state = shared_from_this(), job, bitmap] { state->Take(job, bitmap); });
+            } catch (const std::exception& error) {
+                LogLine(4, kFunction, L"No thumbnail: ", error.what());
+            }
+        }
+        if (SUCCEEDED(com))
+            CoUninitialize();
+    }
+
+    // UI thread.
+    DuiLib::CPaintManagerUI* const manager;  // borrowed; used while alive
+    bool alive = true;
+    unsigned lastNumber = 0;
+    std::map<std::wstring, Job> latest;  // by control
+    std::thread reader;
+
+    std::mutex mutex;
+    // Guarded by mutex.
+    std::deque<Job> jobs;
+    bool running = false;
+    bool stopping = false;
+};
+
+GalleryThumbnails::GalleryThumbnails(DuiLib::CPaintManagerUI* manager) : state_(std::make_shared<State>(manager)) {}
+
+GalleryThumbnails::~GalleryThumbnails() {
+    state_->alive = false;
+    {
+        const std::scoped_lock lock(state_->mutex);
+        state_->stopping = true;
+    }
+    if (state_->reader.joinable())
+        state_->reader.join();
+}
+
+void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& control) {
+    const State::Job job{path, control, ++state_->lastNumber};
+    state_->latest[control] = job;
+    const HBITMAP plain = CreateBitmap(1, 1, 1, 32, &kPlainColor);
+    state_->Register(path, plain);
+    DeleteObject(plain);
+    {
+        const std::scoped_lock lock(state_->mutex);
+        state_->jobs.push_back(job);
+        if (std::exchange(state_->running, true))
+            return;
+    }
+    // One that has run out of jobs is about to end.
+    if (state_->reader.joinable())
+        state_->reader.join();
+    try {
+        state_->reader = std::thread([state = state_.get()] { state->Run(); });
+    } catch (const std::exception& error) {
+        LogLine(4, kFunction, L"No thread: ", error.what());
+        const std::scoped_lock lock(state_->mutex);
+        state_->running = false;
+    }
+}
+
+void GalleryThumbnails::Forget(const std::wstring& control) {
+    const auto shown = state_->latest.find(control);
+    if (shown == state_->latest.end())
+        return;
+    state_->manager->RemoveImage(shown->second.path);
+    state_->latest.erase(shown);
+}

@@ -1,0 +1,113 @@
+#include "service/BackgroundPicture.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "preview/BitmapFile.h"
+#include "service/CustomItemNames.h"
+#include "service/JpegPicture.h"
+#include "service/VideoCover.h"
+#include "suite/common/Handle.h"
+#include "suite/logger/QxLogger.h"
+
+namespace BackgroundPicture {
+
+namespace {
+
+constexpr wchar_t kFunction[] = L"BackgroundPicture::Make";
+constexpr wchar_t kUnfinishedSuffix[] = L".part";
+constexpr wchar_t kFallbackOfSuite[] =
+    L"C:\\Program Files\\Velmora\\Quillon\\res\\drawable\\LumiCamera\\defaultImg.png";
+constexpr wchar_t kFallbackOfProgram[] = L"res\\drawable\\LumiCamera\\defaultImg.png";
+
+std::wstring BesideTheProgram(const wchar_t* name) {
+    wchar_t path[MAX_PATH] = {};
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring program(path, length);
+    return program.substr(0, program.rfind(L'\\') + 1) + name;
+}
+
+// Nothing of a picture that lies in the system's memory only is taken for stored.
+bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
+    {
+        const suite::Handle file(
+            CreateFileW(unfinished.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file || !FlushFileBuffers(file.Get())) {
+            return false;
+        }
+    }
+    return MoveFileExW(unfinished.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+}
+
+bool WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes) {
+    const suite::Handle file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+           written == bytes.size();
+}
+
+Result WriteImage(const std::wstring& source, const std::wstring& path) {
+    std::vector<std::uint8_t> bytes;
+    if (const HRESULT result = EncodeAsJpeg(source, bytes); FAILED(result)) {
+        LogLine(3, kFunction, L"The file cannot be made a picture: ", result);
+        return Result::kNothingToShow;
+    }
+    return WriteBytes(path, bytes) ? Result::kMade : Result::kNotWritten;
+}
+
+Result WriteCover(const std::wstring& video, const std::wstring& path) {
+    const HBITMAP cover = LoadVideoCover(video);
+    if (!cover) {
+        LogLine(3, kFunction, L"The video has no cover");
+        return Result::kNothingToShow;
+    }
+    const bool written = SaveBitmapToFile(cover, path);
+    DeleteObject(cover);
+    return written ? Result::kMade : Result::kNotWritten;
+}
+
+// The source, or else what stands for one that cannot be read.
+Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& path) {
+    Result result = isVideo ? WriteCover(source, path) : WriteImage(source, path);
+    if (result == Result::kNothingToShow) {
+        result = WriteImage(kFallbackOfSuite, path);
+    }
+    if (result == Result::kNothingToShow) {
+        result = WriteImage(BesideTheProgram(kFallbackOfProgram), path);
+    }
+    return result;
+}
+
+}  // namespace
+
+Result Make(const std::wstring& source, bool isVideo, const std::wstring& target) {
+    const std::wstring unfinished = target + kUnfinishedSuffix;
+    Result result = WriteAny(source, isVideo, unfinished);
+    if (result == Result::kMade && !MoveIntoPlace(unfinished, target)) {
+        result = Result::kNotWritten;
+    }
+    if (result != Result::kMade) {
+        const DWORD error = GetLastError();
+        LogLine(4, kFunction, L"No picture is stored: ", error);
+        DeleteFileW(unfinished.c_str());
+    }
+    return result;
+}
+
+void RemoveUnfinished(const std::wstring& folder) {
+    WIN32_FIND_DATAW found = {};
+    const std::wstring pattern = folder + L"\\" + std::wstring(CustomItemNames::kPrefix) + L"*" + kUnfinishedSuffix;
+    const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    do {
+        DeleteFileW((folder + L"\\" + found.cFileName).c_str());
+    } while (FindNextFileW(search, &found));
+    FindClose(search);
+}
+
+}  // namespace BackgroundPicture

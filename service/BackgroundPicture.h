@@ -1,0 +1,25 @@
+#pragma once
+// The picture file of one of the user's own backgrounds: the image itself or the video's cover.
+//
+// Why: the camera service reads these files while they are written, and the program may be ended at any moment, so a
+// picture is written beside its place and moved there whole.
+// Threads: any that has entered a COM apartment.
+#include <string>
+
+namespace BackgroundPicture {
+
+enum class Result {
+    kMade,
+    kNothingToShow,  // neither the file nor the picture that stands in for it can be read
+    kNotWritten,     // the folder does not take the file
+};
+
+// Writes `target`, over an older one: an image as JPEG; a video's cover as a bitmap file, whatever the name ends in.
+// Where the source cannot be loaded, the picture that stands for such is written. After a failure an older target is
+// as it was. `source` is only read.
+[[nodiscard]] Result Make(const std::wstring& source, bool isVideo, const std::wstring& target);
+
+// Removes what a program that was ended left unfinished in that folder.
+void RemoveUnfinished(const std::wstring& folder);
+
+}  // namespace BackgroundPicture

@@ -1,0 +1,269 @@
+#include "service/JpegPicture.h"
+
+#include <ocidl.h>
+#include <wincodec.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "service/ExifOrientation.h"
+#include "service/Held.h"
+#include "service/JpegThumbnail.h"
+#include "service/ThumbnailMaker.h"
+#include "suite/common/Handle.h"
+
+namespace {
+
+constexpr float kQuality = 0.92F;
+constexpr UINT kBandRows = 64;
+// What decoder and encoder take at most; beyond it sizes in bytes would no longer fit 32 bits.
+constexpr UINT kMaxSidePx = 16384;
+// A camera's notes stand at the beginning of the file; each of them is at most 64 KiB.
+constexpr DWORD kNotesBytes = 256 * 1024;
+
+struct Picture {
+    UINT width = 0;
+    UINT height = 0;
+    int orientation = ExifOrientation::kUpright;
+    Held<IWICBitmapDecoder> decoder;
+    Held<IWICBitmapFrameDecode> frame;
+    Held<IWICFormatConverter> pixels;  // 32 bits each, alpha last
+
+    UINT UprightWidth() const { return ExifOrientation::SwapsSides(orientation) ? height : width; }
+    UINT UprightHeight() const { return ExifOrientation::SwapsSides(orientation) ? width : height; }
+};
+
+int OrientationOf(const std::wstring& path) {
+    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::vector<std::uint8_t> beginning(kNotesBytes);
+    DWORD read = 0;
+    if (!file || !ReadFile(file.Get(), beginning.data(), kNotesBytes, &read, nullptr)) {
+        return ExifOrientation::kUpright;
+    }
+    return ExifOrientation::Read({beginning.data(), read});
+}
+
+HRESULT Open(IWICImagingFactory* factory, const std::wstring& path, Picture& picture) {
+    HRESULT result = factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                                        WICDecodeMetadataCacheOnDemand, picture.decoder.Put());
+    if (SUCCEEDED(result)) {
+        result = picture.decoder->GetFrame(0, picture.frame.Put());
+    }
+    if (SUCCEEDED(result)) {
+        result = picture.frame->GetSize(&picture.width, &picture.height);
+    }
+    if (SUCCEEDED(result) &&
+        (picture.width == 0 || picture.height == 0 || picture.width > kMaxSidePx || picture.height > kMaxSidePx)) {
+        result = WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
+    }
+    if (SUCCEEDED(result)) {
+        result = factory->CreateFormatConverter(picture.pixels.Put());
+    }
+    if (SUCCEEDED(result)) {
+        result = picture.pixels->Initialize(picture.frame.Get(), GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,
+                                            nullptr, 0.0, WICBitmapPaletteTypeCustom);
+    }
+    picture.orientation = OrientationOf(path);
+    return result;
+}
+
+HRESULT ReadRows(const Picture& picture, UINT top, UINT rows, std::uint32_t* pixels) {
+    const WICRect band{0, static_cast<INT>(top), static_cast<INT>(picture.width), static_cast<INT>(rows)};
+    const UINT stride = picture.width * 4;
+    return picture.pixels->CopyPixels(&band, stride, stride * rows, reinterpret_cast<BYTE*>(pixels));
+}
+
+// Lays what is transparent on white.
+void Flatten(std::uint32_t* pixels, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t alpha = pixels[i] >> 24;
+        if (alpha == 255) {
+            continue;
+        }
+        std::uint32_t flat = 0xFF000000;
+        for (int shift = 0; shift < 24; shift += 8) {
+            const std::uint32_t value = pixels[i] >> shift & 0xFF;
+            flat |= (value * alpha + 255 * (255 - alpha) + 127) / 255 << shift;
+        }
+        pixels[i] = flat;
+    }
+}
+
+// Three bytes for each pixel.
+void Pack(const std::uint32_t* pixels, std::size_t count, BYTE* bgr) {
+    for (std::size_t i = 0; i < count; ++i, bgr += 3) {
+        const std::uint32_t pixel = pixels[i];
+        bgr[0] = static_cast<BYTE>(pixel);
+        bgr[1] = static_cast<BYTE>(pixel >> 8);
+        bgr[2] = static_cast<BYTE>(pixel >> 16);
+    }
+}
+
+// Writes the upright picture's bands, which `read` gives, and lets the thumbnail see them.
+HRESULT WriteBands(IWICBitmapFrameEncode* frame, UINT width, UINT height, ThumbnailMaker& thumbnail,
+                   const std::function<HRESULT(UINT top, UINT rows, std::uint32_t* pixels)>& read) {
+    const UINT stride = (width * 3 + 3) / 4 * 4;
+    std::vector<std::uint32_t> pixels(std::size_t{width} * kBandRows);
+    std::vector<BYTE> bgr(std::size_t{stride} * kBandRows);
+    HRESULT result = S_OK;
+    for (UINT top = 0; SUCCEEDED(result) && top < height; top += kBandRows) {
+        const UINT rows = std::min(kBandRows, height - top);
+        result = read(top, rows, pixels.data());
+        if (FAILED(result)) {
+            break;
+        }
+        Flatten(pixels.data(), std::size_t{width} * rows);
+        thumbnail.AddRows(top, rows, pixels.data());
+        for (UINT row = 0; row < rows; ++row) {
+            Pack(pixels.data() + std::size_t{row} * width, width, bgr.data() + std::size_t{row} * stride);
+        }
+        result = frame->WritePixels(rows, stride, stride * rows, bgr.data());
+    }
+    return result;
+}
+
+HRESULT SetFormat(IWICBitmapFrameEncode* frame, UINT width, UINT height) {
+    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+    HRESULT result = frame->SetSize(width, height);
+    if (SUCCEEDED(result)) {
+        result = frame->SetPixelFormat(&format);
+    }
+    return SUCCEEDED(result) && !IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) ? WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT
+                                                                                  : result;
+}
+
+HRESULT WritePicture(const Picture& picture, IWICBitmapFrameEncode* frame, ThumbnailMaker& thumbnail) {
+    HRESULT result = SetFormat(frame, picture.UprightWidth(), picture.UprightHeight());
+    if (FAILED(result)) {
+        return result;
+    }
+    if (picture.orientation == ExifOrientation::kUpright) {
+        return WriteBands(
+            frame, picture.width, picture.height, thumbnail,
+            [&picture](UINT top, UINT rows, std::uint32_t* pixels) { return ReadRows(picture, top, rows, pixels); });
+    }
+    std::vector<std::uint32_t> stored(std::size_t{picture.width} * picture.height);
+    for (UINT top = 0; SUCCEEDED(result) && top < picture.height; top += kBandRows) {
+        result = ReadRows(picture, top, std::min(kBandRows, picture.height - top),
+                          stored.data() + std::size_t{top} * picture.width);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    return WriteBands(frame, picture.UprightWidth(), picture.UprightHeight(), thumbnail,
+                      [&](UINT top, UINT rows, std::uint32_t* pixels) {
+                          ExifOrientation::TurnRows(stored.data(), picture.width, picture.height, picture.orientation,
+                                                    top, rows, pixels);
+                          return S_OK;
+                      });
+}
+
+// An encoder that does not know the option keeps its own quality.
+void SetQuality(IPropertyBag2* options) {
+    PROPBAG2 option = {};
+    wchar_t name[] = L"ImageQuality";
+    option.pstrName = name;
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = VT_R4;
+    value.fltVal = kQuality;
+    options->Write(1, &option, &value);
+}
+
+std::vector<std::uint8_t> BytesOf(IStream* stream) {
+    HGLOBAL memory = nullptr;
+    STATSTG state = {};
+    if (FAILED(GetHGlobalFromStream(stream, &memory)) || FAILED(stream->Stat(&state, STATFLAG_NONAME))) {
+        return {};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(state.cbSize.QuadPart));
+    if (const void* data = GlobalLock(memory)) {
+        std::copy_n(static_cast<const std::uint8_t*>(data), bytes.size(), bytes.begin());
+        GlobalUnlock(memory);
+    }
+    return bytes;
+}
+
+// `write` gives the frame its size, format and rows.
+HRESULT Encode(IWICImagingFactory* factory, const std::function<HRESULT(IWICBitmapFrameEncode* frame)>& write,
+               std::vector<std::uint8_t>& file) {
+    Held<IStream> stream;
+    Held<IWICBitmapEncoder> encoder;
+    Held<IWICBitmapFrameEncode> frame;
+    Held<IPropertyBag2> options;
+    HRESULT result = CreateStreamOnHGlobal(nullptr, TRUE, stream.Put());
+    if (SUCCEEDED(result)) {
+        result = factory->CreateEncoder(GUID_ContainerFormatJpeg, nullptr, encoder.Put());
+    }
+    if (SUCCEEDED(result)) {
+        result = encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache);
+    }
+    if (SUCCEEDED(result)) {
+        result = encoder->CreateNewFrame(frame.Put(), options.Put());
+    }
+    if (SUCCEEDED(result)) {
+        if (options.Get()) {
+            SetQuality(options.Get());
+        }
+        result = frame->Initialize(options.Get());
+    }
+    if (SUCCEEDED(result)) {
+        result = write(frame.Get());
+    }
+    if (SUCCEEDED(result)) {
+        result = frame->Commit();
+    }
+    if (SUCCEEDED(result)) {
+        result = encoder->Commit();
+    }
+    if (SUCCEEDED(result)) {
+        file = BytesOf(stream.Get());
+    }
+    return result;
+}
+
+// Empty when it cannot be made: the gallery then reads the picture itself.
+std::vector<std::uint8_t> EncodeThumbnail(IWICImagingFactory* factory, const ThumbnailMaker& thumbnail) {
+    const auto width = static_cast<UINT>(thumbnail.Width());
+    const auto height = static_cast<UINT>(thumbnail.Height());
+    const std::vector<std::uint32_t> pixels = thumbnail.Pixels();
+    std::vector<std::uint8_t> file;
+    const HRESULT result = Encode(
+        factory,
+        [&](IWICBitmapFrameEncode* frame) {
+            const UINT stride = width * 3;
+            std::vector<BYTE> bgr(std::size_t{stride} * height);
+            Pack(pixels.data(), pixels.size(), bgr.data());
+            const HRESULT set = SetFormat(frame, width, height);
+            return SUCCEEDED(set) ? frame->WritePixels(height, stride, stride * height, bgr.data()) : set;
+        },
+        file);
+    return SUCCEEDED(result) ? file : std::vector<std::uint8_t>();
+}
+
+}  // namespace
+
+HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file) {
+    Held<IWICImagingFactory> factory;
+    HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
+                                      reinterpret_cast<void**>(factory.Put()));
+    Picture picture;
+    if (SUCCEEDED(result)) {
+        result = Open(factory.Get(), source, picture);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    ThumbnailMaker thumbnail(picture.UprightWidth(), picture.UprightHeight());
+    result = Encode(
+        factory.Get(), [&](IWICBitmapFrameEncode* frame) { return WritePicture(picture, frame, thumbnail); }, file);
+    if (SUCCEEDED(result)) {
+        if (const std::vector<std::uint8_t> small = EncodeThumbnail(factory.Get(), thumbnail); !small.empty()) {
+            file = JpegThumbnail::Embed(file, small);
+        }
+    }
+    return result;
+}

@@ -1,0 +1,360 @@
+// The live preview: picture, place, switch, and everything that can happen to a camera. The program is the variant with
+// the demo camera, whose picture has a red left half and a blue right half; mirrored, it is the other way round.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <wtsapi32.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "tests/e2e/support/Machine.h"
+#include "tests/e2e/support/Program.h"
+
+namespace e2e {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr COLORREF kRed = 0xD03030;  // 0x00RRGGBB, as the screen's pixels are told
+constexpr COLORREF kBlue = 0x3050D0;
+constexpr UINT kCaptureFailed = WM_APP + 1;
+constexpr LPARAM kDeviceInUse = static_cast<LONG>(0xC00D3704);
+constexpr wchar_t kMessageClass[] = L"MESSAGE BOX";
+
+constexpr char kOpened[] = "[L3] demo camera opened: its pictures are made up(DemoCamera::OpenSource)";
+constexpr char kClosed[] = "[L3] demo camera closed(DemoMediaSource::Shutdown)";
+constexpr char kSourceError[] = "[L4] create device source error!(Preview::CreateDeviceSource)";
+constexpr char kStartError[] = "[L4] create device source error!(Preview::Start)";
+constexpr char kNoDevice[] = "[L4] can not find any video device!(Preview::SelectDevice)";
+
+bool IsNear(COLORREF a, COLORREF b) {
+    for (const int shift : {0, 8, 16}) {
+        if (std::abs(static_cast<int>(a >> shift & 0xFF) - static_cast<int>(b >> shift & 0xFF)) > 8)
+            return false;
+    }
+    return true;
+}
+
+class PreviewTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        Machine::UseProgram(L"PixoraDemo");
+        Machine::Reset();
+        Machine::SetNumber(L"filter_driver_install", 1);
+        Machine::SetNumber(L"init_algorithm", 1);
+    }
+    void TearDown() override {
+        if (program_ && program_->Runs() && !HasFailure()) {
+            program_->Click(L"closebtn");
+            EXPECT_EQ(program_->WaitForEnd(), 0U);
+        }
+        program_.reset();
+        EXPECT_THAT(Machine::UnexpectedFailures(expected_), IsEmpty());
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels");
+        SetEnvironmentVariableW(L"PIXORA_DEMO_CAMERA", nullptr);
+    }
+
+    void Open(const std::wstring& camera = {}) {
+        SetEnvironmentVariableW(L"PIXORA_DEMO_CAMERA", (L"picture=halves " + camera).c_str());
+        program_.emplace();
+        ASSERT_TRUE(program_->WaitForWindow());
+    }
+    void OpenWithPicture(const std::wstring& camera = {}) {
+        Open(camera);
+        program_->Click(L"preview_switch");
+        ASSERT_TRUE(ShowsPicture());
+    }
+
+    HWND Main() const { return program_->Window(); }
+    // The preview's windows of this program, hidden ones too.
+    std::vector<HWND> PreviewWindows() const {
+        std::vector<HWND> found;
+        for (HWND each = nullptr; (each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr;) {
+            if (GetWindow(each, GW_OWNER) == Main())
+                found.push_back(each);
+        }
+        return found;
+    }
+    bool IsPreviewVisible() const {
+        const std::vector<HWND> windows = PreviewWindows();
+        return windows.size() == 1 && IsWindowVisible(windows.front());
+    }
+    COLORREF PixelAtDip(int x, int y) const { return program_->PixelAt(MulDiv(x, dpi_, 96), MulDiv(y, dpi_, 96)); }
+    // Mirrored, and right up to the edges of the preview area.
+    bool ShowsPictureNow() const {
+        return IsNear(PixelAtDip(83, 200), kBlue) && IsNear(PixelAtDip(320, 200), kBlue) &&
+               IsNear(PixelAtDip(358, 200), kRed) && IsNear(PixelAtDip(595, 200), kRed) &&
+               IsNear(PixelAtDip(200, 83), kBlue) && IsNear(PixelAtDip(200, 352), kBlue);
+    }
+    bool ShowsPicture() const {
+        if (WaitUntil([this] { return ShowsPictureNow(); }))
+            return true;
+        program_->Screenshot(L"preview-without-picture");
+        return false;
+    }
+    bool ShowsNoPicture() const {
+        return WaitUntil([this] { return !IsNear(PixelAtDip(83, 200), kBlue) && !IsNear(PixelAtDip(595, 200), kRed); });
+    }
+    bool IsSwitchOn() const {
+        const auto found = program_->Find(L"preview_switch");
+        return found && (found->state & STATE_SYSTEM_CHECKED) != 0;
+    }
+    bool IsOff() const {
+        return WaitUntil([this] { return !IsSwitchOn(); }) && ShowsNoPicture() && !IsPreviewVisible();
+    }
+    // Where the window must stand, from the main window's client area.
+    RECT WantedPlace() const {
+        POINT origin = {};
+        ClientToScreen(Main(), &origin);
+        const LONG offset = 40 * dpi_ / 96;
+        const LONG left = origin.x + offset;
+        const LONG top = origin.y + offset;
+        return {left, top, left + 598 * dpi_ / 96, top + 354 * dpi_ / 96};
+    }
+    bool IsPlaced() const {
+        return WaitUntil([this] {
+            const std::vector<HWND> windows = PreviewWindows();
+            const RECT wanted = WantedPlace();
+            RECT place = {};
+            return windows.size() == 1 && GetWindowRect(windows.front(), &place) && EqualRect(&place, &wanted);
+        });
+    }
+
+    // The camera message comes, once, and says what to do; it is closed.
+    void TakeMessage() {
+        HWND box = nullptr;
+        ASSERT_TRUE(WaitUntil([&] { return (box = FindWindowW(kMessageClass, nullptr)) && IsWindowVisible(box); }));
+        const AccessibleWindow content(box);
+        const auto text = content.Find(L"msgbox_content");
+        ASSERT_TRUE(text);
+        EXPECT_NE(text->name.find(L"The camera can’t be used."), std::wstring::npos);
+        EXPECT_EQ(CountWindows(kMessageClass), 1);
+        const auto button = content.Find(L"msg_ok_btn");
+        ASSERT_TRUE(button);
+        EXPECT_TRUE(content.Press(button->id));
+        EXPECT_TRUE(WaitUntil([] { return CountWindows(kMessageClass) == 0; }));
+        // Whatever waited behind it has come by the time the window answers.
+        SendMessageW(Main(), WM_NULL, 0, 0);
+        EXPECT_EQ(CountWindows(kMessageClass), 0);
+    }
+    static int Count(const char* line) {
+        int count = 0;
+        for (const std::string& logged : Machine::Log())
+            count += logged == line ? 1 : 0;
+        return count;
+    }
+    static bool IsCameraFree() {
+        return WaitUntil([] { return Count(kOpened) == Count(kClosed); });
+    }
+
+    int dpi_ = 96;
+    std::vector<std::string> expected_;
+    std::optional<Program> program_;
+};
+
+TEST_F(PreviewTest, ThePictureComesAndGoesWithTheSwitch) {
+    OpenWithPicture();
+    EXPECT_TRUE(IsSwitchOn());
+    EXPECT_TRUE(IsPlaced());
+    program_->Screenshot(L"preview-halves");
+    for (int i = 0; i < 3; ++i) {
+        program_->Click(L"preview_switch");
+        EXPECT_TRUE(IsOff());
+        EXPECT_TRUE(IsCameraFree());
+        program_->Click(L"preview_switch");
+        EXPECT_TRUE(ShowsPicture());
+        EXPECT_EQ(PreviewWindows().size(), 1U);
+    }
+    EXPECT_EQ(Count(kOpened), 4);
+}
+
+class PreviewInFormat : public PreviewTest, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(PreviewInFormat, ColoursAreRight) {
+    OpenWithPicture(std::wstring(L"format=") + GetParam());
+}
+INSTANTIATE_TEST_SUITE_P(All, PreviewInFormat, testing::Values(L"rgb32", L"rgb24", L"yuy2", L"nv12"));
+
+class PreviewAtScale : public PreviewTest, public testing::WithParamInterface<int> {};
+
+TEST_P(PreviewAtScale, FillsTheAreaAndNothingElse) {
+    dpi_ = GetParam();
+    const DWORD value = static_cast<DWORD>(dpi_);
+    RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
+    OpenWithPicture(L"size=1280x720");
+    EXPECT_TRUE(IsPlaced());
+    const RECT area = program_->ClientRect(L"preview_wnd");
+    EXPECT_EQ(area.left, 80 * dpi_ / 96);
+    EXPECT_EQ(area.right, 598 * dpi_ / 96);
+    const COLORREF card = PixelAtDip(60, 200);
+    const int middleX = (area.left + area.right) / 2;
+    const int middleY = (area.top + area.bottom) / 2;
+    // One pixel outside of the area is the card, one inside is the picture; the corners are cut.
+    EXPECT_EQ(program_->PixelAt(area.left - 1, middleY), card);
+    EXPECT_TRUE(IsNear(program_->PixelAt(area.left, middleY), kBlue));
+    EXPECT_EQ(program_->PixelAt(area.right + 1, middleY), card);
+    EXPECT_TRUE(IsNear(program_->PixelAt(area.right - 3, middleY), kRed));
+    EXPECT_EQ(program_->PixelAt(middleX / 2, area.top - 1), card);
+    EXPECT_TRUE(IsNear(program_->PixelAt(middleX / 2, area.top), kBlue));
+    EXPECT_EQ(program_->PixelAt(middleX / 2, area.bottom + 1), card);
+    EXPECT_TRUE(IsNear(program_->PixelAt(middleX / 2, area.bottom - 3), kBlue));
+    EXPECT_FALSE(IsNear(program_->PixelAt(area.left + 1, area.top + 1), kBlue));
+    EXPECT_FALSE(IsNear(program_->PixelAt(area.right - 2, area.bottom - 2), kRed));
+    // The halves meet in the middle, sharply.
+    EXPECT_TRUE(IsNear(program_->PixelAt(middleX - 3, middleY), kBlue));
+    EXPECT_TRUE(IsNear(program_->PixelAt(middleX + 3, middleY), kRed));
+    program_->Screenshot(L"preview-" + std::to_wstring(dpi_));
+}
+INSTANTIATE_TEST_SUITE_P(All, PreviewAtScale, testing::Values(96, 144, 192));
+
+TEST_F(PreviewTest, FollowsTheWindow) {
+    OpenWithPicture();
+    RECT main = {};
+    GetWindowRect(Main(), &main);
+    for (const POINT step : {POINT{57, 31}, POINT{-40, 12}, POINT{3, -50}}) {
+        SetWindowPos(Main(), nullptr, main.left + step.x, main.top + step.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+        EXPECT_TRUE(IsPlaced());
+        EXPECT_TRUE(ShowsPicture());
+    }
+}
+
+TEST_F(PreviewTest, DraggingThePictureDragsTheWindow) {
+    OpenWithPicture();
+    RECT before = {};
+    GetWindowRect(Main(), &before);
+    const POINT grip = {before.left + 340, before.top + 220};
+    program_->Drag(grip, {grip.x + 90, grip.y + 45});
+    EXPECT_TRUE(WaitUntil([&] {
+        RECT now = {};
+        GetWindowRect(Main(), &now);
+        return now.left == before.left + 90 && now.top == before.top + 45;
+    }));
+    EXPECT_TRUE(IsPlaced());
+    EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, HidesWithTheWindow) {
+    OpenWithPicture();
+    program_->Click(L"minbtn");
+    EXPECT_TRUE(WaitUntil([this] { return IsIconic(Main()) && !IsPreviewVisible(); }));
+    ShowWindow(Main(), SW_RESTORE);
+    EXPECT_TRUE(WaitUntil([this] { return IsPreviewVisible(); }));
+    EXPECT_TRUE(IsPlaced());
+    EXPECT_TRUE(ShowsPicture());
+
+    ShowWindow(Main(), SW_HIDE);
+    EXPECT_TRUE(WaitUntil([this] { return !IsPreviewVisible(); }));
+    ShowWindow(Main(), SW_SHOW);
+    EXPECT_TRUE(WaitUntil([this] { return IsPreviewVisible(); }));
+    EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, StaysOnItsPage) {
+    OpenWithPicture();
+    program_->Click(L"show_detail_btn");
+    EXPECT_TRUE(WaitUntil([this] { return !IsPreviewVisible(); }));
+    ASSERT_TRUE(program_->WaitFor(L"back_btn"));
+    // Moving the window must not bring it up over the other page.
+    SetWindowPos(Main(), nullptr, 100, 90, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    EXPECT_FALSE(IsPreviewVisible());
+    program_->Click(L"back_btn");
+    EXPECT_TRUE(WaitUntil([this] { return IsPreviewVisible(); }));
+    EXPECT_TRUE(IsPlaced());
+    EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, ABusyCameraIsToldOnceAndWorksLater) {
+    expected_ = {kSourceError, kStartError};
+    Open(L"fault=busy opens=1");
+    program_->Click(L"preview_switch");
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, ACameraThatAnotherProgramTakesIsToldOnce) {
+    OpenWithPicture();
+    PostMessageW(Main(), kCaptureFailed, static_cast<WPARAM>(kDeviceInUse), 0);
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+    EXPECT_TRUE(IsCameraFree());
+    PostMessageW(Main(), kCaptureFailed, 0, 0);
+    SendMessageW(Main(), WM_NULL, 0, 0);
+    EXPECT_EQ(CountWindows(kMessageClass), 0) << "no error is no error";
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, WithoutACameraThereIsAMessageEachTime) {
+    expected_ = {kNoDevice};
+    Open(L"fault=absent");
+    for (int i = 0; i < 2; ++i) {
+        program_->Click(L"preview_switch");
+        TakeMessage();
+        EXPECT_TRUE(IsOff());
+    }
+}
+
+TEST_F(PreviewTest, ARefusedCameraIsTold) {
+    expected_ = {kSourceError, kStartError};
+    Open(L"fault=refused");
+    program_->Click(L"preview_switch");
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+}
+
+TEST_F(PreviewTest, AnUnpluggedCameraIsTold) {
+    expected_ = {kNoDevice};
+    OpenWithPicture(L"fault=unplugged after=40");
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+    EXPECT_TRUE(IsCameraFree());
+    program_->Click(L"preview_switch");
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+}
+
+// Each camera works the second time it is opened.
+class FailingCamera : public PreviewTest, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(FailingCamera, IsToldOnceAndCanBeTurnedOnAgain) {
+    Open(std::wstring(L"opens=1 ") + GetParam());
+    program_->Click(L"preview_switch");
+    TakeMessage();
+    EXPECT_TRUE(IsOff());
+    EXPECT_TRUE(IsCameraFree());
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(ShowsPicture());
+    EXPECT_EQ(PreviewWindows().size(), 1U);
+}
+INSTANTIATE_TEST_SUITE_P(All, FailingCamera,
+                         testing::Values(L"fault=empty after=20", L"fault=error after=20", L"fault=silent after=20",
+                                         L"fault=end after=20", L"fault=short after=20", L"fault=nostart"));
+
+TEST_F(PreviewTest, ALockedSessionFreesTheCamera) {
+    OpenWithPicture();
+    SendMessageW(Main(), WM_WTSSESSION_CHANGE, WTS_SESSION_LOCK, 0);
+    EXPECT_THAT(PreviewWindows(), IsEmpty());
+    EXPECT_TRUE(IsOff());
+    EXPECT_TRUE(IsCameraFree());
+    SendMessageW(Main(), WM_WTSSESSION_CHANGE, WTS_SESSION_UNLOCK, 0);
+    EXPECT_FALSE(IsSwitchOn()) << "the user decides when it is on again";
+    EXPECT_TRUE(program_->Runs());
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(ShowsPicture());
+    EXPECT_EQ(PreviewWindows().size(), 1U);
+}
+
+TEST_F(PreviewTest, ClosingTheWindowClosesTheCamera) {
+    OpenWithPicture();
+    program_->Click(L"closebtn");
+    EXPECT_EQ(program_->WaitForEnd(), 0U);
+    EXPECT_EQ(Count(kOpened), 1);
+    EXPECT_EQ(Count(kClosed), 1);
+}
+
+}  // namespace
+}  // namespace e2e

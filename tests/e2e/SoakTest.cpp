@@ -1,0 +1,197 @@
+// Random clicks, keys, scrolls, scales, moves and minimising on the real program, and killing it at any moment: it
+// always answers, holds no more of the system than before, and leaves whole values behind.
+// PIXORA_SOAK_SECONDS says how long; PIXORA_SEED begins another sequence.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <random>
+
+#include "tests/e2e/support/Machine.h"
+#include "tests/e2e/support/ProcessFootprint.h"
+#include "tests/e2e/support/Program.h"
+#include "tests/e2e/support/SettingsModel.h"
+#include "tests/support/Environment.h"
+#include "tools/service/PipeServer.h"
+
+namespace e2e {
+namespace {
+
+constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\iNotoraAssistant";
+constexpr UINT kAnswerMs = 10000;
+// After this share of the time everything that is made once has been made.
+constexpr int kWarmUpShare = 4;
+
+// What may be added between the end of the warming up and the end: caches that have a limit, a menu of the system.
+constexpr std::size_t kMoreBytes = 16u << 20;
+constexpr int kMoreHandles = 40;
+constexpr int kMoreThreads = 6;
+constexpr int kMoreGdiObjects = 60;
+
+class SoakTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        Machine::Reset();
+        const SettingsModel defaults;
+        for (const auto& [name, value] : defaults.All())
+            Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
+        Machine::SetNumber(L"filter_driver_install", 1);
+        Machine::SetNumber(L"init_algorithm", 1);
+        ASSERT_TRUE(service_.Start(kPipe));
+        Start();
+    }
+
+    void Start() {
+        program_.reset();
+        program_.emplace();
+        ASSERT_TRUE(program_->WaitForWindow());
+    }
+
+    int Random(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
+
+    // The window answers messages.
+    bool Answers() const {
+        DWORD_PTR result = 0;
+        return SendMessageTimeoutW(program_->Window(), WM_NULL, 0, 0, SMTO_NORMAL, kAnswerMs, &result) != 0;
+    }
+
+    // Any point of the window but those of its own buttons to close and minimise.
+    POINT AnyPoint() {
+        RECT window = {};
+        GetWindowRect(program_->Window(), &window);
+        const int width = window.right - window.left;
+        const int height = window.bottom - window.top;
+        POINT point{};
+        do {
+            point = {Random(width), Random(height)};
+        } while (point.y < height / 12 && point.x > width * 4 / 5);
+        return {window.left + point.x, window.top + point.y};
+    }
+
+    bool CloseButtonHasFocus() const {
+        const AccessibleWindow controls(program_->Window());
+        const auto button = controls.Find(L"closebtn");
+        return button && controls.FocusedId() == button->id;
+    }
+
+    // A message box, a file dialog or the like is closed as the user would.
+    void CloseWhatIsInFront() {
+        const HWND front = GetLastActivePopup(program_->Window());
+        if (front && front != program_->Window() && IsWindowVisible(front) && IsWindowEnabled(front)) {
+            SetForegroundWindow(front);
+            program_->PressKey(VK_ESCAPE);
+        }
+    }
+
+    void Act() {
+        static constexpr WORD kKeys[] = {VK_TAB,  VK_TAB,  VK_TAB,    VK_SPACE, VK_RETURN,
+                                         VK_LEFT, VK_DOWN, VK_ESCAPE, VK_HOME,  VK_DELETE};
+        static constexpr int kScales[] = {96, 120, 144, 192};
+        const HWND window = program_->Window();
+        switch (Random(12)) {
+            case 0:
+            case 1:
+            case 2:
+            case 3:
+            case 4:
+                program_->ClickAt(AnyPoint());
+                break;
+            case 5:
+                program_->MoveTo(AnyPoint());
+                program_->Wheel(Random(2) ? 1 : -1);
+                break;
+            case 6:
+            case 7:
+            case 8: {
+                const WORD key = kKeys[Random(static_cast<int>(std::size(kKeys)))];
+                if ((key != VK_SPACE && key != VK_RETURN) || !CloseButtonHasFocus())
+                    program_->PressKey(key);
+                break;
+            }
+            case 9:
+                SetWindowPos(window, nullptr, Random(400), Random(300), 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+                break;
+            case 10:
+                ShowWindow(window, SW_MINIMIZE);
+                ShowWindow(window, SW_RESTORE);
+                SetForegroundWindow(window);
+                break;
+            default:
+                program_->SetScale(kScales[Random(static_cast<int>(std::size(kScales)))]);
+                break;
+        }
+    }
+
+    std::mt19937 random_{static_cast<unsigned>(FromEnvironment("PIXORA_SEED", 4711))};
+    PipeServer service_;
+    std::optional<Program> program_;
+};
+
+TEST_F(SoakTest, StandsRandomUseWithoutGrowing) {
+    using Clock = std::chrono::steady_clock;
+    const std::chrono::seconds duration(FromEnvironment("PIXORA_SOAK_SECONDS", 20));
+    const auto begin = Clock::now();
+    std::optional<ProcessFootprint> warm;
+    int actions = 0;
+    while (Clock::now() - begin < duration) {
+        Act();
+        ++actions;
+        ASSERT_TRUE(program_->Runs()) << "ended after " << actions << " actions";
+        if (!Answers()) {
+            program_->Screenshot(L"soak-hangs");
+            FAIL() << "does not answer after " << actions << " actions";
+        }
+        if (actions % 10 == 0)
+            CloseWhatIsInFront();
+        if (IsIconic(program_->Window()))
+            ShowWindow(program_->Window(), SW_RESTORE);
+        if (!warm && Clock::now() - begin > duration / kWarmUpShare)
+            warm = FootprintOf(program_->Process(), program_->ProcessId());
+    }
+    const ProcessFootprint last = FootprintOf(program_->Process(), program_->ProcessId());
+    ASSERT_TRUE(warm);
+    std::cout << actions << " actions; warm: " << warm->Text() << "; at the end: " << last.Text() << "\n";
+    EXPECT_GT(last.handles, 0);
+    EXPECT_GT(last.residentBytes, 0u);
+    EXPECT_LE(last.residentBytes, warm->residentBytes + kMoreBytes);
+    EXPECT_LE(last.handles, warm->handles + kMoreHandles);
+    EXPECT_LE(last.threads, warm->threads + kMoreThreads);
+    EXPECT_LE(last.gdiObjects, warm->gdiObjects + kMoreGdiObjects);
+    program_->Screenshot(L"soak-end");
+}
+
+TEST_F(SoakTest, KilledAtAnyMomentItLeavesWholeValues) {
+    for (int round = 0; round < FromEnvironment("PIXORA_KILLS", 6); ++round) {
+        SettingsModel model;
+        for (const auto& [name, value] : model.All())
+            Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
+        const SwitchRow& row = kSwitches[static_cast<std::size_t>(round) % kSwitches.size()];
+        ASSERT_TRUE(WaitUntil([&] {
+            const auto control = program_->Find(row.control);
+            return control && ((control->state & STATE_SYSTEM_CHECKED) != 0) == (model.Get(row.value) == 1);
+        }));
+        ASSERT_TRUE(program_->Reveal(row.control));
+        program_->Click(row.control);
+        // From before the first write until after the second, which comes 100 ms later.
+        Sleep(static_cast<DWORD>(Random(200)));
+        program_.reset();
+
+        SettingsModel pressed = model;
+        pressed.PressSwitch(row);
+        for (const auto& [name, value] : model.All()) {
+            const auto left = Machine::Number(name.c_str());
+            EXPECT_TRUE(left == static_cast<DWORD>(value) || left == static_cast<DWORD>(pressed.Get(name)))
+                << testing::PrintToString(name);
+        }
+        Start();
+        for (const SwitchRow& each : kSwitches) {
+            const auto control = program_->WaitFor(each.control);
+            ASSERT_TRUE(control);
+            EXPECT_EQ((control->state & STATE_SYSTEM_CHECKED) != 0, Machine::Number(each.value) == 1U);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace e2e

@@ -1,0 +1,193 @@
+// Adding and deleting: the order of things, files that vanish, folders that refuse.
+#include <fstream>
+
+#include "service/CustomItemNames.h"
+#include "tests/windows/service/OwnBackgrounds.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+namespace fs = std::filesystem;
+
+constexpr char kNotStored[] = "No picture is stored";
+
+class OwnAddTest : public OwnBackgroundsTest {
+  protected:
+    void SetUp() override {
+        OwnBackgroundsTest::SetUp();
+        Start();
+    }
+    // Nothing of list, gallery, choice and folder has changed since `before`.
+    void ExpectUnchanged(const Values& before) {
+        EXPECT_EQ(AllValues(), before);
+        EXPECT_EQ(gallery_.size(), Saved().size());
+        for (const auto& entry : fs::directory_iterator(UserFolder())) {
+            EXPECT_NE(entry.path().extension(), L".part") << entry.path();
+        }
+    }
+};
+
+TEST_F(OwnAddTest, AnAddedPictureIsListedShownAndChosen) {
+    const fs::path photo = Own(L"red.jpg", L"photo.jpg");
+    EXPECT_TRUE(Model().AddCustomBackground(photo));
+    EXPECT_EQ(gallery_, (std::vector<Cell>{{Name(0), Picture(0), false}}));
+    EXPECT_EQ(Text(L"lumi_camera_background_image_path"), Picture(0).wstring());
+    EXPECT_EQ(Number(L"lumi_camera_background_replacement"), 5);
+    EXPECT_EQ(Text(L"background_selected_btnName"), Name(0));
+    EXPECT_EQ(Text(L"lumi_camera_custom_img_group"), Name(0) + L"[(&,f!=)]14[(&,f!=)]0[(&,f!=)]" +
+                                                         Picture(0).wstring() + L"[(&,f!=)]" + photo.wstring() +
+                                                         L"[(&;i!-)]");
+    EXPECT_THAT(TakeKinds(), IsEmpty());
+}
+
+TEST_F(OwnAddTest, TheFirstFreeNumberIsTaken) {
+    for (int i = 0; i < 4; ++i) {
+        Model().AddCustomBackground(Media(L"red.jpg"));
+    }
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(2)));
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0), Name(1), Name(3), Name(2)));
+    EXPECT_TRUE(IsAbout(Decode(Picture(2)).At(9, 9), 0x20A040));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, TheOriginalsAreNeverTouched) {
+    const fs::path photo = Own(L"red.jpg", L"photo.jpg");
+    const fs::path clip = Own(L"clip.mp4", L"clip.mp4");
+    const std::vector<char> photoBefore = Content(photo), clipBefore = Content(clip);
+    Model().AddCustomBackground(photo);
+    Model().AddCustomBackground(clip);
+    EXPECT_TRUE(Model().SelectCustomBackground(Name(0)));
+    EXPECT_TRUE(Model().SelectCustomBackground(Name(1)));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(1)));
+    EXPECT_EQ(Content(photo), photoBefore);
+    EXPECT_EQ(Content(clip), clipBefore);
+    EXPECT_TRUE(fs::is_empty(UserFolder()));
+}
+
+TEST_F(OwnAddTest, AFileThatVanishedAfterTheChoiceIsShownAsSuch) {
+    const fs::path photo = Own(L"red.jpg", L"photo.jpg");
+    const fs::path clip = Own(L"clip.mp4", L"clip.mp4");
+    EXPECT_TRUE(HomeService::CheckImageFile(photo));
+    EXPECT_TRUE(HomeService::CheckVideoFile(clip));
+    fs::remove(photo);
+    fs::remove(clip);
+    EXPECT_TRUE(Model().AddCustomBackground(photo));
+    EXPECT_TRUE(Model().AddCustomBackground(clip));
+    EXPECT_TRUE(IsJpeg(Picture(0)));
+    EXPECT_EQ(Content(Picture(0)), Content(Picture(1))) << "the picture that stands for a file that is gone";
+    ExpectAllAgree();
+    EXPECT_FALSE(Model().SelectCustomBackground(Name(1)));
+    EXPECT_THAT(TakeKinds(), ElementsAre(1));
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0)));
+}
+
+TEST_F(OwnAddTest, ATruncatedPictureDoesNoHarm) {
+    const fs::path photo = Own(L"plain24.png", L"cut.png");
+    fs::resize_file(photo, fs::file_size(photo) / 2);
+    Model().AddCustomBackground(photo);
+    ExpectAllAgree();
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+}
+
+TEST_F(OwnAddTest, AFolderThatRefusesTheFileLeavesTheOldList) {
+    Expect(kNotStored);
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    // The places where the next picture is written and where it goes are taken.
+    for (const wchar_t* suffix : {L".jpg.part", L".jpg"}) {
+        const fs::path obstacle = UserFolder() / (Name(1) + suffix);
+        fs::create_directories(obstacle / L"inside");
+        for (const wchar_t* name : {L"green.jpg", L"clip.mp4"}) {
+            const Values before = AllValues();
+            EXPECT_FALSE(Model().AddCustomBackground(Media(name)));
+            EXPECT_THAT(TakeKinds(), ElementsAre(10));
+            EXPECT_EQ(AllValues(), before);
+            EXPECT_THAT(GalleryNames(), ElementsAre(Name(0)));
+        }
+        fs::remove_all(obstacle);
+    }
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, AFileInThePlaceOfTheFolderLeavesTheOldList) {
+    fs::remove_all(UserFolder());
+    std::ofstream(UserFolder()) << "no folder";
+    const Values before = AllValues();
+    EXPECT_FALSE(Model().AddCustomBackground(Media(L"red.jpg")));
+    EXPECT_THAT(TakeKinds(), ElementsAre(10));
+    EXPECT_EQ(AllValues(), before);
+    // It goes, and adding works without a restart.
+    fs::remove(UserFolder());
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, AFullListOverwritesItsLastName) {
+    for (int i = 0; i < CustomItemNames::kLimit; ++i) {
+        EXPECT_FALSE(Model().IsCustomFull());
+        EXPECT_TRUE(Model().AddCustomBackground(Media(L"baseline.jpg")));
+    }
+    EXPECT_TRUE(Model().IsCustomFull());
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    EXPECT_EQ(gallery_.size(), 32u);
+    EXPECT_EQ(gallery_.back().name, Name(31));
+    EXPECT_TRUE(IsAbout(Decode(Picture(31)).At(9, 9), 0xC02020));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, ABrokenItemCanAlwaysBeDeleted) {
+    for (int i = 0; i < 4; ++i) {
+        Model().AddCustomBackground(Media(i == 3 ? L"clip.mp4" : L"red.jpg"));
+    }
+    fs::remove(Picture(0));
+    std::ofstream(Picture(1)) << "no picture";
+    fs::remove(Picture(2));
+    fs::create_directories(Picture(2) / L"inside");
+    for (const int number : {1, 3, 0, 2}) {
+        EXPECT_TRUE(Model().DeleteCustomBackground(Name(number)));
+    }
+    EXPECT_THAT(gallery_, IsEmpty());
+    EXPECT_THAT(Saved(), IsEmpty());
+    EXPECT_EQ(Number(L"lumi_camera_background_replacement"), 0);
+}
+
+TEST_F(OwnAddTest, AChosenPictureOfTheProgramsOwnFolderIsCopied) {
+    Model().AddCustomBackground(Media(L"red.jpg"));
+    EXPECT_TRUE(Model().AddCustomBackground(Picture(0)));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_TRUE(IsAbout(Decode(Picture(1)).At(9, 9), 0xC02020));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, TwoUsersNeverMix) {
+    constexpr wchar_t kOther[] = L"S-1-5-21-11-22-33-1002";
+    Model().AddCustomBackground(Media(L"red.jpg"));
+    const std::vector<char> mine = Content(Picture(0));
+    const Values myValues = AllValues();
+
+    // Each user has a registry of his own.
+    DeleteKey();
+    MakeEmptyKey();
+    Start(kOther);
+    EXPECT_THAT(gallery_, IsEmpty());
+    Model().AddCustomBackground(Media(L"green.jpg"));
+    EXPECT_EQ(gallery_, (std::vector<Cell>{{Name(0), Picture(0, kOther), false}}));
+    EXPECT_EQ(Content(Picture(0)), mine);
+    EXPECT_TRUE(IsAbout(Decode(Picture(0, kOther)).At(9, 9), 0x20A040));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_EQ(Content(Picture(0)), mine);
+
+    DeleteKey();
+    MakeEmptyKey();
+    for (const auto& [name, value] : myValues) {
+        Write(name, value);
+    }
+    Start();
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0)));
+    ExpectAllAgree();
+}
+
+}  // namespace
