@@ -1,10 +1,11 @@
-# Shared by run, test and bench: packages, build, Wine prefix, display. Sourced, never run.
+# Shared by run, test, bench and package: packages, build, Wine prefix, display. Sourced, never run.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build
 export WINEDEBUG=${WINEDEBUG:--all}
-# No Mono, no HTML engine, no crash dialog: a crash ends the program with its true exit code.
-export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-"mscoree,mshtml=;winedbg.exe=d"}
+# No Mono, no HTML engine, no entries in this machine's menus, no crash dialog: a crash ends the program with its true
+# exit code.
+export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-"mscoree,mshtml=;winedbg.exe,winemenubuilder.exe=d"}
 export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-}
 [ -n "$LIBGL_ALWAYS_SOFTWARE" ] || unset LIBGL_ALWAYS_SOFTWARE
 
@@ -15,7 +16,8 @@ build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-pos
     librsvg2-bin python3-minimal"
 run_packages="wine64 wine xvfb xdotool x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
-test_packages="clang-format clang-tidy ffmpeg"
+package_packages="nsis"
+test_packages="clang-format clang-tidy ffmpeg $package_packages"
 bench_packages="libyuv-dev libswscale-dev"
 
 # ensure_packages names...: installs what is missing, and says so before it does.

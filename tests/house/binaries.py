@@ -4,7 +4,7 @@ import re
 import subprocess
 
 BIN = "build/windows-release/bin"
-SHIPPED = re.compile(r"^(Pixora|DuiLib|Qx\w+)\.(exe|dll)$")
+SHIPPED = re.compile(r"^(Pixora|PixoraDiagnostics|DuiLib|Qx\w+)\.(exe|dll)$")
 RUNTIME = {"libstdc++-6.dll", "libgcc_s_seh-1.dll", "libwinpthread-1.dll", "libssp-0.dll"}
 FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100}
 # Libraries that belong to the test machine and not to Windows.

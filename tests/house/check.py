@@ -2,7 +2,7 @@
 """The rules of this tree that a program can check. Prints each breach and exits 1 if there is one.
 
 check.py            all of them
-check.py NAME...    only those: layers, standalone, words, sizes, format, texts, binaries, tidy
+check.py NAME...    only those: layers, standalone, words, sizes, format, texts, docs, binaries, tidy
 """
 import os
 import subprocess
@@ -11,6 +11,7 @@ import sys
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 import binaries
+import docs
 import headers
 import layers
 import plain
@@ -24,6 +25,7 @@ CHECKS = {
     "sizes": plain.sizes,
     "format": plain.formatting,
     "texts": texts.main,
+    "docs": docs.main,
     "binaries": binaries.main,
     "tidy": tidy.main,
 }

@@ -11,6 +11,7 @@ ALLOWED = {
     "service": {"service", "preview", "suite", LIBRARY},
     "preview": {"preview", "suite"},
     "duilib": {"duilib", LIBRARY, "suite"},
+    "diagnostics": {"diagnostics", "service", "preview", "suite"},
     "suite": {"suite"},
 }
 

@@ -19,6 +19,13 @@ constexpr int kWindowHeightDip = 604;
 constexpr int kEffectsTopDip = 56;
 constexpr int kEffectsBottomDip = 16;
 
+// Where Pixora.exe is; the test of the installation names the installed one.
+std::wstring FolderUnderTest() {
+    wchar_t folder[MAX_PATH] = {};
+    const DWORD length = GetEnvironmentVariableW(L"PIXORA_PROGRAM_FOLDER", folder, MAX_PATH);
+    return length > 0 && length < MAX_PATH ? folder : ProgramFolder();
+}
+
 // The window's pixels as they are on the screen, top row first.
 std::vector<DWORD> Grab(HWND window, SIZE& size) {
     RECT client = {};
@@ -64,7 +71,7 @@ void SendKey(WORD key, DWORD flags) {
 }  // namespace
 
 Program::Program(const std::wstring& arguments, const std::wstring& folder) {
-    const std::wstring path = (folder.empty() ? ProgramFolder() : folder) + Machine::ProgramName() + L".exe";
+    const std::wstring path = (folder.empty() ? FolderUnderTest() : folder) + Machine::ProgramName() + L".exe";
     std::wstring commandLine = L"\"" + path + L"\"" + (arguments.empty() ? L"" : L" " + arguments);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);

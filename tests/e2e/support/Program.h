@@ -13,7 +13,8 @@ namespace e2e {
 
 class Program {
   public:
-    // Starts the program that Machine names from `folder` with that command line after the program's path.
+    // Starts the program that Machine names from `folder` (with a trailing backslash; empty: the folder in the
+    // environment variable PIXORA_PROGRAM_FOLDER, else the tests' own) with that command line after the program's path.
     explicit Program(const std::wstring& arguments = L"run", const std::wstring& folder = {});
     // Ends the process, if it still runs.
     ~Program();

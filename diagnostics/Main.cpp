@@ -1,0 +1,101 @@
+// PixoraDiagnostics: finds out why Pixora does not work on a machine.
+#include <windows.h>
+
+#include <lmcons.h>
+#include <objbase.h>
+#include <shellscalingapi.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "diagnostics/Options.h"
+#include "diagnostics/Sections.h"
+#include "diagnostics/Version.h"
+#include "suite/common/Handle.h"
+
+namespace diagnostics {
+namespace {
+
+std::vector<std::wstring> PersonalNames() {
+    wchar_t user[UNLEN + 1] = {};
+    DWORD userSize = UNLEN + 1;
+    GetUserNameW(user, &userSize);
+    wchar_t computer[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD computerSize = MAX_COMPUTERNAME_LENGTH + 1;
+    GetComputerNameW(computer, &computerSize);
+    return {user, computer};
+}
+
+std::string Now() {
+    SYSTEMTIME now;
+    GetSystemTime(&now);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d UTC", now.wYear, now.wMonth, now.wDay, now.wHour,
+                  now.wMinute, now.wSecond);
+    return text;
+}
+
+bool WriteAll(HANDLE output, const std::string& text) {
+    for (std::size_t at = 0; at < text.size();) {
+        DWORD written = 0;
+        if (!WriteFile(output, text.data() + at, static_cast<DWORD>(text.size() - at), &written, nullptr)) {
+            return false;
+        }
+        at += written;
+    }
+    return true;
+}
+
+int Run(const std::vector<std::wstring>& words) {
+    const auto options = ParseOptions(words);
+    if (!options) {
+        WriteAll(GetStdHandle(STD_ERROR_HANDLE), kHelp);
+        return kWrongUsage;
+    }
+    const HANDLE standardOutput = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (options->help) {
+        return WriteAll(standardOutput, kHelp) ? kAllFine : kNotWritten;
+    }
+    // Opened first, so that a report that cannot be kept is not made.
+    suite::Handle file;
+    if (!options->outputFile.empty()) {
+        file = suite::Handle(CreateFileW(options->outputFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                         CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file) {
+            WriteAll(GetStdHandle(STD_ERROR_HANDLE), "the report cannot be written there\n");
+            return kNotWritten;
+        }
+    }
+    Report report;
+    const PersonalData personal(PersonalNames());
+    AddProgram(report, personal);
+    AddSettings(report);
+    AddCameras(report, personal);
+    AddService(report);
+    AddFolders(report, personal);
+    AddScreens(report);
+    AddLog(report, personal);
+    const std::string text = "Pixora diagnostics " + std::string(kVersion) + ", " + Now() + "\n\n" + report.Text();
+    if (!WriteAll(file ? file.Get() : standardOutput, text)) {
+        return kNotWritten;
+    }
+    return report.WrongCount() == 0 ? kAllFine : kSomethingWrong;
+}
+
+}  // namespace
+}  // namespace diagnostics
+
+int wmain(int argc, wchar_t** argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    int status = diagnostics::kNotWritten;
+    try {
+        status = diagnostics::Run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    CoUninitialize();
+    return status;
+}

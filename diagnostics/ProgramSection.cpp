@@ -1,0 +1,132 @@
+#include <windows.h>
+
+#include <d3d9.h>
+#include <mfapi.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "diagnostics/Sections.h"
+#include "diagnostics/Version.h"
+#include "suite/common/ComRelease.h"
+#include "suite/common/Handle.h"
+#include "suite/common/LocalFolder.h"
+#include "suite/common/Utf8.h"
+#include "suite/product/MachineType.h"
+#include "suite/product/SystemEnvironment.h"
+#include "suite/registry/Registry.h"
+
+namespace diagnostics {
+
+namespace {
+
+constexpr wchar_t kInstallKey[] = L"SOFTWARE\\Velmora\\Quillon\\Pixora";
+constexpr wchar_t kInstanceMutex[] = L"PixoraUIMutex";
+constexpr const wchar_t* kNeededFiles[] = {
+    L"DuiLib.dll",
+    L"res\\layout\\Pixora.xml",
+    L"res\\layout\\PixoraHomePage.xml",
+    L"res\\layout\\PixoraDialogWnd.xml",
+    L"res\\values\\en_US\\strings.xml",
+    L"res\\drawable\\LumiCamera\\defaultImg.png",
+    L"plugins\\lumi_camera_config.xml",
+};
+constexpr char kInstallAgain[] = "Install Pixora again.";
+
+// "1.2.3.0"; empty when the file is missing or has no version.
+std::string FileVersion(const std::wstring& path) {
+    DWORD unused = 0;
+    std::vector<char> data(GetFileVersionInfoSizeW(path.c_str(), &unused));
+    VS_FIXEDFILEINFO* info = nullptr;
+    UINT size = 0;
+    if (data.empty() || !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
+        !VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
+        return {};
+    }
+    const DWORD parts[] = {info->dwFileVersionMS, info->dwFileVersionLS};
+    return std::to_string(HIWORD(parts[0])) + "." + std::to_string(LOWORD(parts[0])) + "." +
+           std::to_string(HIWORD(parts[1])) + "." + std::to_string(LOWORD(parts[1]));
+}
+
+std::string SystemVersion() {
+    using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    const auto address = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion");
+    // The other calls lie to programs that are older than the system.
+    if (!address || reinterpret_cast<GetVersionFunction>(reinterpret_cast<void*>(address))(&version) != 0) {
+        return "unknown";
+    }
+    return std::to_string(version.dwMajorVersion) + "." + std::to_string(version.dwMinorVersion) + "." +
+           std::to_string(version.dwBuildNumber);
+}
+
+void AddFiles(Report& report, const std::wstring& folder, const PersonalData& personal) {
+    report.Note("folder " + suite::ToUtf8(personal.Mask(folder)));
+    const std::string version = FileVersion(folder + L"\\Pixora.exe");
+    const std::string own = std::string(kVersion) + ".0";
+    if (version.empty()) {
+        report.Wrong("Pixora.exe is not beside this program", kInstallAgain);
+    } else if (version != own) {
+        report.Wrong("Pixora.exe has version " + version + ", this program " + own, kInstallAgain);
+    } else {
+        report.Fine("Pixora.exe " + version);
+    }
+    bool complete = true;
+    for (const wchar_t* name : kNeededFiles) {
+        if (GetFileAttributesW((folder + L"\\" + name).c_str()) == INVALID_FILE_ATTRIBUTES) {
+            report.Wrong(suite::ToUtf8(name) + " is missing", kInstallAgain);
+            complete = false;
+        }
+    }
+    if (complete) {
+        report.Fine("layouts, texts, pictures and libraries are there");
+    }
+}
+
+void AddInstallation(Report& report) {
+    std::wstring version;
+    DE::Registry::GetValue(HKEY_LOCAL_MACHINE, kInstallKey, L"Version", version, KEY_QUERY_VALUE);
+    report.Note(version.empty() ? "not installed by the installer (a portable copy, or a build)"
+                                : "installed version " + suite::ToUtf8(version));
+    const suite::Handle instance(OpenMutexW(SYNCHRONIZE, FALSE, kInstanceMutex));
+    report.Note(instance ? "Pixora is running" : "Pixora is not running");
+}
+
+void AddMediaSystem(Report& report) {
+    if (SUCCEEDED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
+        report.Fine("Media Foundation starts");
+        MFShutdown();
+    } else {
+        report.Wrong("Media Foundation does not start, so there is no camera picture",
+                     "Install the Media Feature Pack of Windows.");
+    }
+    IDirect3D9* direct3d = Direct3DCreate9(D3D_SDK_VERSION);
+    D3DADAPTER_IDENTIFIER9 adapter{};
+    if (direct3d && SUCCEEDED(direct3d->GetAdapterIdentifier(D3DADAPTER_DEFAULT, 0, &adapter))) {
+        report.Fine("Direct3D 9 on " + std::string(adapter.Description));
+    } else {
+        report.Wrong("Direct3D 9 is not available, so there is no camera picture", "Install the graphics driver.");
+    }
+    ComRelease(direct3d);
+}
+
+}  // namespace
+
+void AddProgram(Report& report, const PersonalData& personal) {
+    report.Section("Program");
+    std::wstring folder = suite::ProgramPath();
+    folder.erase(std::min(folder.find_last_of(L'\\'), folder.size()));
+    AddFiles(report, folder, personal);
+    AddInstallation(report);
+
+    report.Section("System");
+    report.Note("Windows " + SystemVersion());
+    report.Note("display language " + suite::ToUtf8(SystemEnvironment::GetCurrentUserLanguage()));
+    const std::string product = ProductAdapt::MachineType::GetProductName();
+    report.Note("machine " + (product.empty() ? "without a product name" : product));
+    AddMediaSystem(report);
+}
+
+}  // namespace diagnostics

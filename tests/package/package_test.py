@@ -1,0 +1,193 @@
+#!/usr/bin/env python3
+"""Installs the packed program silently under Wine, starts it from there, upgrades it in place while it runs, removes
+it, and compares files and registry before and after. ctest gives the build folder; the Wine and the display are those
+of the test run, the prefix is this test's own."""
+import os
+import shutil
+import subprocess
+import sys
+import time
+import zipfile
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
+
+import machine
+from machine import check
+
+PROGRAM = "drive_c/Program Files/Velmora/Quillon"
+COMMS = "drive_c/ProgramData/Comms"
+SHORTCUT = "drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Pixora.lnk"
+UNINSTALL_KEY = r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Uninstall\Pixora"
+PROGRAM_KEY = r"HKEY_LOCAL_MACHINE\Software\Velmora\Quillon\Pixora"
+SETTINGS_KEY = r"HKEY_CURRENT_USER\Software\Velmora\Quillon\LumiCamera"
+OWN_SETTINGS = ["lumi_camera_switch", "lumi_camera_background_replacement", "lumi_camera_eye_correction"]
+DRIVER_SETTINGS = ["filter_driver_install", "init_algorithm"]
+EXIT_RUNNING = 3
+LEFT_BY_NSIS = "/Temp/"  # the uninstaller's own copy, which the system deletes at its next start
+
+
+def pack(build, out, *options):
+    """The paths of what was made, the installer first."""
+    return subprocess.check_output([sys.executable, "packaging/make", build, out, *options], text=True).splitlines()
+
+
+def install(wine, setup):
+    return wine.run(setup, "/S", timeout=120)
+
+
+def uninstall(wine, *options):
+    wine.run("cmd", "/c", r"C:\Program Files\Velmora\Quillon\UninstallPixora.exe", "/S", *options, timeout=120)
+    gone = lambda: not wine.exists(f"{PROGRAM}/UninstallPixora.exe") and not wine.value(UNINSTALL_KEY, "DisplayName")
+    check(machine.wait_until(gone), "the uninstaller has ended its work")
+
+
+def check_installed(wine, staged, version):
+    wrong = [name for name, content in machine.contents(staged).items() if wine.content(f"{PROGRAM}/{name}") != content]
+    check(not wrong, f"every file is installed as it was built {wrong}")
+    check(wine.value(UNINSTALL_KEY, "DisplayVersion") == version, f"the system lists version {version}")
+    for name in ("DisplayName", "Publisher", "DisplayIcon", "EstimatedSize", "UninstallString", "QuietUninstallString"):
+        check(wine.value(UNINSTALL_KEY, name), f"the system's list has {name}")
+    check(wine.value(PROGRAM_KEY, "InstallFolder") == r"C:\Program Files\Velmora\Quillon", "the suite finds the folder")
+    check(wine.exists(SHORTCUT), "the Start menu has a shortcut")
+    check("run".encode("utf-16-le") in wine.content(SHORTCUT), "which starts with run")
+    check(wine.exists(COMMS), "the shared folder is there")
+
+
+def check_symbols(archive, program):
+    modules = [name for name in os.listdir(program) if name.startswith(("Pixora", "Qx", "DuiLib"))]
+    packed = {os.path.basename(name) for name in zipfile.ZipFile(archive).namelist()}
+    check(packed == {f"{name}.debug" for name in modules}, f"the symbols of {len(modules)} modules are packed")
+
+
+def start(wine, folder=PROGRAM):
+    program = wine.start(f"{wine.prefix}/{folder}/Pixora.exe", "run")
+    check(wine.run(wine.tool("PixoraProbe.exe"), "wait", "30000") == 0, f"the program in {folder} opens its window")
+    return program
+
+
+def try_portable(wine, archive):
+    zipfile.ZipFile(archive).extractall(f"{wine.prefix}/drive_c/portable")
+    [folder] = os.listdir(f"{wine.prefix}/drive_c/portable")
+    program = start(wine, f"drive_c/portable/{folder}")
+    check(wine.run(wine.tool("PixoraProbe.exe"), "press", "closebtn") == 0, "and its close button closes it")
+    check(program.wait(timeout=20) == 0, "without a fault")
+    shutil.rmtree(f"{wine.prefix}/drive_c/portable")
+
+
+def upgrade_running(wine, setup):
+    program = start(wine)
+    check(install(wine, setup) == 0, "the upgrade succeeds while the program runs")
+    check(program.wait(timeout=20) == 0, "the program was closed as by its close button")
+    check(not wine.exists(f"{PROGRAM}/res/of-the-old-version.txt"), "what only the old version had is gone")
+
+
+def refuse_when_hanging(wine, setup):
+    program = start(wine)
+    before = machine.contents(f"{wine.prefix}/{PROGRAM}")
+    program.send_signal(machine.STOP)
+    try:
+        check(install(wine, setup) == EXIT_RUNNING, "a program that does not close stops the installation")
+    finally:
+        program.send_signal(machine.CONTINUE)
+    check(machine.contents(f"{wine.prefix}/{PROGRAM}") == before, "and nothing was changed")
+    program.wait(timeout=20)
+
+
+def use_as_people_do(wine):
+    """What must stay when the program goes: settings, the driver's state, own pictures, a neighbour's file."""
+    wine.run("reg", "add", SETTINGS_KEY, "/v", "filter_driver_install", "/t", "REG_DWORD", "/d", "1", "/f")
+    wine.run("reg", "add", SETTINGS_KEY, "/v", "init_algorithm", "/t", "REG_DWORD", "/d", "1", "/f")
+    for name in OWN_SETTINGS:
+        wine.run("reg", "add", SETTINGS_KEY, "/v", name, "/t", "REG_DWORD", "/d", "1", "/f")
+    wine.write(f"{COMMS}/LumiCamera/S-1-5-21-1-2-3-1000/custom_background_btn_0.jpg", b"picture")
+    wine.write(f"{PROGRAM}/Neighbour.exe", b"another program of the suite")
+
+
+def check_diagnostics(wine):
+    program = f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe"
+    code = wine.run(program, "--output", "C:\\report.txt")
+    report = wine.content("drive_c/report.txt").decode()
+    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    check(code == 1, "the diagnostics program misses the camera")
+    check("installed version 0.9.0" in report, "and knows the installation")
+    check("layouts, texts, pictures and libraries are there" in report, "and finds the program whole")
+    check("this user can make folders" in report, "and can make folders where own backgrounds belong")
+
+
+def files_made(wine, before):
+    return {name for name in machine.contents(wine.prefix) if name not in before and name.startswith("drive_c/")
+            and LEFT_BY_NSIS not in name}
+
+
+def added_to_registry(wine, before):
+    """Without the keys that the settings lie in."""
+    return {line for line in wine.registry() - before if not SETTINGS_KEY.lower().startswith(line.lower())}
+
+
+def check_kept(wine, files_before, registry_before):
+    left = files_made(wine, files_before)
+    expected = {f"{COMMS}/LumiCamera/S-1-5-21-1-2-3-1000/custom_background_btn_0.jpg", f"{PROGRAM}/Neighbour.exe"}
+    logs = {name for name in left if "/Velmora/Quillon/Logs/" in name}
+    check(left - logs == expected, f"only pictures and the neighbour's file stay: {sorted(left - logs)}")
+    check(all(os.path.basename(name) == "Pixora.log" for name in logs), f"of logs only Pixora's: {sorted(logs)}")
+    foreign = {line for line in added_to_registry(wine, registry_before)
+               if not line.lower().startswith(SETTINGS_KEY.lower())}
+    check(not foreign, f"only the settings stay in the registry: {sorted(foreign)}")
+    for name in OWN_SETTINGS + DRIVER_SETTINGS:
+        check(wine.value(SETTINGS_KEY, name), f"{name} stays")
+
+
+def check_data_removed(wine, files_before, registry_before):
+    left = files_made(wine, files_before)
+    check(left == {f"{PROGRAM}/Neighbour.exe"}, f"only the neighbour's file stays: {sorted(left)}")
+    for name in OWN_SETTINGS:
+        check(not wine.value(SETTINGS_KEY, name), f"{name} is gone")
+    for name in DRIVER_SETTINGS:
+        check(wine.value(SETTINGS_KEY, name), f"the driver's {name} stays")
+    foreign = {line for line in added_to_registry(wine, registry_before)
+               if not any(name in line for name in DRIVER_SETTINGS)}
+    check(not foreign, f"nothing else stays in the registry: {sorted(foreign)}")
+
+
+def main(build):
+    os.chdir(os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)))))
+    out = os.path.join(os.path.dirname(build), "package-test")
+    os.makedirs(out, exist_ok=True)
+    extra = os.path.join(out, "extra.txt")
+    with open(extra, "w", encoding="utf-8") as file:
+        file.write("of the old version\n")
+    [old] = pack(build, os.path.join(out, "old"), "--installer-only", "--version", "0.9.0", "--add",
+                 f"{extra}=res/of-the-old-version.txt")
+    new, portable, symbols = pack(build, os.path.join(out, "new"))
+    check_symbols(symbols, os.path.join(out, "new", "program"))
+    version = os.path.basename(new)[len("PixoraSetup-"):-len(".exe")]
+
+    with machine.Wine(build, os.path.join(out, "prefix")) as wine:
+        shutil.rmtree(f"{wine.prefix}/{COMMS}", ignore_errors=True)
+        start_files, start_registry = machine.contents(wine.prefix), wine.registry()
+
+        check(install(wine, old) == 0, "the silent installation succeeds")
+        check_installed(wine, os.path.join(out, "old", "program"), "0.9.0")
+        check(wine.run(wine.tool("e2e_StartTest.exe"), timeout=300, output=True,
+                       environment={"PIXORA_PROGRAM_FOLDER": "C:\\Program Files\\Velmora\\Quillon\\"}) == 0,
+              "the start scenarios pass from the installed place")
+
+        use_as_people_do(wine)
+        check_diagnostics(wine)
+        upgrade_running(wine, new)
+        check_installed(wine, os.path.join(out, "new", "program"), version)
+        refuse_when_hanging(wine, new)
+        uninstall(wine)
+        check_kept(wine, start_files, start_registry)
+
+        try_portable(wine, portable)
+        check(install(wine, new) == 0, "it can be installed again")
+        uninstall(wine, "/REMOVEDATA")
+        check_data_removed(wine, start_files, start_registry)
+    print("package: all passed")
+
+
+if __name__ == "__main__":
+    started = time.monotonic()
+    main(os.path.abspath(sys.argv[1]))
+    print(f"{time.monotonic() - started:.0f} s")

@@ -1,0 +1,128 @@
+// The real PixoraDiagnostics.exe: exit codes, output, and that the report names nobody.
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <lmcons.h>
+
+#include <cwctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "diagnostics/Options.h"
+#include "suite/common/Handle.h"
+#include "suite/common/LocalFolder.h"
+
+namespace diagnostics {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+namespace fs = std::filesystem;
+
+constexpr DWORD kPatienceMs = 60'000;
+
+std::string ContentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class DiagnosticsProgramTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        wchar_t temp[MAX_PATH] = {};
+        GetTempPathW(MAX_PATH, temp);
+        const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
+        folder_ = fs::path(temp) / (L"pixora-diagnostics-" + std::wstring(test.begin(), test.end()));
+        fs::create_directories(folder_);
+    }
+    void TearDown() override {
+        // The system may let go of the ended program's output a moment later.
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    // The exit code; what it wrote to standard output is in shown_.
+    DWORD Run(const std::wstring& arguments) {
+        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+        const fs::path shown = folder_ / L"shown.txt";
+        DWORD code = ~0U;
+        {
+            const suite::Handle output(CreateFileW(shown.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
+                                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+            const fs::path program = fs::path(suite::ProgramPath()).parent_path() / L"PixoraDiagnostics.exe";
+            std::wstring commandLine = L"\"" + program.wstring() + L"\" " + arguments;
+            STARTUPINFOW startup{};
+            startup.cb = sizeof startup;
+            startup.dwFlags = STARTF_USESTDHANDLES;
+            startup.hStdOutput = output.Get();
+            startup.hStdError = output.Get();
+            PROCESS_INFORMATION process{};
+            if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                                nullptr, &startup, &process)) {
+                return code;
+            }
+            const suite::Handle thread(process.hThread);
+            const suite::Handle handle(process.hProcess);
+            if (WaitForSingleObject(handle.Get(), kPatienceMs) == WAIT_OBJECT_0) {
+                GetExitCodeProcess(handle.Get(), &code);
+            }
+        }
+        shown_ = ContentOf(shown);
+        return code;
+    }
+
+    fs::path folder_;
+    std::string shown_;
+};
+
+TEST_F(DiagnosticsProgramTest, HelpIsNoFailure) {
+    EXPECT_EQ(Run(L"--help"), DWORD{kAllFine});
+    EXPECT_EQ(shown_, kHelp);
+}
+
+TEST_F(DiagnosticsProgramTest, WrongUsageShowsTheHelp) {
+    EXPECT_EQ(Run(L"--nonsense"), DWORD{kWrongUsage});
+    EXPECT_EQ(shown_, kHelp);
+}
+
+// Under Wine there is never a camera, so something is always wrong.
+TEST_F(DiagnosticsProgramTest, ShowsTheReport) {
+    EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
+    for (const char* section :
+         {"Program\n", "System\n", "Driver and algorithm\n", "Settings of this user\n", "Cameras\n", "Camera service\n",
+          "Folders\n", "Screens\n", "Last lines of Pixora's log\n", "Summary\n"}) {
+        EXPECT_THAT(shown_, HasSubstr(section));
+    }
+    EXPECT_THAT(shown_, HasSubstr("ok     Pixora.exe "));
+    EXPECT_THAT(shown_, HasSubstr("ok     layouts, texts, pictures and libraries are there"));
+}
+
+TEST_F(DiagnosticsProgramTest, WritesTheReportIntoAFile) {
+    const fs::path file = folder_ / L"a report.txt";
+    EXPECT_EQ(Run(L"--output \"" + file.wstring() + L"\""), DWORD{kSomethingWrong});
+    EXPECT_EQ(shown_, "");
+    EXPECT_THAT(ContentOf(file), HasSubstr("\nSummary\n"));
+}
+
+TEST_F(DiagnosticsProgramTest, AFileThatCannotBeWrittenHasItsOwnExitCode) {
+    EXPECT_EQ(Run(L"--output \"" + (folder_ / L"missing" / L"report.txt").wstring() + L"\""), DWORD{kNotWritten});
+}
+
+TEST_F(DiagnosticsProgramTest, TheReportNamesNobody) {
+    wchar_t user[UNLEN + 1] = {};
+    DWORD size = UNLEN + 1;
+    ASSERT_TRUE(GetUserNameW(user, &size));
+    const std::wstring log = suite::LocalDataFolder() + L"\\Velmora\\Quillon\\Logs";
+    ASSERT_TRUE(suite::MakeFolders(log));
+    const std::string name(user, user + std::wcslen(user));
+    std::ofstream(fs::path(log + L"\\Pixora.log"), std::ios::app)
+        << "2026-11-21 10:00:00.000 [L4] [1] copyFile error:C:\\Users\\" << name << "\\marker.jpg(a)\n";
+    Run(L"");
+    EXPECT_THAT(shown_, HasSubstr("copyFile error:C:\\Users\\<user>\\marker.jpg(a)"));
+    EXPECT_THAT(shown_, Not(HasSubstr("\\" + name + "\\")));
+}
+
+}  // namespace
+}  // namespace diagnostics
