@@ -65,6 +65,11 @@ def start(wine, folder=PROGRAM):
     return program
 
 
+def run_start_scenarios(wine, folder, names):
+    return wine.run(wine.tool("e2e_StartTest.exe"), f"--gtest_filter={names}", timeout=300, output=names == "*",
+                    environment={"PIXORA_PROGRAM_FOLDER": folder + "\\"})
+
+
 def try_portable(wine, archive):
     zipfile.ZipFile(archive).extractall(f"{wine.prefix}/drive_c/portable")
     [folder] = os.listdir(f"{wine.prefix}/drive_c/portable")
@@ -168,9 +173,9 @@ def main(build):
 
         check(install(wine, old) == 0, "the silent installation succeeds")
         check_installed(wine, os.path.join(out, "old", "program"), "0.9.0")
-        check(wine.run(wine.tool("e2e_StartTest.exe"), timeout=300, output=True,
-                       environment={"PIXORA_PROGRAM_FOLDER": "C:\\Program Files\\Velmora\\Quillon\\"}) == 0,
+        check(run_start_scenarios(wine, r"C:\Program Files\Velmora\Quillon", "*") == 0,
               "the start scenarios pass from the installed place")
+        check(run_start_scenarios(wine, r"C:\Nowhere", "StartTest.*") == 1, "and from nowhere else")
 
         use_as_people_do(wine)
         check_diagnostics(wine)

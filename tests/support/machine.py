@@ -47,10 +47,9 @@ class Wine:
         self.environment = dict(os.environ, WINEPREFIX=prefix)
 
     def __enter__(self):
-        # A waiting process keeps the desktop alive, so that starts cost milliseconds.
-        with open("/dev/zero", "rb") as zero:
-            subprocess.Popen([self.wine, "cmd", "/c", "pause"], stdin=zero, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.DEVNULL, env=self.environment)
+        # A process that waits for a key keeps the server alive, so that starts cost milliseconds.
+        self.waiting = subprocess.Popen([self.wine, "cmd", "/c", "pause"], stdin=subprocess.PIPE,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=self.environment)
         self.run("cmd", "/c", "exit 0")
         return self
 
