@@ -89,14 +89,16 @@ new_prefix() {
 # use_prefix folder: from here on Wine works in this prefix.
 use_prefix() { export WINEPREFIX=$1; }
 
-# A waiting Wine process keeps the server alive: a start then costs milliseconds, not seconds. It waits for a key from a
-# pipe that nobody writes to, and that it holds open itself; stop_wine ends it.
+# A waiting Wine process keeps the server and the desktop alive: a start then costs milliseconds, not seconds. It waits
+# for a key from a pipe that nobody writes to, and that it holds open itself; stop_wine ends it.
 keep_wine_alive() {
     local pipe
     pipe=$(mktemp -u)
     mkfifo "$pipe"
     { rm -f "$pipe"; exec "$WINE" cmd /c "pause"; } <>"$pipe" >/dev/null 2>&1 &
-    "$WINE" cmd /c "exit 0" </dev/null >/dev/null 2>&1
+    # Starts the desktop's process here and now: it lives as long as the waiting one, and would keep open the output of
+    # the test that is the first to show a window.
+    "$WINE" rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
 }
 
 stop_wine() {
