@@ -12,9 +12,8 @@ export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-}
 say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
 die() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
-build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix libspdlog-dev libfmt-dev
-    librsvg2-bin python3-minimal"
-run_packages="wine64 wine xvfb xdotool x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
+build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix librsvg2-bin python3-minimal"
+run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 package_packages="nsis"
 test_packages="clang-format clang-tidy ffmpeg $package_packages"

@@ -79,6 +79,14 @@ def try_portable(wine, archive):
     shutil.rmtree(f"{wine.prefix}/drive_c/portable")
 
 
+def diagnose(wine):
+    """The exit code and the report of the installed diagnostics program."""
+    code = wine.run(f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe", "--output", "C:\\report.txt")
+    report = wine.content("drive_c/report.txt").decode()
+    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    return code, report
+
+
 def upgrade_running(wine, setup):
     program = start(wine)
     check(install(wine, setup) == 0, "the upgrade succeeds while the program runs")
@@ -92,6 +100,8 @@ def refuse_when_hanging(wine, setup):
     program.send_signal(machine.STOP)
     try:
         check(install(wine, setup) == EXIT_RUNNING, "a program that does not close stops the installation")
+        _, report = diagnose(wine)
+        check("WRONG  Pixora is running, but its window does not answer" in report, "the diagnostics program sees it")
     finally:
         program.send_signal(machine.CONTINUE)
     check(machine.contents(f"{wine.prefix}/{PROGRAM}") == before, "and nothing was changed")
@@ -109,10 +119,7 @@ def use_as_people_do(wine):
 
 
 def check_diagnostics(wine):
-    program = f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe"
-    code = wine.run(program, "--output", "C:\\report.txt")
-    report = wine.content("drive_c/report.txt").decode()
-    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    code, report = diagnose(wine)
     check(code == 1, "the diagnostics program misses the camera")
     check("installed version 0.9.0" in report, "and knows the installation")
     check("layouts, texts, pictures and libraries are there" in report, "and finds the program whole")
