@@ -93,19 +93,7 @@ class AtAnotherScale : public SettingsWindowTest, public testing::WithParamInter
 TEST_P(AtAnotherScale, TheOpenWindowIsLaidOutAnew) {
     const int dpi = GetParam();
     Open();
-    const RECT suggested{20, 10, 20 + MulDiv(1040, dpi, 96), 10 + MulDiv(604, dpi, 96)};
-    // The rectangle lives in this process: the message is sent as the system would, through its own memory.
-    const HANDLE process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, [this] {
-        DWORD id = 0;
-        GetWindowThreadProcessId(program_->Window(), &id);
-        return id;
-    }());
-    void* remote = VirtualAllocEx(process, nullptr, sizeof(RECT), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-    ASSERT_TRUE(WriteProcessMemory(process, remote, &suggested, sizeof(suggested), nullptr));
-    EXPECT_EQ(SendMessageW(program_->Window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote)),
-              0);
-    CloseHandle(process);
-
+    const RECT suggested = program_->SetScale(dpi, {20, 10});
     RECT window = {};
     GetWindowRect(program_->Window(), &window);
     EXPECT_TRUE(EqualRect(&window, &suggested));

@@ -148,9 +148,10 @@ RECT Program::ClientRect(const std::wstring& name) const {
     return rect;
 }
 
-void Program::SetScale(int dpi) const {
+RECT Program::SetScale(int dpi, POINT move) const {
     RECT place = {};
     GetWindowRect(window_, &place);
+    OffsetRect(&place, move.x, move.y);
     place.right = place.left + MulDiv(kWindowWidthDip, dpi, 96);
     place.bottom = place.top + MulDiv(kWindowHeightDip, dpi, 96);
     // The rectangle has to lie in that process's memory.
@@ -159,6 +160,7 @@ void Program::SetScale(int dpi) const {
     if (remote && WriteProcessMemory(process.Get(), remote, &place, sizeof(place), nullptr))
         SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote));
     VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+    return place;
 }
 
 void Program::MoveTo(POINT screen) const {

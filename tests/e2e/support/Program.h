@@ -36,8 +36,9 @@ class Program {
     // The control's rectangle in client coordinates.
     RECT ClientRect(const std::wstring& name) const;
 
-    // Tells the open window that its screen has another DPI, as the system does.
-    void SetScale(int dpi) const;
+    // Tells the open window that its screen has another DPI, as the system does when it was moved that far. The result
+    // is the rectangle that the system suggests, in screen pixels.
+    RECT SetScale(int dpi, POINT move = {}) const;
 
     // --- the real mouse and keyboard
     void MoveTo(POINT screen) const;
