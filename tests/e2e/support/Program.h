@@ -54,8 +54,8 @@ class Program {
 
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;
-    // Leaves build/screenshots/<name>.png; how many different colours it has, up to 1000.
-    int Screenshot(const std::wstring& name) const;
+    // Leaves build/screenshots/<name>.png; true when it has more different colours than that, which is waited for.
+    bool Screenshot(const std::wstring& name, int moreColorsThan = 0) const;
 
   private:
     suite::Handle process_;
