@@ -1,5 +1,6 @@
 #include "tests/e2e/support/Program.h"
 
+#include <algorithm>
 #include <set>
 #include <stdexcept>
 #include <vector>
@@ -148,9 +149,10 @@ RECT Program::ClientRect(const std::wstring& name) const {
     return rect;
 }
 
-void Program::SetScale(int dpi) const {
+RECT Program::SetScale(int dpi, POINT move) const {
     RECT place = {};
     GetWindowRect(window_, &place);
+    OffsetRect(&place, move.x, move.y);
     place.right = place.left + MulDiv(kWindowWidthDip, dpi, 96);
     place.bottom = place.top + MulDiv(kWindowHeightDip, dpi, 96);
     // The rectangle has to lie in that process's memory.
@@ -159,6 +161,7 @@ void Program::SetScale(int dpi) const {
     if (remote && WriteProcessMemory(process.Get(), remote, &place, sizeof(place), nullptr))
         SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote));
     VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+    return place;
 }
 
 void Program::MoveTo(POINT screen) const {
@@ -235,19 +238,22 @@ COLORREF Program::PixelAt(int xPx, int yPx) const {
     return pixels[static_cast<std::size_t>(yPx * size.cx + xPx)] & 0xFFFFFF;
 }
 
-int Program::Screenshot(const std::wstring& name) const {
+bool Program::Screenshot(const std::wstring& name, int moreColorsThan) const {
     SIZE size = {};
-    const std::vector<DWORD> pixels = Grab(window_, size);
+    std::vector<DWORD> pixels;
+    // The window may have painted and the system's screen not yet show it.
+    const bool shown = WaitUntil([&] {
+        pixels = Grab(window_, size);
+        std::set<DWORD> colors;
+        return std::any_of(pixels.begin(), pixels.end(), [&](DWORD pixel) {
+            colors.insert(pixel);
+            return static_cast<int>(colors.size()) > moreColorsThan;
+        });
+    });
     const std::wstring folder = ProgramFolder() + L"..\\..\\screenshots\\";
     CreateDirectoryW(folder.c_str(), nullptr);
     WritePng(folder + name + L".png", pixels, size.cx, size.cy);
-    std::set<DWORD> colors;
-    for (const DWORD pixel : pixels) {
-        colors.insert(pixel);
-        if (colors.size() >= 1000)
-            break;
-    }
-    return static_cast<int>(colors.size());
+    return shown;
 }
 
 int CountWindows(const wchar_t* className) {
