@@ -245,6 +245,11 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_MOUSEMOVE:
             TrackHover(lParam);
             break;
+        case WM_MOUSELEAVE:
+            // Out of the window it is on no control that could take the delete button away.
+            if (auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome)))
+                home->HideDelButton(HoveredName(), {});
+            break;
         default:
             break;
     }
