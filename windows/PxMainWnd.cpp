@@ -234,6 +234,10 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
             break;
         }
+        case WM_SETFOCUS:
+            // Some systems lift the window alone, and not what it owns, when it gets the focus.
+            DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+            break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
                                                                   OnListenKindInfo{wParam, lParam});
