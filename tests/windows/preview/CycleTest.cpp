@@ -1,9 +1,9 @@
 // Turning the preview on and off again and again: nothing may be left behind, and nothing may hang.
 #include <windows.h>
 
-#include <cstdlib>
 #include <random>
 
+#include "tests/support/Environment.h"
 #include "tests/windows/preview/CaptureSupport.h"
 #include "tests/windows/preview/ProcessUsage.h"
 
@@ -16,9 +16,7 @@ namespace {
 
 // PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000.
 int Cycles() {
-    const char* text = std::getenv("PIXORA_PREVIEW_CYCLES");
-    const int cycles = text != nullptr ? std::atoi(text) : 0;
-    return cycles > 0 ? cycles : 50;
+    return FromEnvironment("PIXORA_PREVIEW_CYCLES", 50);
 }
 
 class CycleTest : public CaptureTest {
@@ -80,8 +78,7 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
 
 // PIXORA_PREVIEW_FRAMES sets another number of frames, for the long run.
 TEST_F(CycleTest, FramesLeaveNothingBehind) {
-    const char* text = std::getenv("PIXORA_PREVIEW_FRAMES");
-    const int frames = text != nullptr ? std::atoi(text) : 3000;
+    const int frames = FromEnvironment("PIXORA_PREVIEW_FRAMES", 3000);
     CameraSettings settings = SmallCamera(CameraFormat::kNv12);
     settings.modes.front().framesPerSecond = 1000;
     UseCamera(settings);
