@@ -35,15 +35,3 @@ file(WRITE ${xmllite_def} "LIBRARY xmllite.dll\nEXPORTS\nCreateXmlReader\nCreate
 execute_process(COMMAND ${CMAKE_DLLTOOL} -d ${xmllite_def} -l ${xmllite_lib} COMMAND_ERROR_IS_FATAL ANY)
 add_library(xmllite STATIC IMPORTED GLOBAL)
 set_target_properties(xmllite PROPERTIES IMPORTED_LOCATION ${xmllite_lib})
-
-# spdlog and fmt are header-only here; only these two folders may be seen by the cross compiler.
-file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
-foreach(header spdlog fmt)
-    if(NOT EXISTS /usr/include/${header})
-        message(FATAL_ERROR "The headers of ${header} are missing (packages libspdlog-dev and libfmt-dev).")
-    endif()
-    file(CREATE_LINK /usr/include/${header} ${CMAKE_BINARY_DIR}/include/${header} SYMBOLIC)
-endforeach()
-add_library(spdlog_headers INTERFACE)
-target_include_directories(spdlog_headers SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/include)
-target_compile_definitions(spdlog_headers INTERFACE FMT_HEADER_ONLY SPDLOG_FMT_EXTERNAL SPDLOG_WCHAR_FILENAMES)

@@ -3,6 +3,9 @@
 #include <mfapi.h>
 #include <mfidl.h>
 
+#include <cstdint>
+#include <cstdio>
+#include <set>
 #include <string>
 
 #include "diagnostics/Sections.h"
@@ -10,10 +13,21 @@
 #include "preview/CameraSystem.h"
 #include "suite/common/ComRelease.h"
 #include "suite/common/Utf8.h"
+#include "suite/registry/Registry.h"
 
 namespace diagnostics {
 
 namespace {
+
+constexpr wchar_t kConsent[] =
+    L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\CapabilityAccessManager\\ConsentStore\\webcam";
+constexpr wchar_t kConsentOfDesktopPrograms[] = L"\\NonPackaged";
+
+std::string ErrorNumber(HRESULT result) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(result));
+    return text;
+}
 
 std::wstring TextOf(IMFActivate* device, const GUID& key) {
     WCHAR* text = nullptr;
@@ -70,6 +84,7 @@ void AddListed(Report& report, const PersonalData& personal) {
         attributes->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE, MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID);
         result = camera_system::EnumDeviceSources(attributes, &devices, &count);
     }
+    report.Note("cameras: " + std::to_string(count));
     bool taken = false;
     for (UINT32 i = 0; i < count; ++i) {
         taken = AddCamera(report, devices[i], taken, personal) || taken;
@@ -78,7 +93,7 @@ void AddListed(Report& report, const PersonalData& personal) {
     CoTaskMemFree(devices);
     ComRelease(attributes);
     if (FAILED(result)) {
-        report.Wrong("the cameras cannot be listed, error " + std::to_string(result), "Restart the machine.");
+        report.Wrong("the cameras cannot be listed, error " + ErrorNumber(result), "Restart the machine.");
     } else if (count == 0) {
         report.Wrong("the system knows no camera", "Connect the camera, or turn it on in the device manager.");
     } else if (!taken) {
@@ -86,13 +101,33 @@ void AddListed(Report& report, const PersonalData& personal) {
     }
 }
 
+bool IsDenied(HKEY root, const std::wstring& path) {
+    std::wstring value;
+    return DE::Registry::GetValue(root, path.c_str(), L"Value", value, KEY_QUERY_VALUE) && value == L"Deny";
+}
+
+void AddPrivacy(Report& report) {
+    constexpr char kRemedy[] = "Allow it in Windows' settings, under privacy and camera.";
+    if (IsDenied(HKEY_LOCAL_MACHINE, kConsent)) {
+        report.Wrong("Windows keeps every user's programs away from the camera", kRemedy);
+    } else if (IsDenied(HKEY_CURRENT_USER, kConsent)) {
+        report.Wrong("Windows keeps this user's programs away from the camera", kRemedy);
+    } else if (IsDenied(HKEY_CURRENT_USER, std::wstring(kConsent) + kConsentOfDesktopPrograms)) {
+        report.Wrong("Windows keeps this user's desktop programs away from the camera", kRemedy);
+    } else {
+        report.Fine("Windows' privacy settings let programs use the camera");
+    }
+}
+
 }  // namespace
 
 void AddCameras(Report& report, const PersonalData& personal) {
     report.Section("Cameras");
+    AddPrivacy(report);
     std::string makers;
+    std::set<std::wstring> named;
     for (const std::wstring& entry : preview::CameraAllowList()) {
-        makers += " " + suite::ToUtf8(entry);
+        makers += named.insert(std::wstring(entry)).second ? " " + suite::ToUtf8(entry) : "";
     }
     report.Note("accepted are links that hold one of:" + makers);
     if (FAILED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -29,12 +30,28 @@ int CountFiles(const std::wstring& pattern) {
     return count;
 }
 
+// "UTC+01:00"
+std::string ZoneOfLocalTime() {
+    TIME_ZONE_INFORMATION zone{};
+    const DWORD season = GetTimeZoneInformation(&zone);
+    const LONG seasonsBias = season == TIME_ZONE_ID_DAYLIGHT   ? zone.DaylightBias
+                             : season == TIME_ZONE_ID_STANDARD ? zone.StandardBias
+                                                               : 0;
+    const LONG aheadMinutes = -(zone.Bias + seasonsBias);
+    const LONG distance = aheadMinutes < 0 ? -aheadMinutes : aheadMinutes;
+    char text[32];
+    std::snprintf(text, sizeof text, "UTC%c%02ld:%02ld", aheadMinutes < 0 ? '-' : '+', distance / 60, distance % 60);
+    return text;
+}
+
 }  // namespace
 
 void AddLog(Report& report, const PersonalData& personal) {
     report.Section("Last lines of Pixora's log");
     const std::wstring local = suite::LocalDataFolder();
-    std::ifstream file(std::filesystem::path(local + L"\\Velmora\\Quillon\\Logs\\Pixora.log"), std::ios::binary);
+    const std::wstring path = local + L"\\Velmora\\Quillon\\Logs\\Pixora.log";
+    report.Note(suite::ToUtf8(personal.Mask(path)) + ", its times are " + ZoneOfLocalTime());
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     std::deque<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         lines.push_back(line);

@@ -12,11 +12,19 @@
 #include "diagnostics/Options.h"
 #include "diagnostics/Sections.h"
 #include "diagnostics/Version.h"
+#include "service/CustomImageGroup.h"
+#include "service/SettingNames.h"
+#include "service/SettingsStore.h"
 #include "suite/common/Handle.h"
 
 namespace diagnostics {
 namespace {
 
+std::wstring FileName(const std::wstring& path) {
+    return path.substr(path.find_last_of(L"\\/") + 1);
+}
+
+// Of the user, of the computer, and of the files that the user took for backgrounds.
 std::vector<std::wstring> PersonalNames() {
     wchar_t user[UNLEN + 1] = {};
     DWORD userSize = UNLEN + 1;
@@ -24,7 +32,13 @@ std::vector<std::wstring> PersonalNames() {
     wchar_t computer[MAX_COMPUTERNAME_LENGTH + 1] = {};
     DWORD computerSize = MAX_COMPUTERNAME_LENGTH + 1;
     GetComputerNameW(computer, &computerSize);
-    return {user, computer};
+    std::vector<std::wstring> names{user, computer};
+    std::wstring group;
+    SettingsStore::Read(SettingNames::kCustomImageGroup, group);
+    for (const CustomImageRecord& record : CustomImageGroup::Parse(group)) {
+        names.push_back(FileName(record.sourcePath));
+    }
+    return names;
 }
 
 std::string Now() {
@@ -45,6 +59,21 @@ bool WriteAll(HANDLE output, const std::string& text) {
         at += written;
     }
     return true;
+}
+
+// True when the program was started with a double click: its console closes with it.
+bool HasConsoleOfItsOwn() {
+    DWORD mode = 0;
+    DWORD processes[2] = {};
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&
+           GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) && GetConsoleProcessList(processes, 2) == 1;
+}
+
+void WaitForReader() {
+    WriteAll(GetStdHandle(STD_OUTPUT_HANDLE), "\nPress Enter to close this window.");
+    char line[2];
+    DWORD read = 0;
+    ReadFile(GetStdHandle(STD_INPUT_HANDLE), line, sizeof line, &read, nullptr);
 }
 
 int Run(const std::vector<std::wstring>& words) {
@@ -80,6 +109,9 @@ int Run(const std::vector<std::wstring>& words) {
     if (!WriteAll(file ? file.Get() : standardOutput, text)) {
         return kNotWritten;
     }
+    if (file) {
+        WriteAll(standardOutput, "The report is written. What is wrong: " + std::to_string(report.WrongCount()) + "\n");
+    }
     return report.WrongCount() == 0 ? kAllFine : kSomethingWrong;
 }
 
@@ -93,6 +125,9 @@ int wmain(int argc, wchar_t** argv) {
     int status = diagnostics::kNotWritten;
     try {
         status = diagnostics::Run({argv + 1, argv + argc});
+        if (diagnostics::HasConsoleOfItsOwn()) {
+            diagnostics::WaitForReader();
+        }
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
     }

@@ -8,7 +8,7 @@ const char kHelp[] =
     "algorithm, cameras, camera service, folders and rights, screens, the last lines of the log. Changes nothing.\n"
     "User and computer names, account numbers and the names of own pictures are left out of the report.\n"
     "\n"
-    "  --output FILE   writes the report into FILE instead of showing it\n"
+    "  --output FILE   writes the report into FILE, as UTF-8, instead of showing it\n"
     "  --help          this text\n"
     "\n"
     "Exit code: 0 all fine, 1 something is wrong, 2 wrong usage, 3 the report cannot be written.\n";

@@ -23,6 +23,7 @@ namespace {
 
 constexpr wchar_t kInstallKey[] = L"SOFTWARE\\Velmora\\Quillon\\Pixora";
 constexpr wchar_t kInstanceMutex[] = L"PixoraUIMutex";
+constexpr wchar_t kWindowClass[] = L"Camera";
 constexpr const wchar_t* kNeededFiles[] = {
     L"DuiLib.dll",
     L"res\\layout\\Pixora.xml",
@@ -85,13 +86,29 @@ void AddFiles(Report& report, const std::wstring& folder, const PersonalData& pe
     }
 }
 
+void AddRunning(Report& report) {
+    const suite::Handle instance(OpenMutexW(SYNCHRONIZE, FALSE, kInstanceMutex));
+    const HWND window = FindWindowW(kWindowClass, nullptr);
+    constexpr UINT kPatienceMs = 5000;
+    DWORD_PTR unused = 0;
+    if (!instance) {
+        report.Note("Pixora is not running");
+    } else if (!window) {
+        report.Note("Pixora is running, without a window in this session so far");
+    } else if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kPatienceMs, &unused)) {
+        report.Fine("Pixora is running, and its window answers");
+    } else {
+        report.Wrong("Pixora is running, but its window does not answer",
+                     "End Pixora.exe in the task manager; its log's last lines are below.");
+    }
+}
+
 void AddInstallation(Report& report) {
     std::wstring version;
     DE::Registry::GetValue(HKEY_LOCAL_MACHINE, kInstallKey, L"Version", version, KEY_QUERY_VALUE);
     report.Note(version.empty() ? "not installed by the installer (a portable copy, or a build)"
                                 : "installed version " + suite::ToUtf8(version));
-    const suite::Handle instance(OpenMutexW(SYNCHRONIZE, FALSE, kInstanceMutex));
-    report.Note(instance ? "Pixora is running" : "Pixora is not running");
+    AddRunning(report);
 }
 
 void AddMediaSystem(Report& report) {

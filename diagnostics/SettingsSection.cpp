@@ -5,6 +5,7 @@
 
 #include "diagnostics/Sections.h"
 #include "service/CustomImageGroup.h"
+#include "service/FeatureTables.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "suite/common/Utf8.h"
@@ -72,6 +73,9 @@ void AddOwnBackgrounds(Report& report) {
     SettingsStore::Read(SettingNames::kBackgroundImagePath, path);
     SettingsStore::Read(SettingNames::kCustomImageGroup, group);
     report.Note("lumi_camera_background_image_path: " + Described(path));
+    if (Number(SettingNames::kBackgroundReplacement) == FeatureTables::kCustomIndex && !IsThere(path)) {
+        report.Wrong("the own background in use is gone", "Choose another one in Pixora.");
+    }
     const auto records = CustomImageGroup::Parse(group);
     int gone = 0;
     for (const auto& record : records) {

@@ -12,9 +12,8 @@ export LIBGL_ALWAYS_SOFTWARE=${LIBGL_ALWAYS_SOFTWARE:-}
 say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
 die() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
-build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix libspdlog-dev libfmt-dev
-    librsvg2-bin python3-minimal"
-run_packages="wine64 wine xvfb xdotool x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
+build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix librsvg2-bin python3-minimal"
+run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 package_packages="nsis"
 test_packages="clang-format clang-tidy ffmpeg $package_packages"
@@ -89,10 +88,16 @@ new_prefix() {
 # use_prefix folder: from here on Wine works in this prefix.
 use_prefix() { export WINEPREFIX=$1; }
 
-# A waiting Wine process keeps the server and the desktop alive: a start then costs milliseconds, not seconds.
+# A waiting Wine process keeps the server and the desktop alive: a start then costs milliseconds, not seconds. It waits
+# for a key from a pipe that nobody writes to, and that it holds open itself; stop_wine ends it.
 keep_wine_alive() {
-    "$WINE" cmd /c "pause" </dev/zero >/dev/null 2>&1 &
-    "$WINE" cmd /c "exit 0" </dev/null >/dev/null 2>&1
+    local pipe
+    pipe=$(mktemp -u)
+    mkfifo "$pipe"
+    { rm -f "$pipe"; exec "$WINE" cmd /c "pause"; } <>"$pipe" >/dev/null 2>&1 &
+    # Starts the desktop's process here and now: it lives as long as the waiting one, and would keep open the output of
+    # the test that is the first to show a window.
+    "$WINE" rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
 }
 
 stop_wine() {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "service/ExifOrientation.h"
-#include "service/Held.h"
+#include "suite/common/Held.h"
 #include "service/JpegThumbnail.h"
 #include "service/ThumbnailMaker.h"
 #include "suite/common/Handle.h"

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "service/Held.h"
+#include "suite/common/Held.h"
 #include "service/JpegThumbnail.h"
 #include "service/ThumbnailMaker.h"
 #include "suite/common/Handle.h"

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "DuiLib/UIMainQueue.h"
+#include "service/AlgorithmAlarm.h"
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/WatchPacing.h"
@@ -104,12 +105,16 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
         }
         timerRuns_ = false;
         model_.NotifyStatus();
+        if (!stopped_) {
+            alarm_.Check();
+        }
     }
 
     HomeService& model_;  // borrowed; not used once stopped
     const suite::Handle done_;
     std::atomic<bool> stopped_ = false;
     // UI thread.
+    AlgorithmAlarm alarm_;
     unsigned lastCall_ = 0;
     bool timerRuns_ = false;
 };

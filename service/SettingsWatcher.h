@@ -8,7 +8,7 @@
 //  - the next round starts when the refresh of the last one has run, so they cannot pile up behind a busy UI thread;
 //  - a round also ends when the key is deleted, whatever the system tells of that;
 //  - when the next round is armed, one more refresh shows what changed between the two, so the last state always ends
-//    up on the screen.
+//    up on the screen, and a failure of the algorithm is told.
 // While nothing changes, one thread waits for one event, and no timer runs. While the key is missing, it is looked for
 // about once a second.
 // Threads: the UI thread; the status observer is called there.

@@ -234,10 +234,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
             break;
         }
-        case WM_ACTIVATE:
-            // Not every system tells in another way that the window has come before those that it owns.
-            if (LOWORD(wParam) != WA_INACTIVE)
-                DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+        case WM_SETFOCUS:
+            // Some systems lift the window alone, and not what it owns, when it gets the focus.
+            DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
             break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,

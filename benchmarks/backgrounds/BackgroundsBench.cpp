@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "service/CustomImageGroup.h"
-#include "service/Held.h"
+#include "suite/common/Held.h"
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "DuiLib/PaintManagerUI.h"
+#include "suite/common/Held.h"
 
 namespace DuiLib {
 namespace {
@@ -13,25 +14,6 @@ namespace {
 constexpr UINT kMaxSidePx = 8192;
 constexpr std::wstring_view kDrawable = L"drawable\\";
 constexpr std::array kRenditions{100, 125, 150, 200, 300};
-
-template <typename Interface>
-class Held {
-  public:
-    Held() = default;
-    ~Held() {
-        if (pointer_ != nullptr) {
-            pointer_->Release();
-        }
-    }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-    Interface** Put() { return &pointer_; }
-    Interface* Get() const { return pointer_; }
-    Interface* operator->() const { return pointer_; }
-
-  private:
-    Interface* pointer_ = nullptr;
-};
 
 bool IsFullPath(const std::wstring& name) {
     return (name.size() > 2 && name[1] == L':') || name.starts_with(L"\\\\");

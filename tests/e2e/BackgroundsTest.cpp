@@ -168,7 +168,7 @@ TEST_F(BackgroundsTest, APictureIsAddedThroughTheFileDialog) {
     EXPECT_TRUE(fs::exists(*picture));
     EXPECT_TRUE(fs::exists(photo));
     EXPECT_TRUE(PingComes());
-    EXPECT_GT(program_->Screenshot(L"backgrounds-one"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"backgrounds-one", 200));
     EXPECT_THAT(Machine::UnexpectedFailures(), IsEmpty());
 }
 

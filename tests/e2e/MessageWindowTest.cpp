@@ -39,7 +39,7 @@ class MessageWindowTest : public testing::Test {
 
 TEST_F(MessageWindowTest, ClosesByItsButton) {
     Open(0, 1);
-    EXPECT_GT(program_->Screenshot(L"message-driver-broken"), 16);
+    EXPECT_TRUE(program_->Screenshot(L"message-driver-broken", 16));
     program_->Click(L"closebtn");
     EXPECT_EQ(program_->WaitForEnd(), 0U);
     EXPECT_THAT(Machine::UnexpectedFailures(), IsEmpty());
@@ -74,7 +74,7 @@ TEST_F(MessageWindowTest, ClosesByTheServicesMessageAndByNoOther) {
 
 TEST_F(MessageWindowTest, OpensItsLinkWithTheMouseAndDoesNotMove) {
     Open(1, 0);
-    EXPECT_GT(program_->Screenshot(L"message-unavailable"), 16);
+    EXPECT_TRUE(program_->Screenshot(L"message-unavailable", 16));
     const auto content = program_->Find(L"msgbox_content");
     ASSERT_TRUE(content);
     RECT before = {};

@@ -63,7 +63,7 @@ class SettingsWindowTest : public testing::Test {
 
 TEST_F(SettingsWindowTest, OpensPaintedWithTheCamerasPlaceAndCloses) {
     Open();
-    EXPECT_GT(program_->Screenshot(L"settings"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"settings", 200));
     const RECT preview = program_->ClientRect(L"preview_wnd");
     EXPECT_EQ(preview.left, 80);
     EXPECT_EQ(preview.top, 80);
@@ -82,7 +82,7 @@ TEST_F(SettingsWindowTest, MinimisesWakesUpIntactAndClosesByAltF4) {
     ShowWindow(program_->Window(), SW_RESTORE);
     ASSERT_TRUE(WaitUntil([this] { return !IsIconic(program_->Window()); }));
     EXPECT_TRUE(WaitUntil([&] { return program_->PixelAt(300, 470) == before; }));
-    EXPECT_GT(program_->Screenshot(L"settings-restored"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"settings-restored", 200));
     SetForegroundWindow(program_->Window());
     program_->PressKey(VK_F4, true);
     EXPECT_EQ(program_->WaitForEnd(), 0U);
@@ -93,19 +93,7 @@ class AtAnotherScale : public SettingsWindowTest, public testing::WithParamInter
 TEST_P(AtAnotherScale, TheOpenWindowIsLaidOutAnew) {
     const int dpi = GetParam();
     Open();
-    const RECT suggested{20, 10, 20 + MulDiv(1040, dpi, 96), 10 + MulDiv(604, dpi, 96)};
-    // The rectangle lives in this process: the message is sent as the system would, through its own memory.
-    const HANDLE process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, [this] {
-        DWORD id = 0;
-        GetWindowThreadProcessId(program_->Window(), &id);
-        return id;
-    }());
-    void* remote = VirtualAllocEx(process, nullptr, sizeof(RECT), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-    ASSERT_TRUE(WriteProcessMemory(process, remote, &suggested, sizeof(suggested), nullptr));
-    EXPECT_EQ(SendMessageW(program_->Window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote)),
-              0);
-    CloseHandle(process);
-
+    const RECT suggested = program_->SetScale(dpi, {20, 10});
     RECT window = {};
     GetWindowRect(program_->Window(), &window);
     EXPECT_TRUE(EqualRect(&window, &suggested));
@@ -114,7 +102,7 @@ TEST_P(AtAnotherScale, TheOpenWindowIsLaidOutAnew) {
     EXPECT_EQ(preview.right, MulDiv(598, dpi, 96));
     RedrawWindow(program_->Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     SendMessageW(program_->Window(), WM_NULL, 0, 0);
-    EXPECT_GT(program_->Screenshot(L"settings-" + std::to_wstring(dpi)), 200);
+    EXPECT_TRUE(program_->Screenshot(L"settings-" + std::to_wstring(dpi), 200));
     EXPECT_THAT(Machine::UnexpectedFailures({"[L4] ipcclient send message:1 error(HomeService::SendSignal)"}),
                 IsEmpty());
 }
@@ -143,7 +131,7 @@ TEST_F(SettingsWindowTest, BeautyAndEyeContactExcludeEachOther) {
     EXPECT_TRUE(Becomes(L"lumi_camera_eye_correction", 0));
     EXPECT_TRUE(WaitUntil([this] { return !IsChecked(L"correct_sight_btn") && IsChecked(L"beauty_person_btn"); }));
     EXPECT_TRUE(program_->WaitFor(L"slider_smooth"));
-    EXPECT_GT(program_->Screenshot(L"settings-beauty"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"settings-beauty", 200));
 }
 
 TEST_F(SettingsWindowTest, ABackgroundTurnsAutoFramingOff) {
@@ -181,7 +169,7 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesAndPressesTheSwitches) {
         ASSERT_TRUE(WaitUntil([&] { return window.FocusedId() != before; }));
     }
     ASSERT_EQ(window.FocusedId(), target->id);
-    EXPECT_GT(program_->Screenshot(L"settings-focus"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"settings-focus", 200));
     program_->PressKey(VK_SPACE);
     EXPECT_TRUE(Becomes(L"lumi_camera_switch", 0));
 }
@@ -202,7 +190,7 @@ TEST_F(SettingsWindowTest, TheIntroductionOpensAndRemembersItsTab) {
     program_->Click(L"show_detail_btn");
     ASSERT_TRUE(program_->WaitFor(L"back_btn"));
     EXPECT_TRUE(IsChecked(L"custom_background_option"));
-    EXPECT_GT(program_->Screenshot(L"introduction"), 200);
+    EXPECT_TRUE(program_->Screenshot(L"introduction", 200));
     program_->Click(L"correct_sight_option");
     EXPECT_TRUE(WaitUntil([this] { return IsChecked(L"correct_sight_option"); }));
     program_->Click(L"back_btn");

@@ -99,7 +99,7 @@ TEST_P(SecondStart, RaisesTheFirstWindow) {
     EXPECT_EQ(third.WaitForEnd(), 0U);
     EXPECT_TRUE(WaitUntil([&] { return !IsIconic(window) && GetForegroundWindow() == window; }));
     first.WaitForWindow();
-    EXPECT_GT(first.Screenshot(settings ? L"raised-settings" : L"raised-message"), 16);
+    EXPECT_TRUE(first.Screenshot(settings ? L"raised-settings" : L"raised-message", 16));
     first.Click(L"closebtn");
     EXPECT_EQ(first.WaitForEnd(), 0U);
 }

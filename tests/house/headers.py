@@ -8,7 +8,7 @@ import tree
 WINDOWS = ["x86_64-w64-mingw32-g++-posix", "-DUNICODE", "-D_UNICODE", "-DNOMINMAX", "-DWIN32_LEAN_AND_MEAN",
            "-D_WIN32_WINNT=0x0A00", "-DNTDDI_VERSION=0x0A000006"]
 COMMON = ["-std=c++20", "-fsyntax-only", "-x", "c++", "-I.", "-Iduilib/include", "-Iduilib/src",
-          "-Ibuild/windows-release/generated", "-Ibuild/windows-release/include", "-I/usr/src/googletest/googletest/include",
+          "-Ibuild/windows-release/generated", "-I/usr/src/googletest/googletest/include",
           "-I/usr/src/googletest/googlemock/include", "-w"]
 
 

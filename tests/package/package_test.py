@@ -65,6 +65,11 @@ def start(wine, folder=PROGRAM):
     return program
 
 
+def run_start_scenarios(wine, folder, names):
+    return wine.run(wine.tool("e2e_StartTest.exe"), f"--gtest_filter={names}", timeout=300, output=names == "*",
+                    environment={"PIXORA_PROGRAM_FOLDER": folder + "\\"})
+
+
 def try_portable(wine, archive):
     zipfile.ZipFile(archive).extractall(f"{wine.prefix}/drive_c/portable")
     [folder] = os.listdir(f"{wine.prefix}/drive_c/portable")
@@ -72,6 +77,14 @@ def try_portable(wine, archive):
     check(wine.run(wine.tool("PixoraProbe.exe"), "press", "closebtn") == 0, "and its close button closes it")
     check(program.wait(timeout=20) == 0, "without a fault")
     shutil.rmtree(f"{wine.prefix}/drive_c/portable")
+
+
+def diagnose(wine):
+    """The exit code and the report of the installed diagnostics program."""
+    code = wine.run(f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe", "--output", "C:\\report.txt")
+    report = wine.content("drive_c/report.txt").decode()
+    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    return code, report
 
 
 def upgrade_running(wine, setup):
@@ -87,6 +100,8 @@ def refuse_when_hanging(wine, setup):
     program.send_signal(machine.STOP)
     try:
         check(install(wine, setup) == EXIT_RUNNING, "a program that does not close stops the installation")
+        _, report = diagnose(wine)
+        check("WRONG  Pixora is running, but its window does not answer" in report, "the diagnostics program sees it")
     finally:
         program.send_signal(machine.CONTINUE)
     check(machine.contents(f"{wine.prefix}/{PROGRAM}") == before, "and nothing was changed")
@@ -104,10 +119,7 @@ def use_as_people_do(wine):
 
 
 def check_diagnostics(wine):
-    program = f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe"
-    code = wine.run(program, "--output", "C:\\report.txt")
-    report = wine.content("drive_c/report.txt").decode()
-    os.remove(f"{wine.prefix}/drive_c/report.txt")
+    code, report = diagnose(wine)
     check(code == 1, "the diagnostics program misses the camera")
     check("installed version 0.9.0" in report, "and knows the installation")
     check("layouts, texts, pictures and libraries are there" in report, "and finds the program whole")
@@ -168,9 +180,9 @@ def main(build):
 
         check(install(wine, old) == 0, "the silent installation succeeds")
         check_installed(wine, os.path.join(out, "old", "program"), "0.9.0")
-        check(wine.run(wine.tool("e2e_StartTest.exe"), timeout=300, output=True,
-                       environment={"PIXORA_PROGRAM_FOLDER": "C:\\Program Files\\Velmora\\Quillon\\"}) == 0,
+        check(run_start_scenarios(wine, r"C:\Program Files\Velmora\Quillon", "*") == 0,
               "the start scenarios pass from the installed place")
+        check(run_start_scenarios(wine, r"C:\Nowhere", "StartTest.*") == 1, "and from nowhere else")
 
         use_as_people_do(wine)
         check_diagnostics(wine)

@@ -47,11 +47,11 @@ class Wine:
         self.environment = dict(os.environ, WINEPREFIX=prefix)
 
     def __enter__(self):
-        # A waiting process keeps the desktop alive, so that starts cost milliseconds.
-        with open("/dev/zero", "rb") as zero:
-            subprocess.Popen([self.wine, "cmd", "/c", "pause"], stdin=zero, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.DEVNULL, env=self.environment)
-        self.run("cmd", "/c", "exit 0")
+        # A process that waits for a key keeps server and desktop alive, so that starts cost milliseconds; the second
+        # one starts the desktop, whose process would keep the output of the first program with a window.
+        self.waiting = subprocess.Popen([self.wine, "cmd", "/c", "pause"], stdin=subprocess.PIPE,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=self.environment)
+        self.run("rundll32", "user32.dll,GetDesktopWindow")
         return self
 
     def __exit__(self, *_):

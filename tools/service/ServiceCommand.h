@@ -2,7 +2,7 @@
 // What the stand-in service can be told to do, on its command line or on its standard input.
 //   changed            the settings changed: message 0x4B273B
 //   reset, close       message 0x22711 with sub-code 0x40000: resets the page, closes the dialog window
-//   message            message 0x4B273D: shows a message box
+//   message            message 0x4B273D, which Pixora does not listen for
 //   code N [SUB]       message N with that sub-code, else -1
 //   set NAME VALUE     writes the number into the settings key, then as "changed"
 //   drop               closes the clients' connections

@@ -11,7 +11,7 @@ const char kServiceHelp[] =
     "Commands:\n"
     "  changed            the settings changed\n"
     "  reset, close       resets the page; closes the dialog window (the same message)\n"
-    "  message            shows a message box\n"
+    "  message            message code 4925245, which Pixora does not listen for\n"
     "  code N [SUB]       any message code, with that sub-code (else -1)\n"
     "  set NAME VALUE     writes the number into HKCU\\SOFTWARE\\Velmora\\Quillon\\LumiCamera, then as \"changed\"\n"
     "  drop               closes the clients' connections\n"

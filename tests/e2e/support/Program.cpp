@@ -1,5 +1,6 @@
 #include "tests/e2e/support/Program.h"
 
+#include <algorithm>
 #include <set>
 #include <stdexcept>
 #include <vector>
@@ -148,9 +149,10 @@ RECT Program::ClientRect(const std::wstring& name) const {
     return rect;
 }
 
-void Program::SetScale(int dpi) const {
+RECT Program::SetScale(int dpi, POINT move) const {
     RECT place = {};
     GetWindowRect(window_, &place);
+    OffsetRect(&place, move.x, move.y);
     place.right = place.left + MulDiv(kWindowWidthDip, dpi, 96);
     place.bottom = place.top + MulDiv(kWindowHeightDip, dpi, 96);
     // The rectangle has to lie in that process's memory.
@@ -159,6 +161,7 @@ void Program::SetScale(int dpi) const {
     if (remote && WriteProcessMemory(process.Get(), remote, &place, sizeof(place), nullptr))
         SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(remote));
     VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+    return place;
 }
 
 void Program::MoveTo(POINT screen) const {
@@ -171,17 +174,26 @@ void Program::ClickAt(POINT screen) const {
     SendMouse(MOUSEEVENTF_LEFTUP);
 }
 
-void Program::Drag(POINT fromScreen, POINT toScreen) const {
-    MoveTo(fromScreen);
-    SendMouse(MOUSEEVENTF_LEFTDOWN);
+bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     constexpr int kSteps = 8;
-    for (int step = 1; step <= kSteps; ++step) {
-        MoveTo({fromScreen.x + (toScreen.x - fromScreen.x) * step / kSteps,
-                fromScreen.y + (toScreen.y - fromScreen.y) * step / kSteps});
-        // The window follows from its own message loop; one step it must have seen before the next.
-        SendMessageTimeoutW(window_, WM_NULL, 0, 0, SMTO_NORMAL, 1000, nullptr);
+    RECT before = {};
+    GetWindowRect(window_, &before);
+    MoveTo(gripScreen);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    bool follows = true;
+    for (int step = 1; step <= kSteps && follows; ++step) {
+        const POINT moved = {by.cx * step / kSteps, by.cy * step / kSteps};
+        // What the pointer does is told to the window by two ways, of which one may be late and bring it back: it is
+        // moved again until the window is there.
+        follows = WaitUntil([&] {
+            MoveTo({gripScreen.x + moved.x, gripScreen.y + moved.y});
+            RECT now = {};
+            GetWindowRect(window_, &now);
+            return now.left == before.left + moved.x && now.top == before.top + moved.y;
+        });
     }
     SendMouse(MOUSEEVENTF_LEFTUP);
+    return follows;
 }
 
 void Program::Click(const std::wstring& name) const {
@@ -235,19 +247,22 @@ COLORREF Program::PixelAt(int xPx, int yPx) const {
     return pixels[static_cast<std::size_t>(yPx * size.cx + xPx)] & 0xFFFFFF;
 }
 
-int Program::Screenshot(const std::wstring& name) const {
+bool Program::Screenshot(const std::wstring& name, int moreColorsThan) const {
     SIZE size = {};
-    const std::vector<DWORD> pixels = Grab(window_, size);
+    std::vector<DWORD> pixels;
+    // The window may have painted and the system's screen not yet show it.
+    const bool shown = WaitUntil([&] {
+        pixels = Grab(window_, size);
+        std::set<DWORD> colors;
+        return std::any_of(pixels.begin(), pixels.end(), [&](DWORD pixel) {
+            colors.insert(pixel);
+            return static_cast<int>(colors.size()) > moreColorsThan;
+        });
+    });
     const std::wstring folder = ProgramFolder() + L"..\\..\\screenshots\\";
     CreateDirectoryW(folder.c_str(), nullptr);
     WritePng(folder + name + L".png", pixels, size.cx, size.cy);
-    std::set<DWORD> colors;
-    for (const DWORD pixel : pixels) {
-        colors.insert(pixel);
-        if (colors.size() >= 1000)
-            break;
-    }
-    return static_cast<int>(colors.size());
+    return shown;
 }
 
 int CountWindows(const wchar_t* className) {

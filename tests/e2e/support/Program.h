@@ -36,15 +36,17 @@ class Program {
     // The control's rectangle in client coordinates.
     RECT ClientRect(const std::wstring& name) const;
 
-    // Tells the open window that its screen has another DPI, as the system does.
-    void SetScale(int dpi) const;
+    // Tells the open window that its screen has another DPI, as the system does when it was moved that far. The result
+    // is the rectangle that the system suggests, in screen pixels.
+    RECT SetScale(int dpi, POINT move = {}) const;
 
     // --- the real mouse and keyboard
     void MoveTo(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
-    // Presses the left button at one point, moves in steps and releases it at the other.
-    void Drag(POINT fromScreen, POINT toScreen) const;
+    // Presses the left button at that point, moves the window by so much, in steps, and releases the button. False: the
+    // window did not follow each step.
+    bool DragWindow(POINT gripScreen, SIZE by) const;
     void PressKey(WORD key, bool alt = false) const;
     // Notches away from the user, negative ones towards.
     void Wheel(int notches) const;
@@ -53,8 +55,8 @@ class Program {
 
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;
-    // Leaves build/screenshots/<name>.png; how many different colours it has, up to 1000.
-    int Screenshot(const std::wstring& name) const;
+    // Leaves build/screenshots/<name>.png; true when it has more different colours than that, which is waited for.
+    bool Screenshot(const std::wstring& name, int moreColorsThan = 0) const;
 
   private:
     suite::Handle process_;

@@ -11,8 +11,11 @@
 #include <string>
 
 #include "diagnostics/Options.h"
+#include "service/ServiceMessages.h"
+#include "service/SettingNames.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
+#include "tools/service/PipeServer.h"
 
 namespace diagnostics {
 namespace {
@@ -26,6 +29,36 @@ constexpr DWORD kPatienceMs = 60'000;
 std::string ContentOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// A value of the settings key while one lives.
+class RegistryValue {
+  public:
+    RegistryValue(const wchar_t* name, DWORD type, const void* data, std::size_t size) : name_(name) {
+        RegSetKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name, type, data, static_cast<DWORD>(size));
+    }
+    ~RegistryValue() { RegDeleteKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name_); }
+    RegistryValue(const RegistryValue&) = delete;
+    RegistryValue& operator=(const RegistryValue&) = delete;
+
+  private:
+    const wchar_t* const name_;
+};
+
+struct RegistryNumber : RegistryValue {
+    RegistryNumber(const wchar_t* name, DWORD value) : RegistryValue(name, REG_DWORD, &value, sizeof value) {}
+};
+
+struct RegistryText : RegistryValue {
+    RegistryText(const wchar_t* name, const std::wstring& value)
+        : RegistryValue(name, REG_SZ, value.c_str(), (value.size() + 1) * sizeof(wchar_t)) {}
+};
+
+void AppendToLog(const std::string& text) {
+    const std::wstring log = suite::LocalDataFolder() + L"\\Velmora\\Quillon\\Logs";
+    ASSERT_TRUE(suite::MakeFolders(log));
+    std::ofstream(fs::path(log + L"\\Pixora.log"), std::ios::app)
+        << "2026-11-21 10:00:00.000 [L4] [1] " << text << "\n";
 }
 
 class DiagnosticsProgramTest : public testing::Test {
@@ -44,14 +77,14 @@ class DiagnosticsProgramTest : public testing::Test {
     }
 
     // The exit code; what it wrote to standard output is in shown_.
-    DWORD Run(const std::wstring& arguments) {
+    DWORD Run(const std::wstring& arguments, const wchar_t* name = L"PixoraDiagnostics.exe") {
         SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
         const fs::path shown = folder_ / L"shown.txt";
         DWORD code = ~0U;
         {
             const suite::Handle output(CreateFileW(shown.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
                                                    CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-            const fs::path program = fs::path(suite::ProgramPath()).parent_path() / L"PixoraDiagnostics.exe";
+            const fs::path program = fs::path(suite::ProgramPath()).parent_path() / name;
             std::wstring commandLine = L"\"" + program.wstring() + L"\" " + arguments;
             STARTUPINFOW startup{};
             startup.cb = sizeof startup;
@@ -99,10 +132,22 @@ TEST_F(DiagnosticsProgramTest, ShowsTheReport) {
     EXPECT_THAT(shown_, HasSubstr("ok     layouts, texts, pictures and libraries are there"));
 }
 
+// The same program with a camera that exists in memory.
+TEST_F(DiagnosticsProgramTest, AMachineThatHasEverythingIsFine) {
+    const RegistryNumber driver(L"filter_driver_install", 1);
+    const RegistryNumber algorithm(L"init_algorithm", 1);
+    CreateDirectoryW(L"C:\\ProgramData\\Comms", nullptr);
+    PipeServer server;
+    ASSERT_TRUE(server.Start(ServiceMessages::kPipeName));
+    EXPECT_EQ(Run(L"", L"DiagnosticsWithCamera.exe"), DWORD{kAllFine}) << shown_;
+    EXPECT_THAT(shown_, HasSubstr("Nothing wrong was found."));
+    EXPECT_THAT(shown_, HasSubstr("accepted by VID_05C8"));
+}
+
 TEST_F(DiagnosticsProgramTest, WritesTheReportIntoAFile) {
     const fs::path file = folder_ / L"a report.txt";
     EXPECT_EQ(Run(L"--output \"" + file.wstring() + L"\""), DWORD{kSomethingWrong});
-    EXPECT_EQ(shown_, "");
+    EXPECT_THAT(shown_, HasSubstr("The report is written. What is wrong: "));
     EXPECT_THAT(ContentOf(file), HasSubstr("\nSummary\n"));
 }
 
@@ -110,15 +155,22 @@ TEST_F(DiagnosticsProgramTest, AFileThatCannotBeWrittenHasItsOwnExitCode) {
     EXPECT_EQ(Run(L"--output \"" + (folder_ / L"missing" / L"report.txt").wstring() + L"\""), DWORD{kNotWritten});
 }
 
+TEST_F(DiagnosticsProgramTest, TheReportNamesNoFileOfTheUsers) {
+    const RegistryText group(L"lumi_camera_custom_img_group",
+                             L"custom_background_btn_0[(&,f!=)]1[(&,f!=)]1[(&,f!=)]C:\\a.jpg[(&,f!=)]"
+                             L"D:\\Films\\Anna's birthday.mp4[(&;i!-)]");
+    AppendToLog("copyFile error:Anna's birthday.mp4(a)");
+    Run(L"");
+    EXPECT_THAT(shown_, HasSubstr("copyFile error:<name>(a)"));
+    EXPECT_THAT(shown_, Not(HasSubstr("birthday")));
+}
+
 TEST_F(DiagnosticsProgramTest, TheReportNamesNobody) {
     wchar_t user[UNLEN + 1] = {};
     DWORD size = UNLEN + 1;
     ASSERT_TRUE(GetUserNameW(user, &size));
-    const std::wstring log = suite::LocalDataFolder() + L"\\Velmora\\Quillon\\Logs";
-    ASSERT_TRUE(suite::MakeFolders(log));
     const std::string name(user, user + std::wcslen(user));
-    std::ofstream(fs::path(log + L"\\Pixora.log"), std::ios::app)
-        << "2026-11-21 10:00:00.000 [L4] [1] copyFile error:C:\\Users\\" << name << "\\marker.jpg(a)\n";
+    AppendToLog("copyFile error:C:\\Users\\" + name + "\\marker.jpg(a)");
     Run(L"");
     EXPECT_THAT(shown_, HasSubstr("copyFile error:C:\\Users\\<user>\\marker.jpg(a)"));
     EXPECT_THAT(shown_, Not(HasSubstr("\\" + name + "\\")));

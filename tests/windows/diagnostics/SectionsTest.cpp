@@ -91,6 +91,34 @@ TEST_F(SettingsSectionTest, ValuesAreShownAndPathsAreNot) {
     EXPECT_THAT(text, Not(HasSubstr("holiday")));
 }
 
+TEST_F(SettingsSectionTest, AnOwnBackgroundInUseThatIsGoneIsWrong) {
+    Number(L"filter_driver_install", 1);
+    Text(L"lumi_camera_background_image_path", L"C:\\holiday.mp4");
+    EXPECT_EQ(Settings().WrongCount(), 0);
+    Number(L"lumi_camera_background_replacement", 5);
+    EXPECT_THAT(Settings().Text(), HasSubstr("WRONG  the own background in use is gone"));
+}
+
+class PrivacyTest : public SettingsSectionTest, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(PrivacyTest, ADeniedCameraIsWrong) {
+    const auto set = [](const std::wstring& value) {
+        const std::wstring key =
+            std::wstring(
+                L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\CapabilityAccessManager\\ConsentStore\\webcam") +
+            GetParam();
+        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Value", REG_SZ, value.c_str(),
+                        static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+        Report report;
+        AddCameras(report, kNobody);
+        return report.Text();
+    };
+    EXPECT_THAT(set(L"Allow"), HasSubstr("ok     Windows' privacy settings let programs use the camera"));
+    EXPECT_THAT(set(L"Deny"), HasSubstr("programs away from the camera"));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PrivacyTest, testing::Values(L"", L"\\NonPackaged"));
+
 class CameraSectionTest : public testing::Test {
   protected:
     void TearDown() override {

@@ -217,7 +217,7 @@ TEST_F(HomePageRefreshTest, MessageKindsGoToTheHost) {
 
 TEST_F(HomePageRefreshTest, AFailedAlgorithmIsTold) {
     Write(L"init_algorithm", 0);
-    EXPECT_TRUE(Input::PumpUntil([this] { return !Host().Messages().empty(); }));
+    ASSERT_TRUE(Input::PumpUntil([this] { return !Host().Messages().empty(); }));
     EXPECT_EQ(Host().Messages().front(), 9);
 }
 

@@ -86,14 +86,14 @@ TEST_F(HomePageSwitchTest, FramingTurnsTheBackgroundOff) {
     const auto start = std::chrono::steady_clock::now();
     Press(L"focus_person_btn");
     EXPECT_GE(std::chrono::steady_clock::now() - start, kGap);
+    // The page waits for the model to tell it.
+    EXPECT_TRUE(IsSelected(L"img_three_background_btn"));
     EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
     EXPECT_EQ(Number(L"lumi_camera_background_replacement"), 0);
     EXPECT_EQ(Number(L"pre_background_replacement"), 0);
     EXPECT_THAT(SentMessages(), ElementsAre(kPing, kPing));
     EXPECT_THAT(UsageEvents(),
                 ElementsAre(Event("631770003", "open focus person"), Event("631770002", "Background replacement:0")));
-    // The page waits for the model to tell it.
-    EXPECT_TRUE(IsSelected(L"img_three_background_btn"));
     EXPECT_TRUE(Input::PumpUntil([this] { return IsSelected(L"none_background_btn"); }));
 }
 

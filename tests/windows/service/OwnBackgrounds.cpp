@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "service/Held.h"
+#include "suite/common/Held.h"
 
 namespace fs = std::filesystem;
 

@@ -193,6 +193,24 @@ TEST_F(SettingsWatcherTest, TellsThatTheAlgorithmFailed) {
     EXPECT_TRUE(PumpUntil([&] { return rounds.Count() == 1; }));
 }
 
+TEST_F(SettingsWatcherTest, TellsThatTheAlgorithmFailedBetweenTwoRounds) {
+    for (int level = 721; level < 724; ++level) {
+        Write(L"init_algorithm", 1);
+        RoundCounter rounds;
+        SettingsWatcher watcher(*model_);
+        WaitUntilWatching();
+        // A refresh runs while no round is armed, some time after the round that brought it has looked at the key.
+        whileRefreshing_ = [this, level] {
+            if (smooth_ == level) {
+                Write(L"init_algorithm", 0);
+                whileRefreshing_ = nullptr;
+            }
+        };
+        SetSmooth(level);
+        EXPECT_TRUE(PumpUntil([&] { return rounds.Count() == 1; }));
+    }
+}
+
 TEST_F(SettingsWatcherTest, AListenerThatThrowsDoesNotEndIt) {
     Expect("watching failed: no box(SettingsWatcher::Run)");
     auto& hub = KindNotifier<MessageBoxKind>::GetInstance();

@@ -132,11 +132,13 @@ TEST_F(MainWindowMessagesTest, APaintIsAnsweredHereAndNotPassedOn) {
 }
 
 TEST_F(MainWindowMessagesTest, NothingMovesNothingIsTold) {
-    Input::MoveTo(Control(L"preview_wnd"));
+    Send(WM_MOUSEMOVE, 0, MAKELPARAM(200, 200));
     Send(WM_ACTIVATE, WA_ACTIVE);
     Send(WM_NULL);
-    EXPECT_THAT(moves_->Kinds(), IsEmpty());
+    // Looked at before any message is run: the system may still be raising the window, which is told later.
     EXPECT_THAT(places_->Kinds(), IsEmpty());
+    Input::MoveTo(Control(L"preview_wnd"));
+    EXPECT_THAT(moves_->Kinds(), IsEmpty());
     EXPECT_THAT(locks_->Kinds(), IsEmpty());
     EXPECT_THAT(listens_->Kinds(), IsEmpty());
 }
