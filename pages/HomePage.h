@@ -106,6 +106,7 @@ class HomePage : public PageBase {
     std::map<std::wstring, std::int32_t> switchStates_;
     std::map<std::wstring, std::int32_t> sliderValues_;
     std::set<std::wstring> backgroundButtons_;
+    std::wstring itemUnderPointer_;  // of the user's own, or the last that was
     GalleryThumbnails thumbnails_{Manager()};
     DuiLib::CControlUI* previewSwitch_ = nullptr;  // borrowed from the page's tree
     DuiLib::CControlUI* previewArea_ = nullptr;    // borrowed from the page's tree

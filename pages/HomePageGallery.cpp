@@ -238,23 +238,25 @@ bool HomePage::HideDelButton(const std::wstring& previousName, const std::wstrin
 void HomePage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
     if (const std::size_t item = name.find(kItemSuffix); item != std::wstring::npos) {
-        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix))
+        HideDelButton(itemUnderPointer_, name);
+        itemUnderPointer_ = name.substr(0, item);
+        if (CControlUI* button = Find(itemUnderPointer_ + kDeleteSuffix))
             button->SetVisible(true);
     }
     ShowToolTip(msg.sender, true);
 }
 
 void HomePage::OnMouseLeave(DuiLib::TNotifyUI& msg) {
-    const std::wstring& name = msg.sender->GetName();
-    // The pointer may have gone without a move within the window: out of it, or because the gallery was scrolled.
-    if (const std::size_t item = name.find(kItemSuffix); item != std::wstring::npos) {
-        if (CControlUI* button = Find(name.substr(0, item) + kDeleteSuffix))
-            button->SetVisible(false);
-    }
     ShowToolTip(msg.sender, false);
 }
 
 void HomePage::OnScroll(DuiLib::TNotifyUI&) {
+    // The items move and the pointer does not, so that nothing else tells that it is over another one now.
+    POINT pointer = {};
+    GetCursorPos(&pointer);
+    ScreenToClient(Manager()->GetPaintWindow(), &pointer);
+    const CControlUI* control = Manager()->FindControl(pointer);
+    HideDelButton(itemUnderPointer_, control ? control->GetName() : std::wstring());
     if (!Owner())
         return;
     for (const PageHost::Hint hint : {PageHost::Hint::Option, PageHost::Hint::DeleteButton}) {

@@ -157,6 +157,7 @@ void HomePage::OnCaptureError(HRESULT code) {
 void HomePage::OnPreviewTick() {
     if (!preview_)
         return;
+    PlacePreview();  // not every system tells when something has changed the windows' order
     const std::uint64_t lastFrame = preview_->LastFrameTickMs();
     ticksWithoutFrame_ = lastFrame == lastFrameTickMs_ ? ticksWithoutFrame_ + 1 : 0;
     lastFrameTickMs_ = lastFrame;

@@ -29,6 +29,14 @@ std::wstring BesideTheProgram(const wchar_t* name) {
     return program.substr(0, program.rfind(L'\\') + 1) + name;
 }
 
+// A picture that was copied here from elsewhere may be write-protected; its number could never be used again.
+void AllowChanges(const std::wstring& picture) {
+    const DWORD attributes = GetFileAttributesW(picture.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        SetFileAttributesW(picture.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+    }
+}
+
 // Nothing of a picture that lies in the system's memory only is taken for stored.
 bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
     {
@@ -38,6 +46,7 @@ bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
             return false;
         }
     }
+    AllowChanges(target);
     return MoveFileExW(unfinished.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
 }
 
@@ -95,6 +104,11 @@ Result Make(const std::wstring& source, bool isVideo, const std::wstring& target
         DeleteFileW(unfinished.c_str());
     }
     return result;
+}
+
+void Remove(const std::wstring& picture) {
+    AllowChanges(picture);
+    DeleteFileW(picture.c_str());
 }
 
 void RemoveUnfinished(const std::wstring& folder) {

@@ -19,6 +19,9 @@ enum class Result {
 // as it was. `source` is only read.
 [[nodiscard]] Result Make(const std::wstring& source, bool isVideo, const std::wstring& target);
 
+// Deletes a picture, a write-protected one too; what cannot be deleted stays.
+void Remove(const std::wstring& picture);
+
 // Removes what a program that was ended left unfinished in that folder.
 void RemoveUnfinished(const std::wstring& folder);
 

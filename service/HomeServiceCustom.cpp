@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "service/BackgroundPicture.h"
 #include "service/CustomImageGroup.h"
 #include "service/CustomItemNames.h"
 #include "service/FeatureTables.h"
@@ -63,7 +64,7 @@ bool HomeService::DeleteCustomBackground(std::wstring itemName) {
     const std::wstring picture = ForgetCustomItem(record);
     // A damaged list may name any file; only a picture of the program's own making is deleted.
     if (CustomItemNames::IsPictureOf(itemName, picture)) {
-        DeleteFileW(picture.c_str());
+        BackgroundPicture::Remove(picture);
     }
     SettingsStore::Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(customItems_));
     return true;

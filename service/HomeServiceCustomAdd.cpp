@@ -1,6 +1,7 @@
 // The user's own backgrounds: choosing a file, checking it, adding it.
 #include <windows.h>
 
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <array>
@@ -54,6 +55,9 @@ bool AskForFile(HWND owner, std::wstring& path) {
         const DWORD error = CommDlgExtendedError();
         if (error != 0) {
             LogLine(4, L"HomeService::ChooseCustomFile", L"The file dialog failed: ", error);
+            if (error == FNERR_BUFFERTOOSMALL) {
+                Publish(MessageBoxKind::kFileUnreadable);  // a path of more characters than the system's tools take
+            }
         }
         return false;
     }

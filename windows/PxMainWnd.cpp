@@ -234,6 +234,10 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
             break;
         }
+        case WM_SETFOCUS:
+            // Some systems lift the window alone, and not what it owns, when it gets the focus.
+            DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+            break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
                                                                   OnListenKindInfo{wParam, lParam});
@@ -244,6 +248,11 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_MOUSEMOVE:
             TrackHover(lParam);
+            break;
+        case WM_MOUSELEAVE:
+            // Out of the window it is on no control that could take the delete button away.
+            if (auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome)))
+                home->HideDelButton(HoveredName(), {});
             break;
         default:
             break;

@@ -104,6 +104,13 @@ class PreviewTest : public testing::Test {
     bool IsOff() const {
         return WaitUntil([this] { return !IsSwitchOn(); }) && ShowsNoPicture() && !IsPreviewVisible();
     }
+    // Asked again: a change of focus that was under way may take it back.
+    static bool BringToFront(HWND window) {
+        return WaitUntil([window] {
+            SetForegroundWindow(window);
+            return GetForegroundWindow() == window;
+        });
+    }
     // Where the window must stand, from the main window's client area.
     RECT WantedPlace() const {
         POINT origin = {};
@@ -225,12 +232,11 @@ TEST_F(PreviewTest, DraggingThePictureDragsTheWindow) {
     RECT before = {};
     GetWindowRect(Main(), &before);
     const POINT grip = {before.left + 340, before.top + 220};
-    program_->Drag(grip, {grip.x + 90, grip.y + 45});
-    EXPECT_TRUE(WaitUntil([&] {
-        RECT now = {};
-        GetWindowRect(Main(), &now);
-        return now.left == before.left + 90 && now.top == before.top + 45;
-    }));
+    EXPECT_TRUE(program_->DragWindow(grip, {90, 45}));
+    RECT now = {};
+    GetWindowRect(Main(), &now);
+    EXPECT_EQ(now.left, before.left + 90);
+    EXPECT_EQ(now.top, before.top + 45);
     EXPECT_TRUE(IsPlaced());
     EXPECT_TRUE(ShowsPicture());
 }
@@ -249,6 +255,25 @@ TEST_F(PreviewTest, HidesWithTheWindow) {
     ShowWindow(Main(), SW_SHOW);
     EXPECT_TRUE(WaitUntil([this] { return IsPreviewVisible(); }));
     EXPECT_TRUE(ShowsPicture());
+}
+
+TEST_F(PreviewTest, StaysAboveItsWindowWhoeverIsActive) {
+    OpenWithPicture();
+    const HWND other = CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 40, 40, nullptr,
+                                       nullptr, nullptr, nullptr);
+    ASSERT_TRUE(other);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(BringToFront(other));
+        EXPECT_TRUE(ShowsPicture());
+        EXPECT_TRUE(BringToFront(Main()));
+        EXPECT_TRUE(ShowsPicture());
+        // The picture is active then, and not the window.
+        program_->ClickAt({WantedPlace().left + 300, WantedPlace().top + 100});
+        EXPECT_TRUE(ShowsPicture());
+        program_->ClickAt({WantedPlace().left + 200, WantedPlace().top + 395});
+        EXPECT_TRUE(ShowsPicture());
+    }
+    DestroyWindow(other);
 }
 
 TEST_F(PreviewTest, StaysOnItsPage) {

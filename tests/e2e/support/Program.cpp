@@ -174,17 +174,26 @@ void Program::ClickAt(POINT screen) const {
     SendMouse(MOUSEEVENTF_LEFTUP);
 }
 
-void Program::Drag(POINT fromScreen, POINT toScreen) const {
-    MoveTo(fromScreen);
-    SendMouse(MOUSEEVENTF_LEFTDOWN);
+bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     constexpr int kSteps = 8;
-    for (int step = 1; step <= kSteps; ++step) {
-        MoveTo({fromScreen.x + (toScreen.x - fromScreen.x) * step / kSteps,
-                fromScreen.y + (toScreen.y - fromScreen.y) * step / kSteps});
-        // The window follows from its own message loop; one step it must have seen before the next.
-        SendMessageTimeoutW(window_, WM_NULL, 0, 0, SMTO_NORMAL, 1000, nullptr);
+    RECT before = {};
+    GetWindowRect(window_, &before);
+    MoveTo(gripScreen);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    bool follows = true;
+    for (int step = 1; step <= kSteps && follows; ++step) {
+        const POINT moved = {by.cx * step / kSteps, by.cy * step / kSteps};
+        // What the pointer does is told to the window by two ways, of which one may be late and bring it back: it is
+        // moved again until the window is there.
+        follows = WaitUntil([&] {
+            MoveTo({gripScreen.x + moved.x, gripScreen.y + moved.y});
+            RECT now = {};
+            GetWindowRect(window_, &now);
+            return now.left == before.left + moved.x && now.top == before.top + moved.y;
+        });
     }
     SendMouse(MOUSEEVENTF_LEFTUP);
+    return follows;
 }
 
 void Program::Click(const std::wstring& name) const {

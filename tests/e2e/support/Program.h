@@ -44,8 +44,9 @@ class Program {
     void MoveTo(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
-    // Presses the left button at one point, moves in steps and releases it at the other.
-    void Drag(POINT fromScreen, POINT toScreen) const;
+    // Presses the left button at that point, moves the window by so much, in steps, and releases the button. False: the
+    // window did not follow each step.
+    bool DragWindow(POINT gripScreen, SIZE by) const;
     void PressKey(WORD key, bool alt = false) const;
     // Notches away from the user, negative ones towards.
     void Wheel(int notches) const;

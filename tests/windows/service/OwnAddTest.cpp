@@ -18,6 +18,42 @@ class OwnAddTest : public OwnBackgroundsTest {
         OwnBackgroundsTest::SetUp();
         Start();
     }
+    // The system below, where the tests run on one that has a file of which nothing can be written: makes the path a
+    // link to that file, or takes the link away.
+    static bool SetFullDisk(const fs::path& path, bool full) {
+        using UnixName = char*(CDECL*)(const wchar_t*);
+        const auto unixName = reinterpret_cast<UnixName>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+        char* const name = unixName ? unixName(path.c_str()) : nullptr;
+        if (!name) {
+            return false;
+        }
+        const std::string quoted = "\"" + std::string(name) + "\"";
+        HeapFree(GetProcessHeap(), 0, name);
+        std::string command = full ? "ln -s /dev/full " + quoted : "rm " + quoted;
+        const char* const program = full ? R"(\\?\unix\bin\ln)" : R"(\\?\unix\bin\rm)";
+        STARTUPINFOA startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION info{};
+        if (!CreateProcessA(program, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
+            ADD_FAILURE() << "no process: " << GetLastError();
+            return false;
+        }
+        CloseHandle(info.hThread);
+        CloseHandle(info.hProcess);
+        // It is none of this system's processes, so its end cannot be waited for.
+        const auto deadline = std::chrono::steady_clock::now() + kDeadline;
+        while (IsFullDisk(path) != full && std::chrono::steady_clock::now() < deadline) {
+            Sleep(1);
+        }
+        return IsFullDisk(path) == full;
+    }
+    static bool IsFullDisk(const fs::path& path) {
+        const suite::Handle file(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        DWORD written = 0;
+        return file && !WriteFile(file.Get(), "x", 1, &written, nullptr) && GetLastError() == ERROR_DISK_FULL;
+    }
     // Nothing of list, gallery, choice and folder has changed since `before`.
     void ExpectUnchanged(const Values& before) {
         EXPECT_EQ(AllValues(), before);
@@ -109,6 +145,38 @@ TEST_F(OwnAddTest, AFolderThatRefusesTheFileLeavesTheOldList) {
         fs::remove_all(obstacle);
     }
     EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, AFullDiskLeavesTheOldList) {
+    Expect(kNotStored);
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    const fs::path unfinished = UserFolder() / (Name(1) + L".jpg.part");
+    for (const wchar_t* name : {L"green.jpg", L"blue.png", L"clip.mp4"}) {
+        if (!SetFullDisk(unfinished, true)) {
+            GTEST_SKIP() << "this system has no file that is always full";
+        }
+        const Values before = AllValues();
+        EXPECT_FALSE(Model().AddCustomBackground(Media(name)));
+        EXPECT_THAT(TakeKinds(), ElementsAre(10));
+        ASSERT_TRUE(SetFullDisk(unfinished, false));
+        ExpectUnchanged(before);
+    }
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    EXPECT_TRUE(IsAbout(Decode(Picture(1)).At(9, 9), 0x20A040));
+    ExpectAllAgree();
+}
+
+TEST_F(OwnAddTest, AWriteProtectedPictureIsReplacedAndDeleted) {
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    fs::copy_file(Media(L"red.jpg"), Picture(1));  // somebody's, under the next name
+    for (const int number : {0, 1}) {
+        ASSERT_TRUE(SetFileAttributesW(Picture(number).c_str(), FILE_ATTRIBUTE_READONLY));
+    }
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    EXPECT_TRUE(IsAbout(Decode(Picture(1)).At(9, 9), 0x20A040));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_FALSE(fs::exists(Picture(0)));
     ExpectAllAgree();
 }
 

@@ -70,6 +70,28 @@ TEST_F(MainWindowHoverTest, AControlWithoutANameChangesNothing) {
     EXPECT_FALSE(CanDelete(L"custom_background_btn_0"));
 }
 
+TEST_F(MainWindowHoverTest, OutOfTheWindowTheDeleteButtonGoes) {
+    MoveTo(L"custom_background_btn_0");
+    ASSERT_TRUE(CanDelete(L"custom_background_btn_0"));
+    Input::Park();
+    EXPECT_TRUE(Input::PumpUntil([this] { return !CanDelete(L"custom_background_btn_0"); }));
+    MoveTo(L"custom_background_btn_0");
+    EXPECT_TRUE(CanDelete(L"custom_background_btn_0"));
+}
+
+TEST_F(MainWindowHoverTest, ScrolledAwayTheDeleteButtonGoes) {
+    for (int i = 2; i < 32; ++i)
+        Home().AddCustomItem(L"custom_background_btn_" + std::to_wstring(i), L"drawable/LumiCamera/thumb_add.png",
+                             false);
+    Reveal(L"custom_background_btn_0");
+    MoveTo(L"custom_background_btn_0");
+    ASSERT_TRUE(CanDelete(L"custom_background_btn_0"));
+    Input::Wheel(-1);
+    Manager().UpdateLayout();
+    ASSERT_NE(Manager().GetHot(), &Control(L"custom_background_btn_0"));
+    EXPECT_FALSE(CanDelete(L"custom_background_btn_0"));
+}
+
 TEST_F(MainWindowHoverTest, AnItemThatWasDeletedMeanwhileIsForgotten) {
     MoveTo(L"custom_background_btn_1");
     const int last = dynamic_cast<DuiLib::CContainerUI&>(Control(L"background_replace_btn_group")).GetCount();
