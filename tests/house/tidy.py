@@ -80,9 +80,17 @@ def main():
         return findings or ([f"{path}: {result.stderr.strip()[-300:]}"] if result.returncode else [])
 
     paths = [path for path in tree.files("*.cpp") if path in compiled]
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        found = sorted({line.replace(os.getcwd() + "/", "") for lines in pool.map(check, paths) for line in lines})
-    if clean != before:
-        with open(CLEAN, "w") as out:
-            out.writelines(f"{path} {clean[path]}\n" for path in sorted(clean))
-    return found
+    found = set()
+    noted = before  # as long as not every file was looked at
+    try:
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            for lines in pool.map(check, paths):
+                found.update(line.replace(os.getcwd() + "/", "") for line in lines)
+        noted = {}
+    finally:
+        # Also when it is interrupted: the next run goes on from here.
+        noted = {**noted, **clean}
+        if noted != before:
+            with open(CLEAN, "w") as out:
+                out.writelines(f"{path} {stamp}\n" for path, stamp in sorted(noted.items()))
+    return sorted(found)
