@@ -17,10 +17,10 @@
 #include <vector>
 
 #include "service/CustomImageGroup.h"
-#include "suite/common/Held.h"
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
+#include "suite/common/Held.h"
 #include "suite/logger/QxLogger.h"
 #include "tools/probe/AccessibleWindow.h"
 
