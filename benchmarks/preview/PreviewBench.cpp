@@ -191,7 +191,12 @@ void Measure() {
         program.ClickAt(press);
         WaitForPicture(left, true);
         const double onMs = MsSince(begin);
-        SendMessageW(program.Window(), WM_NULL, 0, 0);  // the ordered wait is over
+        // Only then the ordered wait is over, and a click counts again.
+        if (!e2e::WaitUntil([&] {
+                const auto control = program.Find(L"preview_switch");
+                return control && (control->state & STATE_SYSTEM_UNAVAILABLE) == 0;
+            }))
+            throw std::runtime_error("the switch stays disabled");
         const double blockedOnMs = starting.Stop() - kOrderedBlockMs;
         if (round == kRounds)
             share = ShareOf(program.Process(),
