@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 
 #include "service/CustomImageGroup.h"
@@ -311,6 +312,89 @@ TEST_F(BackgroundsTest, TheThirtyThirdIsRefused) {
     ASSERT_NO_FATAL_FAILURE(Delete(17));
     ASSERT_NO_FATAL_FAILURE(Add(Own(L"green.jpg", L"green.jpg"), 17));
     EXPECT_EQ(Stored().size(), 32U);
+    EXPECT_THAT(Machine::UnexpectedFailures(), IsEmpty());
+}
+
+TEST_F(BackgroundsTest, TheLongestPathIsTakenAndALongerOneIsTold) {
+    constexpr std::size_t kLongest = 259;
+    const auto named = [this](std::size_t length) {
+        return own_ / (std::wstring(length - own_.wstring().size() - 5, L'x') + L".jpg");
+    };
+    Open();
+    fs::copy_file(Media(L"red.jpg"), named(kLongest));
+    ASSERT_NO_FATAL_FAILURE(Add(named(kLongest), 0));
+    EXPECT_EQ(Stored().at(0).sourcePath, named(kLongest).wstring());
+
+    const std::wstring longer = LR"(\\?\)" + named(kLongest + 1).wstring();
+    ASSERT_TRUE(CopyFileW(Media(L"red.jpg").c_str(), longer.c_str(), FALSE)) << GetLastError();
+    FileDialog dialog;
+    ASSERT_NO_FATAL_FAILURE(OpenDialog(dialog));
+    dialog.Choose(named(kLongest + 1).wstring());
+    // The system's dialog says so and stays, or it ends and the program says so.
+    ASSERT_TRUE(WaitUntil([&] { return CountWindows(kBox) == 1 || CountWindows(L"#32770") == 2; }));
+    program_->Screenshot(L"backgrounds-longer-path");
+    EXPECT_EQ(Stored().size(), 1U);
+    DeleteFileW(longer.c_str());
+}
+
+// With the variant of the program whose camera shows what the service would make of the settings.
+class OwnBackgroundInPreview : public BackgroundsTest {
+  protected:
+    void SetUp() override {
+        Machine::UseProgram(L"PixoraDemo");
+        BackgroundsTest::SetUp();
+    }
+    void TearDown() override {
+        BackgroundsTest::TearDown();
+        Machine::UseProgram(L"Pixora");
+    }
+    // The wall behind the person, left and right of them; the window is at 96 DPI.
+    bool WallIs(COLORREF color) const {
+        for (const POINT& wall : {POINT{95, 120}, POINT{585, 120}}) {
+            const COLORREF pixel = program_->PixelAt(wall.x, wall.y);
+            for (const int shift : {0, 8, 16}) {
+                if (std::abs(static_cast<int>(pixel >> shift & 0xFF) - static_cast<int>(color >> shift & 0xFF)) > 12)
+                    return false;
+            }
+        }
+        return true;
+    }
+    bool WallBecomes(COLORREF color) const {
+        return WaitUntil([&] { return WallIs(color); });
+    }
+    bool IsSwitchOn() const { return IsChecked(L"preview_switch"); }
+
+    static constexpr COLORREF kRed = 0xC02020;  // 0x00RRGGBB
+    static constexpr COLORREF kGreen = 0x20A040;
+    static constexpr COLORREF kBlue = 0x2040C0;
+    static constexpr COLORREF kWhite = 0xFFFFFF;
+};
+
+TEST_F(OwnBackgroundInPreview, IsTheOneThatRegistryAndGalleryName) {
+    Open();
+    program_->Click(L"preview_switch");
+    ASSERT_TRUE(WaitUntil([this] { return IsSwitchOn(); }));
+    const std::vector<fs::path> files = {Own(L"red.jpg", L"red.jpg"), Own(L"green.jpg", L"green.jpg"),
+                                         Own(L"blue.png", L"blue.png"), Own(L"dark_start.mp4", L"light.mp4")};
+    const std::vector<COLORREF> colors = {kRed, kGreen, kBlue, kWhite};
+    std::vector<std::wstring> used;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        ASSERT_NO_FATAL_FAILURE(Add(files[i], static_cast<int>(i)));
+        used.push_back(Machine::Text(L"lumi_camera_background_image_path").value_or(L""));
+        EXPECT_TRUE(WallBecomes(colors[i])) << files[i];
+    }
+    program_->Screenshot(L"backgrounds-preview");
+    for (const std::size_t i : {1U, 3U, 0U, 2U}) {
+        while (service_.WaitForEvent(std::chrono::milliseconds(0))) {
+        }
+        Select(Item(static_cast<int>(i)));
+        EXPECT_TRUE(PingComes());
+        ExpectInUse(Item(static_cast<int>(i)), used[i]);
+        EXPECT_TRUE(WallBecomes(colors[i])) << files[i];
+    }
+    // The one in use goes, and so does its wall.
+    ASSERT_NO_FATAL_FAILURE(Delete(2));
+    EXPECT_TRUE(WaitUntil([this] { return !WallIs(kBlue) && IsChecked(L"none_background_btn"); }));
     EXPECT_THAT(Machine::UnexpectedFailures(), IsEmpty());
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "suite/common/Handle.h"
+#include "tests/e2e/support/Machine.h"
 #include "tools/probe/AccessibleWindow.h"
 
 namespace e2e {
@@ -27,7 +28,7 @@ class Program {
     HANDLE Process() const { return process_.Get(); }
     DWORD ProcessId() const { return processId_; }
     // The exit code once the process has ended; nothing when the time is over.
-    std::optional<DWORD> WaitForEnd();
+    std::optional<DWORD> WaitForEnd(std::chrono::milliseconds atMost = kPatience);
     bool Runs() const;
 
     // The control of that layout name; nothing when it is not shown.

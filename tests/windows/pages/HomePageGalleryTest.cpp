@@ -204,6 +204,19 @@ TEST_F(HomePageGalleryTest, AnItemMayBeRemovedByItsOwnClick) {
     EXPECT_EQ(Group().GetCount(), 15);
 }
 
+TEST_F(HomePageGalleryTest, TheDeleteKeyAsksForTheItemThatHasTheFocus) {
+    Add(0);
+    Add(1);
+    Manager().UpdateLayout();
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Manager().SetFocus(&Control(Name(1)));
+    Input::Key(VK_DELETE);
+    EXPECT_THAT(Host().deletions, ElementsAre(Name(1)));
+    Manager().SetFocus(&Control(L"img_one_background_btn"));
+    Input::Key(VK_DELETE);
+    EXPECT_EQ(Host().deletions.size(), 1U);
+}
+
 TEST_F(HomePageGalleryTest, OnlyADeleteButtonOfAnItemAsks) {
     for (const wchar_t* name : {L"some_del", L"_del", L"custom_background_btn_1_item", L"custom_background_del"}) {
         DuiLib::CButtonUI stranger;

@@ -35,6 +35,22 @@ class OwnKillTest : public OwnBackgroundsTest {
         }
     }
 
+    // Ends it some time after its list has changed for the first time, another time each round.
+    void RunUntilKilled(const std::wstring& work, int round) {
+        const std::wstring before = HelperGroup();
+        helper_ = StartHelper(work);
+        ASSERT_TRUE(helper_);
+        const auto deadline = std::chrono::steady_clock::now() + kDeadline;
+        while (HelperGroup() == before) {
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+            Sleep(1);
+        }
+        const auto moment = std::chrono::steady_clock::now() + std::chrono::milliseconds(3 * round);
+        while (std::chrono::steady_clock::now() < moment) {
+        }
+        EndHelper();
+    }
+
     static std::wstring HelperGroup() {
         std::vector<wchar_t> text(64 * 1024);
         DWORD size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
@@ -49,19 +65,8 @@ class OwnKillTest : public OwnBackgroundsTest {
 TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {
     for (int round = 0; round < 12; ++round) {
         SCOPED_TRACE(round);
-        const std::wstring before = HelperGroup();
-        helper_ = StartHelper(L"add \"" + Media(round % 3 == 0 ? L"clip.mp4" : L"red.jpg") + L"\"");
-        ASSERT_TRUE(helper_);
-        // Somewhere within the next addition, another place each time.
-        const auto deadline = std::chrono::steady_clock::now() + kDeadline;
-        while (HelperGroup() == before) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-            Sleep(1);
-        }
-        const auto moment = std::chrono::steady_clock::now() + std::chrono::milliseconds(3 * round);
-        while (std::chrono::steady_clock::now() < moment) {
-        }
-        EndHelper();
+        ASSERT_NO_FATAL_FAILURE(
+            RunUntilKilled(L"add \"" + Media(round % 3 == 0 ? L"clip.mp4" : L"red.jpg") + L"\"", round));
 
         const std::wstring group = HelperGroup();
         const Records records = CustomImageGroup::Parse(group);
@@ -69,6 +74,24 @@ TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {
         for (const CustomImageRecord& record : records) {
             EXPECT_GT(Decode(record.thumbPath).width, 0u) << fs::path(record.thumbPath);
         }
+    }
+}
+
+TEST_F(OwnKillTest, ADeletionThatWasCutOffIsFinishedByTheNextStart) {
+    for (int round = 0; round < 10; ++round) {
+        SCOPED_TRACE(round);
+        // Each helper's start loads what the one before has left.
+        ASSERT_NO_FATAL_FAILURE(RunUntilKilled(L"churn \"" + Media(L"red.jpg") + L"\"", round));
+        const std::wstring group = HelperGroup();
+        const Records records = CustomImageGroup::Parse(group);
+        EXPECT_EQ(CustomImageGroup::Serialise(records), group) << "a damaged list";
+        int without = 0;
+        for (const CustomImageRecord& record : records) {
+            const bool there = fs::exists(record.thumbPath);
+            without += there ? 0 : 1;
+            EXPECT_TRUE(!there || Decode(record.thumbPath).width > 0) << fs::path(record.thumbPath);
+        }
+        EXPECT_LE(without, 1) << "only the one that was being deleted";
     }
 }
 

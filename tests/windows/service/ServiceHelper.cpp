@@ -5,12 +5,14 @@
 //   service_helper switch          turns the camera switch on and ends at once
 //   service_helper check FILE      1 when it is refused as a video background
 //   service_helper add FILE        adds that file as background again and again, until it is ended
+//   service_helper churn FILE      deletes all backgrounds and adds that file five times, again and again
 #include <windows.h>
 
 #include <objbase.h>
 
 #include <string>
 
+#include "service/CustomItemNames.h"
 #include "service/HomeService.h"
 #include "suite/logger/QxLogger.h"
 
@@ -42,6 +44,18 @@ int wmain(int argc, wchar_t** argv) {
             model->AddCustomBackground(argv[2]);
             if (model->IsCustomFull()) {
                 model->DeleteCustomBackground(L"custom_background_btn_7");
+            }
+        }
+    }
+    if (work == L"churn" && argc > 2) {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        model->InitCustomImage();
+        for (;;) {
+            for (int i = 0; i < CustomItemNames::kLimit; ++i) {
+                model->DeleteCustomBackground(L"custom_background_btn_" + std::to_wstring(i));
+            }
+            for (int i = 0; i < 5; ++i) {
+                model->AddCustomBackground(argv[2]);
             }
         }
     }

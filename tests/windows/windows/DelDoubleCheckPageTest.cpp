@@ -1,5 +1,7 @@
 #include "windows/DelDoubleCheckPage.h"
 
+#include <algorithm>
+
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
@@ -116,6 +118,28 @@ TEST_F(DelDoubleCheckPageTest, EscapeCancelsAndEnterConfirms) {
     Input::Key(VK_RETURN);
     EXPECT_EQ(second.GetHWND(), nullptr);
     EXPECT_THAT(Items(), ElementsAre(L"custom_background_btn_1"));
+}
+
+TEST_F(DelDoubleCheckPageTest, TabLeadsFromOneButtonToTheOther) {
+    box_->SetItemName(L"custom_background_btn_1");
+    const auto focused = [this] {
+        const DuiLib::CControlUI* control = box_->PaintManager().GetFocus();
+        return control ? control->GetName() : std::wstring();
+    };
+    std::vector<std::wstring> order;
+    for (int i = 0; i < 4; ++i) {
+        Input::Key(VK_TAB);
+        order.push_back(focused());
+    }
+    std::sort(order.begin(), order.begin() + 2);
+    EXPECT_THAT(std::vector(order.begin(), order.begin() + 2), ElementsAre(L"cancel", L"confirm"));
+    for (int i = 0; i < 2 && focused() != L"cancel"; ++i)
+        Input::Key(VK_TAB);
+    PaintedBy(box_->PaintManager(), L"delete-question-focus");
+    // Enter presses the button that has the focus.
+    Input::Key(VK_RETURN);
+    EXPECT_FALSE(IsOpen());
+    EXPECT_EQ(Items().size(), 2U);
 }
 
 TEST_F(DelDoubleCheckPageTest, ConfirmingAnswersOneAndEverythingElseNothing) {

@@ -135,7 +135,8 @@ TEST_F(TextsFitTest, InTheMessageBoxes) {
     using GlobalUtils::MessageBoxKind;
     for (const MessageBoxKind kind :
          {MessageBoxKind::kFileUnreadable, MessageBoxKind::kBackgroundGone, MessageBoxKind::kCameraUnavailable,
-          MessageBoxKind::kImageTooLarge, MessageBoxKind::kVideoTooLarge, MessageBoxKind::kAlgorithmNotReady}) {
+          MessageBoxKind::kImageTooLarge, MessageBoxKind::kVideoTooLarge, MessageBoxKind::kAlgorithmNotReady,
+          MessageBoxKind::kBackgroundNotSaved}) {
         SimpleMessageBox box(&Manager());
         box.SetContent(Text(MessageTextKey(kind)));
         for (const int dpi : kScales) {
