@@ -77,9 +77,9 @@ void PaintSpots(Layer& layer, float strength) {
         float x, y, radius, alpha;
     };
     static constexpr Spot kSpots[] = {{-48, 44, 3.4F, 0.8F},  {-58, 34, 2.4F, 0.6F}, {-40, 56, 2.2F, 0.6F},
-                                          {46, 46, 3.0F, 0.8F},   {56, 38, 2.2F, 0.6F},  {38, 60, 2.6F, 0.7F},
-                                          {-16, -40, 2.6F, 0.6F}, {22, -46, 2.2F, 0.5F}, {8, 92, 2.6F, 0.6F},
-                                          {-30, 82, 2.4F, 0.5F},  {62, 14, 2.0F, 0.5F},  {-64, 18, 2.0F, 0.5F}};
+                                      {46, 46, 3.0F, 0.8F},   {56, 38, 2.2F, 0.6F},  {38, 60, 2.6F, 0.7F},
+                                      {-16, -40, 2.6F, 0.6F}, {22, -46, 2.2F, 0.5F}, {8, 92, 2.6F, 0.6F},
+                                      {-30, 82, 2.4F, 0.5F},  {62, 14, 2.0F, 0.5F},  {-64, 18, 2.0F, 0.5F}};
     for (const Spot& spot : kSpots) {
         Paint(layer, {spot.x - 6, spot.y - 6, spot.x + 6, spot.y + 6}, [&](float x, float y) {
             const float distance = std::hypot(x - spot.x, y - spot.y);
