@@ -86,7 +86,7 @@ class PreviewEnduranceTest : public testing::Test {
 };
 
 TEST_F(PreviewEnduranceTest, StaysOnWithoutGrowing) {
-    const seconds duration(FromEnvironment("PIXORA_PREVIEW_SECONDS", 16));
+    const seconds duration(FromEnvironment("PIXORA_PREVIEW_SECONDS", 12));
     const seconds step = std::clamp(duration / 8, seconds(1), seconds(60));
     program_->Click(L"preview_switch");
     ASSERT_TRUE(PictureMoves());
@@ -110,9 +110,9 @@ TEST_F(PreviewEnduranceTest, StaysOnWithoutGrowing) {
 }
 
 TEST_F(PreviewEnduranceTest, TurnedOnAndOffWithoutGrowing) {
-    constexpr int kWarmUp = 8;
+    constexpr int kWarmUp = 5;
     constexpr int kLine = 100;
-    const int cycles = FromEnvironment("PIXORA_PREVIEW_CYCLES", 12);
+    const int cycles = FromEnvironment("PIXORA_PREVIEW_CYCLES", 8);
     for (int i = 0; i < kWarmUp; ++i)
         ASSERT_NO_FATAL_FAILURE(TurnOnAndOff());
     const ProcessFootprint warm = Now("warm");

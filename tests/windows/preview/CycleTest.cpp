@@ -19,7 +19,8 @@ namespace {
 constexpr long long kReaderBytesPerFrame = 1024;
 constexpr long kReaderBlocksPerFrame = 6;
 
-// PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000.
+// PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000. Then with WINE_D3D_CONFIG=csmt=0x1:
+// without a thread for the graphics commands Wine keeps something of each thread that has drawn and ended.
 int Cycles() {
     return FromEnvironment("PIXORA_PREVIEW_CYCLES", 50);
 }
