@@ -104,8 +104,8 @@ double ProcessorMsBelow(const std::string& programPath) {
     constexpr double kMsPerTick = 10;
     constexpr int kFirstField = 14;  // user ticks; kernel ticks follow
     WIN32_FIND_DATAA entry = {};
-    const HANDLE search = FindFirstFileA("Z:\\proc\\*", &entry);
-    if (search == INVALID_HANDLE_VALUE || programPath.empty())
+    const HANDLE search = programPath.empty() ? INVALID_HANDLE_VALUE : FindFirstFileA("Z:\\proc\\*", &entry);
+    if (search == INVALID_HANDLE_VALUE)
         return 0;
     double result = 0;
     do {

@@ -186,6 +186,16 @@ TEST_F(HomePagePreviewTest, TheSwitchTurnsItOnAndOff) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
+TEST_F(HomePagePreviewTest, TheSwitchTurnsItOffThoughTheCameraWasLost) {
+    TurnOn();
+    camera_->Unplug();
+    const std::int64_t frames = camera_->Seen().frames;
+    Press(L"preview_switch");
+    ExpectOff();
+    EXPECT_LE(camera_->Seen().frames, frames + 1);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
 TEST_F(HomePagePreviewTest, ClicksThatCameWhileItStartedAreDropped) {
     const auto& button = Control(L"preview_switch").GetPos();
     const LPARAM point = MAKELPARAM((button.left + button.right) / 2, (button.top + button.bottom) / 2);

@@ -140,6 +140,19 @@ TEST_F(CaptureTest, ACameraWithACompressedTypeIsOfferedTheFormatsInTheirOrder) {
     }
 }
 
+// RGB32 would be offered first, and is what this camera has too: it stays with its own only if nothing is offered.
+TEST_F(CaptureTest, ACameraWhosePresentTypeCanBeDrawnIsTakenAsItIs) {
+    for (const CameraFormat format : {CameraFormat::kRgb24, CameraFormat::kYuy2, CameraFormat::kNv12}) {
+        CameraSettings settings = TwoColors(SmallCamera(format), kRed, kBlue);
+        settings.modes.push_back(SmallCamera(CameraFormat::kRgb32).modes.front());
+        UseCamera(settings);
+        const RunningPreview preview(window_);
+        ASSERT_TRUE(preview->Start(0));
+        EXPECT_TRUE(WaitForFrames(1));
+        EXPECT_EQ(cameras_[0]->Seen().mode, 0);
+    }
+}
+
 TEST_F(CaptureTest, ACameraThatAcceptsNothingEndsInAFailure) {
     CameraSettings settings = SmallCamera(CameraFormat::kMjpg);
     settings.modes.resize(5, settings.modes.front());
