@@ -238,6 +238,13 @@ void Program::PressKey(WORD key, bool alt) const {
         SendKey(VK_MENU, KEYEVENTF_KEYUP);
 }
 
+std::vector<DWORD> Program::Pixels(SIZE& sizePx) const {
+    std::vector<DWORD> pixels = Grab(window_, sizePx);
+    for (DWORD& pixel : pixels)
+        pixel &= 0xFFFFFF;
+    return pixels;
+}
+
 COLORREF Program::PixelAt(int xPx, int yPx) const {
     SIZE size = {};
     const std::vector<DWORD> pixels = Grab(window_, size);

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "suite/common/Handle.h"
 #include "tests/e2e/support/Machine.h"
@@ -54,6 +55,8 @@ class Program {
     // Scrolls the effects until the control is whole in sight; false when it cannot be.
     bool Reveal(const std::wstring& name) const;
 
+    // The window's client area as it is on the screen, 0x00RRGGBB, top row first.
+    std::vector<DWORD> Pixels(SIZE& sizePx) const;
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;
     // Leaves build/screenshots/<name>.png; true when it has more different colours than that, which is waited for.
