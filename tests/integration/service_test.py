@@ -82,8 +82,8 @@ def check_settings_window(wine):
     check(len(service.wait_for(5)) == 5, "messages that Pixora takes or drops do not end the connection")
     check(program.poll() is None, "nor the program")
     service.send(pipe.message(pipe.PIXORA, pipe.NOTIFICATION, pipe.RESET))
-    check(program.wait(timeout=30) == 0, "the notification closes the window")
-    check(service.relay.wait(timeout=30) == 0, "and the connection")
+    check(program.wait(timeout=60) == 0, "the notification closes the window")
+    check(service.relay.wait(timeout=60) == 0, "and the connection")
     return service.received
 
 
@@ -96,8 +96,8 @@ def check_message_window(wine):
     # In two parts, as a pipe may deliver them.
     service.send(reset[:20])
     service.send(reset[20:])
-    check(program.wait(timeout=30) == 0, "the notification closes it")
-    service.relay.wait(timeout=30)
+    check(program.wait(timeout=60) == 0, "the notification closes it")
+    service.relay.wait(timeout=60)
 
 
 def check_bytes(data):

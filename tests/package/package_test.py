@@ -78,7 +78,7 @@ def try_portable(wine, archive):
     [folder] = os.listdir(f"{wine.prefix}/drive_c/portable")
     program = start(wine, f"drive_c/portable/{folder}")
     check(wine.run(wine.tool("PixoraProbe.exe"), "press", "closebtn") == 0, "and its close button closes it")
-    check(program.wait(timeout=20) == 0, "without a fault")
+    check(program.wait(timeout=60) == 0, "without a fault")
     shutil.rmtree(f"{wine.prefix}/drive_c/portable")
 
 
@@ -93,7 +93,7 @@ def diagnose(wine):
 def upgrade_running(wine, setup):
     program = start(wine)
     check(install(wine, setup) == 0, "the upgrade succeeds while the program runs")
-    check(program.wait(timeout=20) == 0, "the program was closed as by its close button")
+    check(program.wait(timeout=60) == 0, "the program was closed as by its close button")
     check(not wine.exists(f"{PROGRAM}/res/of-the-old-version.txt"), "what only the old version had is gone")
 
 
@@ -108,7 +108,7 @@ def refuse_when_hanging(wine, setup):
     finally:
         program.send_signal(machine.CONTINUE)
     check(machine.contents(f"{wine.prefix}/{PROGRAM}") == before, "and nothing was changed")
-    program.wait(timeout=20)
+    program.wait(timeout=60)
 
 
 def use_as_people_do(wine):

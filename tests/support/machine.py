@@ -15,7 +15,7 @@ def check(condition, what):
         sys.exit(1)
 
 
-def wait_until(condition, seconds=30):
+def wait_until(condition, seconds=60):
     end = time.monotonic() + seconds
     while not condition():
         if time.monotonic() > end:
@@ -60,7 +60,7 @@ class Wine:
     def tool(self, name):
         return os.path.join(self.build, "bin", name)
 
-    def run(self, *command, timeout=60, output=False, environment=None):
+    def run(self, *command, timeout=120, output=False, environment=None):
         """The exit code."""
         silent = None if output else subprocess.DEVNULL
         return subprocess.run([self.wine, *command], stdin=subprocess.DEVNULL, stdout=silent, stderr=subprocess.DEVNULL,
