@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "service/ExifOrientation.h"
-#include "suite/common/Held.h"
 #include "service/JpegThumbnail.h"
 #include "service/ThumbnailMaker.h"
 #include "suite/common/Handle.h"
+#include "suite/common/Held.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "suite/common/Held.h"
 #include "service/JpegThumbnail.h"
 #include "service/ThumbnailMaker.h"
 #include "suite/common/Handle.h"
+#include "suite/common/Held.h"
 
 namespace {
 

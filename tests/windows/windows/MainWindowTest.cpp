@@ -8,7 +8,6 @@
 
 namespace {
 
-
 LRESULT HitAt(HWND window, POINT client) {
     ClientToScreen(window, &client);
     return SendMessageW(window, WM_NCHITTEST, 0, MAKELPARAM(client.x, client.y));
