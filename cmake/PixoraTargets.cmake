@@ -61,10 +61,10 @@ function(pixora_static name)
     target_link_libraries(${name} PUBLIC pixora_options)
 endfunction()
 
-# pixora_windows_test(name [DESKTOP] SOURCES files... LIBS targets...): a GoogleTest program that ctest runs under Wine.
-# DESKTOP: it needs the mouse, the keyboard or the foreground window, so no other such test runs beside it.
+# pixora_windows_test(name SOURCES files... LIBS targets...): a GoogleTest program that ctest runs under Wine, on a
+# desktop of its own: mouse, keyboard, registry, pipes and folders are shared with no other test.
 function(pixora_windows_test name)
-    cmake_parse_arguments(ARG "DESKTOP" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
     # Tests are compiled far more often than they compute anything.
@@ -74,9 +74,6 @@ function(pixora_windows_test name)
         set(ARG_TIMEOUT 300)
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
-    if(ARG_DESKTOP)
-        set_tests_properties(${name} PROPERTIES RESOURCE_LOCK desktop)
-    endif()
 endfunction()
 
 # pixora_unit_test(name SOURCES files... LIBS targets...): a native GoogleTest program over pure logic.

@@ -105,14 +105,14 @@ stop_wine() {
     WINEPREFIX=$1 "$WINESERVER" -k 2>/dev/null || true
 }
 
-# start_display size: a headless X display of our own; sets DISPLAY and display_pid.
+# start_display size: a headless X display of our own; sets DISPLAY.
 start_display() {
     local size=${1:-1920x1200}
     local pipe
     pipe=$(mktemp -u)
     mkfifo "$pipe"
     Xvfb -displayfd 3 -screen 0 "${size}x24" -nolisten tcp -noreset 3>"$pipe" >/dev/null 2>&1 &
-    display_pid=$!
+    display_pids+=" $!"
     local number=
     read -r -t 20 number <"$pipe" || true
     rm -f "$pipe"
@@ -120,7 +120,32 @@ start_display() {
     export DISPLAY=:$number
 }
 
-stop_display() { [ -z "${display_pid:-}" ] || kill "$display_pid" 2>/dev/null || true; }
+display_pids=
+stop_display() { [ -z "$display_pids" ] || kill $display_pids 2>/dev/null || true; }
+
+# make_desktops number size: that many desktops for scripts/on-desktop, each with a display of that size.
+make_desktops() {
+    export PIXORA_DESKTOPS=$build/desktops
+    local number
+    for number in $(seq "$1"); do
+        local desktop=$PIXORA_DESKTOPS/$number
+        new_prefix "$desktop/prefix"
+        use_prefix "$desktop/prefix"
+        start_display "$2"
+        echo "$DISPLAY" >"$desktop/display"
+        : >"$desktop/opened-links.txt"
+        keep_wine_alive
+    done
+    unset WINEPREFIX DISPLAY
+}
+
+stop_desktops() {
+    local desktop
+    for desktop in "${PIXORA_DESKTOPS:-$build/desktops}"/*; do
+        stop_wine "$desktop/prefix"
+    done
+    stop_display
+}
 
 # wine_log_file [program]: where the program, Pixora unless told, logs in the current prefix.
 wine_log_file() {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/e2e/support/ProcessFootprint.h"
+
 namespace {
 
 constexpr int kRounds = 11;
@@ -82,14 +84,9 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// Processor time of the process so far, user and kernel, in ticks of 10 ms.
+// Processor time of the process so far, in ticks of 10 ms.
 double ProcessorTicks(HANDLE process) {
-    FILETIME created = {}, ended = {}, kernel = {}, user = {};
-    GetProcessTimes(process, &created, &ended, &kernel, &user);
-    const auto hns = [](const FILETIME& time) {
-        return static_cast<double>((static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime);
-    };
-    return (hns(kernel) + hns(user)) / 100'000.0;
+    return e2e::ProcessorMs(process) / 10;
 }
 
 double MemoryMiB(HANDLE process) {

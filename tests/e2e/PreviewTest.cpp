@@ -7,10 +7,14 @@
 #include <wtsapi32.h>
 
 #include <cstdlib>
+#include <map>
+#include <tuple>
 #include <vector>
 
+#include "preview/PixelConverter.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
+#include "tools/democamera/FrameEncoder.h"
 
 namespace e2e {
 namespace {
@@ -215,6 +219,74 @@ TEST_P(PreviewAtScale, FillsTheAreaAndNothingElse) {
     program_->Screenshot(L"preview-" + std::to_wstring(dpi_));
 }
 INSTANTIATE_TEST_SUITE_P(All, PreviewAtScale, testing::Values(96, 144, 192));
+
+// A camera whose frames are as large as the window's client area: what the camera encodes, decoded by the reference, is
+// on the screen pixel by pixel, mirrored, all over the visible part.
+class PreviewPixels : public PreviewTest, public testing::WithParamInterface<std::tuple<int, const wchar_t*>> {
+  protected:
+    // The frame that the camera delivers, as the window has to show it.
+    static std::vector<DWORD> Wanted(const democamera::CameraMode& mode, preview::PixelFormat format) {
+        std::vector<std::uint32_t> picture(std::size_t{mode.width} * mode.height);
+        for (std::size_t i = 0; i < picture.size(); ++i)
+            picture[i] = i % mode.width < mode.width / 2 ? kRed : kBlue;
+        std::vector<std::uint8_t> frame(democamera::FrameBytes(mode));
+        democamera::EncodeFrame(mode, picture.data(), frame.data());
+        std::vector<DWORD> wanted(picture.size());
+        preview::ConvertersFor(format, preview::CpuLevel::kScalar)
+            .mirrored(reinterpret_cast<std::uint8_t*>(wanted.data()), static_cast<std::int32_t>(4 * mode.width),
+                      frame.data(), static_cast<std::int32_t>(democamera::StrideBytes(mode)), mode.width, mode.height);
+        for (DWORD& pixel : wanted)
+            pixel &= 0xFFFFFF;
+        return wanted;
+    }
+    // How many pixels of the area's visible part are not the wanted ones.
+    int Wrong(const std::vector<DWORD>& wanted, int width, RECT area) const {
+        SIZE size = {};
+        const std::vector<DWORD> shown = program_->Pixels(size);
+        const int origin = 40 * dpi_ / 96 + 1;  // of the preview's client area, behind its border
+        constexpr int kCorner = 16;
+        int wrong = 0;
+        // The region leaves out the last column and row.
+        for (int y = area.top; y < area.bottom - 2; ++y) {
+            for (int x = area.left; x < area.right - 2; ++x) {
+                const bool corner = (x < area.left + kCorner || x >= area.right - 2 - kCorner) &&
+                                    (y < area.top + kCorner || y >= area.bottom - 2 - kCorner);
+                const auto index = static_cast<std::size_t>((y - origin) * width + x - origin);
+                wrong += !corner && shown[static_cast<std::size_t>(y * size.cx + x)] != wanted.at(index);
+            }
+        }
+        return wrong;
+    }
+};
+
+TEST_P(PreviewPixels, AreTheCamerasOwn) {
+    const auto& [dpi, name] = GetParam();
+    dpi_ = dpi;
+    const DWORD value = static_cast<DWORD>(dpi_);
+    RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
+    static const std::map<std::wstring, std::pair<democamera::CameraFormat, preview::PixelFormat>> kFormats = {
+        {L"rgb32", {democamera::CameraFormat::kRgb32, preview::PixelFormat::kRgb32}},
+        {L"rgb24", {democamera::CameraFormat::kRgb24, preview::PixelFormat::kRgb24}},
+        {L"yuy2", {democamera::CameraFormat::kYuy2, preview::PixelFormat::kYuy2}},
+        {L"nv12", {democamera::CameraFormat::kNv12, preview::PixelFormat::kNv12}}};
+    const auto& [encoded, decoded] = kFormats.at(name);
+    democamera::CameraMode mode;
+    mode.format = encoded;
+    mode.width = static_cast<std::uint32_t>(598 * dpi_ / 96 - 2);
+    mode.height = static_cast<std::uint32_t>(354 * dpi_ / 96 - 2);
+    Open(std::wstring(L"format=") + name + L" size=" + std::to_wstring(mode.width) + L"x" +
+         std::to_wstring(mode.height));
+    program_->Click(L"preview_switch");
+    const std::vector<DWORD> wanted = Wanted(mode, decoded);
+    const RECT area = program_->ClientRect(L"preview_wnd");
+    ASSERT_EQ(area.right - area.left, 598 * dpi_ / 96 - 80 * dpi_ / 96);
+    ASSERT_GT(area.bottom - area.top, 270 * dpi_ / 96);
+    int wrong = -1;
+    EXPECT_TRUE(WaitUntil([&] { return (wrong = Wrong(wanted, static_cast<int>(mode.width), area)) == 0; })) << wrong;
+}
+INSTANTIATE_TEST_SUITE_P(All, PreviewPixels,
+                         testing::Combine(testing::Values(96, 144, 192),
+                                          testing::Values(L"rgb32", L"rgb24", L"yuy2", L"nv12")));
 
 TEST_F(PreviewTest, FollowsTheWindow) {
     OpenWithPicture();

@@ -93,8 +93,10 @@ class AtAnotherScale : public SettingsWindowTest, public testing::WithParamInter
 TEST_P(AtAnotherScale, TheOpenWindowIsLaidOutAnew) {
     const int dpi = GetParam();
     Open();
-    const RECT suggested = program_->SetScale(dpi, {20, 10});
+    // Near the corner: what is outside of the screen cannot be looked at.
     RECT window = {};
+    GetWindowRect(program_->Window(), &window);
+    const RECT suggested = program_->SetScale(dpi, {20 - window.left, 10 - window.top});
     GetWindowRect(program_->Window(), &window);
     EXPECT_TRUE(EqualRect(&window, &suggested));
     const RECT preview = program_->ClientRect(L"preview_wnd");

@@ -6,6 +6,7 @@ service_test.py BUILD --record   the same, and keeps what came in tests/data/int
 service_test.py                  only decodes the recorded bytes and encodes them again; needs no Wine
 """
 import os
+import re
 import subprocess
 import sys
 import threading
@@ -124,6 +125,13 @@ def check_document():
     for frame in (PING, pipe.message(pipe.PIXORA, pipe.SETTINGS_CHANGED)):
         check(frame.hex() in blocks, f"the document writes out the frame of {len(frame)} bytes")
     check(pipe.hello(pipe.PIXORA).hex() in "".join(lines).replace(" ", ""), "and the hello")
+    text = "\n".join(lines)
+    for header, pattern in (("SettingNames.h", r'k(?!ChangedEvent|KeyPath|System)\w+ = L"(.+)"'),
+                            ("ServiceMessages.h", r"= (0x[0-9A-F]+);"), ("UsageEvents.h", r'= "?(\w+)"?;')):
+        with open(os.path.join(ROOT, "service", header), encoding="utf-8") as file:
+            names = re.findall(pattern, file.read())
+        missing = [name for name in names if name not in text]
+        check(names and not missing, f"it names what {header} names {missing}")
 
 
 def main():

@@ -3,6 +3,7 @@
 it, and compares files and registry before and after. ctest gives the build folder; the Wine and the display are those
 of the test run, the prefix is this test's own."""
 import os
+import pwd
 import shutil
 import subprocess
 import sys
@@ -16,6 +17,8 @@ from machine import check
 
 PROGRAM = "drive_c/Program Files/Velmora/Quillon"
 COMMS = "drive_c/ProgramData/Comms"
+LOCAL = f"drive_c/users/{pwd.getpwuid(os.getuid()).pw_name}/AppData/Local/Velmora/Quillon"
+OTHERS = {f"{PROGRAM}/Neighbour.exe", f"{LOCAL}/Report/events.jsonl"}
 SHORTCUT = "drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Pixora.lnk"
 UNINSTALL_KEY = r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Uninstall\Pixora"
 PROGRAM_KEY = r"HKEY_LOCAL_MACHINE\Software\Velmora\Quillon\Pixora"
@@ -116,6 +119,7 @@ def use_as_people_do(wine):
         wine.run("reg", "add", SETTINGS_KEY, "/v", name, "/t", "REG_DWORD", "/d", "1", "/f")
     wine.write(f"{COMMS}/LumiCamera/S-1-5-21-1-2-3-1000/custom_background_btn_0.jpg", b"picture")
     wine.write(f"{PROGRAM}/Neighbour.exe", b"another program of the suite")
+    wine.write(f"{LOCAL}/Report/events.jsonl", b"events that nobody has fetched yet")
 
 
 def check_diagnostics(wine):
@@ -138,9 +142,9 @@ def added_to_registry(wine, before):
 
 def check_kept(wine, files_before, registry_before):
     left = files_made(wine, files_before)
-    expected = {f"{COMMS}/LumiCamera/S-1-5-21-1-2-3-1000/custom_background_btn_0.jpg", f"{PROGRAM}/Neighbour.exe"}
-    logs = {name for name in left if "/Velmora/Quillon/Logs/" in name}
-    check(left - logs == expected, f"only pictures and the neighbour's file stay: {sorted(left - logs)}")
+    expected = {f"{COMMS}/LumiCamera/S-1-5-21-1-2-3-1000/custom_background_btn_0.jpg", *OTHERS}
+    logs = {name for name in left if name.startswith(f"{LOCAL}/Logs/")}
+    check(left - logs == expected, f"only pictures, events and the neighbour's file stay: {sorted(left - logs)}")
     check(all(os.path.basename(name) == "Pixora.log" for name in logs), f"of logs only Pixora's: {sorted(logs)}")
     foreign = {line for line in added_to_registry(wine, registry_before)
                if not line.lower().startswith(SETTINGS_KEY.lower())}
@@ -151,7 +155,7 @@ def check_kept(wine, files_before, registry_before):
 
 def check_data_removed(wine, files_before, registry_before):
     left = files_made(wine, files_before)
-    check(left == {f"{PROGRAM}/Neighbour.exe"}, f"only the neighbour's file stays: {sorted(left)}")
+    check(left == OTHERS, f"only events and the neighbour's file stay: {sorted(left)}")
     for name in OWN_SETTINGS:
         check(not wine.value(SETTINGS_KEY, name), f"{name} is gone")
     for name in DRIVER_SETTINGS:

@@ -73,14 +73,17 @@ void PaintBody(Layer& layer, const PersonLook& look) {
 }
 
 void PaintSpots(Layer& layer, float strength) {
-    // Where, how large, how strong.
-    static constexpr float kSpots[][4] = {{-48, 44, 3.4F, 0.8F},  {-58, 34, 2.4F, 0.6F}, {-40, 56, 2.2F, 0.6F},
-                                          {46, 46, 3.0F, 0.8F},   {56, 38, 2.2F, 0.6F},  {38, 60, 2.6F, 0.7F},
-                                          {-16, -40, 2.6F, 0.6F}, {22, -46, 2.2F, 0.5F}, {8, 92, 2.6F, 0.6F},
-                                          {-30, 82, 2.4F, 0.5F},  {62, 14, 2.0F, 0.5F},  {-64, 18, 2.0F, 0.5F}};
-    for (const auto& [cx, cy, radius, alpha] : kSpots) {
-        Paint(layer, {cx - 6, cy - 6, cx + 6, cy + 6}, [&](float x, float y) {
-            return Ink{kSpot, strength * alpha * 0.7F * Smooth(radius + 1.5F, 0.5F, std::hypot(x - cx, y - cy))};
+    struct Spot {
+        float x, y, radius, alpha;
+    };
+    static constexpr Spot kSpots[] = {{-48, 44, 3.4F, 0.8F},  {-58, 34, 2.4F, 0.6F}, {-40, 56, 2.2F, 0.6F},
+                                      {46, 46, 3.0F, 0.8F},   {56, 38, 2.2F, 0.6F},  {38, 60, 2.6F, 0.7F},
+                                      {-16, -40, 2.6F, 0.6F}, {22, -46, 2.2F, 0.5F}, {8, 92, 2.6F, 0.6F},
+                                      {-30, 82, 2.4F, 0.5F},  {62, 14, 2.0F, 0.5F},  {-64, 18, 2.0F, 0.5F}};
+    for (const Spot& spot : kSpots) {
+        Paint(layer, {spot.x - 6, spot.y - 6, spot.x + 6, spot.y + 6}, [&](float x, float y) {
+            const float distance = std::hypot(x - spot.x, y - spot.y);
+            return Ink{kSpot, strength * spot.alpha * 0.7F * Smooth(spot.radius + 1.5F, 0.5F, distance)};
         });
     }
     // Below the eyes, and beside the mouth.

@@ -19,4 +19,8 @@ struct ProcessFootprint {
 // Of a process that this one may read. A number that the system does not tell is 0.
 ProcessFootprint FootprintOf(HANDLE process, DWORD processId);
 
+// Processor time that a process has used so far, user and kernel, in milliseconds. Wine tells a fixed number for every
+// process but the asking one, so it is looked up by the program's path in the system below where there is one.
+double ProcessorMs(HANDLE process);
+
 }  // namespace e2e

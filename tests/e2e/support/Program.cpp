@@ -97,9 +97,8 @@ bool Program::Runs() const {
     return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT;
 }
 
-std::optional<DWORD> Program::WaitForEnd() {
-    const auto patience = static_cast<DWORD>(std::chrono::milliseconds(kPatience).count());
-    if (WaitForSingleObject(process_.Get(), patience) != WAIT_OBJECT_0)
+std::optional<DWORD> Program::WaitForEnd(std::chrono::milliseconds atMost) {
+    if (WaitForSingleObject(process_.Get(), static_cast<DWORD>(atMost.count())) != WAIT_OBJECT_0)
         return std::nullopt;
     DWORD code = 0;
     GetExitCodeProcess(process_.Get(), &code);
@@ -237,6 +236,13 @@ void Program::PressKey(WORD key, bool alt) const {
     SendKey(key, KEYEVENTF_KEYUP);
     if (alt)
         SendKey(VK_MENU, KEYEVENTF_KEYUP);
+}
+
+std::vector<DWORD> Program::Pixels(SIZE& sizePx) const {
+    std::vector<DWORD> pixels = Grab(window_, sizePx);
+    for (DWORD& pixel : pixels)
+        pixel &= 0xFFFFFF;
+    return pixels;
 }
 
 COLORREF Program::PixelAt(int xPx, int yPx) const {

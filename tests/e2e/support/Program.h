@@ -5,8 +5,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "suite/common/Handle.h"
+#include "tests/e2e/support/Machine.h"
 #include "tools/probe/AccessibleWindow.h"
 
 namespace e2e {
@@ -27,7 +29,7 @@ class Program {
     HANDLE Process() const { return process_.Get(); }
     DWORD ProcessId() const { return processId_; }
     // The exit code once the process has ended; nothing when the time is over.
-    std::optional<DWORD> WaitForEnd();
+    std::optional<DWORD> WaitForEnd(std::chrono::milliseconds atMost = kPatience);
     bool Runs() const;
 
     // The control of that layout name; nothing when it is not shown.
@@ -53,6 +55,8 @@ class Program {
     // Scrolls the effects until the control is whole in sight; false when it cannot be.
     bool Reveal(const std::wstring& name) const;
 
+    // The window's client area as it is on the screen, 0x00RRGGBB, top row first.
+    std::vector<DWORD> Pixels(SIZE& sizePx) const;
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;
     // Leaves build/screenshots/<name>.png; true when it has more different colours than that, which is waited for.

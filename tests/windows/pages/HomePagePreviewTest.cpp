@@ -2,10 +2,10 @@
 #include <mferror.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <random>
 
 #include "service/KindNotifier.h"
+#include "tests/support/Environment.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tools/democamera/DemoCameraSystem.h"
 
@@ -25,9 +25,7 @@ constexpr char kNoDevice[] = "[L4] can not find any video device!(Preview::Selec
 
 // PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000.
 int Cycles() {
-    const char* text = std::getenv("PIXORA_PREVIEW_CYCLES");
-    const int cycles = text != nullptr ? std::atoi(text) : 0;
-    return cycles > 0 ? cycles : 20;
+    return FromEnvironment("PIXORA_PREVIEW_CYCLES", 20);
 }
 
 class HomePagePreviewTest : public HomePageTest {

@@ -1,9 +1,9 @@
 // Turning the preview on and off again and again: nothing may be left behind, and nothing may hang.
 #include <windows.h>
 
-#include <cstdlib>
 #include <random>
 
+#include "tests/support/Environment.h"
 #include "tests/windows/preview/CaptureSupport.h"
 #include "tests/windows/preview/ProcessUsage.h"
 
@@ -14,11 +14,14 @@ using democamera::CameraSettings;
 namespace preview_test {
 namespace {
 
+// Wine's reader loses two commands and what belongs to them for each frame, about 860 bytes in five blocks, for good.
+// The smallest frame here has 4608 bytes, and previews and sources are counted one by one, so a leak of ours shows.
+constexpr long long kReaderBytesPerFrame = 1024;
+constexpr long kReaderBlocksPerFrame = 6;
+
 // PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000.
 int Cycles() {
-    const char* text = std::getenv("PIXORA_PREVIEW_CYCLES");
-    const int cycles = text != nullptr ? std::atoi(text) : 0;
-    return cycles > 0 ? cycles : 50;
+    return FromEnvironment("PIXORA_PREVIEW_CYCLES", 50);
 }
 
 class CycleTest : public CaptureTest {
@@ -53,6 +56,7 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
     }
     ASSERT_TRUE(WaitForRelease());
     const ProcessUsage before = ProcessUsage::Now();
+    const std::int64_t framesBefore = cameras_[0]->Seen().frames;
     before.Print("before");
     for (int i = 0; i < Cycles(); ++i) {
         ASSERT_NO_FATAL_FAILURE(RunOnce());
@@ -67,9 +71,10 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
         },
         std::chrono::seconds(3));
     after.Print("after");
+    const long frames = static_cast<long>(cameras_[0]->Seen().frames - framesBefore);
     // Not per cycle: a pool may hold one thing more or less at any time.
-    EXPECT_LE(after.heapBytes, before.heapBytes + 1024 * 1024);
-    EXPECT_LE(after.heapBlocks, before.heapBlocks + 1000);
+    EXPECT_LE(after.heapBytes, before.heapBytes + kReaderBytesPerFrame * frames + 256 * 1024);
+    EXPECT_LE(after.heapBlocks, before.heapBlocks + kReaderBlocksPerFrame * frames + 500);
     EXPECT_LE(after.handles, before.handles + 12);
     EXPECT_LE(after.guiObjects, before.guiObjects + 8);
     EXPECT_LE(after.threads, before.threads + 3);
@@ -80,8 +85,7 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
 
 // PIXORA_PREVIEW_FRAMES sets another number of frames, for the long run.
 TEST_F(CycleTest, FramesLeaveNothingBehind) {
-    const char* text = std::getenv("PIXORA_PREVIEW_FRAMES");
-    const int frames = text != nullptr ? std::atoi(text) : 3000;
+    const int frames = FromEnvironment("PIXORA_PREVIEW_FRAMES", 3000);
     CameraSettings settings = SmallCamera(CameraFormat::kNv12);
     settings.modes.front().framesPerSecond = 1000;
     UseCamera(settings);
@@ -95,8 +99,8 @@ TEST_F(CycleTest, FramesLeaveNothingBehind) {
     ASSERT_TRUE(Wait([&] { return camera->Seen().frames >= goal; }, std::chrono::minutes(30)));
     const ProcessUsage after = ProcessUsage::Now();
     after.Print("after");
-    // The platform's reader of some systems keeps about 850 bytes a frame until it is released; a frame has 4608.
-    EXPECT_LE(after.heapBytes, before.heapBytes + 1024LL * frames + 1024 * 1024);
+    EXPECT_LE(after.heapBytes, before.heapBytes + kReaderBytesPerFrame * frames + 1024 * 1024);
+    EXPECT_LE(after.heapBlocks, before.heapBlocks + kReaderBlocksPerFrame * frames + 500);
     EXPECT_LE(after.handles, before.handles + 12);
     EXPECT_LE(after.threads, before.threads + 3);
     preview.Finish();

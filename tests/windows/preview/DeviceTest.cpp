@@ -100,6 +100,45 @@ TEST_F(DeviceTest, EveryFormatIsShownMirroredPixelByPixel) {
     }
 }
 
+// The client area of the preview's window at 100, 150 and 200 %, one of them odd: frames as large, pixel by pixel, and
+// frames of a camera's usual size, whose patches must lie where they belong.
+TEST_F(DeviceTest, EveryFormatFillsThePreviewsWindowAtEveryScale) {
+    for (const auto& [width, height] : {std::pair{596, 352}, {895, 529}, {1194, 706}}) {
+        const TestWindow window(width, height);
+        device_.Destroy();
+        ASSERT_EQ(device_.Open(window.Get()), S_OK);
+        for (const PixelFormat format :
+             {PixelFormat::kRgb32, PixelFormat::kRgb24, PixelFormat::kYuy2, PixelFormat::kNv12}) {
+            SCOPED_TRACE(testing::Message() << "format " << static_cast<int>(format) << " at " << width);
+            const Frame frame =
+                MakeFrame(format, static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
+            Draw(frame);
+            ExpectShown(window, frame);
+
+            const Frame usual = MakeFrame(format, 640, 360);
+            Draw(usual);
+            const std::vector<std::uint32_t> pixels = MirroredPixels(usual);
+            // As wide as the window by the rule of the box, or as high.
+            const int boxHeight = MulDiv(width, 360, 640) <= height ? MulDiv(width, 360, 640) : height;
+            const int boxWidth = boxHeight == height ? MulDiv(height, 640, 360) : width;
+            const int left = (width - boxWidth) / 2, top = (height - boxHeight) / 2;
+            const auto shows = [&](const Shot& seen) {
+                // The middles of the mirrored patches, which are 16 wide and 12 high.
+                for (int y = 6; y < 360; y += 12) {
+                    for (int x = 8; x < 640; x += 16) {
+                        if (!IsNear(seen.At(left + x * boxWidth / 640, top + y * boxHeight / 360),
+                                    pixels[static_cast<std::size_t>(y * 640 + x)], 2)) {
+                            return false;
+                        }
+                    }
+                }
+                return true;
+            };
+            EXPECT_TRUE(shows(WaitForShot(window.Get(), shows)));
+        }
+    }
+}
+
 TEST_F(DeviceTest, StridesOfPlainBuffers) {
     const TestWindow window(64, 48);
     ASSERT_EQ(device_.Open(window.Get()), S_OK);
