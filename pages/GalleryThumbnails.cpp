@@ -54,6 +54,7 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
 
     // The reading thread.
     void Run() {
+        SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
         const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
         for (;;) {
             Job job;
@@ -78,11 +79,66 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
             CoUninitialize();
     }
 
+    // UI thread. Begins once the window has nothing else to do, its first picture above all: timers come last.
+    void StartSoon() {
+        if (timer == 0)
+            timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, OnTimer);
+        if (timer != 0) {
+            Waiting()[timer] = weak_from_this();
+        } else {
+            Start();
+        }
+    }
+
+    // UI thread.
+    void StopTimer() {
+        if (timer == 0)
+            return;
+        KillTimer(nullptr, timer);
+        Waiting().erase(timer);
+        timer = 0;
+    }
+
+    // UI thread.
+    void Start() {
+        {
+            const std::scoped_lock lock(mutex);
+            if (jobs.empty() || std::exchange(running, true))
+                return;
+        }
+        // One that has run out of jobs is about to end.
+        if (reader.joinable())
+            reader.join();
+        try {
+            reader = std::thread([this] { Run(); });
+        } catch (const std::exception& error) {
+            LogLine(4, kFunction, L"No thread: ", error.what());
+            const std::scoped_lock lock(mutex);
+            running = false;
+        }
+    }
+
+    static std::map<UINT_PTR, std::weak_ptr<State>>& Waiting() {
+        static std::map<UINT_PTR, std::weak_ptr<State>> waiting;
+        return waiting;
+    }
+
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
+        const auto found = Waiting().find(id);
+        if (found == Waiting().end())
+            return;
+        if (const auto state = found->second.lock()) {
+            state->StopTimer();
+            state->Start();
+        }
+    }
+
     // UI thread.
     DuiLib::CPaintManagerUI* const manager;  // borrowed; used while alive
     bool alive = true;
     unsigned lastNumber = 0;
     std::map<std::wstring, Job> latest;  // by control
+    UINT_PTR timer = 0;                  // while the reading thread is about to be started
     std::thread reader;
 
     std::mutex mutex;
@@ -96,6 +152,7 @@ GalleryThumbnails::GalleryThumbnails(DuiLib::CPaintManagerUI* manager) : state_(
 
 GalleryThumbnails::~GalleryThumbnails() {
     state_->alive = false;
+    state_->StopTimer();
     {
         const std::scoped_lock lock(state_->mutex);
         state_->stopping = true;
@@ -113,19 +170,8 @@ void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& contr
     {
         const std::scoped_lock lock(state_->mutex);
         state_->jobs.push_back(job);
-        if (std::exchange(state_->running, true))
-            return;
     }
-    // One that has run out of jobs is about to end.
-    if (state_->reader.joinable())
-        state_->reader.join();
-    try {
-        state_->reader = std::thread([state = state_.get()] { state->Run(); });
-    } catch (const std::exception& error) {
-        LogLine(4, kFunction, L"No thread: ", error.what());
-        const std::scoped_lock lock(state_->mutex);
-        state_->running = false;
-    }
+    state_->StartSoon();
 }
 
 void GalleryThumbnails::Forget(const std::wstring& control) {

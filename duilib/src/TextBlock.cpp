@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "HtmlLayout.h"
 
@@ -12,38 +13,99 @@ namespace {
 
 constexpr std::wstring_view kEllipsis = L"\u2026";
 
+// A part of a line that runs in one direction.
+struct DirectionRun {
+    size_t begin = 0;
+    size_t length = 0;
+    bool rightToLeft = false;
+};
+
+// From left to right, as they are seen. Some systems put the parts of a whole line in a wrong order where two of them
+// that run against the line stand side by side, as letters and digits do; parts of one direction each they draw well.
+std::vector<DirectionRun> VisualRuns(std::wstring_view text, bool rightToLeft) {
+    const int length = static_cast<int>(text.size());
+    SCRIPT_CONTROL control{};
+    SCRIPT_STATE state{};
+    state.uBidiLevel = rightToLeft ? 1 : 0;
+    std::vector<SCRIPT_ITEM> items(text.size() + 2);
+    int count = 0;
+    if (FAILED(::ScriptItemize(text.data(), length, length + 1, &control, &state, items.data(), &count)) || count < 1) {
+        return {{0, text.size(), rightToLeft}};
+    }
+    std::vector<DirectionRun> runs;
+    std::vector<BYTE> levels;
+    for (int i = 0; i < count; ++i) {
+        const auto begin = static_cast<size_t>(items[static_cast<size_t>(i)].iCharPos);
+        const auto level = static_cast<BYTE>(items[static_cast<size_t>(i)].a.s.uBidiLevel);
+        if (levels.empty() || levels.back() != level) {
+            runs.push_back({begin, 0, level % 2 != 0});
+            levels.push_back(level);
+        }
+        const size_t end =
+            i + 1 < count ? static_cast<size_t>(items[static_cast<size_t>(i) + 1].iCharPos) : text.size();
+        runs.back().length = end - runs.back().begin;
+    }
+    std::vector<int> order(runs.size());
+    if (FAILED(::ScriptLayout(static_cast<int>(runs.size()), levels.data(), order.data(), nullptr))) {
+        return {{0, text.size(), rightToLeft}};
+    }
+    std::vector<DirectionRun> visual;
+    for (const int logical : order) {
+        visual.push_back(runs[static_cast<size_t>(logical)]);
+    }
+    return visual;
+}
+
 // One analysed line.
 class Shaped {
   public:
     Shaped(HDC dc, std::wstring_view text, bool rightToLeft) {
-        const int length = static_cast<int>(text.size());
-        const DWORD flags = SSA_GLYPHS | SSA_FALLBACK | SSA_LINK | (rightToLeft ? SSA_RTL : 0);
-        SCRIPT_CONTROL control{};
-        SCRIPT_STATE state{};
-        state.uBidiLevel = rightToLeft ? 1 : 0;
-        const HRESULT hr = ::ScriptStringAnalyse(dc, text.data(), length, length * 3 / 2 + 16, -1, flags, 0, &control,
-                                                 &state, nullptr, nullptr, nullptr, &analysis_);
-        if (FAILED(hr)) {
-            analysis_ = nullptr;
+        for (const DirectionRun& run : VisualRuns(text, rightToLeft)) {
+            const int length = static_cast<int>(run.length);
+            const DWORD flags = SSA_GLYPHS | SSA_FALLBACK | SSA_LINK | (run.rightToLeft ? SSA_RTL : 0);
+            SCRIPT_CONTROL control{};
+            SCRIPT_STATE state{};
+            state.uBidiLevel = run.rightToLeft ? 1 : 0;
+            SCRIPT_STRING_ANALYSIS analysis = nullptr;
+            if (FAILED(::ScriptStringAnalyse(dc, text.data() + run.begin, length, length * 3 / 2 + 16, -1, flags, 0,
+                                             &control, &state, nullptr, nullptr, nullptr, &analysis))) {
+                isGood_ = false;
+                return;
+            }
+            runs_.push_back(analysis);
         }
     }
     ~Shaped() {
-        if (analysis_ != nullptr) {
-            ::ScriptStringFree(&analysis_);
+        for (SCRIPT_STRING_ANALYSIS& run : runs_) {
+            ::ScriptStringFree(&run);
         }
     }
     Shaped(const Shaped&) = delete;
     Shaped& operator=(const Shaped&) = delete;
 
-    bool IsGood() const { return analysis_ != nullptr; }
+    bool IsGood() const { return isGood_; }
     int WidthPx() const {
-        const SIZE* const size = ::ScriptString_pSize(analysis_);
-        return size != nullptr ? static_cast<int>(size->cx) : 0;
+        int width = 0;
+        for (const SCRIPT_STRING_ANALYSIS run : runs_) {
+            width += RunWidthPx(run);
+        }
+        return width;
     }
-    void Draw(Point px) const { ::ScriptStringOut(analysis_, px.x, px.y, 0, nullptr, 0, 0, FALSE); }
+    void Draw(Point px) const {
+        for (const SCRIPT_STRING_ANALYSIS run : runs_) {
+            ::ScriptStringOut(run, px.x, px.y, 0, nullptr, 0, 0, FALSE);
+            px.x += RunWidthPx(run);
+        }
+    }
 
   private:
-    SCRIPT_STRING_ANALYSIS analysis_ = nullptr;
+    static int RunWidthPx(SCRIPT_STRING_ANALYSIS run) {
+        const SIZE* const size = ::ScriptString_pSize(run);
+        return size != nullptr ? static_cast<int>(size->cx) : 0;
+    }
+
+    std::vector<SCRIPT_STRING_ANALYSIS> runs_;  // owned
+    bool isGood_ = true;
 };
 
 int PlainWidthPx(HDC dc, std::wstring_view text) {

@@ -77,6 +77,28 @@ TEST_P(Label, RightToLeftScriptsAreMeasuredAsTheyAreDrawn) {
     EXPECT_NEAR(centred.left + centred.right, Px(20 + 220), Px(6));
 }
 
+TEST_P(Label, LettersAndDigitsSideBySideKeepTheirOrder) {
+    const Direction direction(true);
+    // All of it begins at the place's left, where a line that runs from right to left ends.
+    const auto picture = [this](const std::string& text) {
+        TestWindow window(Layout(R"(align="right" text=")" + text + R"(")"));
+        return Render(window, Dpi());
+    };
+    const Picture seen = picture("فيديو MP4"), wanted = picture("MP4"), reversed = picture("4MP");
+    const Rect ink = wanted.InkWithin({0, 0, wanted.sizePx.cx, wanted.sizePx.cy}, kWhite);
+    const auto differences = [&](const Picture& other) {
+        int count = 0;
+        for (int y = ink.top; y < ink.bottom; ++y) {
+            for (int x = ink.left; x < ink.right; ++x) {
+                count += seen.At({x, y}) != other.At({x, y}) ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    // A letter may stand a pixel beside where it stands alone.
+    EXPECT_LT(differences(wanted), differences(reversed) / 2);
+}
+
 TEST_P(Label, TheFontIsScaled) {
     const Rect small = Ink(R"(text="H")"), large = Ink(R"(text="H" font="7")");
     EXPECT_NEAR(small.Height(), Px(10), Px(2));

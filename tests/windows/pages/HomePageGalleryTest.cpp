@@ -2,6 +2,7 @@
 #include "DuiLib/OptionUI.h"
 #include "pages/ContainerUIEx.h"
 #include "tests/windows/pages/PageTests.h"
+#include "tests/windows/support/Screen.h"
 
 namespace {
 
@@ -225,6 +226,22 @@ TEST_F(HomePageGalleryTest, OnlyADeleteButtonOfAnItemAsks) {
         Manager().SendNotify(&stranger, L"click");
     }
     EXPECT_THAT(Host().deletions, IsEmpty());
+}
+
+// --- pictures
+
+TEST_F(HomePageGalleryTest, APictureComesWhenItHasBeenRead) {
+    const std::wstring path = OwnFolder() + L"own.png";
+    const std::wstring scene = ProgramFolder() + L"res\\drawable\\LumiCamera\\img_notora_camera.png";
+    ASSERT_TRUE(CopyFileW(scene.c_str(), path.c_str(), FALSE)) << GetLastError();
+    Page().AddCustomItem(Name(0), path, false);
+    Manager().UpdateLayout();
+    const auto colors = [this] { return PaintedBy(Manager()).ColorsIn(Control(Name(0) + L"_bk").GetPos()); };
+    const int plain = colors();
+    EXPECT_TRUE(Input::PumpUntil([&] { return colors() > plain + 20; }));
+    EXPECT_TRUE(DeleteFileW(path.c_str())) << "the file is still open";
+    EXPECT_TRUE(Page().DelBackgroudItem(14, path));
+    EXPECT_FALSE(Manager().HasImage(path));
 }
 
 // --- delete buttons while the pointer moves

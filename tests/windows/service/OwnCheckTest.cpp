@@ -20,8 +20,12 @@ class OwnCheckTest : public OwnBackgroundsTest {
         EXPECT_THAT(TakeKinds(), IsEmpty()) << fs::path(path);
     }
     void ExpectRefused(const std::wstring& path, int kind) {
-        const bool video = path.ends_with(L"mp4") || path.ends_with(L"mov");
-        EXPECT_FALSE(video ? HomeService::CheckVideoFile(path) : HomeService::CheckImageFile(path)) << fs::path(path);
+        if (path.ends_with(L"mp4") || path.ends_with(L"mov")) {
+            // In a process of its own: a decoder of the system may be kept busy by a damaged file for ever.
+            EXPECT_EQ(RunHelper(L"check \"" + path + L"\""), static_cast<DWORD>(100 + kind)) << fs::path(path);
+            return;
+        }
+        EXPECT_FALSE(HomeService::CheckImageFile(path)) << fs::path(path);
         EXPECT_THAT(TakeKinds(), ElementsAre(kind)) << fs::path(path);
     }
 };

@@ -3,7 +3,7 @@
 //   service_helper                 0 when the model is one and the same
 //   service_helper drag            moves a slider many times and ends at once
 //   service_helper switch          turns the camera switch on and ends at once
-//   service_helper check FILE      1 when it is refused as a video background
+//   service_helper check FILE      as a video background: 0 when it is accepted, else 100 and the kind of message
 //   service_helper add FILE        adds that file as background again and again, until it is ended
 //   service_helper churn FILE      deletes all backgrounds and adds that file five times, again and again
 #include <windows.h>
@@ -14,6 +14,7 @@
 
 #include "service/CustomItemNames.h"
 #include "service/HomeService.h"
+#include "service/KindNotifier.h"
 #include "suite/logger/QxLogger.h"
 
 int wmain(int argc, wchar_t** argv) {
@@ -35,7 +36,13 @@ int wmain(int argc, wchar_t** argv) {
         model->SetCameraSwitch(1);
     }
     if (work == L"check" && argc > 2) {
-        return HomeService::CheckVideoFile(argv[2]) ? 0 : 1;
+        int told = -1;
+        KindNotifier<GlobalUtils::MessageBoxKind>::GetInstance().Subscribe(
+            GlobalUtils::kMessageBoxChannel,
+            [&told](GlobalUtils::MessageBoxKind& kind) { told = static_cast<int>(kind); });
+        const bool accepted = HomeService::CheckVideoFile(argv[2]);
+        // Not by the usual way: a decoder that is still busy with the file would be in it.
+        TerminateProcess(GetCurrentProcess(), accepted ? 0 : static_cast<UINT>(100 + told));
     }
     if (work == L"add" && argc > 2) {
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
