@@ -42,10 +42,11 @@ class UrlTest : public testing::Test {
 
     std::string WaitForAddress() {
         const ULONGLONG deadline = GetTickCount64() + 20'000;
-        while (!std::filesystem::exists(Received()) && GetTickCount64() < deadline) {
+        std::string address;
+        while ((address = ReadBytes(Received())).empty() && GetTickCount64() < deadline) {
             Sleep(5);
         }
-        return ReadBytes(Received());
+        return address;
     }
 
     TestFolder folder_;

@@ -30,31 +30,39 @@ void SendKey(WORD virtualKey, DWORD flags) {
     Pump();
 }
 
+// Runs the next message; false when there is none, or when the loop of the program is to end first.
+bool PumpOne() {
+    MSG message;
+    if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        return false;
+    if (message.message == WM_QUIT && g_loops > 0) {
+        PostQuitMessage(static_cast<int>(message.wParam));
+        return false;
+    }
+    if (message.message == WM_QUIT) {
+        g_quit = true;
+        return true;
+    }
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+    return true;
+}
+
 }  // namespace
 
 void Pump() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT && g_loops > 0) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return;
-        }
-        if (message.message == WM_QUIT) {
-            g_quit = true;
-            continue;
-        }
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
+    while (PumpOne()) {
     }
 }
 
 bool PumpUntil(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + kDeadline;
+    // After each single message: the next one may undo what the condition waits for.
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline)
             return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, kGlanceMs, QS_ALLINPUT);
-        Pump();
+        if (!PumpOne())
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, kGlanceMs, QS_ALLINPUT);
     }
     return true;
 }
