@@ -177,14 +177,21 @@ bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     constexpr int kSteps = 8;
     RECT before = {};
     GetWindowRect(window_, &before);
-    MoveTo(gripScreen);
+    // Late news of where the pointer was before may bring it back: it has to stay.
+    WaitUntil([&] {
+        MoveTo(gripScreen);
+        Sleep(50);
+        POINT now = {};
+        return GetCursorPos(&now) && now.x == gripScreen.x && now.y == gripScreen.y;
+    });
     SendMouse(MOUSEEVENTF_LEFTDOWN);
     bool follows = true;
     for (int step = 1; step <= kSteps && follows; ++step) {
         const POINT moved = {by.cx * step / kSteps, by.cy * step / kSteps};
         // What the pointer does is told to the window by two ways, of which one may be late and bring it back: it is
-        // moved again until the window is there.
+        // moved again until the window is there, by way of another place, for only a change is told.
         follows = WaitUntil([&] {
+            MoveTo({gripScreen.x + moved.x + 1, gripScreen.y + moved.y});
             MoveTo({gripScreen.x + moved.x, gripScreen.y + moved.y});
             RECT now = {};
             GetWindowRect(window_, &now);
