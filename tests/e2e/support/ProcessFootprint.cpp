@@ -111,7 +111,8 @@ double ProcessorMsBelow(const std::string& programPath) {
     do {
         const std::string folder = std::string("Z:\\proc\\") + entry.cFileName;
         const std::string command = FileText(folder + "\\cmdline");
-        if (std::atoi(entry.cFileName) == 0 || !command.starts_with(programPath))
+        const bool isProcess = entry.cFileName[0] >= '1' && entry.cFileName[0] <= '9';
+        if (!isProcess || !command.starts_with(programPath))
             continue;
         // The name in brackets may hold blanks.
         const std::string stat = FileText(folder + "\\stat");
