@@ -1,5 +1,7 @@
 #include "preview/PixelConverter.h"
 
+#include <immintrin.h>
+
 #include <cstdlib>
 
 #include "preview/PixelRows.h"
@@ -7,6 +9,11 @@
 namespace preview {
 
 namespace {
+
+// What was written past the caches is there for other threads and devices from here on.
+void EndOfPicture() {
+    _mm_sfence();
+}
 
 // Whether an odd row ends before its last Cr.
 bool LastCrIsMissing(std::uint32_t width, std::int32_t stride, std::uint64_t pairedRowBytes) {
@@ -31,6 +38,7 @@ void ConvertRgb24(std::uint8_t* destination, std::int32_t destinationStride, con
         destination += destinationStride;
         source += sourceStride;
     }
+    EndOfPicture();
 }
 
 template <const PixelRowFunctions& kRows>
@@ -42,6 +50,7 @@ void ConvertYuy2(std::uint8_t* destination, std::int32_t destinationStride, cons
         destination += destinationStride;
         source += sourceStride;
     }
+    EndOfPicture();
 }
 
 template <const PixelRowFunctions& kRows>
@@ -61,6 +70,7 @@ void ConvertNv12(std::uint8_t* destination, std::int32_t destinationStride, cons
     if (y < height) {
         kRows.nv12Last(destination, source, chroma, width, missingCr);
     }
+    EndOfPicture();
 }
 
 template <const PixelRowFunctions& kPlain, const PixelRowFunctions& kMirrored>
