@@ -362,7 +362,11 @@ class OwnBackgroundInPreview : public BackgroundsTest {
     bool WallBecomes(COLORREF color) const {
         return WaitUntil([&] { return WallIs(color); });
     }
-    bool IsSwitchOn() const { return IsChecked(L"preview_switch"); }
+    // On, and the program listens to clicks again.
+    bool IsPreviewOn() const {
+        const auto found = program_->Find(L"preview_switch");
+        return found && (found->state & (STATE_SYSTEM_CHECKED | STATE_SYSTEM_UNAVAILABLE)) == STATE_SYSTEM_CHECKED;
+    }
 
     static constexpr COLORREF kRed = 0xC02020;  // 0x00RRGGBB
     static constexpr COLORREF kGreen = 0x20A040;
@@ -373,7 +377,7 @@ class OwnBackgroundInPreview : public BackgroundsTest {
 TEST_F(OwnBackgroundInPreview, IsTheOneThatRegistryAndGalleryName) {
     Open();
     program_->Click(L"preview_switch");
-    ASSERT_TRUE(WaitUntil([this] { return IsSwitchOn(); }));
+    ASSERT_TRUE(WaitUntil([this] { return IsPreviewOn(); }));
     const std::vector<fs::path> files = {Own(L"red.jpg", L"red.jpg"), Own(L"green.jpg", L"green.jpg"),
                                          Own(L"blue.png", L"blue.png"), Own(L"dark_start.mp4", L"light.mp4")};
     const std::vector<COLORREF> colors = {kRed, kGreen, kBlue, kWhite};

@@ -203,7 +203,9 @@ bool Program::DragWindow(POINT gripScreen, SIZE by) const {
 }
 
 void Program::Click(const std::wstring& name) const {
-    const auto control = WaitFor(name);
+    decltype(Find(name)) control;
+    // As long as the program starts or stops the camera, its switch is disabled and clicks are dropped.
+    WaitUntil([&] { return (control = Find(name)) && (control->state & STATE_SYSTEM_UNAVAILABLE) == 0; });
     if (!control)
         throw std::runtime_error("no such control to click on");
     const RECT& r = control->screenPx;
