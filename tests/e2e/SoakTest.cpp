@@ -25,7 +25,7 @@ constexpr int kWarmUpShare = 4;
 
 // What may be added between the end of the warming up and the end: caches that have a limit, and a menu or a file
 // dialog of the system with its icons, which may come only then. A random run has more than a thousand actions.
-constexpr std::size_t kMoreBytes = 16u << 20;
+constexpr std::size_t kMoreBytes = 32u << 20;
 constexpr int kMoreHandles = 40;
 constexpr int kMoreThreads = 6;
 constexpr int kMoreGdiObjects = 250;
@@ -83,6 +83,17 @@ class SoakTest : public testing::Test {
             SetForegroundWindow(front);
             program_->PressKey(VK_ESCAPE);
         }
+    }
+
+    // The system's file dialog, once: its icons and libraries stay loaded.
+    void UseFileDialog() {
+        program_->Reveal(L"custom_background_btn");
+        program_->Click(L"custom_background_btn");
+        ASSERT_TRUE(WaitUntil([this] { return GetLastActivePopup(program_->Window()) != program_->Window(); }));
+        ASSERT_TRUE(WaitUntil([this] {
+            CloseWhatIsInFront();
+            return GetLastActivePopup(program_->Window()) == program_->Window();
+        }));
     }
 
     // The preview's switch, several times: without a camera it opens the graphics device all the same, which loads once
@@ -148,6 +159,7 @@ TEST_F(SoakTest, StandsRandomUseWithoutGrowing) {
     using Clock = std::chrono::steady_clock;
     const std::chrono::seconds duration(FromEnvironment("PIXORA_SOAK_SECONDS", 20));
     ASSERT_NO_FATAL_FAILURE(UsePreview());
+    ASSERT_NO_FATAL_FAILURE(UseFileDialog());
     const auto begin = Clock::now();
     std::optional<ProcessFootprint> warm;
     int actions = 0;
