@@ -93,9 +93,10 @@ void PreviewWindow::Place(int dpi, bool areaShown) {
 // Not every system lifts an owned window together with its owner, or shows it where it was in the order.
 void PreviewWindow::Raise() {
     constexpr UINT kFlags = SWP_NOMOVE | SWP_NOSIZE | SWP_NOOWNERZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW;
+    const HWND front = GetForegroundWindow();
     // In front of everything else its place is told anew even where it seems to have it: a system may have lifted its
     // owner on the screen and not in the order.
-    if (!IsWindowVisible(window_) || GetForegroundWindow() == owner_) {
+    if (!IsWindowVisible(window_) || front == owner_ || front == window_) {
         SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, kFlags);
     } else if (!IsAboveOwner()) {
         // Right above its owner, so that what stands over that one, a message say, stays where it is.

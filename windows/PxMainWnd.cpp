@@ -236,7 +236,7 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         case WM_SETFOCUS:
             // Some systems lift the window alone, and not what it owns, when it gets the focus.
-            DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+            PublishPlace();
             break;
         case kCaptureFailed:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
