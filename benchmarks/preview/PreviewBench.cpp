@@ -17,6 +17,8 @@
 #include <thread>
 #include <vector>
 
+#include "benchmarks/support/Measuring.h"
+#include "benchmarks/support/Times.h"
 #include "suite/common/ComRelease.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/ProcessFootprint.h"
@@ -25,7 +27,9 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using benchmark::Clock;
+using benchmark::MsSince;
+using benchmark::Times;
 using std::chrono::seconds;
 
 constexpr int kRounds = 11;
@@ -36,23 +40,6 @@ constexpr DWORD kVideoStream = static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_S
 
 constexpr std::uint32_t kRed = 0xD03030;
 constexpr std::uint32_t kBlue = 0x3050D0;
-
-double MsSince(Clock::time_point begin) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-}
-
-struct Times {
-    std::vector<double> ms;
-
-    double Median() {
-        std::sort(ms.begin(), ms.end());
-        return ms[ms.size() / 2];
-    }
-    void Print(const char* what) {
-        const double median = Median();
-        std::printf("%s:  median %.1f ms, best %.1f ms, worst %.1f ms\n", what, median, ms.front(), ms.back());
-    }
-};
 
 // Percent of one processor over the time that `work` takes.
 template <typename Work>
@@ -84,7 +71,7 @@ struct CameraAlone {
             const auto begin = Clock::now();
             IMFSourceReader* reader = Open(*camera);
             Read(reader);
-            first.ms.push_back(MsSince(begin));
+            first.Add(MsSince(begin));
             if (round + 1 == kRounds) {
                 sharePercent = ShareOf(GetCurrentProcess(), [&] {
                     for (const auto end = Clock::now() + kSteady; Clock::now() < end;)
@@ -171,9 +158,7 @@ void Measure() {
     camera.Measure();
 
     e2e::Machine::UseProgram(L"PixoraDemo");
-    e2e::Machine::Reset();
-    for (const wchar_t* name : {L"filter_driver_install", L"init_algorithm"})
-        e2e::Machine::SetNumber(name, 1);
+    e2e::Machine::ResetToInstalled();
     SetEnvironmentVariableW(L"PIXORA_DEMO_CAMERA", L"picture=halves size=1280x720 rate=30");
     e2e::Program program;
     if (!program.WaitForWindow())
@@ -214,10 +199,10 @@ void Measure() {
             std::printf("first start of the process, click to picture:  %.1f ms\n", onMs);
             continue;
         }
-        on.ms.push_back(onMs);
-        off.ms.push_back(offMs);
-        blockedOn.ms.push_back(blockedOnMs);
-        blockedOff.ms.push_back(blockedOffMs);
+        on.Add(onMs);
+        off.Add(offMs);
+        blockedOn.Add(blockedOnMs);
+        blockedOff.Add(blockedOffMs);
     }
     on.Print("click until the first picture is on the screen");
     std::printf("  of it the camera's own:  %.1f ms, the program's:  %.1f ms\n", camera.firstFrameMs,
@@ -236,13 +221,7 @@ void Measure() {
 int main() {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     MFStartup(MF_VERSION, MFSTARTUP_FULL);
-    int status = 0;
-    try {
-        Measure();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        status = 1;
-    }
+    const int status = benchmark::Run(Measure);
     MFShutdown();
     CoUninitialize();
     return status;

@@ -4,13 +4,11 @@
 
 #include <objbase.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <functional>
 #include <stdexcept>
-#include <vector>
 
+#include "benchmarks/support/Measuring.h"
+#include "benchmarks/support/Times.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tools/service/PipeServer.h"
@@ -22,21 +20,9 @@ constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\iNotoraAssistant";
 constexpr std::int32_t kSettingsChanged = 0x4B273B;
 constexpr std::chrono::seconds kPatience{10};
 
-using Clock = std::chrono::steady_clock;
-
-double MsSince(Clock::time_point begin) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-}
-
-struct Times {
-    std::vector<double> ms;
-
-    void Print(const char* what, double goalMs) {
-        std::sort(ms.begin(), ms.end());
-        std::printf("%s:  median %.1f ms, best %.1f ms, worst %.1f ms (goal %.0f ms)\n", what, ms[ms.size() / 2],
-                    ms.front(), ms.back(), goalMs);
-    }
-};
+using benchmark::Clock;
+using benchmark::MsSince;
+using benchmark::Times;
 
 // A pixel of the screen, looked at as often as possible.
 class Pixel {
@@ -73,9 +59,8 @@ void Settle(const e2e::Program& program, PipeServer& service) {
 }
 
 void Measure() {
-    e2e::Machine::Reset();
-    for (const wchar_t* name : {L"lumi_camera_switch", L"filter_driver_install", L"init_algorithm"})
-        e2e::Machine::SetNumber(name, 1);
+    e2e::Machine::ResetToInstalled();
+    e2e::Machine::SetNumber(L"lumi_camera_switch", 1);
     PipeServer service;
     if (!service.Start(kPipe))
         throw std::runtime_error("the pipe is taken");
@@ -98,7 +83,7 @@ void Measure() {
                 throw std::runtime_error("no ping");
             came = event->frame.slot[2] == kSettingsChanged;
         }
-        ping.ms.push_back(MsSince(begin));
+        ping.Add(MsSince(begin));
 
         // Away from it, so that only its state changes its look.
         program.MoveTo({row.left - 200, row.top - 200});
@@ -108,7 +93,7 @@ void Measure() {
         const COLORREF before = side.Get();
         begin = Clock::now();
         e2e::Machine::SetNumber(L"lumi_camera_person_track", now == 1 ? 0 : 1);
-        change.ms.push_back(side.UntilOther(before, begin));
+        change.Add(side.UntilOther(before, begin));
 
         Settle(program, service);
         // The switch's place is empty on the other page.
@@ -116,7 +101,7 @@ void Measure() {
         const COLORREF shown = side.Get();
         begin = Clock::now();
         program.ClickAt(MiddleOf(detail));
-        page.ms.push_back(side.UntilOther(shown, begin));
+        page.Add(side.UntilOther(shown, begin));
         Settle(program, service);
         program.Click(L"back_btn");
         program.WaitFor(L"show_detail_btn");
@@ -131,13 +116,7 @@ void Measure() {
 
 int main() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    int status = 0;
-    try {
-        Measure();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        status = 1;
-    }
+    const int status = benchmark::Run(Measure);
     CoUninitialize();
     return status;
 }

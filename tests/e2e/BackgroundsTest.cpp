@@ -42,10 +42,9 @@ std::vector<std::wstring> StoredNames() {
 class BackgroundsTest : public testing::Test {
   protected:
     void SetUp() override {
-        Machine::Reset();
+        Machine::ResetToInstalled();
         fs::remove_all(kBaseFolder);
-        for (const wchar_t* name : {L"lumi_camera_switch", L"filter_driver_install", L"init_algorithm"})
-            Machine::SetNumber(name, 1);
+        Machine::SetNumber(L"lumi_camera_switch", 1);
         for (const wchar_t* name : {L"lumi_camera_background_replacement", L"lumi_camera_eye_correction",
                                     L"lumi_camera_person_track", L"lumi_camera_beauty_person"})
             Machine::SetNumber(name, 0);

@@ -24,9 +24,7 @@ constexpr char kDumpSignature[] = {'M', 'D', 'M', 'P'};
 class CrashTest : public testing::Test {
   protected:
     void SetUp() override {
-        Machine::Reset();
-        Machine::SetNumber(L"filter_driver_install", 1);
-        Machine::SetNumber(L"init_algorithm", 1);
+        Machine::ResetToInstalled();
         fs::remove_all(DumpFolder());
     }
     void TearDown() override {

@@ -26,11 +26,9 @@ constexpr int kHighestLevel = 10;
 class ModelTest : public testing::Test {
   protected:
     void SetUp() override {
-        Machine::Reset();
+        Machine::ResetToInstalled();
         for (const auto& [name, value] : model_.All())
             Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
-        Machine::SetNumber(L"filter_driver_install", 1);
-        Machine::SetNumber(L"init_algorithm", 1);
         ASSERT_TRUE(service_.Start(kPipe));
         program_.emplace();
         ASSERT_TRUE(program_->WaitForWindow());

@@ -37,9 +37,7 @@ class PreviewEnduranceTest : public testing::Test {
   protected:
     void SetUp() override {
         Machine::UseProgram(L"PixoraDemo");
-        Machine::Reset();
-        Machine::SetNumber(L"filter_driver_install", 1);
-        Machine::SetNumber(L"init_algorithm", 1);
+        Machine::ResetToInstalled();
         // Wine without a thread for the graphics commands keeps 6 MB of each thread that has ever drawn, and a reader's
         // threads come and go. Nothing else looks at this variable.
         SetEnvironmentVariableW(L"WINE_D3D_CONFIG", L"csmt=0x1");

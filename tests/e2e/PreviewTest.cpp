@@ -45,9 +45,7 @@ class PreviewTest : public testing::Test {
   protected:
     void SetUp() override {
         Machine::UseProgram(L"PixoraDemo");
-        Machine::Reset();
-        Machine::SetNumber(L"filter_driver_install", 1);
-        Machine::SetNumber(L"init_algorithm", 1);
+        Machine::ResetToInstalled();
     }
     void TearDown() override {
         if (program_ && program_->Runs() && !HasFailure()) {
@@ -120,9 +118,10 @@ class PreviewTest : public testing::Test {
     bool ClickToFront(POINT screen) const {
         program_->ClickAt(screen);
         return WaitUntil([this] {
-            const HWND front = GetForegroundWindow();
-            return front == Main() || GetWindow(front, GW_OWNER) == Main();
-        }) && SendMessageTimeoutW(Main(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr) != 0;
+                   const HWND front = GetForegroundWindow();
+                   return front == Main() || GetWindow(front, GW_OWNER) == Main();
+               }) &&
+               SendMessageTimeoutW(Main(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, nullptr) != 0;
     }
     // Where the window must stand, from the main window's client area.
     RECT WantedPlace() const {

@@ -21,11 +21,8 @@ constexpr std::int32_t kSettingsChanged = 0x4B273B;
 class SettingsWindowTest : public testing::Test {
   protected:
     void SetUp() override {
-        Machine::Reset();
-        // A first start finds no key and writes the defaults; then the service adds what it knows.
-        for (const wchar_t* name : {L"lumi_camera_switch", L"filter_driver_install", L"init_algorithm"}) {
-            Machine::SetNumber(name, 1);
-        }
+        Machine::ResetToInstalled();
+        Machine::SetNumber(L"lumi_camera_switch", 1);
         for (const wchar_t* name : {L"lumi_camera_background_replacement", L"lumi_camera_eye_correction",
                                     L"lumi_camera_person_track", L"lumi_camera_beauty_person"}) {
             Machine::SetNumber(name, 0);

@@ -33,12 +33,10 @@ constexpr int kMoreGdiObjects = 250;
 class SoakTest : public testing::Test {
   protected:
     void SetUp() override {
-        Machine::Reset();
+        Machine::ResetToInstalled();
         const SettingsModel defaults;
         for (const auto& [name, value] : defaults.All())
             Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
-        Machine::SetNumber(L"filter_driver_install", 1);
-        Machine::SetNumber(L"init_algorithm", 1);
         ASSERT_TRUE(service_.Start(kPipe));
         Start();
     }

@@ -77,6 +77,12 @@ void Reset() {
     DeleteFileW(LinksFile().c_str());
 }
 
+void ResetToInstalled() {
+    Reset();
+    SetNumber(L"filter_driver_install", 1);
+    SetNumber(L"init_algorithm", 1);
+}
+
 void SetNumber(const wchar_t* name, DWORD value) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, REG_DWORD, &value, sizeof(value));
 }

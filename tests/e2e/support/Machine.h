@@ -29,6 +29,8 @@ const std::wstring& ProgramName();
 
 // Removes the settings key and the program's log, and forgets the links that were opened.
 void Reset();
+// Reset, and the key as an installation with a working driver and algorithm leaves it.
+void ResetToInstalled();
 void SetNumber(const wchar_t* name, DWORD value);
 void SetText(const wchar_t* name, const std::wstring& value);
 void Remove(const wchar_t* name);
