@@ -1,23 +1,15 @@
 #include "Accessible.h"
 
 #include <algorithm>
-#include <new>
 #include <string>
 
+#include "AccessibleCalls.h"
+#include "AccessibleIds.h"
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/PaintManagerUI.h"
-#include "suite/logger/QxLogger.h"
 
 namespace DuiLib {
 namespace {
-
-VARIANT ToVariant(long value) {
-    VARIANT v;
-    VariantInit(&v);
-    v.vt = VT_I4;
-    v.lVal = value;
-    return v;
-}
 
 // S_FALSE for an empty text, as the interface has it.
 HRESULT ToBstr(const std::wstring& text, BSTR* out) {
@@ -26,21 +18,6 @@ HRESULT ToBstr(const std::wstring& text, BSTR* out) {
     }
     *out = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.size()));
     return *out != nullptr ? S_OK : E_OUTOFMEMORY;
-}
-
-// Runs an operation of the interface: no exception may cross it.
-template <typename Operation>
-HRESULT Guarded(const Operation& operation) {
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    } catch (const std::exception& e) {
-        LogLine(4, L"WindowAccessible::Guarded", L"Unexpected exception: ", e.what());
-    } catch (...) {
-        LogLine(4, L"WindowAccessible::Guarded", L"Unexpected exception");
-    }
-    return E_FAIL;
 }
 
 bool IsEnabledInTree(const CControlUI& control) {
@@ -90,77 +67,6 @@ UINT DefaultActionMessage() {
     return message;
 }
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
-// The ids as they were when it was made: a client that walks them sees one state of the window.
-class WindowAccessible::Children final : public IEnumVARIANT {
-  public:
-    Children(std::vector<long> ids, std::size_t next) : ids_(std::move(ids)), next_(next) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) {
-            return E_POINTER;
-        }
-        *object = nullptr;
-        if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) {
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<IEnumVARIANT*>(this);
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) {
-            delete this;
-        }
-        return static_cast<ULONG>(left);
-    }
-
-    HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
-        if (items == nullptr) {
-            return E_POINTER;
-        }
-        ULONG given = 0;
-        while (given < count && next_ < ids_.size()) {
-            items[given++] = ToVariant(ids_[next_++]);
-        }
-        if (fetched != nullptr) {
-            *fetched = given;
-        }
-        return given == count ? S_OK : S_FALSE;
-    }
-    HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
-        const std::size_t rest = ids_.size() - next_;
-        next_ += std::min<std::size_t>(count, rest);
-        return count <= rest ? S_OK : S_FALSE;
-    }
-    HRESULT STDMETHODCALLTYPE Reset() override {
-        next_ = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) override {
-        if (copy == nullptr) {
-            return E_POINTER;
-        }
-        return Guarded([&] {
-            *copy = new Children(ids_, next_);
-            return S_OK;
-        });
-    }
-
-  private:
-    ~Children() = default;
-
-    LONG references_ = 1;
-    const std::vector<long> ids_;
-    std::size_t next_;
-};
-
-#pragma GCC diagnostic pop
-
 HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
     if (object == nullptr) {
         return E_POINTER;
@@ -182,7 +88,7 @@ HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
         for (const CControlUI* control : Elements()) {
             ids.push_back(control->GetId());
         }
-        *object = static_cast<IEnumVARIANT*>(new Children(std::move(ids), 0));
+        *object = static_cast<IEnumVARIANT*>(new AccessibleIds(std::move(ids), 0));
         return S_OK;
     });
 }
@@ -241,6 +147,15 @@ HRESULT WindowAccessible::Find(const VARIANT& id, CControlUI*& control) const {
     return S_OK;
 }
 
+template <typename Operation>
+HRESULT WindowAccessible::WithElement(const VARIANT& id, const Operation& operation) const {
+    return Guarded([&]() -> HRESULT {
+        CControlUI* control = nullptr;
+        const HRESULT found = Find(id, control);
+        return FAILED(found) ? found : operation(control);
+    });
+}
+
 HRESULT WindowAccessible::get_accParent(IDispatch** parent) {
     if (parent == nullptr) {
         return E_POINTER;
@@ -273,15 +188,9 @@ HRESULT WindowAccessible::get_accChild(VARIANT id, IDispatch** child) {
         return E_POINTER;
     }
     *child = nullptr;
-    CControlUI* control = nullptr;
-    const HRESULT found = Guarded([&] { return Find(id, control); });
-    if (FAILED(found)) {
-        return found;
-    }
-    if (control == nullptr) {
-        return QueryInterface(IID_IDispatch, reinterpret_cast<void**>(child));
-    }
-    return S_FALSE;
+    return WithElement(id, [&](const CControlUI* control) {
+        return control == nullptr ? QueryInterface(IID_IDispatch, reinterpret_cast<void**>(child)) : S_FALSE;
+    });
 }
 
 HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
@@ -289,12 +198,7 @@ HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
         return E_POINTER;
     }
     *name = nullptr;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         if (control != nullptr) {
             return ToBstr(control->GetAccessibleInfo().name, name);
         }
@@ -310,12 +214,7 @@ HRESULT WindowAccessible::get_accValue(VARIANT id, BSTR* value) {
         return E_POINTER;
     }
     *value = nullptr;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().value, value);
     });
 }
@@ -325,11 +224,9 @@ HRESULT WindowAccessible::get_accDescription(VARIANT id, BSTR* description) {
         return E_POINTER;
     }
     *description = nullptr;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found) || control == nullptr) {
-            return FAILED(found) ? found : S_FALSE;
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr) {
+            return S_FALSE;
         }
         // The tooltip, where it says more than the name.
         const std::wstring& toolTip = control->GetToolTip();
@@ -342,13 +239,9 @@ HRESULT WindowAccessible::get_accRole(VARIANT id, VARIANT* role) {
         return E_POINTER;
     }
     VariantInit(role);
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (SUCCEEDED(found)) {
-            *role = ToVariant(control != nullptr ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
-        }
-        return found;
+    return WithElement(id, [&](const CControlUI* control) {
+        *role = ToVariant(control != nullptr ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
+        return S_OK;
     });
 }
 
@@ -357,12 +250,7 @@ HRESULT WindowAccessible::get_accState(VARIANT id, VARIANT* state) {
         return E_POINTER;
     }
     VariantInit(state);
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         if (control != nullptr) {
             *state = ToVariant(StateOf(*control, *manager_, control->GetAccessibleInfo().state));
             return S_OK;
@@ -391,11 +279,9 @@ HRESULT WindowAccessible::get_accHelpTopic(BSTR* file, VARIANT id, long* topic) 
     }
     *file = nullptr;
     *topic = 0;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found) || control == nullptr) {
-            return FAILED(found) ? found : S_FALSE;
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr) {
+            return S_FALSE;
         }
         *topic = control->GetId();
         return ToBstr(control->GetName(), file);
@@ -447,7 +333,7 @@ HRESULT WindowAccessible::get_accSelection(VARIANT* children) {
         if (ids.size() == 1) {
             *children = ToVariant(ids.front());
         } else {
-            children->punkVal = new Children(std::move(ids), 0);
+            children->punkVal = new AccessibleIds(std::move(ids), 0);
             children->vt = VT_UNKNOWN;
         }
         return S_OK;
@@ -459,23 +345,13 @@ HRESULT WindowAccessible::get_accDefaultAction(VARIANT id, BSTR* action) {
         return E_POINTER;
     }
     *action = nullptr;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().defaultAction, action);
     });
 }
 
 HRESULT WindowAccessible::accSelect(long flags, VARIANT id) {
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         if (control == nullptr || (flags & ~(SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION)) != 0) {
             return E_INVALIDARG;
         }
@@ -503,12 +379,7 @@ HRESULT WindowAccessible::accLocation(long* left, long* top, long* width, long* 
         return E_POINTER;
     }
     *left = *top = *width = *height = 0;
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         const HWND window = manager_->GetPaintWindow();
         RECT px{};
         if (control != nullptr) {
@@ -531,12 +402,7 @@ HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* en
         return E_POINTER;
     }
     VariantInit(end);
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(start, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(start, [&](CControlUI* control) {
         const std::vector<CControlUI*> elements = Elements();
         const auto at = std::find(elements.begin(), elements.end(), control);
         const CControlUI* target = nullptr;
@@ -600,12 +466,7 @@ HRESULT WindowAccessible::accHitTest(long left, long top, VARIANT* child) {
 }
 
 HRESULT WindowAccessible::accDoDefaultAction(VARIANT id) {
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         if (control == nullptr || control->GetAccessibleInfo().defaultAction.empty()) {
             return DISP_E_MEMBERNOTFOUND;
         }
@@ -617,12 +478,7 @@ HRESULT WindowAccessible::accDoDefaultAction(VARIANT id) {
 }
 
 HRESULT WindowAccessible::put_accValue(VARIANT id, BSTR value) {
-    return Guarded([&] {
-        CControlUI* control = nullptr;
-        const HRESULT found = Find(id, control);
-        if (FAILED(found)) {
-            return found;
-        }
+    return WithElement(id, [&](CControlUI* control) {
         if (control == nullptr || value == nullptr || !IsEnabledInTree(*control)) {
             return E_INVALIDARG;
         }

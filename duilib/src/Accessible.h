@@ -66,12 +66,13 @@ class WindowAccessible final : public IAccessible {
     HRESULT STDMETHODCALLTYPE put_accValue(VARIANT id, BSTR value) override;
 
   private:
-    class Children;  // IEnumVARIANT over ids
-
     ~WindowAccessible() = default;
     std::vector<CControlUI*> Elements() const;
     // S_OK: `control` is the element, or null for the window itself.
     HRESULT Find(const VARIANT& id, CControlUI*& control) const;
+    // What `operation` answers for what Find finds; no exception leaves it.
+    template <typename Operation>
+    HRESULT WithElement(const VARIANT& id, const Operation& operation) const;
 
     LONG references_ = 1;
     CPaintManagerUI* manager_;  // null: the window is gone
