@@ -88,6 +88,15 @@ TEST_F(MainWindowMessagesTest, APlainMovePlacesThePreviewAgain) {
     EXPECT_THAT(moves_->Kinds(), IsEmpty());
 }
 
+// At once: another program may have come to the front before a posted message is read.
+TEST_F(MainWindowMessagesTest, TheFocusPlacesThePreviewAgainAtOnce) {
+    PassedOnMessages passedOn(Manager());
+    Send(WM_SETFOCUS);
+    EXPECT_THAT(places_->Kinds(), ElementsAre(PreviewPlaceKind::kPlaceAgain));
+    EXPECT_THAT(moves_->Kinds(), IsEmpty());
+    EXPECT_EQ(passedOn.Count(WM_SETFOCUS), 1);
+}
+
 TEST_F(MainWindowMessagesTest, TheSessionsLockIsToldAndReachesTheBase) {
     PassedOnMessages passedOn(Manager());
     Send(WM_WTSSESSION_CHANGE, WTS_SESSION_LOCK, 1);
