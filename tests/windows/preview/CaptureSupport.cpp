@@ -51,7 +51,7 @@ void RunningPreview::Finish() {
 std::vector<Preview*> CaptureTest::finished_;
 std::vector<std::shared_ptr<DemoCamera>> CaptureTest::usedCameras_;
 
-void CaptureTest::TearDownTestSuite() {
+void CaptureTest::ReleaseFinished() {
     const auto heldByOthers = [](Preview* preview) {
         preview->AddRef();
         return preview->Release() != 1;
@@ -61,6 +61,10 @@ void CaptureTest::TearDownTestSuite() {
     for (Preview* preview : std::exchange(finished_, {})) {
         preview->Release();
     }
+}
+
+void CaptureTest::TearDownTestSuite() {
+    ReleaseFinished();
     const auto isAlive = [](const auto& camera) { return camera->Seen().alive != 0; };
     EXPECT_TRUE(Wait([&] { return std::none_of(usedCameras_.begin(), usedCameras_.end(), isAlive); }))
         << "somebody holds a source that was shut down";

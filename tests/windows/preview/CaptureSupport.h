@@ -40,6 +40,8 @@ class CaptureTest : public PreviewTest {
   public:
     // Takes over the reference of a preview that is done with.
     static void Keep(Preview* preview) { finished_.push_back(preview); }
+    // Releases the kept ones once nobody else holds one; a failure of the test if somebody goes on to.
+    static void ReleaseFinished();
 
   protected:
     CaptureTest() : window_(128, 96) {}

@@ -28,6 +28,8 @@ int Cycles() {
 class CycleTest : public CaptureTest {
   protected:
     bool WaitForRelease();
+    // Once threads that have ended, and what they held, are gone from the counts.
+    static ProcessUsage SettledUsage();
 
     // What the page does: make, start, see a frame, close, destroy the renderer, give the object back.
     void RunOnce() {
@@ -45,6 +47,19 @@ bool CycleTest::WaitForRelease() {
     return Wait([&] { return cameras_[0]->Seen().alive == 0; });
 }
 
+ProcessUsage CycleTest::SettledUsage() {
+    constexpr DWORD kMomentMs = 200;
+    ProcessUsage last = ProcessUsage::Now();
+    Wait([&] {
+        Sleep(kMomentMs);
+        const ProcessUsage now = ProcessUsage::Now();
+        const bool same = now.heapBytes == last.heapBytes && now.threads == last.threads && now.handles == last.handles;
+        last = now;
+        return same;
+    });
+    return last;
+}
+
 TEST_F(CycleTest, NothingIsLeftBehind) {
     CameraSettings settings = SmallCamera(CameraFormat::kNv12);
     settings.modes.front().width = 640;  // a leaked frame would show
@@ -56,21 +71,16 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
         ASSERT_NO_FATAL_FAILURE(RunOnce());
     }
     ASSERT_TRUE(WaitForRelease());
-    const ProcessUsage before = ProcessUsage::Now();
+    ReleaseFinished();
+    const ProcessUsage before = SettledUsage();
     const std::int64_t framesBefore = cameras_[0]->Seen().frames;
     before.Print("before");
     for (int i = 0; i < Cycles(); ++i) {
         ASSERT_NO_FATAL_FAILURE(RunOnce());
     }
     ASSERT_TRUE(WaitForRelease());
-    ProcessUsage after = ProcessUsage::Now();
-    // A thread that has ended is gone from the counts a moment later.
-    Wait(
-        [&] {
-            after = ProcessUsage::Now();
-            return after.threads <= before.threads && after.handles <= before.handles;
-        },
-        std::chrono::seconds(3));
+    ReleaseFinished();
+    const ProcessUsage after = SettledUsage();
     after.Print("after");
     const long frames = static_cast<long>(cameras_[0]->Seen().frames - framesBefore);
     // Not per cycle: a pool may hold one thing more or less at any time.
