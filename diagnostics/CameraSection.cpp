@@ -11,6 +11,7 @@
 #include "diagnostics/Sections.h"
 #include "preview/CameraAllowList.h"
 #include "preview/CameraSystem.h"
+#include "preview/MediaFoundation.h"
 #include "suite/common/ComRelease.h"
 #include "suite/common/Utf8.h"
 #include "suite/registry/Registry.h"
@@ -130,7 +131,7 @@ void AddCameras(Report& report, const PersonalData& personal) {
         makers += named.insert(std::wstring(entry)).second ? " " + suite::ToUtf8(entry) : "";
     }
     report.Note("accepted are links that hold one of:" + makers);
-    if (FAILED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
+    if (!HasMediaFoundation() || FAILED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
         report.Wrong("the cameras cannot be listed without Media Foundation", "See \"System\".");
         return;
     }

@@ -9,6 +9,7 @@
 
 #include "diagnostics/Sections.h"
 #include "diagnostics/Version.h"
+#include "preview/MediaFoundation.h"
 #include "suite/common/ComRelease.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
@@ -112,7 +113,7 @@ void AddInstallation(Report& report) {
 }
 
 void AddMediaSystem(Report& report) {
-    if (SUCCEEDED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
+    if (HasMediaFoundation() && SUCCEEDED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
         report.Fine("Media Foundation starts");
         MFShutdown();
     } else {

@@ -9,6 +9,7 @@
 #include "DuiLib/SliderUI.h"
 #include "DuiLib/UIMainQueue.h"
 #include "pages/PageNames.h"
+#include "preview/MediaFoundation.h"
 #include "service/CustomItemNames.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
@@ -112,7 +113,8 @@ void HomePage::SubscribeHub() {
 
 void HomePage::Initialize() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-    MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
+    if (HasMediaFoundation())
+        MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
     previewSwitch_ = Find(L"preview_switch");
     previewArea_ = Find(L"preview_wnd");
     if (model_) {

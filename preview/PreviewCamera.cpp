@@ -4,6 +4,7 @@
 #include <string>
 
 #include "preview/CameraSystem.h"
+#include "preview/MediaFoundation.h"
 #include "preview/Preview.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
@@ -42,6 +43,9 @@ HRESULT CopyNativeType(IMFSourceReader* reader, DWORD index, IMFMediaType** copy
 
 INT32 Preview::SelectDevice() {
     deviceCount_ = 0;
+    if (!HasMediaFoundation()) {
+        return -1;
+    }
     if (FAILED(MFCreateAttributes(&enumerationAttributes_, 1)) ||
         FAILED(enumerationAttributes_->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE,
                                                MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID))) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "preview/CoverFrame.h"
+#include "preview/MediaFoundation.h"
 #include "suite/common/ComRelease.h"
 
 namespace {
@@ -66,7 +67,7 @@ bool VideoReader::Open(const std::wstring& path) {
 }
 
 bool VideoReader::OpenVideoStream(const std::wstring& path) {
-    return MFStartup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
+    return HasMediaFoundation() && MFStartup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
            MFCreateSourceReaderFromURL(path.c_str(), nullptr, &reader_) == S_OK && SelectYuy2(reader_) == S_OK &&
            reader_->GetCurrentMediaType(kVideoStream, &mediaType_) == S_OK &&
            GetFrameSize(&frameWidthPx_, &frameHeightPx_);

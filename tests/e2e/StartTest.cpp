@@ -4,6 +4,7 @@
 
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
+#include "tests/support/MissingDll.h"
 
 namespace e2e {
 namespace {
@@ -111,6 +112,27 @@ TEST_F(StartTest, AnInstanceThatIsGoneDoesNotBlockTheNext) {
     { const Program killed; }
     Program next;
     EXPECT_TRUE(next.WaitForWindow());
+}
+
+// As on editions of the system that come without it.
+TEST_F(StartTest, WithoutMediaFoundationOnlyThePreviewDoesNotWork) {
+    if (!MissingDll::CanBe())
+        GTEST_SKIP() << "this system cannot be told to do without a DLL";
+    const MissingDll missing(L"Pixora.exe", L"mfplat");
+    Install(1, 1);
+    Program program;
+    ASSERT_TRUE(program.WaitForWindow());
+    EXPECT_TRUE(
+        Machine::WaitForLog("[L4] this system has no Media Foundation: no camera, no videos(HasMediaFoundation)"));
+    program.Click(L"preview_switch");
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitUntil([&] { return (box = FindWindowW(L"MESSAGE BOX", nullptr)) && IsWindowVisible(box); }));
+    const AccessibleWindow content(box);
+    EXPECT_TRUE(content.Press(content.Find(L"msg_ok_btn")->id));
+    EXPECT_TRUE(WaitUntil([] { return CountWindows(L"MESSAGE BOX") == 0; }));
+    EXPECT_FALSE(program.Find(L"preview_switch")->state & STATE_SYSTEM_CHECKED);
+    program.Click(L"closebtn");
+    EXPECT_EQ(program.WaitForEnd(), 0U);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "service/SettingNames.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
+#include "tests/support/MissingDll.h"
 #include "tools/service/PipeServer.h"
 
 namespace diagnostics {
@@ -133,6 +134,15 @@ TEST_F(DiagnosticsProgramTest, ShowsTheReport) {
 }
 
 // The same program with a camera that exists in memory.
+TEST_F(DiagnosticsProgramTest, ASystemWithoutMediaFoundationIsTold) {
+    if (!MissingDll::CanBe())
+        GTEST_SKIP() << "this system cannot be told to do without a DLL";
+    const MissingDll missing(L"PixoraDiagnostics.exe", L"mfplat");
+    EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
+    EXPECT_THAT(shown_, HasSubstr("Install the Media Feature Pack of Windows."));
+    EXPECT_THAT(shown_, HasSubstr("the cameras cannot be listed without Media Foundation"));
+}
+
 TEST_F(DiagnosticsProgramTest, AMachineThatHasEverythingIsFine) {
     const RegistryNumber driver(L"filter_driver_install", 1);
     const RegistryNumber algorithm(L"init_algorithm", 1);
