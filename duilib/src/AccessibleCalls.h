@@ -2,6 +2,8 @@
 // What the calls of the accessibility interfaces share. UI thread.
 #include <windows.h>
 
+#include <oleauto.h>
+
 #include <exception>
 #include <new>
 
