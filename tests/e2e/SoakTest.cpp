@@ -67,13 +67,16 @@ class SoakTest : public testing::Test {
     int Random(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
 
     // The window has painted, which comes after all mouse and key input that waited: no click is left that would find
-    // the window at another place, and the focus is where the last key put it.
+    // the window at another place, and the focus is where the last key put it. It is not minimised any more.
     bool Answers() const {
-        RedrawWindow(program_->Window(), nullptr, nullptr, RDW_INVALIDATE);
+        const HWND window = program_->Window();
+        RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE);
         const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (GetUpdateRect(program_->Window(), nullptr, FALSE)) {
+        while (IsIconic(window) || GetUpdateRect(window, nullptr, FALSE)) {
             if (std::chrono::steady_clock::now() > end)
                 return false;
+            if (IsIconic(window))
+                ShowWindow(window, SW_RESTORE);
             Sleep(1);
         }
         return true;
@@ -207,8 +210,6 @@ TEST_F(SoakTest, StandsRandomUseWithoutGrowing) {
     while (looks.size() < kLooks) {
         Act();
         ++actions;
-        if (IsIconic(program_->Window()))
-            ShowWindow(program_->Window(), SW_RESTORE);
         if (!Answers()) {
             program_->Screenshot(L"soak-hangs");
             FAIL() << "does not answer after " << actions << " actions";

@@ -175,6 +175,8 @@ void Program::ClickAt(POINT screen) const {
 
 bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     constexpr int kSteps = 8;
+    constexpr std::chrono::milliseconds kToldAgain{500};
+    constexpr std::chrono::seconds kPatienceOfAStep{4};
     RECT before = {};
     GetWindowRect(window_, &before);
     // Late news of where the pointer was before may bring it back: it has to stay.
@@ -188,15 +190,24 @@ bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     bool follows = true;
     for (int step = 1; step <= kSteps && follows; ++step) {
         const POINT moved = {by.cx * step / kSteps, by.cy * step / kSteps};
+        const POINT place = {gripScreen.x + moved.x, gripScreen.y + moved.y};
+        MoveTo(place);
+        auto told = std::chrono::steady_clock::now();
         // What the pointer does is told to the window by two ways, of which one may be late and bring it back: it is
-        // moved again until the window is there, by way of another place, for only a change is told.
-        follows = WaitUntil([&] {
-            MoveTo({gripScreen.x + moved.x + 1, gripScreen.y + moved.y});
-            MoveTo({gripScreen.x + moved.x, gripScreen.y + moved.y});
-            RECT now = {};
-            GetWindowRect(window_, &now);
-            return now.left == before.left + moved.x && now.top == before.top + moved.y;
-        });
+        // moved again then, by way of another place, for only a change is told. Not more often than needed: the news of
+        // the other place may be late too.
+        follows = WaitUntil(
+            [&] {
+                if (std::chrono::steady_clock::now() - told > kToldAgain) {
+                    MoveTo({place.x + 1, place.y});
+                    MoveTo(place);
+                    told = std::chrono::steady_clock::now();
+                }
+                RECT now = {};
+                GetWindowRect(window_, &now);
+                return now.left == before.left + moved.x && now.top == before.top + moved.y;
+            },
+            kPatienceOfAStep);
     }
     SendMouse(MOUSEEVENTF_LEFTUP);
     return follows;
