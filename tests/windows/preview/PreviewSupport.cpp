@@ -3,8 +3,6 @@
 #include <mfapi.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -26,13 +24,6 @@ std::string ReadFrom(const std::filesystem::path& path, std::uint64_t offset) {
     file.seekg(static_cast<std::streamoff>(offset));
     return {std::istreambuf_iterator<char>(file), {}};
 }
-
-// Threads of the software that draws may be in the midst of something when a test program ends, and some systems crash
-// then in their own cleaning up. By now everything of ours has been looked at, so the program ends without it.
-[[maybe_unused]] const int g_endsAtOnce = std::atexit([] {
-    std::fflush(nullptr);
-    TerminateProcess(GetCurrentProcess(), testing::UnitTest::GetInstance()->Passed() ? 0 : 1);
-});
 
 }  // namespace
 
