@@ -149,7 +149,6 @@ class BackgroundsTest : public testing::Test {
     }
 
     static constexpr wchar_t kQuestion[] = L"Delete Double Check";
-    static constexpr wchar_t kBox[] = L"MESSAGE BOX";
 
     fs::path own_;
     PipeServer service_;
@@ -197,10 +196,10 @@ TEST_F(BackgroundsTest, EachRefusalSaysWhatHappenedAndWhatToDo) {
                                    {L"too_wide.png", L"This picture is too large. Choose a picture of at most 4096"},
                                    {L"too_high.mov", L"This video is too large. Choose a video of at most 1920"}}) {
         ASSERT_NO_FATAL_FAILURE(Choose(Media(refusal.medium).lexically_normal()));
-        ASSERT_TRUE(WaitUntil([] { return CountWindows(kBox) == 1; }));
-        EXPECT_TRUE(BoxText(kBox).starts_with(refusal.text)) << refusal.medium;
+        ASSERT_TRUE(WaitUntil([] { return CountWindows(kMessageClass) == 1; }));
+        EXPECT_TRUE(BoxText(kMessageClass).starts_with(refusal.text)) << refusal.medium;
         program_->Screenshot(std::wstring(L"backgrounds-refused-") + refusal.medium);
-        ASSERT_NO_FATAL_FAILURE(AnswerWith(VK_RETURN, kBox));
+        ASSERT_NO_FATAL_FAILURE(AnswerWith(VK_RETURN, kMessageClass));
         EXPECT_TRUE(WaitUntil([this] { return IsChecked(L"none_background_btn"); }));
     }
     EXPECT_THAT(Stored(), IsEmpty());
@@ -271,9 +270,9 @@ TEST_F(BackgroundsTest, AVideoThatIsGoneIsToldAndTakenAway) {
     ASSERT_NO_FATAL_FAILURE(Add(Own(L"red.jpg", L"red.jpg"), 1));
     fs::remove(video);
     Select(Item(0));
-    ASSERT_TRUE(WaitUntil([] { return CountWindows(kBox) == 1; }));
-    EXPECT_NE(BoxText(kBox).find(L"may have been moved or deleted: add the video again"), std::wstring::npos);
-    ASSERT_NO_FATAL_FAILURE(AnswerWith(VK_ESCAPE, kBox));
+    ASSERT_TRUE(WaitUntil([] { return CountWindows(kMessageClass) == 1; }));
+    EXPECT_NE(BoxText(kMessageClass).find(L"may have been moved or deleted: add the video again"), std::wstring::npos);
+    ASSERT_NO_FATAL_FAILURE(AnswerWith(VK_ESCAPE, kMessageClass));
     EXPECT_FALSE(program_->Find(Item(0)));
     EXPECT_TRUE(WaitUntil([this] { return IsChecked(Item(1)); }));
     EXPECT_THAT(StoredNames(), ElementsAre(Item(1)));
@@ -330,7 +329,7 @@ TEST_F(BackgroundsTest, TheLongestPathIsTakenAndALongerOneIsTold) {
     ASSERT_NO_FATAL_FAILURE(OpenDialog(dialog));
     dialog.Choose(named(kLongest + 1).wstring());
     // The system's dialog says so and stays, or it ends and the program says so.
-    ASSERT_TRUE(WaitUntil([&] { return CountWindows(kBox) == 1 || CountWindows(L"#32770") == 2; }));
+    ASSERT_TRUE(WaitUntil([&] { return CountWindows(kMessageClass) == 1 || CountWindows(L"#32770") == 2; }));
     program_->Screenshot(L"backgrounds-longer-path");
     EXPECT_EQ(Stored().size(), 1U);
     DeleteFileW(longer.c_str());

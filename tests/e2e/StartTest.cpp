@@ -118,19 +118,20 @@ TEST_F(StartTest, AnInstanceThatIsGoneDoesNotBlockTheNext) {
 TEST_F(StartTest, WithoutMediaFoundationOnlyThePreviewDoesNotWork) {
     if (!MissingDll::CanBe())
         GTEST_SKIP() << "this system cannot be told to do without a DLL";
+    constexpr char kNoMediaFoundation[] =
+        "[L4] this system has no Media Foundation: no camera, no videos(HasMediaFoundation)";
     const MissingDll missing(L"Pixora.exe", L"mfplat");
     Install(1, 1);
     Program program;
     ASSERT_TRUE(program.WaitForWindow());
-    EXPECT_TRUE(
-        Machine::WaitForLog("[L4] this system has no Media Foundation: no camera, no videos(HasMediaFoundation)"));
+    EXPECT_TRUE(Machine::WaitForLog(kNoMediaFoundation));
     program.Click(L"preview_switch");
-    HWND box = nullptr;
-    ASSERT_TRUE(WaitUntil([&] { return (box = FindWindowW(L"MESSAGE BOX", nullptr)) && IsWindowVisible(box); }));
-    const AccessibleWindow content(box);
-    EXPECT_TRUE(content.Press(content.Find(L"msg_ok_btn")->id));
-    EXPECT_TRUE(WaitUntil([] { return CountWindows(L"MESSAGE BOX") == 0; }));
-    EXPECT_FALSE(program.Find(L"preview_switch")->state & STATE_SYSTEM_CHECKED);
+    const auto message = program.TakeMessage();
+    ASSERT_TRUE(message);
+    EXPECT_NE(message->find(L"The camera can’t be used."), std::wstring::npos);
+    const auto previewSwitch = program.Find(L"preview_switch");
+    ASSERT_TRUE(previewSwitch);
+    EXPECT_FALSE(previewSwitch->state & STATE_SYSTEM_CHECKED);
     program.Click(L"closebtn");
     EXPECT_EQ(program.WaitForEnd(), 0U);
 }

@@ -249,6 +249,20 @@ bool Program::Reveal(const std::wstring& name) const {
     });
 }
 
+std::optional<std::wstring> Program::TakeMessage() const {
+    HWND box = nullptr;
+    if (!WaitUntil([&] { return (box = FindWindowW(kMessageClass, nullptr)) && IsWindowVisible(box); }))
+        return std::nullopt;
+    const AccessibleWindow content(box);
+    const auto text = content.Find(L"msgbox_content");
+    const auto button = content.Find(L"msg_ok_btn");
+    if (!text || !button || CountWindows(kMessageClass) != 1 || !content.Press(button->id) ||
+        !WaitUntil([] { return CountWindows(kMessageClass) == 0; })) {
+        return std::nullopt;
+    }
+    return text->name;
+}
+
 void Program::PressKey(WORD key, bool alt) const {
     if (alt)
         SendKey(VK_MENU, 0);

@@ -50,6 +50,9 @@ class Program {
     // window did not follow each step.
     bool DragWindow(POINT gripScreen, SIZE by) const;
     void PressKey(WORD key, bool alt = false) const;
+    // Waits for a message box, presses its button and waits until it is gone; what it said. Nothing: none came, there
+    // were several, or it stayed.
+    std::optional<std::wstring> TakeMessage() const;
     // Notches away from the user, negative ones towards.
     void Wheel(int notches) const;
     // Scrolls the effects until the control is whole in sight; false when it cannot be.
@@ -70,5 +73,8 @@ class Program {
 
 // Visible top-level windows of the class, whoever they belong to.
 int CountWindows(const wchar_t* className);
+
+// Class of the program's message boxes.
+inline constexpr wchar_t kMessageClass[] = L"MESSAGE BOX";
 
 }  // namespace e2e

@@ -19,8 +19,8 @@ democamera::CameraSettings SmallCamera(democamera::CameraFormat format = democam
 // Pictures with the left half in one colour and the right half in another, 0x00RRGGBB.
 democamera::CameraSettings TwoColors(democamera::CameraSettings settings, std::uint32_t left, std::uint32_t right);
 
-// A preview on its windows; at the end closed and its renderer destroyed. The test program keeps the object until it
-// ends, to see that nobody else does.
+// A preview on its windows; at the end closed and its renderer destroyed. The test program keeps the object until
+// ReleaseFinished, to see that nobody else does.
 class RunningPreview {
   public:
     explicit RunningPreview(const TestWindow& window);
