@@ -11,8 +11,10 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
     # Paths below the tree are cached as relative ones, so that every working copy of the tree shares the results.
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
-                                    ${CCACHE_PROGRAM})
+    # A precompiled header is known by the .sum beside it, which is the same in each of them.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 CCACHE_PCH_EXTSUM=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
     set(CMAKE_C_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
@@ -27,7 +29,8 @@ endif()
 if(WIN32)
     target_compile_definitions(pixora_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                                                         _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006)
-    target_compile_options(pixora_options INTERFACE -fstack-protector-strong -g1 -gdwarf-4)
+    target_compile_options(pixora_options INTERFACE -fstack-protector-strong
+        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:PIXORA_TEST>>>:-g1$<SEMICOLON>-gdwarf-4>)
     target_compile_definitions(pixora_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>
                                                         $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
     target_link_options(pixora_options INTERFACE -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
@@ -61,14 +64,29 @@ function(pixora_static name)
     target_link_libraries(${name} PUBLIC pixora_options)
 endfunction()
 
+# pixora_test_options(target): tests are compiled far more often than they compute anything, and mostly the headers of
+# GoogleTest, Windows and the standard library: those are compiled once for all of them.
+function(pixora_test_options name)
+    set_target_properties(${name} PROPERTIES PIXORA_TEST ON)
+    if(WIN32)
+        target_compile_options(${name} PRIVATE -O1)
+        if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+            # GCC 12 gives this warning for short wide strings of the precompiled header's std::wstring.
+            target_compile_options(${name} PRIVATE -Wno-array-bounds)
+        endif()
+    endif()
+    if(NOT ${name} STREQUAL pixora_test_headers)
+        target_precompile_headers(${name} REUSE_FROM pixora_test_headers)
+    endif()
+endfunction()
+
 # pixora_windows_test(name SOURCES files... LIBS targets...): a GoogleTest program that ctest runs under Wine, on a
 # desktop of its own: mouse, keyboard, registry, pipes and folders are shared with no other test.
 function(pixora_windows_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
-    # Tests are compiled far more often than they compute anything.
-    target_compile_options(${name} PRIVATE -O1 -g0)
+    pixora_test_options(${name})
     add_test(NAME ${name} COMMAND ${name})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)
@@ -81,6 +99,7 @@ function(pixora_unit_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
+    pixora_test_options(${name})
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120)
 endfunction()
