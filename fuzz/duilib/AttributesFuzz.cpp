@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "AttributeParser.h"
-#include "ImageAttribute.h"
 #include "fuzz/support/Require.h"
+#include "markup/AttributeParser.h"
+#include "markup/ImageAttribute.h"
 #include "suite/common/Utf8.h"
 
 using namespace DuiLib;

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string>
 
-#include "HtmlLayout.h"
-#include "HtmlParser.h"
 #include "fuzz/support/Require.h"
 #include "suite/common/Utf8.h"
+#include "text/HtmlLayout.h"
+#include "text/HtmlParser.h"
 
 using namespace DuiLib;
 

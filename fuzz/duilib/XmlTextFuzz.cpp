@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "XmlText.h"
 #include "fuzz/support/Require.h"
+#include "markup/XmlText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view input{reinterpret_cast<const char*>(data), size};

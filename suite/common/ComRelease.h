@@ -1,12 +1,12 @@
 #pragma once
-// The one way in which COM pointers are given back: raw interface pointers are held, and released here.
+// The one place where references to COM objects are given back: raw interface pointers are released and made null.
 // Any thread; the interface's own rule counts.
 
 // Releases what the pointer holds, if anything, and makes it null.
 template <typename Interface>
 void ComRelease(Interface*& object) {
-    if (!object)
-        return;
-    object->Release();
-    object = nullptr;
+    if (object) {
+        object->Release();
+        object = nullptr;
+    }
 }

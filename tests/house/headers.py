@@ -1,5 +1,6 @@
 """Every header stands alone: its own source file includes it first, or it compiles by itself."""
 import concurrent.futures
+import glob
 import os
 import subprocess
 
@@ -16,7 +17,7 @@ def has_own_source(header):
     name = os.path.basename(header)[:-2]
     folders = [os.path.dirname(header)]
     if header.startswith("duilib/include/"):
-        folders.append("duilib/src")
+        folders += glob.glob("duilib/src/*")
     for folder in folders:
         source = os.path.join(folder, name + ".cpp")
         if os.path.exists(source):

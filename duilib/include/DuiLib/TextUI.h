@@ -2,7 +2,7 @@
 // Text that may carry markup and links.
 //
 // Attributes beside those of Label:
-//   showhtml: true | false, false     the text is markup (the subset is in src/HtmlParser.h)
+//   showhtml: true | false, false     the text is markup (the subset is in src/text/HtmlParser.h)
 //   linkcolor, hotlinkcolor: #AARRGGBB, the layout's link colours
 // A link is followed by a click, or by Tab to it and Enter; "link" is sent with its index in wParam and this control
 // as sender. The link that was followed last is the first that GetLinkContent gives: callers ask for link 0. A text

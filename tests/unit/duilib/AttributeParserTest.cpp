@@ -1,4 +1,4 @@
-#include "AttributeParser.h"
+#include "markup/AttributeParser.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "DirtyRegion.h"
+#include "paint/DirtyRegion.h"
 
 #include <gtest/gtest.h>
 

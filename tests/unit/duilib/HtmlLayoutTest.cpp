@@ -1,4 +1,4 @@
-#include "HtmlLayout.h"
+#include "text/HtmlLayout.h"
 
 #include <gmock/gmock.h>
 

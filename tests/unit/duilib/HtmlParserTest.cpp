@@ -1,4 +1,4 @@
-#include "HtmlParser.h"
+#include "text/HtmlParser.h"
 
 #include <gmock/gmock.h>
 

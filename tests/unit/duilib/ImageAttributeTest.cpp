@@ -1,4 +1,4 @@
-#include "ImageAttribute.h"
+#include "markup/ImageAttribute.h"
 
 #include <gtest/gtest.h>
 

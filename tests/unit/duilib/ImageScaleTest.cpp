@@ -1,4 +1,4 @@
-#include "ImageScale.h"
+#include "paint/ImageScale.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "LanguageFallback.h"
+#include "text/LanguageFallback.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "LayoutArithmetic.h"
+#include "layout/LayoutArithmetic.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "Raster.h"
+#include "paint/Raster.h"
 
 #include <gmock/gmock.h>
 

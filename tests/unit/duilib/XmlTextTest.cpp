@@ -1,4 +1,4 @@
-#include "XmlText.h"
+#include "markup/XmlText.h"
 
 #include <gtest/gtest.h>
 

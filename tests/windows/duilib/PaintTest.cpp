@@ -1,7 +1,7 @@
 // What a paint manager paints when, and what reaches the screen.
-#include "Canvas.h"
 #include "DuiLib/ContainerUI.h"
 #include "TestWindow.h"
+#include "paint/Canvas.h"
 
 namespace DuiLib::Test {
 namespace {

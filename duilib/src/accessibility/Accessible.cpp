@@ -1,0 +1,489 @@
+#include "accessibility/Accessible.h"
+
+#include <algorithm>
+#include <string>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/PaintManagerUI.h"
+#include "accessibility/AccessibleCalls.h"
+#include "accessibility/AccessibleIds.h"
+
+namespace DuiLib {
+namespace {
+
+// S_FALSE for an empty text, as the interface has it.
+HRESULT ToBstr(const std::wstring& text, BSTR* out) {
+    if (text.empty()) {
+        return S_FALSE;
+    }
+    *out = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.size()));
+    return *out != nullptr ? S_OK : E_OUTOFMEMORY;
+}
+
+bool IsEnabledInTree(const CControlUI& control) {
+    for (const CControlUI* c = &control; c != nullptr; c = c->GetParent()) {
+        if (!c->IsEnabled()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsScrolledAway(const CControlUI& control) {
+    Rect seen = control.GetPos();
+    for (const CControlUI* c = control.GetParent(); c != nullptr; c = c->GetParent()) {
+        seen = seen.Intersect(c->GetPos());
+    }
+    return seen.IsEmpty();
+}
+
+long StateOf(const CControlUI& control, const CPaintManagerUI& manager, long own) {
+    long state = own;
+    const bool enabled = IsEnabledInTree(control);
+    if (!enabled) {
+        state |= STATE_SYSTEM_UNAVAILABLE;
+    } else if (control.CanHaveFocus()) {
+        state |= STATE_SYSTEM_FOCUSABLE;
+    }
+    if (manager.GetFocus() == &control && ::GetFocus() == manager.GetPaintWindow()) {
+        state |= STATE_SYSTEM_FOCUSED;
+    }
+    if (enabled && manager.GetHot() == &control) {
+        state |= STATE_SYSTEM_HOTTRACKED;
+    }
+    if ((control.GetState() & kStatePushed) != 0) {
+        state |= STATE_SYSTEM_PRESSED;
+    }
+    if (IsScrolledAway(control)) {
+        state |= STATE_SYSTEM_OFFSCREEN;
+    }
+    return state;
+}
+
+}  // namespace
+
+UINT DefaultActionMessage() {
+    static const UINT message = RegisterWindowMessageW(L"DuiLib.DefaultAction");
+    return message;
+}
+
+HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
+    if (object == nullptr) {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID_IAccessible) {
+        *object = static_cast<IAccessible*>(this);
+        AddRef();
+        return S_OK;
+    }
+    if (iid != IID_IEnumVARIANT) {
+        return E_NOINTERFACE;
+    }
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    return Guarded([&] {
+        std::vector<long> ids;
+        for (const CControlUI* control : Elements()) {
+            ids.push_back(control->GetId());
+        }
+        *object = static_cast<IEnumVARIANT*>(new AccessibleIds(std::move(ids), 0));
+        return S_OK;
+    });
+}
+
+ULONG WindowAccessible::AddRef() {
+    return static_cast<ULONG>(InterlockedIncrement(&references_));
+}
+
+ULONG WindowAccessible::Release() {
+    const LONG left = InterlockedDecrement(&references_);
+    if (left == 0) {
+        delete this;
+    }
+    return static_cast<ULONG>(left);
+}
+
+HRESULT WindowAccessible::GetTypeInfoCount(UINT* count) {
+    if (count == nullptr) {
+        return E_POINTER;
+    }
+    *count = 0;
+    return S_OK;
+}
+
+std::vector<CControlUI*> WindowAccessible::Elements() const {
+    std::vector<CControlUI*> elements;
+    manager_->UpdateLayout();
+    if (CControlUI* const root = manager_->GetRoot()) {
+        root->Visit([&](CControlUI& control) {
+            if (control.IsShown() && control.GetAccessibleInfo().role != 0) {
+                elements.push_back(&control);
+            }
+            return true;
+        });
+    }
+    return elements;
+}
+
+HRESULT WindowAccessible::Find(const VARIANT& id, CControlUI*& control) const {
+    control = nullptr;
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    if (id.vt != VT_I4) {
+        return E_INVALIDARG;
+    }
+    if (id.lVal == CHILDID_SELF) {
+        return S_OK;
+    }
+    manager_->UpdateLayout();
+    CControlUI* const found = manager_->FindControlById(id.lVal);
+    if (found == nullptr || !found->IsShown() || found->GetAccessibleInfo().role == 0) {
+        return E_INVALIDARG;
+    }
+    control = found;
+    return S_OK;
+}
+
+template <typename Operation>
+HRESULT WindowAccessible::WithElement(const VARIANT& id, const Operation& operation) const {
+    return Guarded([&]() -> HRESULT {
+        CControlUI* control = nullptr;
+        const HRESULT found = Find(id, control);
+        return FAILED(found) ? found : operation(control);
+    });
+}
+
+HRESULT WindowAccessible::get_accParent(IDispatch** parent) {
+    if (parent == nullptr) {
+        return E_POINTER;
+    }
+    *parent = nullptr;
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    return AccessibleObjectFromWindow(manager_->GetPaintWindow(), static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch,
+                                      reinterpret_cast<void**>(parent));
+}
+
+HRESULT WindowAccessible::get_accChildCount(long* count) {
+    if (count == nullptr) {
+        return E_POINTER;
+    }
+    *count = 0;
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    return Guarded([&] {
+        *count = static_cast<long>(Elements().size());
+        return S_OK;
+    });
+}
+
+// Every child is a simple element: it has no object of its own.
+HRESULT WindowAccessible::get_accChild(VARIANT id, IDispatch** child) {
+    if (child == nullptr) {
+        return E_POINTER;
+    }
+    *child = nullptr;
+    return WithElement(id, [&](const CControlUI* control) {
+        return control == nullptr ? QueryInterface(IID_IDispatch, reinterpret_cast<void**>(child)) : S_FALSE;
+    });
+}
+
+HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
+    if (name == nullptr) {
+        return E_POINTER;
+    }
+    *name = nullptr;
+    return WithElement(id, [&](CControlUI* control) {
+        if (control != nullptr) {
+            return ToBstr(control->GetAccessibleInfo().name, name);
+        }
+        const HWND window = manager_->GetPaintWindow();
+        std::wstring title(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+        title.resize(static_cast<std::size_t>(GetWindowTextW(window, title.data(), static_cast<int>(title.size()))));
+        return ToBstr(title, name);
+    });
+}
+
+HRESULT WindowAccessible::get_accValue(VARIANT id, BSTR* value) {
+    if (value == nullptr) {
+        return E_POINTER;
+    }
+    *value = nullptr;
+    return WithElement(id, [&](CControlUI* control) {
+        return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().value, value);
+    });
+}
+
+HRESULT WindowAccessible::get_accDescription(VARIANT id, BSTR* description) {
+    if (description == nullptr) {
+        return E_POINTER;
+    }
+    *description = nullptr;
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr) {
+            return S_FALSE;
+        }
+        // The tooltip, where it says more than the name.
+        const std::wstring& toolTip = control->GetToolTip();
+        return toolTip == control->GetAccessibleInfo().name ? S_FALSE : ToBstr(toolTip, description);
+    });
+}
+
+HRESULT WindowAccessible::get_accRole(VARIANT id, VARIANT* role) {
+    if (role == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(role);
+    return WithElement(id, [&](const CControlUI* control) {
+        *role = ToVariant(control != nullptr ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::get_accState(VARIANT id, VARIANT* state) {
+    if (state == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(state);
+    return WithElement(id, [&](CControlUI* control) {
+        if (control != nullptr) {
+            *state = ToVariant(StateOf(*control, *manager_, control->GetAccessibleInfo().state));
+            return S_OK;
+        }
+        const HWND window = manager_->GetPaintWindow();
+        long own = STATE_SYSTEM_FOCUSABLE;
+        own |= IsWindowVisible(window) ? 0 : STATE_SYSTEM_INVISIBLE;
+        own |= IsWindowEnabled(window) ? 0 : STATE_SYSTEM_UNAVAILABLE;
+        own |= ::GetFocus() == window && manager_->GetFocus() == nullptr ? STATE_SYSTEM_FOCUSED : 0;
+        *state = ToVariant(own);
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::get_accHelp(VARIANT, BSTR* help) {
+    if (help == nullptr) {
+        return E_POINTER;
+    }
+    *help = nullptr;
+    return S_FALSE;
+}
+
+HRESULT WindowAccessible::get_accHelpTopic(BSTR* file, VARIANT id, long* topic) {
+    if (file == nullptr || topic == nullptr) {
+        return E_POINTER;
+    }
+    *file = nullptr;
+    *topic = 0;
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr) {
+            return S_FALSE;
+        }
+        *topic = control->GetId();
+        return ToBstr(control->GetName(), file);
+    });
+}
+
+HRESULT WindowAccessible::get_accKeyboardShortcut(VARIANT, BSTR* shortcut) {
+    if (shortcut == nullptr) {
+        return E_POINTER;
+    }
+    *shortcut = nullptr;
+    return S_FALSE;
+}
+
+HRESULT WindowAccessible::get_accFocus(VARIANT* child) {
+    if (child == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(child);
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    if (::GetFocus() != manager_->GetPaintWindow()) {
+        return S_FALSE;
+    }
+    const CControlUI* const control = manager_->GetFocus();
+    *child = ToVariant(control != nullptr ? control->GetId() : CHILDID_SELF);
+    return S_OK;
+}
+
+HRESULT WindowAccessible::get_accSelection(VARIANT* children) {
+    if (children == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(children);
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    return Guarded([&] {
+        std::vector<long> ids;
+        for (const CControlUI* control : Elements()) {
+            if ((control->GetAccessibleInfo().state & STATE_SYSTEM_SELECTED) != 0) {
+                ids.push_back(control->GetId());
+            }
+        }
+        if (ids.empty()) {
+            return S_FALSE;
+        }
+        if (ids.size() == 1) {
+            *children = ToVariant(ids.front());
+        } else {
+            children->punkVal = new AccessibleIds(std::move(ids), 0);
+            children->vt = VT_UNKNOWN;
+        }
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::get_accDefaultAction(VARIANT id, BSTR* action) {
+    if (action == nullptr) {
+        return E_POINTER;
+    }
+    *action = nullptr;
+    return WithElement(id, [&](CControlUI* control) {
+        return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().defaultAction, action);
+    });
+}
+
+HRESULT WindowAccessible::accSelect(long flags, VARIANT id) {
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr || (flags & ~(SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION)) != 0) {
+            return E_INVALIDARG;
+        }
+        if ((flags & SELFLAG_TAKESELECTION) != 0) {
+            const AccessibleInfo info = control->GetAccessibleInfo();
+            if ((info.state & STATE_SYSTEM_SELECTABLE) == 0) {
+                return E_INVALIDARG;
+            }
+            if ((info.state & STATE_SYSTEM_SELECTED) == 0 && accDoDefaultAction(id) != S_OK) {
+                return S_FALSE;
+            }
+        }
+        if ((flags & SELFLAG_TAKEFOCUS) != 0) {
+            if (!control->CanHaveFocus()) {
+                return S_FALSE;
+            }
+            manager_->SetFocus(control, true);
+        }
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::accLocation(long* left, long* top, long* width, long* height, VARIANT id) {
+    if (left == nullptr || top == nullptr || width == nullptr || height == nullptr) {
+        return E_POINTER;
+    }
+    *left = *top = *width = *height = 0;
+    return WithElement(id, [&](CControlUI* control) {
+        const HWND window = manager_->GetPaintWindow();
+        RECT px{};
+        if (control != nullptr) {
+            const Rect& pos = control->GetPos();
+            px = {pos.left, pos.top, pos.right, pos.bottom};
+        } else {
+            GetClientRect(window, &px);
+        }
+        MapWindowPoints(window, HWND_DESKTOP, reinterpret_cast<POINT*>(&px), 2);
+        *left = px.left;
+        *top = px.top;
+        *width = px.right - px.left;
+        *height = px.bottom - px.top;
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* end) {
+    if (end == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(end);
+    return WithElement(start, [&](CControlUI* control) {
+        const std::vector<CControlUI*> elements = Elements();
+        const auto at = std::find(elements.begin(), elements.end(), control);
+        const CControlUI* target = nullptr;
+        switch (direction) {
+            case NAVDIR_FIRSTCHILD:
+            case NAVDIR_LASTCHILD:
+                if (control == nullptr && !elements.empty()) {
+                    target = direction == NAVDIR_FIRSTCHILD ? elements.front() : elements.back();
+                }
+                break;
+            case NAVDIR_NEXT:
+            case NAVDIR_DOWN:
+            case NAVDIR_RIGHT:
+                if (at != elements.end() && at + 1 != elements.end()) {
+                    target = *(at + 1);
+                }
+                break;
+            case NAVDIR_PREVIOUS:
+            case NAVDIR_UP:
+            case NAVDIR_LEFT:
+                if (at != elements.end() && at != elements.begin()) {
+                    target = *(at - 1);
+                }
+                break;
+            default:
+                return E_INVALIDARG;
+        }
+        if (target == nullptr) {
+            return S_FALSE;
+        }
+        *end = ToVariant(target->GetId());
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::accHitTest(long left, long top, VARIANT* child) {
+    if (child == nullptr) {
+        return E_POINTER;
+    }
+    VariantInit(child);
+    if (manager_ == nullptr) {
+        return CO_E_OBJNOTCONNECTED;
+    }
+    return Guarded([&] {
+        POINT p{left, top};
+        const HWND window = manager_->GetPaintWindow();
+        ScreenToClient(window, &p);
+        RECT client{};
+        GetClientRect(window, &client);
+        if (!PtInRect(&client, p)) {
+            return S_FALSE;
+        }
+        // What lies under the point may be a mere decoration of an element.
+        const CControlUI* control = manager_->FindControl(p);
+        while (control != nullptr && control->GetAccessibleInfo().role == 0) {
+            control = control->GetParent();
+        }
+        *child = ToVariant(control != nullptr ? control->GetId() : CHILDID_SELF);
+        return S_OK;
+    });
+}
+
+HRESULT WindowAccessible::accDoDefaultAction(VARIANT id) {
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr || control->GetAccessibleInfo().defaultAction.empty()) {
+            return DISP_E_MEMBERNOTFOUND;
+        }
+        if (!IsEnabledInTree(*control) || !IsWindowEnabled(manager_->GetPaintWindow())) {
+            return S_FALSE;
+        }
+        return PostMessageW(manager_->GetPaintWindow(), DefaultActionMessage(), 0, control->GetId()) ? S_OK : E_FAIL;
+    });
+}
+
+HRESULT WindowAccessible::put_accValue(VARIANT id, BSTR value) {
+    return WithElement(id, [&](CControlUI* control) {
+        if (control == nullptr || value == nullptr || !IsEnabledInTree(*control)) {
+            return E_INVALIDARG;
+        }
+        return control->SetAccessibleValue(std::wstring(value, SysStringLen(value))) ? S_OK : E_INVALIDARG;
+    });
+}
+
+}  // namespace DuiLib

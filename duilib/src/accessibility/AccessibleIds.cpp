@@ -1,0 +1,69 @@
+#include "accessibility/AccessibleIds.h"
+
+#include <algorithm>
+
+#include "accessibility/AccessibleCalls.h"
+
+namespace DuiLib {
+
+HRESULT AccessibleIds::QueryInterface(REFIID iid, void** object) {
+    if (object == nullptr) {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) {
+        return E_NOINTERFACE;
+    }
+    *object = static_cast<IEnumVARIANT*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG AccessibleIds::AddRef() {
+    return static_cast<ULONG>(InterlockedIncrement(&references_));
+}
+
+ULONG AccessibleIds::Release() {
+    const LONG left = InterlockedDecrement(&references_);
+    if (left == 0) {
+        delete this;
+    }
+    return static_cast<ULONG>(left);
+}
+
+HRESULT AccessibleIds::Next(ULONG count, VARIANT* items, ULONG* fetched) {
+    if (items == nullptr) {
+        return E_POINTER;
+    }
+    ULONG given = 0;
+    while (given < count && next_ < ids_.size()) {
+        items[given++] = ToVariant(ids_[next_++]);
+    }
+    if (fetched != nullptr) {
+        *fetched = given;
+    }
+    return given == count ? S_OK : S_FALSE;
+}
+
+HRESULT AccessibleIds::Skip(ULONG count) {
+    const std::size_t rest = ids_.size() - next_;
+    next_ += std::min<std::size_t>(count, rest);
+    return count <= rest ? S_OK : S_FALSE;
+}
+
+HRESULT AccessibleIds::Reset() {
+    next_ = 0;
+    return S_OK;
+}
+
+HRESULT AccessibleIds::Clone(IEnumVARIANT** copy) {
+    if (copy == nullptr) {
+        return E_POINTER;
+    }
+    return Guarded([&] {
+        *copy = new AccessibleIds(ids_, next_);
+        return S_OK;
+    });
+}
+
+}  // namespace DuiLib

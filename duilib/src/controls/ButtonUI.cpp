@@ -1,0 +1,264 @@
+#include "DuiLib/ButtonUI.h"
+
+#include <oleacc.h>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/PaintManagerUI.h"
+#include "controls/ImageSetting.h"
+#include "markup/AttributeTable.h"
+#include "paint/Canvas.h"
+
+namespace DuiLib {
+
+struct ButtonAttributes {
+    template <std::wstring CButtonUI::*image>
+    static bool Image(CButtonUI& c, std::wstring_view value) {
+        if (!IsImageSetting(value)) {
+            return false;
+        }
+        c.ChangeImage(c.*image, std::wstring(value));
+        return true;
+    }
+    template <DWORD CButtonUI::*color>
+    static bool Color(CButtonUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
+            c.*color = argb;
+            c.Invalidate();
+        });
+    }
+
+    static constexpr AttributeEntry<CButtonUI> kTable[] = {
+        {L"normalimage", Image<&CButtonUI::normalImage_>},
+        {L"hotimage", Image<&CButtonUI::hotImage_>},
+        {L"pushedimage", Image<&CButtonUI::pushedImage_>},
+        {L"focusedimage", Image<&CButtonUI::focusedImage_>},
+        {L"disabledimage", Image<&CButtonUI::disabledImage_>},
+        {L"hotbkcolor", Color<&CButtonUI::hotBkColor_>},
+        {L"pushedbkcolor", Color<&CButtonUI::pushedBkColor_>},
+        {L"disabledbkcolor", Color<&CButtonUI::disabledBkColor_>},
+        {L"hottextcolor", Color<&CButtonUI::hotTextColor_>},
+        {L"pushedtextcolor", Color<&CButtonUI::pushedTextColor_>},
+    };
+};
+
+CButtonUI::CButtonUI() {
+    SetAlign(HAlign::Center);
+}
+
+AttributeResult CButtonUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
+    const AttributeResult result = ApplyFromTable(ButtonAttributes::kTable, *this, name, value);
+    return result == AttributeResult::Unknown ? CLabelUI::ApplyAttribute(name, value) : result;
+}
+
+AccessibleInfo CButtonUI::GetAccessibleInfo() const {
+    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    AccessibleInfo info = CControlUI::GetAccessibleInfo();
+    info.role = checked_ ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_PUSHBUTTON;
+    info.defaultAction = !checked_ ? L"Press" : *checked_ ? L"Uncheck" : L"Check";
+    info.state |= checked_.value_or(false) ? STATE_SYSTEM_CHECKED : 0;
+    info.state |= (GetState() & kStatePushed) != 0 ? STATE_SYSTEM_PRESSED : 0;
+    info.state |= (GetState() & kStateHot) != 0 ? STATE_SYSTEM_HOTTRACKED : 0;
+    return info;
+}
+
+void CButtonUI::SetChecked(bool checked) {
+    if (checked_ != checked) {
+        checked_ = checked;
+        if (GetManager() != nullptr) {
+            GetManager()->NotifyAccessible(this, EVENT_OBJECT_STATECHANGE);
+        }
+    }
+}
+
+bool CButtonUI::IsUsable() const {
+    for (const CControlUI* control = this; control != nullptr; control = control->GetParent()) {
+        if (!control->IsEnabled()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CButtonUI::Activate() {
+    if (IsUsable()) {
+        SendNotify(NotifyType::kClick);
+    }
+}
+
+void CButtonUI::SetEnabled(bool enabled) {
+    if (!enabled) {
+        const bool captured = (GetState() & kStateCaptured) != 0;
+        SetState(GetState() & ~(kStateHot | kStatePushed | kStateCaptured));
+        if (captured && GetManager() != nullptr) {
+            GetManager()->ReleaseCapture();
+        }
+    }
+    CLabelUI::SetEnabled(enabled);
+}
+
+// --- events
+
+void CButtonUI::DoEvent(const TEventUI& event) {
+    switch (event.type) {
+        case EventType::MouseEnter:
+            if (IsEnabled()) {
+                FollowPointer(event.mousePx);
+                SetState(GetState() | kStateHot);
+                entered_ = true;
+                SendNotify(NotifyType::kMouseEnter);
+            }
+            return;
+        case EventType::MouseLeave:
+            SetState(GetState() & ~(kStateHot | ((GetState() & kStateCaptured) != 0 ? kStatePushed : 0)));
+            if (entered_) {
+                entered_ = false;
+                SendNotify(NotifyType::kMouseLeave);
+            }
+            return;
+        case EventType::MouseMove:
+            FollowPointer(event.mousePx);
+            return;
+        case EventType::ButtonDown:
+            if (IsEnabled()) {
+                SetState(GetState() | kStateHot | kStatePushed | kStateCaptured);
+                if (GetManager() != nullptr) {
+                    GetManager()->SetCapture(this);
+                }
+                SendNotify(NotifyType::kButtonDown);
+            }
+            return;
+        case EventType::ButtonUp:
+            ButtonUp(event.mousePx);
+            return;
+        case EventType::CaptureLost:
+            SetState(GetState() & ~(kStatePushed | kStateCaptured));
+            return;
+        case EventType::KeyDown:
+        case EventType::KeyUp:
+            if (HandleKey(event)) {
+                return;
+            }
+            break;
+        case EventType::KillFocus:
+            if ((GetState() & kStateCaptured) == 0) {
+                SetState(GetState() & ~kStatePushed);
+            }
+            break;
+        default:
+            break;
+    }
+    CLabelUI::DoEvent(event);
+}
+
+void CButtonUI::FollowPointer(Point mousePx) {
+    if (!IsEnabled()) {
+        return;
+    }
+    const bool inside = GetPos().Contains(mousePx);
+    const unsigned looks = kStateHot | ((GetState() & kStateCaptured) != 0 ? kStatePushed : 0);
+    SetState(inside ? GetState() | looks : GetState() & ~looks);
+}
+
+void CButtonUI::ButtonUp(Point mousePx) {
+    if ((GetState() & kStateCaptured) == 0) {
+        return;
+    }
+    const bool inside = GetPos().Contains(mousePx);
+    SetState(GetState() & ~(kStatePushed | kStateCaptured));
+    if (GetManager() != nullptr) {
+        GetManager()->ReleaseCapture();
+    }
+    if (inside) {
+        Activate();
+    }
+}
+
+bool CButtonUI::HandleKey(const TEventUI& event) {
+    if (event.key != VK_SPACE && event.key != VK_RETURN) {
+        return false;
+    }
+    const bool byMouse = (GetState() & kStateCaptured) != 0;
+    if (event.repeat || byMouse || !IsEnabled()) {
+        return true;
+    }
+    if (event.key == VK_RETURN) {
+        if (event.type == EventType::KeyDown) {
+            Activate();
+        }
+    } else if (event.type == EventType::KeyDown) {
+        SetState(GetState() | kStatePushed);
+    } else if ((GetState() & kStatePushed) != 0) {
+        SetState(GetState() & ~kStatePushed);
+        Activate();
+    }
+    return true;
+}
+
+// --- look
+
+void CButtonUI::ChangeImage(std::wstring& image, const std::wstring& imageAttribute) {
+    if (image != imageAttribute) {
+        image = imageAttribute;
+        Invalidate();
+    }
+}
+
+void CButtonUI::SetNormalImage(const std::wstring& imageAttribute) {
+    ChangeImage(normalImage_, imageAttribute);
+}
+
+void CButtonUI::SetHotImage(const std::wstring& imageAttribute) {
+    ChangeImage(hotImage_, imageAttribute);
+}
+
+void CButtonUI::SetPushedImage(const std::wstring& imageAttribute) {
+    ChangeImage(pushedImage_, imageAttribute);
+}
+
+void CButtonUI::SetDisabledImage(const std::wstring& imageAttribute) {
+    ChangeImage(disabledImage_, imageAttribute);
+}
+
+const std::wstring& CButtonUI::CurrentImage() const {
+    const unsigned state = GetState();
+    const bool focused = IsFocused() && GetManager() != nullptr && GetManager()->IsFocusRingShown();
+    if (!IsEnabled()) {
+        return disabledImage_.empty() ? normalImage_ : disabledImage_;
+    }
+    if ((state & kStatePushed) != 0 && !pushedImage_.empty()) {
+        return pushedImage_;
+    }
+    if ((state & (kStateHot | kStatePushed)) != 0 && !hotImage_.empty()) {
+        return hotImage_;
+    }
+    return focused && !focusedImage_.empty() ? focusedImage_ : normalImage_;
+}
+
+DWORD CButtonUI::CurrentBkColor() const {
+    if (!IsEnabled()) {
+        return disabledBkColor_ != 0 ? disabledBkColor_ : GetBkColor();
+    }
+    if ((GetState() & kStatePushed) != 0 && pushedBkColor_ != 0) {
+        return pushedBkColor_;
+    }
+    return (GetState() & (kStateHot | kStatePushed)) != 0 && hotBkColor_ != 0 ? hotBkColor_ : GetBkColor();
+}
+
+DWORD CButtonUI::CurrentTextColor() const {
+    if (IsEnabled() && (GetState() & kStatePushed) != 0 && pushedTextColor_ != 0) {
+        return pushedTextColor_;
+    }
+    const bool hot = IsEnabled() && (GetState() & (kStateHot | kStatePushed)) != 0 && hotTextColor_ != 0;
+    return hot ? hotTextColor_ : CLabelUI::CurrentTextColor();
+}
+
+void CButtonUI::PaintImages(Canvas& canvas) {
+    PaintImage(canvas, CurrentImage());
+}
+
+void CButtonUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
+    PaintImages(canvas);
+    CLabelUI::PaintContent(canvas, dirtyPx);
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,160 @@
+#include "DuiLib/LabelUI.h"
+
+#include <oleacc.h>
+
+#include "DuiLib/PaintManagerUI.h"
+#include "markup/AttributeTable.h"
+#include "paint/Canvas.h"
+#include "text/TextRenderer.h"
+
+namespace DuiLib {
+
+struct LabelAttributes {
+    static bool Font(CLabelUI& c, std::wstring_view value) {
+        return ApplyNumber(value, -1, [&](int index) { c.SetFont(index); });
+    }
+    static bool TextColor(CLabelUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetTextColor(argb); });
+    }
+    static bool DisabledTextColor(CLabelUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetDisabledTextColor(argb); });
+    }
+    static bool VerticalAlign(CLabelUI& c, std::wstring_view value) {
+        if (value == L"top") {
+            c.valign_ = CLabelUI::VAlign::Top;
+        } else if (value == L"center") {
+            c.valign_ = CLabelUI::VAlign::Center;
+        } else if (value == L"bottom") {
+            c.valign_ = CLabelUI::VAlign::Bottom;
+        } else {
+            return false;
+        }
+        c.Invalidate();
+        return true;
+    }
+    static bool TextPadding(CLabelUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseRect(value), [&](const Rect& dip) {
+            c.textPaddingDip_ = dip;
+            Rearrange(c);
+        });
+    }
+    static bool WordWrap(CLabelUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool wrap) {
+            c.wordWrap_ = wrap;
+            Rearrange(c);
+        });
+    }
+    static bool EndEllipsis(CLabelUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool cut) {
+            c.endEllipsis_ = cut;
+            c.Invalidate();
+        });
+    }
+    static void Rearrange(CLabelUI& c) {
+        c.Invalidate();
+        c.NeedUpdate();
+    }
+
+    static constexpr AttributeEntry<CLabelUI> kTable[] = {
+        {L"font", Font},
+        {L"textcolor", TextColor},
+        {L"disabledtextcolor", DisabledTextColor},
+        {L"valign", VerticalAlign},
+        {L"textpadding", TextPadding},
+        {L"wordwrap", WordWrap},
+        {L"endellipsis", EndEllipsis},
+    };
+};
+
+AttributeResult CLabelUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
+    const AttributeResult result = ApplyFromTable(LabelAttributes::kTable, *this, name, value);
+    return result == AttributeResult::Unknown ? CControlUI::ApplyAttribute(name, value) : result;
+}
+
+AccessibleInfo CLabelUI::GetAccessibleInfo() const {
+    AccessibleInfo info = CControlUI::GetAccessibleInfo();
+    if (!info.name.empty()) {
+        info.role = ROLE_SYSTEM_STATICTEXT;
+        info.state |= STATE_SYSTEM_READONLY;
+    }
+    return info;
+}
+
+void CLabelUI::SetFont(int index) {
+    if (font_ != index) {
+        font_ = index;
+        LabelAttributes::Rearrange(*this);
+    }
+}
+
+void CLabelUI::SetTextColor(DWORD argb) {
+    if (textColor_ != argb) {
+        textColor_ = argb;
+        Invalidate();
+    }
+}
+
+void CLabelUI::SetDisabledTextColor(DWORD argb) {
+    if (disabledTextColor_ != argb) {
+        disabledTextColor_ = argb;
+        Invalidate();
+    }
+}
+
+UINT CLabelUI::GetTextStyle() const {
+    UINT style = DT_NOPREFIX;
+    if (wordWrap_) {
+        style |= DT_WORDBREAK;
+    } else if (GetText().find(L'\n') == std::wstring::npos) {
+        style |= DT_SINGLELINE;
+    }
+    style |= endEllipsis_ ? DT_END_ELLIPSIS : 0;
+    style |= valign_ == VAlign::Center ? DT_VCENTER : valign_ == VAlign::Bottom ? DT_BOTTOM : DT_TOP;
+    const bool rightToLeft = IsRightToLeft();
+    if (GetAlign() == HAlign::Center) {
+        style |= DT_CENTER;
+    } else if ((GetAlign() == HAlign::Right) != rightToLeft) {
+        style |= DT_RIGHT;
+    }
+    return style | (rightToLeft ? DT_RTLREADING : 0);
+}
+
+DWORD CLabelUI::CurrentTextColor() const {
+    if (!IsEnabled()) {
+        return disabledTextColor_ != 0 || GetManager() == nullptr ? disabledTextColor_
+                                                                  : GetManager()->GetWindowSpec().disabledTextColor;
+    }
+    return textColor_ != 0 || GetManager() == nullptr ? textColor_ : GetManager()->GetWindowSpec().textColor;
+}
+
+Rect CLabelUI::TextPaddingPx() const {
+    Rect px{ToPx(textPaddingDip_.left), ToPx(textPaddingDip_.top), ToPx(textPaddingDip_.right),
+            ToPx(textPaddingDip_.bottom)};
+    if (IsRightToLeft()) {
+        std::swap(px.left, px.right);
+    }
+    return px;
+}
+
+Rect CLabelUI::TextRectPx() const {
+    return GetPos().Deflate(TextPaddingPx());
+}
+
+Size CLabelUI::MeasureContent(Size availablePx) {
+    const Rect padding = TextPaddingPx();
+    Size size{padding.left + padding.right, padding.top + padding.bottom};
+    if (GetManager() != nullptr) {
+        const Size text = MeasureText(GetManager()->GetPaintDC(), GetManager()->GetFont(font_), GetText(),
+                                      availablePx.cx - size.cx, GetTextStyle());
+        size = {size.cx + text.cx, size.cy + text.cy};
+    }
+    return size;
+}
+
+void CLabelUI::PaintContent(Canvas& canvas, const Rect&) {
+    if (GetManager() != nullptr && !GetText().empty()) {
+        canvas.DrawText(GetText(), TextRectPx(), GetManager()->GetFont(font_), CurrentTextColor(), GetTextStyle());
+    }
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,226 @@
+#include "DuiLib/OptionUI.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/PaintManagerUI.h"
+#include "controls/ImageSetting.h"
+#include "markup/AttributeTable.h"
+#include "paint/Canvas.h"
+
+namespace DuiLib {
+
+struct OptionAttributes {
+    static bool Group(COptionUI& c, std::wstring_view value) {
+        c.SetGroup(std::wstring(value));
+        return true;
+    }
+    static bool Selected(COptionUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool selected) { c.SetSelected(selected); });
+    }
+    template <std::wstring COptionUI::*image>
+    static bool Image(COptionUI& c, std::wstring_view value) {
+        if (!IsImageSetting(value)) {
+            return false;
+        }
+        c.ChangeImage(c.*image, std::wstring(value));
+        return true;
+    }
+    template <DWORD COptionUI::*color>
+    static bool Color(COptionUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
+            c.*color = argb;
+            c.Invalidate();
+        });
+    }
+
+    static constexpr AttributeEntry<COptionUI> kTable[] = {
+        {L"group", Group},
+        {L"selected", Selected},
+        {L"selectedimage", Image<&COptionUI::selectedImage_>},
+        {L"selectedhotimage", Image<&COptionUI::selectedHotImage_>},
+        {L"foreimage", Image<&COptionUI::foreImage_>},
+        {L"selectedbkcolor", Color<&COptionUI::selectedBkColor_>},
+        {L"selectedtextcolor", Color<&COptionUI::selectedTextColor_>},
+    };
+};
+
+AttributeResult COptionUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
+    const AttributeResult result = ApplyFromTable(OptionAttributes::kTable, *this, name, value);
+    return result == AttributeResult::Unknown ? CButtonUI::ApplyAttribute(name, value) : result;
+}
+
+AccessibleInfo COptionUI::GetAccessibleInfo() const {
+    AccessibleInfo info = CButtonUI::GetAccessibleInfo();
+    info.role = group_.empty() ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_RADIOBUTTON;
+    info.state |= IsSelected() ? STATE_SYSTEM_CHECKED : 0;
+    info.defaultAction = !group_.empty() ? L"Select" : IsSelected() ? L"Uncheck" : L"Check";
+    return info;
+}
+
+std::vector<COptionUI*> COptionUI::GroupMembers() const {
+    std::vector<COptionUI*> members;
+    CContainerUI* top = GetParent();
+    while (top != nullptr && top->GetParent() != nullptr) {
+        top = top->GetParent();
+    }
+    if (top != nullptr && !group_.empty()) {
+        top->Visit([&](CControlUI& control) {
+            auto* option = dynamic_cast<COptionUI*>(&control);
+            if (option != nullptr && option->group_ == group_) {
+                members.push_back(option);
+            }
+            return true;
+        });
+    }
+    return members;
+}
+
+void COptionUI::SetSelected(bool selected) {
+    if (IsSelected() == selected) {
+        return;
+    }
+    // All states first, so that whoever is notified sees one selected option; then the notifications, each only if its
+    // control is still there.
+    struct Change {
+        long id;
+        bool selected;
+    };
+    std::vector<Change> changes;
+    if (selected) {
+        for (COptionUI* other : GroupMembers()) {
+            if (other != this && other->IsSelected()) {
+                other->SetState(other->GetState() & ~kStateSelected);
+                changes.push_back({other->GetId(), false});
+            }
+        }
+    }
+    SetState(selected ? GetState() | kStateSelected : GetState() & ~kStateSelected);
+    changes.push_back({GetId(), selected});
+    CPaintManagerUI* const manager = GetManager();
+    if (manager == nullptr) {
+        return;
+    }
+    for (const Change& change : changes) {
+        if (CControlUI* control = manager->FindControlById(change.id)) {
+            manager->NotifyAccessible(control, EVENT_OBJECT_STATECHANGE);
+            manager->SendNotify(control, NotifyType::kSelectChanged, change.selected ? 1 : 0);
+        }
+    }
+}
+
+void COptionUI::Activate() {
+    if (!IsUsable()) {
+        return;
+    }
+    CPaintManagerUI* const manager = GetManager();
+    const long id = GetId();
+    SetSelected(group_.empty() ? !IsSelected() : true);
+    if (manager != nullptr && manager->FindControlById(id) == this) {
+        SendNotify(NotifyType::kClick);
+    }
+}
+
+// --- keyboard
+
+bool COptionUI::IsTabStop() const {
+    if (group_.empty() || !CanHaveFocus()) {
+        return CanHaveFocus();
+    }
+    const COptionUI* first = nullptr;
+    for (const COptionUI* member : GroupMembers()) {
+        if (!member->CanHaveFocus()) {
+            continue;
+        }
+        if (member->IsSelected()) {
+            return member == this;
+        }
+        first = first != nullptr ? first : member;
+    }
+    return first == nullptr || first == this;
+}
+
+COptionUI* COptionUI::NeighbourFor(WORD key) const {
+    std::vector<COptionUI*> members = GroupMembers();
+    std::erase_if(members, [this](const COptionUI* m) { return m != this && !m->CanHaveFocus(); });
+    const auto self = std::find(members.begin(), members.end(), this);
+    if (members.size() < 2 || self == members.end()) {
+        return nullptr;
+    }
+    const bool vertical = key == VK_UP || key == VK_DOWN;
+    const bool forward = vertical ? key == VK_DOWN : (key == VK_RIGHT) != IsRightToLeft();
+    if (vertical) {
+        // The nearest row, and in it the option that is nearest to this one's column.
+        COptionUI* best = nullptr;
+        const auto distance = [this](const COptionUI* m) {
+            return std::pair(std::abs(m->GetPos().top - GetPos().top), std::abs(m->GetPos().left - GetPos().left));
+        };
+        for (COptionUI* member : members) {
+            const bool beyond =
+                forward ? member->GetPos().top >= GetPos().bottom : member->GetPos().bottom <= GetPos().top;
+            if (beyond && (best == nullptr || distance(member) < distance(best))) {
+                best = member;
+            }
+        }
+        if (best != nullptr) {
+            return best;
+        }
+    }
+    const size_t at = static_cast<size_t>(self - members.begin());
+    return members[(at + (forward ? 1 : members.size() - 1)) % members.size()];
+}
+
+void COptionUI::DoEvent(const TEventUI& event) {
+    const bool arrow = event.key == VK_LEFT || event.key == VK_RIGHT || event.key == VK_UP || event.key == VK_DOWN;
+    if (event.type != EventType::KeyDown || !arrow || group_.empty() || GetManager() == nullptr) {
+        CButtonUI::DoEvent(event);
+        return;
+    }
+    CPaintManagerUI* const manager = GetManager();
+    if (COptionUI* neighbour = NeighbourFor(event.key)) {
+        const long id = neighbour->GetId();
+        manager->SetFocus(neighbour, true);
+        if (!event.control && manager->FindControlById(id) == neighbour) {
+            neighbour->Activate();
+        }
+    }
+}
+
+// --- look
+
+void COptionUI::SetSelectedImage(const std::wstring& imageAttribute) {
+    ChangeImage(selectedImage_, imageAttribute);
+}
+
+const std::wstring& COptionUI::CurrentImage() const {
+    if (IsSelected() && IsEnabled()) {
+        const bool hot = (GetState() & (kStateHot | kStatePushed)) != 0;
+        if (hot && !selectedHotImage_.empty()) {
+            return selectedHotImage_;
+        }
+        if (!selectedImage_.empty()) {
+            return selectedImage_;
+        }
+    }
+    const std::wstring& image = CButtonUI::CurrentImage();
+    const bool disabledSelected = IsSelected() && !IsEnabled() && &image == &GetNormalImage();
+    return disabledSelected && !selectedImage_.empty() ? selectedImage_ : image;
+}
+
+void COptionUI::PaintImages(Canvas& canvas) {
+    CButtonUI::PaintImages(canvas);
+    PaintImage(canvas, foreImage_);
+}
+
+DWORD COptionUI::CurrentBkColor() const {
+    return IsSelected() && IsEnabled() && selectedBkColor_ != 0 ? selectedBkColor_ : CButtonUI::CurrentBkColor();
+}
+
+DWORD COptionUI::CurrentTextColor() const {
+    return IsSelected() && IsEnabled() && selectedTextColor_ != 0 ? selectedTextColor_ : CButtonUI::CurrentTextColor();
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,135 @@
+#include "DuiLib/ProgressUI.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+
+#include "DuiLib/PaintManagerUI.h"
+#include "controls/ImageSetting.h"
+#include "markup/AttributeTable.h"
+#include "paint/Canvas.h"
+
+namespace DuiLib {
+
+struct ProgressAttributes {
+    template <int CProgressUI::*number>
+    static bool Limit(CProgressUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseInt(value), [&](int parsed) {
+            c.*number = parsed;
+            c.Invalidate();
+        });
+    }
+    static bool Value(CProgressUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseInt(value), [&](int parsed) { c.SetValue(parsed); });
+    }
+    static bool BarHeight(CProgressUI& c, std::wstring_view value) {
+        return ApplyNumber(value, 0, [&](int dip) {
+            c.barHeightDip_ = dip;
+            c.Invalidate();
+            c.NeedUpdate();
+        });
+    }
+    template <DWORD CProgressUI::*color>
+    static bool Color(CProgressUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
+            c.*color = argb;
+            c.Invalidate();
+        });
+    }
+    static bool ForeImage(CProgressUI& c, std::wstring_view value) {
+        if (!IsImageSetting(value)) {
+            return false;
+        }
+        c.foreImage_ = value;
+        c.Invalidate();
+        return true;
+    }
+
+    static constexpr AttributeEntry<CProgressUI> kTable[] = {
+        {L"min", Limit<&CProgressUI::min_>},
+        {L"max", Limit<&CProgressUI::max_>},
+        {L"value", Value},
+        {L"barheight", BarHeight},
+        {L"barcolor", Color<&CProgressUI::barColor_>},
+        {L"forecolor", Color<&CProgressUI::foreColor_>},
+        {L"foreimage", ForeImage},
+    };
+};
+
+AttributeResult CProgressUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
+    const AttributeResult result = ApplyFromTable(ProgressAttributes::kTable, *this, name, value);
+    return result == AttributeResult::Unknown ? CLabelUI::ApplyAttribute(name, value) : result;
+}
+
+AccessibleInfo CProgressUI::GetAccessibleInfo() const {
+    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    AccessibleInfo info = CControlUI::GetAccessibleInfo();
+    info.role = ROLE_SYSTEM_PROGRESSBAR;
+    info.state |= STATE_SYSTEM_READONLY;
+    info.value = std::to_wstring(value_);
+    return info;
+}
+
+void CProgressUI::SetValue(int value) {
+    if (value_ == value) {
+        return;
+    }
+    value_ = value;
+    Invalidate();
+    if (GetManager() != nullptr) {
+        GetManager()->NotifyAccessible(this, EVENT_OBJECT_VALUECHANGE);
+    }
+}
+
+int CProgressUI::LimitedValue() const {
+    return std::clamp(value_, min_, std::max(min_, max_));
+}
+
+int CProgressUI::ValueToPx(int lengthPx) const {
+    const int range = max_ - min_;
+    return range > 0 ? ScaleBy(lengthPx, LimitedValue() - min_, range) : 0;
+}
+
+Rect CProgressUI::BarRectPx() const {
+    Rect bar = GetPos();
+    const int height = ToPx(barHeightDip_);
+    if (height > 0 && height < bar.Height()) {
+        bar.top += (bar.Height() - height) / 2;
+        bar.bottom = bar.top + height;
+    }
+    return bar;
+}
+
+Size CProgressUI::MeasureContent(Size availablePx) {
+    const Size label = CLabelUI::MeasureContent(availablePx);
+    return {label.cx, std::max(label.cy, ToPx(barHeightDip_))};
+}
+
+void CProgressUI::PaintBar(Canvas& canvas, int filledPx) {
+    const Rect bar = BarRectPx();
+    const int radius = bar.Height() / 2;
+    canvas.FillRect(bar, barColor_, radius);
+    Rect filled = bar;
+    if (IsRightToLeft()) {
+        filled.left = std::max(bar.left, bar.right - filledPx);
+    } else {
+        filled.right = std::min(bar.right, bar.left + filledPx);
+    }
+    if (filled.IsEmpty()) {
+        return;
+    }
+    if (foreImage_.empty()) {
+        canvas.FillRect(filled, foreColor_, radius);
+    } else {
+        const Rect earlier = canvas.PushClip(filled);
+        PaintImage(canvas, foreImage_, bar);
+        canvas.RestoreClip(earlier);
+    }
+}
+
+void CProgressUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
+    PaintBar(canvas, ValueToPx(BarRectPx().Width()));
+    CLabelUI::PaintContent(canvas, dirtyPx);
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,50 @@
+#pragma once
+// A window's images: decoded once per file and rendition, scaled once per size, kept until removed or the DPI changes.
+//
+// Files are given below the resource folder or as full paths. "drawable/x.png" exists in renditions beside its folder:
+// drawable-125, -150, -200, -300 (percent; drawable itself is 100): the smallest that is at least as large as the DPI
+// asks for is taken, else the largest there is; a file elsewhere has its pixels as units. Decoding goes through the
+// system's imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only
+// as they were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file
+// that is missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts.
+// Thread: UI thread. Owns its pixels.
+#include <windows.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DuiLib/Geometry.h"
+#include "markup/ImageAttribute.h"
+
+namespace DuiLib {
+
+// Premultiplied 0xAARRGGBB, top row first.
+struct ScaledImage {
+    Size sizePx;
+    std::vector<std::uint32_t> pixels;
+    bool opaque = false;  // no pixel is translucent
+};
+
+class ImageCache {
+  public:
+    ImageCache();
+    ~ImageCache();
+
+    void SetDpi(int dpi);  // drops everything that was scaled; registered bitmaps stay
+    // The image as it covers `sizePx`, mirrored or not; null when it cannot be drawn. Valid until the next call of a
+    // member that is not const.
+    const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool mirrored);
+
+    bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha);
+    bool Has(const std::wstring& name) const;
+    void Remove(const std::wstring& name);  // decoded, scaled and registered; also a remembered failure
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace DuiLib

@@ -1,0 +1,44 @@
+#pragma once
+// Finds and decodes picture files through the system's imaging component. Thread: UI thread.
+#include <objbase.h>
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DuiLib/Geometry.h"
+#include "paint/ImageScale.h"
+
+struct IWICImagingFactory;
+
+namespace DuiLib {
+
+// The rendition of an image name that serves a DPI.
+struct PicturePath {
+    std::wstring file;
+    int percent = 100;  // 200: two pixels for a unit
+};
+PicturePath FindPicture(const std::wstring& name, int dpi);
+
+// Owns the imaging factory, which is made with the first picture.
+class PictureDecoder {
+  public:
+    PictureDecoder() = default;
+    ~PictureDecoder();
+    PictureDecoder(const PictureDecoder&) = delete;
+    PictureDecoder& operator=(const PictureDecoder&) = delete;
+
+    // Calls `use` with the first frame's size and a reader of its rows, valid during the call. The result is `use`'s,
+    // or the failure to open the file.
+    HRESULT Open(const std::wstring& file, const std::function<HRESULT(Size sizePx, const RowReader& read)>& use);
+
+  private:
+    HRESULT MakeFactory();
+
+    IWICImagingFactory* factory_ = nullptr;
+    CO_MTA_USAGE_COOKIE apartment_ = nullptr;  // keeps COM usable on a thread that has not entered an apartment
+};
+
+}  // namespace DuiLib

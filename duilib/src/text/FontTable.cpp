@@ -1,0 +1,79 @@
+#include "text/FontTable.h"
+
+#include <algorithm>
+#include <string>
+
+namespace DuiLib {
+namespace {
+
+const std::wstring& MessageFontFace() {
+    static const std::wstring face = [] {
+        NONCLIENTMETRICSW metrics{};
+        metrics.cbSize = sizeof(metrics);
+        const bool known = ::SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0) != FALSE;
+        return std::wstring(known ? metrics.lfMessageFont.lfFaceName : L"Segoe UI");
+    }();
+    return face;
+}
+
+}  // namespace
+
+FontTable::~FontTable() {
+    DropHandles();
+}
+
+void FontTable::DropHandles() {
+    for (const auto& [key, font] : handles_) {
+        ::DeleteObject(font);
+    }
+    handles_.clear();
+}
+
+void FontTable::Add(int index, const FontSpec& font, bool isDefault) {
+    DropHandles();
+    specs_[index] = font;
+    if (isDefault) {
+        defaultIndex_ = index;
+    }
+}
+
+void FontTable::SetDpi(int dpi) {
+    if (dpi_ != dpi) {
+        DropHandles();
+        dpi_ = dpi;
+    }
+}
+
+const FontSpec& FontTable::SpecOf(int index) const {
+    auto found = specs_.find(index);
+    if (found == specs_.end()) {
+        found = specs_.find(defaultIndex_);
+    }
+    return found == specs_.end() ? fallback_ : found->second;
+}
+
+HFONT FontTable::Get(int index) const {
+    return GetVariant(index, false, false, false);
+}
+
+HFONT FontTable::GetVariant(int index, bool bold, bool italic, bool underline) const {
+    // All unknown indexes share the default font's handle.
+    const int shared = specs_.contains(index) ? index : defaultIndex_;
+    const auto [known, isNew] = handles_.try_emplace({shared, bold, italic, underline}, nullptr);
+    if (!isNew) {
+        return known->second;
+    }
+    const FontSpec& spec = SpecOf(index);
+    const std::wstring& face = spec.face.empty() ? MessageFontFace() : spec.face;
+    LOGFONTW font{};
+    font.lfHeight = -std::max(1, DipToPx(spec.sizeDip, dpi_));
+    font.lfWeight = bold ? std::max(spec.weight, FW_BOLD) : spec.weight;
+    font.lfItalic = spec.italic || italic;
+    font.lfUnderline = spec.underline || underline;
+    font.lfCharSet = DEFAULT_CHARSET;
+    face.copy(font.lfFaceName, LF_FACESIZE - 1);
+    known->second = ::CreateFontIndirectW(&font);
+    return known->second;
+}
+
+}  // namespace DuiLib

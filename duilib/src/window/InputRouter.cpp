@@ -1,0 +1,363 @@
+// Pointer input: hover, buttons, wheel, capture. Focus and keys are in InputRouterKeys.cpp.
+#include "window/InputRouter.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+#include "DuiLib/ContainerUI.h"
+#include "DuiLib/UICulture.h"
+
+namespace DuiLib {
+namespace {
+
+constexpr int kToolTipWidthDip = 360;
+
+Point PointOf(LPARAM lParam) {
+    return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+}
+
+Point CursorIn(HWND window) {
+    POINT p{};
+    GetCursorPos(&p);
+    ScreenToClient(window, &p);
+    return {static_cast<int>(p.x), static_cast<int>(p.y)};
+}
+
+std::vector<CControlUI*> PathTo(CControlUI* control) {
+    std::vector<CControlUI*> path;
+    for (; control != nullptr; control = control->GetParent()) {
+        path.push_back(control);
+    }
+    std::reverse(path.begin(), path.end());
+    return path;
+}
+
+bool IsWithin(const CControlUI* control, const CControlUI* ancestor) {
+    for (; control != nullptr; control = control->GetParent()) {
+        if (control == ancestor) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+bool InputRouter::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    const HWND window = manager_.GetPaintWindow();
+    result = 0;
+    switch (message) {
+        case WM_MOUSEMOVE:
+            OnMouseMove(PointOf(lParam));
+            toolTip_.Relay(window, message, wParam, lParam);
+            return true;
+        case WM_MOUSELEAVE:
+            OnMouseLeave();
+            return true;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            toolTip_.Relay(window, WM_LBUTTONDOWN, wParam, lParam);
+            OnButtonDown(PointOf(lParam));
+            return true;
+        case WM_LBUTTONUP:
+            toolTip_.Relay(window, message, wParam, lParam);
+            OnButtonUp(PointOf(lParam));
+            return true;
+        case WM_MOUSEWHEEL:
+            return OnMouseWheel(wParam, lParam);
+        case WM_SETCURSOR:
+            if (!OnSetCursor(lParam)) {
+                return false;
+            }
+            result = TRUE;
+            return true;
+        case WM_CAPTURECHANGED:
+            if (!releasingSystemCapture_ && reinterpret_cast<HWND>(lParam) != window) {
+                CancelCapture();
+            }
+            return true;
+        case WM_CANCELMODE:
+            CancelCapture();
+            return false;
+        case WM_ENABLE:
+            if (wParam == FALSE) {
+                CancelCapture();
+                OnMouseLeave();
+            }
+            return false;
+        case WM_KEYDOWN:
+            return OnKeyDown(static_cast<WORD>(wParam), (HIWORD(lParam) & KF_REPEAT) != 0);
+        case WM_KEYUP:
+            return OnKeyUp(static_cast<WORD>(wParam));
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+            OnWindowFocus(message == WM_SETFOCUS);
+            return false;
+        default:
+            return false;
+    }
+}
+
+void InputRouter::OnWindowGone() {
+    toolTip_.Forget();
+    capture_ = nullptr;
+    hotPath_.clear();
+    ++hoverRound_;
+    mouseInside_ = false;
+    windowInactive_ = false;
+}
+
+void InputRouter::OnTreeChanged() {
+    const RetiredControls::Scope scope(retired_);
+    if (capture_ != nullptr && !IsUsable(capture_)) {
+        CancelCapture();
+    }
+    if (focus_ != nullptr && !focus_->IsShown()) {
+        CControlUI* const origin = focus_;
+        SetFocus(nullptr, false);
+        if (IsInTree(origin)) {
+            tabOrigin_ = origin;
+        }
+    }
+    if (mouseInside_) {
+        HoverAt(mousePx_);
+    }
+}
+
+void InputRouter::Forget(const CControlUI* control) {
+    if (IsWithin(focus_, control)) {
+        focus_ = nullptr;
+    }
+    if (IsWithin(tabOrigin_, control)) {
+        tabOrigin_ = nullptr;
+    }
+    if (IsWithin(capture_, control)) {
+        ReleaseCapture();
+    }
+    const auto gone = std::find(hotPath_.begin(), hotPath_.end(), control);
+    if (gone != hotPath_.end()) {
+        hotPath_.erase(gone, hotPath_.end());
+        toolTip_.Clear();
+    }
+}
+
+void InputRouter::Send(CControlUI* control, const TEventUI& event) {
+    if (IsInTree(control)) {
+        const RetiredControls::Scope scope(retired_);
+        control->DoEvent(event);
+    }
+}
+
+TEventUI InputRouter::MakeEvent(EventType type) const {
+    TEventUI event{};
+    event.type = type;
+    event.mousePx = mousePx_;
+    event.control = GetKeyState(VK_CONTROL) < 0;
+    event.shift = GetKeyState(VK_SHIFT) < 0;
+    return event;
+}
+
+bool InputRouter::IsUsable(const CControlUI* control) const {
+    if (!IsInTree(control) || !control->IsShown()) {
+        return false;
+    }
+    for (const CControlUI* c = control; c != nullptr; c = c->GetParent()) {
+        if (!c->IsEnabled()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+CControlUI* InputRouter::HitTest(Point px) const {
+    return manager_.FindControl(POINT{px.x, px.y});
+}
+
+void InputRouter::HoverAt(Point px) {
+    CControlUI* control = HitTest(px);
+    if (capture_ != nullptr && !IsWithin(control, capture_)) {
+        control = nullptr;
+    }
+    Hover(control);
+}
+
+void InputRouter::Hover(CControlUI* control) {
+    if (control == GetHot()) {
+        return;
+    }
+    const RetiredControls::Scope scope(retired_);
+    const unsigned round = ++hoverRound_;
+    const std::vector<CControlUI*> path = PathTo(control);
+    const auto common = static_cast<std::size_t>(
+        std::mismatch(hotPath_.begin(), hotPath_.end(), path.begin(), path.end()).first - hotPath_.begin());
+    while (hotPath_.size() > common) {
+        CControlUI* const left = hotPath_.back();
+        hotPath_.pop_back();
+        Send(left, MakeEvent(EventType::MouseLeave));
+        if (round != hoverRound_) {
+            return;
+        }
+    }
+    for (std::size_t i = common; i < path.size(); ++i) {
+        CControlUI* const parent = i == 0 ? nullptr : path[i - 1];
+        if (hotPath_.size() != i || !IsInTree(path[i]) || path[i]->GetParent() != parent) {
+            break;  // removed by a handler
+        }
+        hotPath_.push_back(path[i]);
+        Send(path[i], MakeEvent(EventType::MouseEnter));
+        if (round != hoverRound_) {
+            return;
+        }
+    }
+    UpdateToolTip();
+}
+
+void InputRouter::UpdateToolTip() {
+    if (capture_ == nullptr) {
+        for (auto it = hotPath_.rbegin(); it != hotPath_.rend(); ++it) {
+            const CControlUI& control = **it;
+            if (!control.GetToolTip().empty()) {
+                toolTip_.Set(manager_.GetPaintWindow(), control.GetPos(), control.GetToolTip(),
+                             UICulture::GetInstance()->IsRightToLeft(), DipToPx(kToolTipWidthDip, manager_.GetDPI()));
+                return;
+            }
+        }
+    }
+    toolTip_.Clear();
+}
+
+void InputRouter::TrackLeave() {
+    TRACKMOUSEEVENT track{sizeof(track), TME_LEAVE, manager_.GetPaintWindow(), 0};
+    TrackMouseEvent(&track);
+}
+
+void InputRouter::OnMouseMove(Point px) {
+    const RetiredControls::Scope scope(retired_);
+    mousePx_ = px;
+    mouseInside_ = true;
+    TrackLeave();
+    HoverAt(px);
+    Send(capture_ != nullptr ? capture_ : GetHot(), MakeEvent(EventType::MouseMove));
+}
+
+void InputRouter::OnMouseLeave() {
+    mouseInside_ = false;
+    if (capture_ == nullptr) {
+        Hover(nullptr);
+    }
+}
+
+void InputRouter::OnButtonDown(Point px) {
+    const RetiredControls::Scope scope(retired_);
+    mousePx_ = px;
+    mouseInside_ = true;
+    CancelCapture();  // a release that never came
+    HoverAt(px);
+    ShowFocusRing(false);
+    CControlUI* const hit = GetHot();
+    if (!IsUsable(hit)) {
+        return;
+    }
+    for (CControlUI* c = hit; c != nullptr; c = c->GetParent()) {
+        if (c->CanHaveFocus()) {
+            SetFocus(c, false);
+            break;
+        }
+    }
+    if (IsUsable(hit)) {
+        Send(hit, MakeEvent(EventType::ButtonDown));
+    }
+}
+
+void InputRouter::OnButtonUp(Point px) {
+    const RetiredControls::Scope scope(retired_);
+    mousePx_ = px;
+    ReleaseSystemCapture();
+    HoverAt(px);
+    CControlUI* const captured = capture_;
+    if (captured != nullptr && !IsUsable(captured)) {
+        CancelCapture();
+    } else if (captured != nullptr) {
+        Send(captured, MakeEvent(EventType::ButtonUp));
+        if (capture_ == captured) {
+            ReleaseCapture();
+        }
+    } else if (IsUsable(GetHot())) {
+        Send(GetHot(), MakeEvent(EventType::ButtonUp));
+    }
+    // Without the capture the pointer may be over another control than before.
+    if (manager_.GetPaintWindow() != nullptr && mouseInside_) {
+        HoverAt(mousePx_);
+    }
+}
+
+bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
+    POINT p{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    ScreenToClient(manager_.GetPaintWindow(), &p);
+    const RetiredControls::Scope scope(retired_);
+    // Over a control that is disabled the list around it scrolls all the same.
+    CControlUI* target = manager_.FindControl(p);
+    while (target != nullptr && !IsUsable(target)) {
+        target = target->GetParent();
+    }
+    if (target == nullptr) {
+        return false;
+    }
+    TEventUI event = MakeEvent(EventType::MouseWheel);
+    event.mousePx = {static_cast<int>(p.x), static_cast<int>(p.y)};
+    event.wheelDelta = GET_WHEEL_DELTA_WPARAM(wParam);
+    Send(target, event);
+    return true;
+}
+
+bool InputRouter::OnSetCursor(LPARAM lParam) {
+    if (LOWORD(lParam) != HTCLIENT) {
+        return false;
+    }
+    TEventUI event = MakeEvent(EventType::SetCursor);
+    event.mousePx = CursorIn(manager_.GetPaintWindow());
+    CControlUI* const target = capture_ != nullptr ? capture_ : HitTest(event.mousePx);
+    if (IsUsable(target)) {
+        Send(target, event);
+    } else {
+        ::SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+    }
+    return true;
+}
+
+void InputRouter::SetCapture(CControlUI* control) {
+    if (!IsInTree(control) || control == capture_) {
+        return;
+    }
+    CancelCapture();
+    capture_ = control;
+    toolTip_.Clear();
+    if (manager_.GetPaintWindow() != nullptr) {
+        ::SetCapture(manager_.GetPaintWindow());
+    }
+}
+
+void InputRouter::ReleaseCapture() {
+    capture_ = nullptr;
+    ReleaseSystemCapture();
+}
+
+void InputRouter::CancelCapture() {
+    CControlUI* const captured = capture_;
+    if (captured != nullptr) {
+        ReleaseCapture();
+        Send(captured, MakeEvent(EventType::CaptureLost));
+    }
+}
+
+void InputRouter::ReleaseSystemCapture() {
+    const HWND window = manager_.GetPaintWindow();
+    if (window != nullptr && ::GetCapture() == window) {
+        releasingSystemCapture_ = true;
+        ::ReleaseCapture();
+        releasingSystemCapture_ = false;
+    }
+}
+
+}  // namespace DuiLib
