@@ -3,14 +3,22 @@
 //
 // Why: every failure of the program ends in one line here, and nowhere else. A line is
 //     2026-11-21 10:15:30.123 [L4] [1234] message(Class::Function)
-// that is local time, level, thread id and the text as it was streamed. Levels: 3 tells, 4 is a failure; the numbers
-// belong to the suite. Every line is handed to the system before Log returns, so it survives a crash of the program.
-// Several processes of one name may log at once, and the file may be read, renamed or deleted meanwhile.
+// that is local time, level, thread id and the text as it was streamed. Every line is handed to the system before Log
+// returns, so it survives a crash of the program. Several processes of one name may log at once, and the file may be
+// read, renamed or deleted meanwhile.
 // Threads: every operation may be called from any thread. Nothing throws.
 #include <sstream>
 #include <string>
 
 #include "suite/logger/Export.h"
+
+// The levels in use; the numbers belong to the suite.
+namespace LogLevel {
+
+inline constexpr int kInfo = 3;
+inline constexpr int kError = 4;
+
+}  // namespace LogLevel
 
 class SUITE_LOGGER_API QxLogger {
   public:
@@ -37,8 +45,8 @@ class SUITE_LOGGER_API QxLogger {
     ~QxLogger() = default;
 };
 
-// LogLine(4, L"PxMainWnd::SetValuePath", L"Path append res fail!") and, with more parts, a streamed line:
-// LogLine(3, L"PixoraMutex::IsAlreadyRunning", L"CloseHandle error: ", GetLastError()).
+// LogLine(LogLevel::kError, L"PxMainWnd::SetValuePath", L"Path append res fail!") and, with more parts, a streamed
+// line: LogLine(LogLevel::kInfo, L"PixoraMutex::IsAlreadyRunning", L"CloseHandle error: ", GetLastError()).
 template <typename... Parts>
 void LogLine(int level, const wchar_t* function, const Parts&... parts) {
     try {
