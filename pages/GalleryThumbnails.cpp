@@ -12,7 +12,7 @@
 
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/UIMainQueue.h"
-#include "service/PictureThumbnail.h"
+#include "service/pictures/PictureThumbnail.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {

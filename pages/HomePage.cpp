@@ -10,9 +10,9 @@
 #include "DuiLib/UIMainQueue.h"
 #include "pages/PageNames.h"
 #include "preview/MediaFoundation.h"
-#include "service/CustomItemNames.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
+#include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 #include "suite/url/UrlsManager.h"
 

@@ -11,8 +11,8 @@
 #include "pages/CustomItemOption.h"
 #include "pages/GalleryRows.h"
 #include "pages/HomePage.h"
-#include "service/CustomItemNames.h"
 #include "service/HomeService.h"
+#include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <sddl.h>
 #include <shlwapi.h>
 
-#include "service/FileKinds.h"
+#include "service/pictures/FileKinds.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 
-#include "service/BackgroundPicture.h"
 #include "service/CustomImageGroup.h"
-#include "service/CustomItemNames.h"
 #include "service/FeatureTables.h"
 #include "service/FileUtil.h"
 #include "service/HomeService.h"
@@ -13,6 +11,8 @@
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "service/UserIdentity.h"
+#include "service/pictures/BackgroundPicture.h"
+#include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 
 using GlobalUtils::MessageBoxKind;

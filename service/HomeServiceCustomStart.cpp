@@ -1,16 +1,16 @@
 // The user's own backgrounds: what is loaded when the program starts, and the move out of an older layout.
 #include <set>
 
-#include "service/BackgroundPicture.h"
-#include "service/CustomFolder.h"
 #include "service/CustomImageGroup.h"
-#include "service/CustomItemNames.h"
 #include "service/FeatureTables.h"
 #include "service/FileUtil.h"
 #include "service/HomeService.h"
-#include "service/PaintingWait.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
+#include "service/pictures/BackgroundPicture.h"
+#include "service/pictures/CustomFolder.h"
+#include "service/pictures/CustomItemNames.h"
+#include "service/pictures/PaintingWait.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {

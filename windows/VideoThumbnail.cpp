@@ -6,7 +6,7 @@
 #include <array>
 #include <string_view>
 
-#include "service/ShellPicture.h"
+#include "service/pictures/ShellPicture.h"
 
 namespace {
 

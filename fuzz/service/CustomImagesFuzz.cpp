@@ -5,8 +5,8 @@
 
 #include "fuzz/support/Require.h"
 #include "service/CustomImageGroup.h"
-#include "service/CustomItemNames.h"
-#include "service/FileKinds.h"
+#include "service/pictures/CustomItemNames.h"
+#include "service/pictures/FileKinds.h"
 #include "suite/common/Utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

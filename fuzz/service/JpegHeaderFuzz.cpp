@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "fuzz/support/Require.h"
-#include "service/ExifOrientation.h"
-#include "service/JpegThumbnail.h"
+#include "service/pictures/ExifOrientation.h"
+#include "service/pictures/JpegThumbnail.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const JpegThumbnail::Bytes file(data, size);

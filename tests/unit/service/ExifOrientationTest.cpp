@@ -1,4 +1,4 @@
-#include "service/ExifOrientation.h"
+#include "service/pictures/ExifOrientation.h"
 
 #include <gmock/gmock.h>
 

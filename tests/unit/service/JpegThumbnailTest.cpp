@@ -1,4 +1,4 @@
-#include "service/JpegThumbnail.h"
+#include "service/pictures/JpegThumbnail.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "service/ThumbnailMaker.h"
+#include "service/pictures/ThumbnailMaker.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // Adding and deleting: the order of things, files that vanish, folders that refuse.
 #include <fstream>
 
-#include "service/CustomItemNames.h"
+#include "service/pictures/CustomItemNames.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace {

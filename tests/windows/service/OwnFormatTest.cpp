@@ -1,7 +1,7 @@
 // What is stored of each kind of file, under each kind of name.
 #include <fstream>
 
-#include "service/PictureThumbnail.h"
+#include "service/pictures/PictureThumbnail.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace {

@@ -12,9 +12,9 @@
 
 #include <string>
 
-#include "service/CustomItemNames.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
+#include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 
 int wmain(int argc, wchar_t** argv) {

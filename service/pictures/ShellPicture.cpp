@@ -1,4 +1,4 @@
-#include "service/ShellPicture.h"
+#include "service/pictures/ShellPicture.h"
 
 #include <shlobj.h>
 

@@ -1,4 +1,4 @@
-#include "service/CustomItemNames.h"
+#include "service/pictures/CustomItemNames.h"
 
 #include <algorithm>
 

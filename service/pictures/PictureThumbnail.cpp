@@ -1,4 +1,4 @@
-#include "service/PictureThumbnail.h"
+#include "service/pictures/PictureThumbnail.h"
 
 #include <wincodec.h>
 
@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "service/JpegThumbnail.h"
-#include "service/ThumbnailMaker.h"
+#include "service/pictures/JpegThumbnail.h"
+#include "service/pictures/ThumbnailMaker.h"
 #include "suite/common/Handle.h"
 #include "suite/common/Held.h"
 

@@ -1,4 +1,4 @@
-#include "service/FileKinds.h"
+#include "service/pictures/FileKinds.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -1,4 +1,4 @@
-#include "service/BackgroundPicture.h"
+#include "service/pictures/BackgroundPicture.h"
 
 #include <windows.h>
 
@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "preview/BitmapFile.h"
-#include "service/CustomItemNames.h"
-#include "service/JpegPicture.h"
-#include "service/VideoCover.h"
+#include "service/pictures/CustomItemNames.h"
+#include "service/pictures/JpegPicture.h"
+#include "service/pictures/VideoCover.h"
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
 

@@ -1,4 +1,4 @@
-#include "service/PaintingWait.h"
+#include "service/pictures/PaintingWait.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "service/JpegPicture.h"
+#include "service/pictures/JpegPicture.h"
 
 #include <ocidl.h>
 #include <wincodec.h>
@@ -8,9 +8,9 @@
 #include <functional>
 #include <vector>
 
-#include "service/ExifOrientation.h"
-#include "service/JpegThumbnail.h"
-#include "service/ThumbnailMaker.h"
+#include "service/pictures/ExifOrientation.h"
+#include "service/pictures/JpegThumbnail.h"
+#include "service/pictures/ThumbnailMaker.h"
 #include "suite/common/Handle.h"
 #include "suite/common/Held.h"
 

@@ -1,11 +1,11 @@
-#include "service/VideoCover.h"
+#include "service/pictures/VideoCover.h"
 
 #include <memory>
 #include <utility>
 
 #include "preview/VideoReader.h"
-#include "service/PaintingWait.h"
-#include "service/ShellPicture.h"
+#include "service/pictures/PaintingWait.h"
+#include "service/pictures/ShellPicture.h"
 
 namespace {
 
