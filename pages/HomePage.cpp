@@ -47,7 +47,8 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
                          L"img_five_background_btn",   L"img_six_background_btn",       L"img_seven_background_btn",
                          L"img_eight_background_btn",  L"img_nine_background_btn",      L"img_ten_background_btn",
                          L"img_eleven_background_btn", L"img_animation_background_btn", L"virtual_background_btn"},
-      previewWindow_({[this] { StopPreview(); }, [this] { OnPreviewTick(); }}),
+      livePreview_(Owner(), paintManager, [this](const wchar_t* name) { return Find(name); },
+                   {switchImages_[7], switchImages_[6]}),
       self_(std::make_shared<HomePage*>(this)) {
     model_ = HomeService::GetInstance();
     if (!model_)
@@ -59,8 +60,6 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
 }
 
 HomePage::~HomePage() {
-    StopPreview();
-    previewWindow_.Destroy();
     watcher_.reset();
     for (const auto& unsubscribe : unsubscribe_)
         unsubscribe();
@@ -103,11 +102,11 @@ void HomePage::SubscribeHub() {
     subscribe(GlobalUtils::kBeautyChannel,
               std::function<void(BeautyKind&)>([this](BeautyKind& kind) { OnBeautyKind(kind); }));
     subscribe(GlobalUtils::kPreviewPlaceChannel,
-              std::function<void(PreviewPlaceKind&)>([this](PreviewPlaceKind&) { PlacePreview(); }));
+              std::function<void(PreviewPlaceKind&)>([this](PreviewPlaceKind&) { livePreview_.Place(); }));
     subscribe(GlobalUtils::kScreenLockChannel,
-              std::function<void(ScreenLockKind&)>([this](ScreenLockKind&) { OnScreenLock(); }));
+              std::function<void(ScreenLockKind&)>([this](ScreenLockKind&) { livePreview_.OnScreenLock(); }));
     subscribe(GlobalUtils::kOnListenChannel, std::function<void(OnListenKindInfo&)>([this](OnListenKindInfo& info) {
-                  OnCaptureError(static_cast<HRESULT>(info.wParam));
+                  livePreview_.OnCaptureError(static_cast<HRESULT>(info.wParam));
               }));
 }
 
@@ -115,8 +114,7 @@ void HomePage::Initialize() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     if (HasMediaFoundation())
         MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
-    previewSwitch_ = Find(L"preview_switch");
-    previewArea_ = Find(L"preview_wnd");
+    livePreview_.Initialize();
     if (model_) {
         model_->InitCustomImage();
         model_->NotifyStatus();
@@ -203,7 +201,7 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
         ClickChangeBackground(name);
     } else if (name == L"show_detail_btn") {
         ShowPage(PageNames::kIntroduction, 0);
-        PlacePreview();  // it would stand over the other page
+        livePreview_.Place();  // it would stand over the other page
     } else if (name == L"preview_switch") {
         ClickPreview(msg.sender);
     } else if (name == L"show_introduction_btn") {

@@ -14,13 +14,12 @@
 #include <vector>
 
 #include "pages/GalleryThumbnails.h"
+#include "pages/LivePreview.h"
 #include "pages/PageBase.h"
-#include "pages/PreviewWindow.h"
 #include "service/GlobalUtils.h"
 #include "service/SettingsWatcher.h"
 
 class HomeService;
-class Preview;
 
 namespace DuiLib {
 class COptionUI;
@@ -44,11 +43,9 @@ class HomePage : public PageBase {
     // was.
     bool HideDelButton(const std::wstring& previousName, const std::wstring& currentName);
 
-    // --- preview
-    // Makes the window that the camera picture is drawn into; one that exists is used again. 1, or 0 on failure.
-    int OnCreate(HWND parentWindow);
-    // Makes the capture object for that window; its errors go to the parent window. 1, or 0 on failure.
-    int CreateMF(HWND previewWindow, HWND parentWindow);
+    // --- preview: see LivePreview
+    int OnCreate(HWND parentWindow) { return livePreview_.OnCreate(parentWindow); }
+    int CreateMF(HWND previewWindow, HWND parentWindow) { return livePreview_.CreateMF(previewWindow, parentWindow); }
 
     // An integer of the feature configuration file; 0 for everything that is missing or broken.
     static int GetCameraXmlConfig(const std::string& key);
@@ -58,7 +55,7 @@ class HomePage : public PageBase {
     void OnMouseEnter(DuiLib::TNotifyUI& msg) override;
     void OnMouseLeave(DuiLib::TNotifyUI& msg) override;
     void OnScroll(DuiLib::TNotifyUI& msg) override;
-    void OnActivate() override;
+    void OnActivate() override { livePreview_.Place(); }
 
   private:
     void WireModel();
@@ -81,19 +78,7 @@ class HomePage : public PageBase {
     void ShowToolTip(DuiLib::CControlUI* sender, bool show);
     void ShowHint(PageHost::Hint hint, DuiLib::CControlUI* anchor, const std::wstring& text, bool show);
 
-    // --- preview (HomePagePreview.cpp)
-    void ClickPreview(DuiLib::CControlUI* sender);
-    void StartPreview(DuiLib::CControlUI* sender);
-    // Stops and releases the capture, if there is one; the picture and the switch stay as they are.
-    void StopPreview();
-    void ShowPreviewOff(DuiLib::CControlUI* previewSwitch);
-    void DrawPreviewSwitch(DuiLib::CControlUI* control, bool on);
-    void PlacePreview();
-    bool IsPreviewAreaShown() const;
-    void OnScreenLock();
-    void OnCaptureError(HRESULT code);
-    void OnPreviewTick();
-
+    void ClickPreview(DuiLib::CControlUI* sender) { livePreview_.Click(sender); }
     void OpenIntroduction(const std::wstring& name);
 
     // --- constant after construction
@@ -108,12 +93,7 @@ class HomePage : public PageBase {
     std::set<std::wstring> backgroundButtons_;
     std::wstring itemUnderPointer_;  // of the user's own, or the last that was
     GalleryThumbnails thumbnails_{Manager()};
-    DuiLib::CControlUI* previewSwitch_ = nullptr;  // borrowed from the page's tree
-    DuiLib::CControlUI* previewArea_ = nullptr;    // borrowed from the page's tree
-    PreviewWindow previewWindow_;
-    Preview* preview_ = nullptr;         // owned reference; null: the preview is off
-    std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
-    int ticksWithoutFrame_ = 0;
+    LivePreview livePreview_;
 
     // Ends with the page: what was handed over and comes later finds it gone.
     std::shared_ptr<HomePage*> self_;

@@ -3,6 +3,7 @@
 #include <mfapi.h>
 #include <mferror.h>
 
+#include "preview/Direct3DSystem.h"
 #include "preview/FrameLock.h"
 #include "preview/LetterBox.h"
 #include "preview/MirrorPicture.h"
@@ -29,7 +30,7 @@ constexpr CreationError kCreationErrors[] = {
 void TellCreationError(HRESULT result) {
     for (const CreationError& error : kCreationErrors) {
         if (error.result == result) {
-            MessageBoxW(nullptr, error.name, L"d3d错误", MB_OK);
+            direct3d_system::TellInBox(error.name, L"d3d错误");
         }
     }
 }
@@ -45,7 +46,7 @@ HRESULT Device::Open(HWND window) {
         return S_OK;
     }
     if (direct3d_ == nullptr) {
-        direct3d_ = Direct3DCreate9(D3D_SDK_VERSION);
+        direct3d_ = direct3d_system::Create9(D3D_SDK_VERSION);
         if (direct3d_ == nullptr) {
             return E_FAIL;
         }

@@ -6,6 +6,7 @@
 #include "preview/CameraSystem.h"
 #include "preview/MediaFoundation.h"
 #include "preview/Preview.h"
+#include "preview/ReaderSystem.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
@@ -106,7 +107,7 @@ bool Preview::CreateDeviceSource(INT32 index) {
 
 HRESULT Preview::CreateReader(IMFMediaSource* source, IMFAttributes* attributes) {
     IMFSourceReader* reader = nullptr;
-    HRESULT result = MFCreateSourceReaderFromMediaSource(source, attributes, &reader);
+    HRESULT result = reader_system::CreateFromMediaSource(source, attributes, &reader);
     if (SUCCEEDED(result)) {
         result = NegotiateMediaType(reader);
     }

@@ -6,6 +6,7 @@
 
 #include "preview/CoverFrame.h"
 #include "preview/MediaFoundation.h"
+#include "preview/ReaderSystem.h"
 #include "suite/common/ComRelease.h"
 
 namespace {
@@ -68,7 +69,7 @@ bool VideoReader::Open(const std::wstring& path) {
 
 bool VideoReader::OpenVideoStream(const std::wstring& path) {
     return HasMediaFoundation() && MFStartup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
-           MFCreateSourceReaderFromURL(path.c_str(), nullptr, &reader_) == S_OK && SelectYuy2(reader_) == S_OK &&
+           reader_system::CreateFromUrl(path.c_str(), &reader_) == S_OK && SelectYuy2(reader_) == S_OK &&
            reader_->GetCurrentMediaType(kVideoStream, &mediaType_) == S_OK &&
            GetFrameSize(&frameWidthPx_, &frameHeightPx_);
 }

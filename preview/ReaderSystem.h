@@ -1,0 +1,20 @@
+#pragma once
+// The two calls that make a source reader: for an opened camera, and for a video file.
+//
+// Why a header of its own: how a reader of the operating system fails, changes its type or hangs depends on drivers and
+// decoders. A test links a double in the place of the library reader_system, which calls the operating system. Results
+// and ownership are those of the calls that they stand for. Any thread.
+#include <windows.h>
+
+#include <mfidl.h>
+#include <mfreadwrite.h>
+
+namespace reader_system {
+
+// MFCreateSourceReaderFromMediaSource.
+HRESULT CreateFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes, IMFSourceReader** reader);
+
+// MFCreateSourceReaderFromURL without attributes.
+HRESULT CreateFromUrl(const wchar_t* path, IMFSourceReader** reader);
+
+}  // namespace reader_system
