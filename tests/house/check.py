@@ -16,6 +16,7 @@ import headers
 import layers
 import plain
 import texts
+import texts_proof
 import tidy
 
 CHECKS = {
@@ -24,7 +25,7 @@ CHECKS = {
     "words": plain.words,
     "sizes": plain.sizes,
     "format": plain.formatting,
-    "texts": texts.main,
+    "texts": lambda: texts.main() + texts_proof.main(),
     "docs": docs.main,
     "binaries": binaries.main,
     "tidy": tidy.main,
