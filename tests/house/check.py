@@ -2,7 +2,7 @@
 """The rules of this tree that a program can check. Prints each breach and exits 1 if there is one.
 
 check.py            all of them
-check.py NAME...    only those: layers, standalone, words, sizes, format, texts, docs, binaries, tidy
+check.py NAME...    only those: layers, standalone, words, sizes, format, texts, art, docs, binaries, tidy
 """
 import os
 import subprocess
@@ -10,6 +10,8 @@ import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
+import art
+import art_proof
 import binaries
 import docs
 import headers
@@ -26,6 +28,7 @@ CHECKS = {
     "sizes": plain.sizes,
     "format": plain.formatting,
     "texts": lambda: texts.main() + texts_proof.main(),
+    "art": lambda: art.main() + art_proof.main(),
     "docs": docs.main,
     "binaries": binaries.main,
     "tidy": tidy.main,
