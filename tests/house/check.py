@@ -2,7 +2,7 @@
 """The rules of this tree that a program can check. Prints each breach and exits 1 if there is one.
 
 check.py            all of them
-check.py NAME...    only those: layers, standalone, words, sizes, format, texts, docs, binaries, tidy
+check.py NAME...    only those: layers, standalone, words, sizes, format, texts, art, docs, binaries, tidy
 """
 import os
 import subprocess
@@ -10,12 +10,15 @@ import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
+import art
+import art_proof
 import binaries
 import docs
 import headers
 import layers
 import plain
 import texts
+import texts_proof
 import tidy
 
 CHECKS = {
@@ -24,7 +27,8 @@ CHECKS = {
     "words": plain.words,
     "sizes": plain.sizes,
     "format": plain.formatting,
-    "texts": texts.main,
+    "texts": lambda: texts.main() + texts_proof.main(),
+    "art": lambda: art.main() + art_proof.main(),
     "docs": docs.main,
     "binaries": binaries.main,
     "tidy": tidy.main,

@@ -11,6 +11,8 @@ import xml.etree.ElementTree as ElementTree
 from collections import Counter
 from pathlib import Path
 
+import terms
+
 ROOT = Path(__file__).resolve().parents[2]
 SOURCE = "en_US"
 RIGHT_TO_LEFT = {"ar_SA"}
@@ -162,6 +164,8 @@ def check_language_rules(language, text):
         breaches.append("ASCII punctuation beside a Chinese character")
     if language == "ja_JP" and re.search(rf"{CHINESE_OR_KANA}[,.;:]|[，．；]", text):
         breaches.append("punctuation that Japanese does not use")
+    if language == "ru_RU" and re.search("[ёЁ]", text):
+        breaches.append("ё is written е")
     if language == "ar_SA" and re.search(r"[,;?]", text):
         breaches.append("ASCII punctuation where Arabic has its own")
     return breaches
@@ -179,6 +183,20 @@ def read_limits(root, breaches):
             breaches.append(f"README.md: {row[1]} is listed twice")
         limits[row[1]] = int(row[2])
     return limits
+
+
+def check_places(root):
+    """A control that a layout gives a text to stands in the text's line of the README."""
+    readme = (root / "res" / "values" / "README.md").read_text(encoding="utf-8")
+    rows = dict(re.findall(r"^\| `(IDS_LUMI_[A-Z0-9_]+)` \|.*\| ([^|]*) \| \d+ \|$", readme, re.MULTILINE))
+    breaches = []
+    for layout in sorted((root / "res" / "layout").glob("*.xml")):
+        for control in ElementTree.parse(layout).iter():
+            name = control.get("name")
+            for key in {value for value in control.attrib.values() if KEY.fullmatch(value)}:
+                if name and f"`{name}`" not in rows.get(key, ""):
+                    breaches.append(f"README.md: {key} stands at {name} of {layout.name}, its line does not say so")
+    return breaches
 
 
 def check_lengths(language, texts, limits):
@@ -250,6 +268,8 @@ def main(root=ROOT):
         breaches += check_keys(language, pairs, list(source))
         breaches += check_table(language, pairs, source)
         breaches += check_lengths(language, dict(pairs), limits)
+    breaches += terms.check(values / "README.md", tables, lambda text: TAG.sub("", text))
+    breaches += check_places(root)
     breaches += check_unused(root, list(source))
     return breaches
 
