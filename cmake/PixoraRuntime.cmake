@@ -10,19 +10,20 @@ foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
         set(path ${path_${dll}})
     endif()
     set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll})
-    add_custom_command(OUTPUT ${copy} COMMAND ${CMAKE_STRIP} -o ${copy} ${path} DEPENDS ${path} VERBATIM)
+    add_custom_command(OUTPUT ${copy} COMMAND ${CMAKE_STRIP} -p -o ${copy} ${path} DEPENDS ${path} VERBATIM)
     list(APPEND PIXORA_RUNTIME_DLLS ${copy})
 endforeach()
 add_custom_target(pixora_runtime ALL DEPENDS ${PIXORA_RUNTIME_DLLS})
 
 # pixora_shipped(target): the module is part of the installation; its symbols go to symbols/<file>.debug.
+# -p keeps the linker's time stamp, where the tools would write that of now.
 function(pixora_shipped target)
     set(symbols ${CMAKE_BINARY_DIR}/symbols/$<TARGET_FILE_NAME:${target}>.debug)
     add_custom_command(TARGET ${target} POST_BUILD
         COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/symbols
-        COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
-        COMMAND ${CMAKE_STRIP} --strip-debug --strip-unneeded $<TARGET_FILE:${target}>
-        COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} -p --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
+        COMMAND ${CMAKE_STRIP} -p --strip-debug --strip-unneeded $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} -p --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
         VERBATIM)
     add_dependencies(${target} pixora_runtime)
     set_property(GLOBAL APPEND PROPERTY PIXORA_SHIPPED_TARGETS ${target})

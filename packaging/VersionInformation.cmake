@@ -1,0 +1,15 @@
+# pixora_version_information(target description): the module tells its version and what it is, in its properties and to
+# an installer that asks which of two files is newer.
+function(pixora_version_information target file_description)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+        set(file_type VFT_APP)
+        set(file_name ${target}.exe)
+    else()
+        set(file_type VFT_DLL)
+        set(file_name ${target}.dll)
+    endif()
+    set(script ${CMAKE_BINARY_DIR}/generated/version/${target}.rc)
+    configure_file(${CMAKE_SOURCE_DIR}/packaging/Version.rc.in ${script} @ONLY)
+    target_sources(${target} PRIVATE ${script})
+endfunction()
