@@ -39,7 +39,9 @@ PictureRect LetterBox(PictureSize size, const PictureRect& target) {
     const std::int32_t targetWidth = target.right - target.left;
     const std::int32_t targetHeight = target.bottom - target.top;
     PictureSize box;
-    if (ScaleRounded(size.width, targetHeight, size.height) > targetWidth) {
+    const std::int32_t fullWidth = ScaleRounded(size.width, targetHeight, size.height);
+    // Negative: a picture so flat that its width has no number.
+    if (fullWidth < 0 || fullWidth > targetWidth) {
         box = {targetWidth, ScaleRounded(targetWidth, size.height, size.width)};
     } else {
         box = {ScaleRounded(targetHeight, size.width, size.height), targetHeight};

@@ -8,7 +8,7 @@
 #include <random>
 
 #include "DuiLib/SliderUI.h"
-#include "Rendering.h"
+#include "tests/windows/duilib/Rendering.h"
 
 namespace DuiLib::Test {
 namespace {

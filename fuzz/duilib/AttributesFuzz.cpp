@@ -4,9 +4,9 @@
 #include <string>
 
 #include "fuzz/support/Require.h"
+#include "fuzz/support/WideText.h"
 #include "markup/AttributeParser.h"
 #include "markup/ImageAttribute.h"
-#include "suite/common/Utf8.h"
 
 using namespace DuiLib;
 
@@ -42,7 +42,7 @@ void CheckList(const AttributeList& list) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::wstring text = suite::FromUtf8({reinterpret_cast<const char*>(data), size});
+    const std::wstring text = WideText({data, size});
     if (const auto number = ParseInt(text)) {
         REQUIRE(InRange(*number));
         REQUIRE(ParseInt(std::to_wstring(*number)) == number);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fuzz/support/Require.h"
-#include "suite/common/Utf8.h"
+#include "fuzz/support/WideText.h"
 #include "text/HtmlLayout.h"
 #include "text/HtmlParser.h"
 
@@ -34,6 +34,11 @@ void CheckRuns(const HtmlText& html) {
     }
 }
 
+bool IsWithinPair(const std::wstring& text, std::size_t at) {
+    return at > 0 && at < text.size() && text[at - 1] >= 0xD800 && text[at - 1] <= 0xDBFF && text[at] >= 0xDC00 &&
+           text[at] <= 0xDFFF;
+}
+
 void CheckLayout(const HtmlText& html, int width, bool wrap, HtmlLayout::Align align, bool rightToLeft) {
     PlainMeasurer measurer;
     HtmlLayout layout(html);
@@ -49,6 +54,7 @@ void CheckLayout(const HtmlText& html, int width, bool wrap, HtmlLayout::Align a
         REQUIRE(piece.begin >= at);
         at = piece.begin + piece.length;
         REQUIRE(at <= html.runs[run].text.size());
+        REQUIRE(!IsWithinPair(html.runs[run].text, at) && !IsWithinPair(html.runs[run].text, piece.begin));
         REQUIRE(layout.TextOf(piece).size() == piece.length);
         REQUIRE(piece.rectPx.Width() >= 0 && piece.rectPx.Height() >= 0);
         REQUIRE(piece.rectPx.bottom <= layout.SizePx().cy);
@@ -63,7 +69,7 @@ void CheckLayout(const HtmlText& html, int width, bool wrap, HtmlLayout::Align a
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::wstring markup = suite::FromUtf8({reinterpret_cast<const char*>(data), size});
+    const std::wstring markup = WideText({data, size});
     const HtmlText html = ParseHtml(markup);
     CheckRuns(html);
     CheckRuns(PlainText(markup));

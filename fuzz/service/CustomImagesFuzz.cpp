@@ -4,13 +4,13 @@
 #include <string>
 
 #include "fuzz/support/Require.h"
+#include "fuzz/support/WideText.h"
 #include "service/CustomImageGroup.h"
 #include "service/pictures/CustomItemNames.h"
 #include "service/pictures/FileKinds.h"
-#include "suite/common/Utf8.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::wstring text = suite::FromUtf8({reinterpret_cast<const char*>(data), size});
+    const std::wstring text = WideText({data, size});
     const std::vector<CustomImageRecord> records = CustomImageGroup::Parse(text);
     // What was understood says the same when it is written out and read again.
     REQUIRE(CustomImageGroup::Parse(CustomImageGroup::Serialise(records)) == records);

@@ -1,8 +1,6 @@
 // The main program of a fuzz target where the compiler brings no fuzzer: runs every example as it is, then random
 // changes of them. Not guided by coverage, so the examples and the words matter. The input that ends the program is
 // left in the file "crash-input".
-#include <sanitizer/common_interface_defs.h>
-
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -15,11 +13,15 @@
 #include <string>
 #include <vector>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/common_interface_defs.h>
+#endif
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
-constexpr std::size_t kMaxLength = 2048;
+constexpr std::size_t kMaxLength = 4096;
 
 std::string current;  // the input that is being run
 
@@ -161,7 +163,13 @@ int main(int argc, char** argv) {
         }
     }
     std::signal(SIGABRT, OnAbort);
+#ifdef __SANITIZE_ADDRESS__
     __sanitizer_set_death_callback(SaveCurrent);
+#else
+    std::signal(SIGSEGV, OnAbort);
+    std::signal(SIGILL, OnAbort);
+    std::signal(SIGFPE, OnAbort);
+#endif
     for (const std::string& example : examples) {
         Run(example);
     }

@@ -60,10 +60,9 @@ Bytes Find(Bytes beginning) {
         if (size > beginning.size() - at) {
             return {};
         }
-        if (HoldsAt(beginning, at + header, kExtension)) {
-            return size < header + kExtension.size()
-                       ? Bytes{}
-                       : beginning.subspan(at + header + kExtension.size(), size - header - kExtension.size());
+        const Bytes content = beginning.subspan(at + header, size - header);
+        if (HoldsAt(content, 0, kExtension) && content.size() > kExtension.size()) {
+            return content.subspan(kExtension.size());
         }
         at += size;
     }

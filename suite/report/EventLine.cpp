@@ -27,7 +27,7 @@ void AppendQuoted(std::string& out, std::string_view text) {
 }
 
 std::string Begin(const UtcTime& time, std::string_view eventId) {
-    char stamp[96];
+    char stamp[128];
     std::snprintf(stamp, sizeof stamp, "{\"time\":\"%04d-%02d-%02dT%02d:%02d:%02d.%03dZ\",\"event\":", time.year,
                   time.month, time.day, time.hour, time.minute, time.second, time.millisecond);
     std::string line = stamp;

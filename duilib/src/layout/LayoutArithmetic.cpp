@@ -18,6 +18,11 @@ int Scaled(int value, int numerator, int denominator) {
     return Bounded((product + denominator / 2) / denominator);
 }
 
+// How far the content can be scrolled.
+int ScrollRange(int contentPx, int pagePx) {
+    return std::max(0, Bounded(static_cast<long long>(contentPx) - pagePx));
+}
+
 }  // namespace
 
 int Limit(int valuePx, int minPx, int maxPx) {
@@ -121,14 +126,14 @@ Rect TileCell(int index, int columns, Size cellPx, int columnGapPx, int rowGapPx
 
 LineSpan ThumbSpan(int trackPx, int contentPx, int pagePx, int scrollPx, int minThumbPx) {
     const int track = std::max(0, trackPx);
-    const int size = std::min(track, std::max(minThumbPx, Scaled(track, pagePx, contentPx)));
-    const int range = std::max(0, contentPx - pagePx);
+    const int size = std::clamp(std::max(minThumbPx, Scaled(track, pagePx, contentPx)), 0, track);
+    const int range = ScrollRange(contentPx, pagePx);
     return {Scaled(track - size, std::clamp(scrollPx, 0, range), range), size};
 }
 
 int ScrollAtThumb(int thumbStartPx, int trackPx, int contentPx, int pagePx, int minThumbPx) {
     const int way = std::max(0, trackPx) - ThumbSpan(trackPx, contentPx, pagePx, 0, minThumbPx).sizePx;
-    const int range = std::max(0, contentPx - pagePx);
+    const int range = ScrollRange(contentPx, pagePx);
     return Scaled(range, std::clamp(thumbStartPx, 0, std::max(0, way)), way);
 }
 

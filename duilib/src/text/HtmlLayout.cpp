@@ -13,8 +13,9 @@ bool IsBlank(wchar_t c) {
     return c == L' ' || c == L'\u3000';
 }
 
+// Half a character: text comes in 16-bit units.
 bool IsLowSurrogate(wchar_t c) {
-    return sizeof(wchar_t) == 2 && c >= 0xDC00 && c <= 0xDFFF;
+    return c >= 0xDC00 && c <= 0xDFFF;
 }
 
 // A mark that belongs to the character before it, or joins two.
@@ -26,7 +27,7 @@ bool IsJoined(wchar_t c) {
 
 bool IsEastAsian(wchar_t c) {
     return (c >= 0x2E80 && c <= 0x9FFF) || (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFF00 && c <= 0xFFEF) ||
-           (sizeof(wchar_t) == 2 && c >= 0xD840 && c <= 0xD87F) || IsLowSurrogate(c);
+           (c >= 0xD840 && c <= 0xD87F) || IsLowSurrogate(c);
 }
 
 bool Contains(std::wstring_view set, wchar_t c) {
@@ -113,6 +114,9 @@ class HtmlLayout::Breaker {
             size_t next = end + 1;
             while (next < characters_.size() && next - end < kLongestUnit &&
                    !MayBreakBetween(characters_[next - 1], characters_[next])) {
+                ++next;
+            }
+            if (next < characters_.size() && IsLowSurrogate(characters_[next])) {
                 ++next;
             }
             const size_t word = WithoutBlanks(end, next);

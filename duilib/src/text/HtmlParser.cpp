@@ -360,7 +360,7 @@ std::wstring_view Limited(std::wstring_view text) {
         return text;
     }
     const wchar_t last = text[kMaxCharacters - 1];
-    const bool half = sizeof(wchar_t) == 2 && last >= 0xD800 && last <= 0xDBFF;
+    const bool half = last >= 0xD800 && last <= 0xDBFF;
     return text.substr(0, kMaxCharacters - (half ? 1 : 0));
 }
 

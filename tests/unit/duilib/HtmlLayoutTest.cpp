@@ -135,4 +135,14 @@ TEST(HtmlLayout, AVeryLongWordIsArrangedInReasonableTime) {
     EXPECT_LE(layout.Pieces().size(), 65536u / 50 + 100);
 }
 
+// Text comes in 16-bit units; a character beyond them is two of them, wherever a line ends.
+TEST(HtmlLayout, NoPairIsBroken) {
+    EXPECT_THAT(LinesOf(Arranged(L"a\xD83D\xDE00z", 20)), ElementsAre(L"a", L"\xD83D\xDE00", L"z"));
+    EXPECT_THAT(LinesOf(Arranged(L"\xD842\xDFB7\xD842\xDFB7", 30)), ElementsAre(L"\xD842\xDFB7", L"\xD842\xDFB7"));
+    // Where a stretch is too long to be measured as one.
+    const std::wstring stretch(1023, L'x');
+    EXPECT_THAT(LinesOf(Arranged(stretch + L"\xD83D\xDE00", 10245)),
+                ElementsAre(stretch, L"\xD83D\xDE00"));
+}
+
 }  // namespace

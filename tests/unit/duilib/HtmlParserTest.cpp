@@ -130,6 +130,11 @@ TEST(HtmlParser, ALongTextIsCut) {
     const auto runs = RunsOf(std::wstring(100000, L'x'));
     ASSERT_EQ(runs.size(), 1u);
     EXPECT_EQ(runs[0].text.size(), 65536u);
+    // Never within a character of two units.
+    const std::wstring text(65535, L'x');
+    EXPECT_EQ(RunsOf(text + L"\xD83D\xDE00").at(0).text, text);
+    EXPECT_EQ(RunsOf(text + L"\xD7FF!").at(0).text, text + L'\xD7FF');
+    EXPECT_EQ(RunsOf(text + L"\xDC00!").at(0).text, text + L'\xDC00');
 }
 
 TEST(HtmlParser, ManyOpenBracketsTakeLinearTime) {

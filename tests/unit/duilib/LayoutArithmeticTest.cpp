@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <random>
 
 namespace DuiLib {
@@ -146,6 +147,15 @@ TEST(Thumb, DraggingToTheEndsReachesTheEnds) {
     EXPECT_EQ(ScrollAtThumb(75, 100, 400, 100, 10), 300);
     EXPECT_EQ(ScrollAtThumb(500, 100, 400, 100, 10), 300);
     EXPECT_EQ(ScrollAtThumb(5, 10, 400, 100, 24), 0) << "a track without a way";
+}
+
+TEST(Thumb, AnyNumbersStayWithinTheTrack) {
+    constexpr int kMost = std::numeric_limits<int>::max(), kLeast = std::numeric_limits<int>::min();
+    EXPECT_EQ(ThumbSpan(100, kMost, kLeast, 5, 10), (LineSpan{0, 10})) << "a page of less than nothing";
+    EXPECT_EQ(ThumbSpan(100, kMost, kLeast, kMost, kLeast), (LineSpan{100, 0})) << "no thumb at the end";
+    EXPECT_EQ(ThumbSpan(kMost, 100, -1, 0, -5).sizePx, 0);
+    EXPECT_EQ(ScrollAtThumb(90, 100, kMost, kLeast, 10), kUnlimitedPx);
+    EXPECT_EQ(ScrollAtThumb(kMost, 100, kLeast, kMost, 10), 0);
 }
 
 TEST(ScrollToSee, MovesAsLittleAsItCan) {

@@ -82,6 +82,12 @@ TEST(LetterBox, AnEmptyWindowGetsAnEmptyBox) {
     ExpectBox({640, 480}, {0, 0, 0, 0}, {0, 0, 0, 0});
 }
 
+// A camera may claim pixels of any shape.
+TEST(LetterBox, APictureThatIsAsGoodAsALineStaysWithinTheWindow) {
+    ExpectBox({2000000000, 19}, {10, 20, 510, 320}, {10, 170, 510, 170});
+    ExpectBox({19, 2000000000}, {10, 20, 510, 320}, {260, 20, 260, 320});
+}
+
 TEST(LetterBox, TheBoxStaysWithinTheWindowAndIsCentred) {
     for (std::int32_t width = 1; width < 70; ++width) {
         for (std::int32_t height = 1; height < 70; ++height) {

@@ -38,4 +38,13 @@ TEST(JpegThumbnail, APartOfOneIsNone) {
     EXPECT_THAT(JpegThumbnail::Find(kFile), IsEmpty());
 }
 
+// A segment that holds no thumbnail, or ends before its name, is passed over.
+TEST(JpegThumbnail, AnEmptyOneHidesNoOther) {
+    const Bytes empty{0xFF, 0xD8, 0xFF, 0xE0, 0, 8, 'J', 'F', 'X', 'X', 0, 0x10};
+    EXPECT_THAT(JpegThumbnail::Find(empty), IsEmpty());
+    EXPECT_THAT(JpegThumbnail::Find(JpegThumbnail::Embed(empty, kSmall)), testing::ElementsAreArray(kSmall));
+    const Bytes shortened{0xFF, 0xD8, 0xFF, 0xE0, 0, 7, 'J', 'F', 'X', 'X', 0, 0xFF, 0xDA};
+    EXPECT_THAT(JpegThumbnail::Find(JpegThumbnail::Embed(shortened, kSmall)), testing::ElementsAreArray(kSmall));
+}
+
 }  // namespace

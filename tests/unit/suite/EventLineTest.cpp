@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using suite::FieldEventLine;
 using suite::TextEventLine;
 
@@ -34,4 +36,13 @@ TEST(EventLineTest, FieldsKeepTheirOrder) {
     EXPECT_EQ(FieldEventLine(kTime, 992612801, {{"STATUS", 1}, {"SMOOTH", -5}, {"A\"", 2147483647}}),
               kBegin + R"("992612801","fields":{"STATUS":1,"SMOOTH":-5,"A\"":2147483647}})");
     EXPECT_EQ(FieldEventLine(kTime, -1, {}), kBegin + R"("-1","fields":{}})");
+}
+
+TEST(EventLineTest, NoTimeCutsTheLine) {
+    constexpr int kLeast = std::numeric_limits<int>::min();
+    const suite::UtcTime time{kLeast, kLeast, kLeast, kLeast, kLeast, kLeast, kLeast};
+    const std::string number = std::to_string(kLeast);
+    EXPECT_EQ(TextEventLine(time, "1", ""), "{\"time\":\"" + number + "-" + number + "-" + number + "T" + number + ":" +
+                                                number + ":" + number + "." + number +
+                                                "Z\",\"event\":\"1\",\"text\":\"\"}");
 }
