@@ -16,34 +16,61 @@ build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-pos
 run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 package_packages="nsis"
-test_packages="clang-format clang-tidy ffmpeg $package_packages"
+# Formatting and clang-tidy are checked with one version of the tools (tests/house/clang_tools.py), where there is one.
+test_packages="clang-format-14? clang-tidy-14? ffmpeg python3 $package_packages"
 bench_packages="libyuv-dev libswscale-dev"
 
-# ensure_packages names...: installs what is missing, and says so before it does.
+is_installed() { [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
+
+# ensure_packages names...: installs what is missing, and says so before it does. A name that ends in "?" is installed
+# only where this system's suites have such a package.
 ensure_packages() {
-    local missing=()
+    local missing=() wanted=()
     local name
     for name in "$@"; do
-        [ "$(dpkg-query -W -f='${Status}' "$name" 2>/dev/null)" = "install ok installed" ] || missing+=("$name")
+        case $name in
+            *\?) is_installed "${name%\?}" || wanted+=("${name%\?}") ;;
+            *) is_installed "$name" || missing+=("$name") ;;
+        esac
+    done
+    local sudo=
+    if [ "$(id -u)" -ne 0 ]; then
+        sudo=sudo
+        if ! command -v sudo >/dev/null; then
+            [ ${#missing[@]} -eq 0 ] || die "neither root nor sudo is here to install these packages: ${missing[*]}"
+            return 0
+        fi
+    fi
+    [ ${#missing[@]} -eq 0 ] || $sudo apt-get update -qq
+    for name in "${wanted[@]}"; do
+        ! apt-cache show "$name" >/dev/null 2>&1 || missing+=("$name")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     say "Installing with apt: ${missing[*]}"
-    local sudo=
-    if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || die "these packages are missing, and neither root nor sudo is here to install them"
-        sudo=sudo
-    fi
-    $sudo apt-get update -qq
     $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build_preset name [targets...]: configures once, then builds what changed.
+# Compilers whose warnings are known: there are none.
+known_gcc="12 14"
+
+# build_preset name [targets...]: configures once, then builds what changed. With PIXORA_STRICT=ON warnings stop it.
 build_preset() {
     local preset=$1
+    local folder=$build/$preset
     shift
-    [ -f "$build/$preset/build.ninja" ] || { say "Configuring $preset"; cmake --preset "$preset" -S "$root" >/dev/null; }
+    if [ ! -f "$folder/build.ninja" ] ||
+        { [ -n "${PIXORA_STRICT:-}" ] && ! grep -q "^PIXORA_STRICT:BOOL=$PIXORA_STRICT$" "$folder/CMakeCache.txt"; }; then
+        say "Configuring $preset"
+        cmake --preset "$preset" -S "$root" ${PIXORA_STRICT:+-DPIXORA_STRICT="$PIXORA_STRICT"} >/dev/null
+    fi
     say "Building $preset"
-    cmake --build "$build/$preset" ${1:+--target "$@"}
+    cmake --build "$folder" ${1:+--target "$@"}
+    local version
+    version=$(sed -n 's/^set(CMAKE_CXX_COMPILER_VERSION "\([0-9]*\).*/\1/p' "$folder"/CMakeFiles/*/CMakeCXXCompiler.cmake)
+    case " $known_gcc " in
+        *" $version "*) ;;
+        *) say "Built by GCC $version. Warnings above are those of a version that the tree has not been kept to." ;;
+    esac
 }
 
 find_wine() {

@@ -2,6 +2,7 @@
 import re
 import subprocess
 
+import clang_tools
 import tree
 
 # Words and paths that have no place in the tree; written so that this file does not hold them itself.
@@ -12,6 +13,9 @@ FORBIDDEN = [
     re.compile(r"(?<![A-Za-z0-9_.])/(?:wo" + r"rk|ro" + r"ot|fa" + r"rm)/"),
     re.compile(r"deb\.deb" + r"ian\.org|registry\.npm" + r"js"),
 ]
+
+
+USING = re.compile(r"^\s*using\s+(?:\w*::)+(\w+)\s*;|^\s*namespace\s+(\w+)\s*=", re.M)
 
 
 def words():
@@ -31,7 +35,20 @@ def sizes():
     return [f"{path}: more than {limit} lines" for path, limit in limits if tree.read(path).count("\n") > limit]
 
 
+def usings():
+    """Using-declarations and namespace aliases of a source file that it does not use itself."""
+    breaches = []
+    for path in tree.files("*.cpp"):
+        text = tree.read(path)
+        for match in USING.finditer(text):
+            name = match.group(1) or match.group(2)
+            if len(re.findall(rf"\b{name}\b", text)) < 2:
+                line = text.count("\n", 0, match.start(match.lastindex)) + 1
+                breaches.append(f"{path}:{line}: {name} is not used")
+    return breaches
+
+
 def formatting():
     paths = tree.files("*.h", "*.cpp")
-    result = subprocess.run(["clang-format", "--dry-run", "-Werror", *paths], capture_output=True, text=True)
+    result = subprocess.run([clang_tools.tool("clang-format"), "--dry-run", "-Werror", *paths], capture_output=True, text=True)
     return sorted({line.split(":")[0] for line in result.stderr.splitlines() if ": error: " in line})
