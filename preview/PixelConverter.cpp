@@ -91,10 +91,7 @@ ConverterPair PairFor(PixelFormat format) {
 }  // namespace
 
 CpuLevel BestCpuLevel() {
-    if (__builtin_cpu_supports("avx2")) {
-        return CpuLevel::kAvx2;
-    }
-    return __builtin_cpu_supports("ssse3") ? CpuLevel::kSsse3 : CpuLevel::kScalar;
+    return CpuLevelWith(__builtin_cpu_supports("ssse3") != 0, __builtin_cpu_supports("avx2") != 0);
 }
 
 ConverterPair ConvertersFor(PixelFormat format, CpuLevel level) {

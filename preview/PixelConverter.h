@@ -33,6 +33,10 @@ struct ConverterPair {
 
 // The best level that this processor and its system offer.
 CpuLevel BestCpuLevel();
+// That of a processor that has these.
+constexpr CpuLevel CpuLevelWith(bool ssse3, bool avx2) {
+    return avx2 ? CpuLevel::kAvx2 : ssse3 ? CpuLevel::kSsse3 : CpuLevel::kScalar;
+}
 
 // REQUIRES: the processor offers `level`.
 ConverterPair ConvertersFor(PixelFormat format, CpuLevel level);

@@ -1,5 +1,7 @@
 #include "windows/ToolTipWnd.h"
 
+#include <algorithm>
+
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/RenderEngine.h"
 #include "suite/logger/QxLogger.h"
@@ -89,7 +91,8 @@ void ToolTipWnd::Show(bool visible) {
         ShowWindow(false, false);
         return;
     }
-    const int widthPx = DuiLib::DipToPx(GetToolTipWidth(), OwnerDpi());
+    // A hint that cannot tell its width is as wide as one without a text.
+    const int widthPx = DuiLib::DipToPx(std::max(GetToolTipWidth(), kMarginDip), OwnerDpi());
     const int heightPx = DuiLib::DipToPx(kHeightDip, OwnerDpi());
     SetWindowPos(GetHWND(), HWND_TOPMOST, xPx_, yPx_, widthPx, heightPx, kShowFlags);
     CutToBubble();

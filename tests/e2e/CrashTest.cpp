@@ -9,11 +9,11 @@
 #include "app/InstallSettings.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
+#include "tests/support/TestLog.h"
 
 namespace e2e {
 namespace {
 
-using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 namespace fs = std::filesystem;
@@ -81,7 +81,11 @@ TEST_F(CrashTest, LeavesADumpAndALogLine) {
     file.read(signature, sizeof(signature));
     EXPECT_EQ(std::memcmp(signature, kDumpSignature, sizeof(signature)), 0);
     EXPECT_GT(fs::file_size(dumps[0]), 1000U);
-    EXPECT_THAT(Machine::Log(), Contains(HasSubstr("dump: ")));
+    const std::vector<std::string> failures = harness::TestLog::TakeFailures();
+    ASSERT_EQ(failures.size(), 1U);
+    EXPECT_THAT(failures[0], testing::StartsWith("unhandled exception 0xC0000005"));
+    EXPECT_THAT(failures[0], HasSubstr(", dump: "));
+    EXPECT_THAT(failures[0], HasSubstr(dumps[0].filename().string()));
 
     // The next start is a sound one.
     Program again;

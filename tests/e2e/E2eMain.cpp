@@ -1,13 +1,13 @@
-// The entry of the end-to-end tests: as tests/support/TestMain.cpp, with COM for the accessibility door.
-#include <gmock/gmock.h>
+// The entry of the end-to-end tests, with COM for the accessibility door.
 #include <windows.h>
 
 #include <objbase.h>
 
+#include "tests/support/Harness.h"
+
 int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    const int status = RUN_ALL_TESTS();
+    const int status = harness::RunTests(argc, argv);
     CoUninitialize();
     return status;
 }

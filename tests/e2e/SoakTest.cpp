@@ -21,7 +21,6 @@
 namespace e2e {
 namespace {
 
-constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\iNotoraAssistant";
 // How often it is measured. What it holds goes up and down with what is in front and what caches keep, so the least of
 // several looks counts: of those after everything that is made once has been made, and of the last ones.
 constexpr int kLooks = 12;
@@ -54,7 +53,7 @@ class SoakTest : public testing::Test {
         const SettingsModel defaults;
         for (const auto& [name, value] : defaults.All())
             Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
-        ASSERT_TRUE(service_.Start(kPipe));
+        ASSERT_TRUE(service_.Start(harness::Protocol::kPipeName));
         Start();
     }
 
@@ -71,15 +70,11 @@ class SoakTest : public testing::Test {
     bool Answers() const {
         const HWND window = program_->Window();
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE);
-        const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (IsIconic(window) || GetUpdateRect(window, nullptr, FALSE)) {
-            if (std::chrono::steady_clock::now() > end)
-                return false;
+        return WaitUntil([window] {
             if (IsIconic(window))
                 ShowWindow(window, SW_RESTORE);
-            Sleep(1);
-        }
-        return true;
+            return !IsIconic(window) && !GetUpdateRect(window, nullptr, FALSE);
+        });
     }
 
     // Any point of the window but those of its own buttons to close and minimise.

@@ -1,14 +1,17 @@
 #include "tests/e2e/support/Machine.h"
 
-#include <shlobj.h>
-
 #include <fstream>
+
+#include "suite/common/Utf8.h"
+#include "tests/support/SettingsKey.h"
+#include "tests/support/TestLog.h"
 
 namespace e2e {
 
-namespace {
+namespace SettingsKey = harness::SettingsKey;
+namespace TestLog = harness::TestLog;
 
-constexpr wchar_t kKey[] = L"SOFTWARE\\Velmora\\Quillon\\LumiCamera";
+namespace {
 
 std::wstring g_program = L"Pixora";
 
@@ -23,18 +26,6 @@ std::vector<std::string> LinesOf(const std::wstring& path) {
     return lines;
 }
 
-std::wstring LogFolder() {
-    PWSTR folder = nullptr;
-    SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &folder);
-    const std::wstring result = std::wstring(folder ? folder : L"") + L"\\Velmora\\Quillon\\Logs\\";
-    CoTaskMemFree(folder);
-    return result;
-}
-
-std::wstring LogFile() {
-    return LogFolder() + g_program + L".log";
-}
-
 // The stand-in for the desktop's opener, which the test run puts first on the path, writes here.
 std::wstring LinksFile() {
     wchar_t path[MAX_PATH] = {};
@@ -43,23 +34,6 @@ std::wstring LinksFile() {
 }
 
 }  // namespace
-
-bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds atMost) {
-    const auto end = std::chrono::steady_clock::now() + atMost;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return condition();
-        Sleep(10);
-    }
-    return true;
-}
-
-std::wstring ProgramFolder() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder = path;
-    return folder.substr(0, folder.rfind(L'\\') + 1);
-}
 
 namespace Machine {
 
@@ -72,83 +46,51 @@ const std::wstring& ProgramName() {
 }
 
 void Reset() {
-    RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
-    DeleteFileW(LogFile().c_str());
+    SettingsKey::Delete();
+    TestLog::StartOver();
     DeleteFileW(LinksFile().c_str());
 }
 
 void ResetToInstalled() {
     Reset();
-    SetNumber(L"filter_driver_install", 1);
-    SetNumber(L"init_algorithm", 1);
+    SettingsKey::SetInstalled();
 }
 
 void SetNumber(const wchar_t* name, DWORD value) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, REG_DWORD, &value, sizeof(value));
+    SettingsKey::Set(name, static_cast<int>(value));
 }
 
 void SetText(const wchar_t* name, const std::wstring& value) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, REG_SZ, value.c_str(),
-                    static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    SettingsKey::Set(name, value);
 }
 
 void Remove(const wchar_t* name) {
-    RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, name);
+    SettingsKey::Remove(name);
 }
 
 std::optional<DWORD> Number(const wchar_t* name) {
-    DWORD value = 0;
-    DWORD size = sizeof(value);
-    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_DWORD, nullptr, &value, &size))
-        return std::nullopt;
-    return value;
+    const auto number = SettingsKey::Number(name);
+    return number ? std::optional(static_cast<DWORD>(*number)) : std::nullopt;
 }
 
 std::optional<std::wstring> Text(const wchar_t* name) {
-    std::vector<wchar_t> value(64 * 1024);
-    DWORD size = static_cast<DWORD>(value.size() * sizeof(wchar_t));
-    if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_SZ, nullptr, value.data(), &size))
-        return std::nullopt;
-    return value.data();
+    return SettingsKey::Text(name);
 }
 
 std::vector<std::string> Log() {
-    std::vector<std::string> result;
-    for (const std::string& line : LinesOf(LogFile())) {
-        const std::size_t level = line.find("[L");
-        const std::size_t thread = line.find("] [", level);
-        const std::size_t text = line.find("] ", thread + 3);
-        if (level == std::string::npos || thread == std::string::npos || text == std::string::npos)
-            continue;
-        result.push_back(line.substr(level, thread + 1 - level) + " " + line.substr(text + 2));
-    }
-    return result;
+    return TestLog::Lines(suite::ToUtf8(g_program));
 }
 
 bool LogHolds(const std::string& line) {
-    for (const std::string& logged : Log()) {
-        if (logged == line)
-            return true;
-    }
-    return false;
+    return TestLog::Count(line, suite::ToUtf8(g_program)) > 0;
 }
 
 bool WaitForLog(const std::string& line) {
-    return WaitUntil([&] { return LogHolds(line); });
+    return TestLog::WaitFor(line, suite::ToUtf8(g_program));
 }
 
-std::vector<std::string> UnexpectedFailures(const std::vector<std::string>& expected) {
-    std::vector<std::string> result;
-    for (const std::string& line : Log()) {
-        if (!line.starts_with("[L4]"))
-            continue;
-        bool known = false;
-        for (const std::string& text : expected)
-            known = known || line == text;
-        if (!known)
-            result.push_back(line);
-    }
-    return result;
+void Expect(const std::string& line) {
+    TestLog::Expect(line);
 }
 
 std::vector<std::string> OpenedLinks() {

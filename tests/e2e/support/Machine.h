@@ -5,21 +5,18 @@
 // Threads: the test's.
 #include <windows.h>
 
-#include <chrono>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/support/Harness.h"
+#include "tests/support/Wait.h"
+
 namespace e2e {
 
-inline constexpr std::chrono::seconds kPatience{20};
-
-// Looks at `condition` until it holds or the time is over; the last answer.
-bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds atMost = kPatience);
-
-// Folder of the tests' programs, which is the program's too; with a trailing backslash.
-std::wstring ProgramFolder();
+using harness::kPatience;
+using harness::ProgramFolder;
+using harness::WaitUntil;
 
 namespace Machine {
 
@@ -27,7 +24,7 @@ namespace Machine {
 void UseProgram(const std::wstring& name);
 const std::wstring& ProgramName();
 
-// Removes the settings key and the program's log, and forgets the links that were opened.
+// Removes the settings key, and forgets what the program has logged and the links that were opened.
 void Reset();
 // Reset, and the key as an installation with a working driver and algorithm leaves it.
 void ResetToInstalled();
@@ -41,8 +38,8 @@ std::optional<std::wstring> Text(const wchar_t* name);
 std::vector<std::string> Log();
 bool LogHolds(const std::string& line);
 bool WaitForLog(const std::string& line);
-// Lines of level 4, but for those of `expected`.
-std::vector<std::string> UnexpectedFailures(const std::vector<std::string>& expected = {});
+// That line of level 4 comes; any other one fails the test.
+void Expect(const std::string& line);
 
 // The addresses that the system's default program was asked to open, oldest first.
 std::vector<std::string> OpenedLinks();

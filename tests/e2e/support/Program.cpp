@@ -12,7 +12,7 @@ namespace e2e {
 
 namespace {
 
-constexpr wchar_t kWindowClass[] = L"Camera";
+using harness::Protocol::kWindowClass;
 
 // Of the layout.
 constexpr int kWindowWidthDip = 1040;
@@ -167,8 +167,18 @@ void Program::MoveTo(POINT screen) const {
     SetCursorPos(screen.x, screen.y);
 }
 
+bool Program::HoldPointerAt(POINT screen) const {
+    constexpr DWORD kLateNewsMs = 20;
+    return WaitUntil([&] {
+        MoveTo(screen);
+        Sleep(kLateNewsMs);
+        POINT now = {};
+        return GetCursorPos(&now) && now.x == screen.x && now.y == screen.y;
+    });
+}
+
 void Program::ClickAt(POINT screen) const {
-    MoveTo(screen);
+    HoldPointerAt(screen);
     SendMouse(MOUSEEVENTF_LEFTDOWN);
     SendMouse(MOUSEEVENTF_LEFTUP);
 }
@@ -179,13 +189,7 @@ bool Program::DragWindow(POINT gripScreen, SIZE by) const {
     constexpr std::chrono::seconds kPatienceOfAStep{4};
     RECT before = {};
     GetWindowRect(window_, &before);
-    // Late news of where the pointer was before may bring it back: it has to stay.
-    WaitUntil([&] {
-        MoveTo(gripScreen);
-        Sleep(50);
-        POINT now = {};
-        return GetCursorPos(&now) && now.x == gripScreen.x && now.y == gripScreen.y;
-    });
+    HoldPointerAt(gripScreen);
     SendMouse(MOUSEEVENTF_LEFTDOWN);
     bool follows = true;
     for (int step = 1; step <= kSteps && follows; ++step) {

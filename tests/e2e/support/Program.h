@@ -9,6 +9,7 @@
 
 #include "suite/common/Handle.h"
 #include "tests/e2e/support/Machine.h"
+#include "tests/support/Protocol.h"
 #include "tools/probe/AccessibleWindow.h"
 
 namespace e2e {
@@ -44,6 +45,9 @@ class Program {
 
     // --- the real mouse and keyboard
     void MoveTo(POINT screen) const;
+    // As MoveTo, until it stays there: late news of where the pointer was before may bring it back, and a click would
+    // hit what lies there.
+    bool HoldPointerAt(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
     // Presses the left button at that point, moves the window by so much, in steps, and releases the button. False: the
@@ -74,7 +78,6 @@ class Program {
 // Visible top-level windows of the class, whoever they belong to.
 int CountWindows(const wchar_t* className);
 
-// Class of the program's message boxes.
-inline constexpr wchar_t kMessageClass[] = L"MESSAGE BOX";
+using harness::Protocol::kMessageClass;
 
 }  // namespace e2e

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "service/IPCDataIO.h"
+#include "service/SettingNames.h"
 
 namespace {
 
@@ -17,6 +18,22 @@ std::vector<std::uint8_t> Bytes(const IPCDataIO& io) {
 
 std::vector<int> Slots(const TagIPCMessageItem& item) {
     return {std::begin(item.slot), std::end(item.slot)};
+}
+
+// What camera services and older versions count on. Every other test takes it from the program's headers.
+TEST(ServiceMessagesTest, TheContractsNamesAndNumbers) {
+    using namespace ServiceMessages;
+    EXPECT_STREQ(kPipeName, L"\\\\.\\Pipe\\iNotoraAssistant");
+    EXPECT_EQ(kOwnClientId, 0xCE0000);
+    EXPECT_EQ(kCameraServiceId, 0xCD0000);
+    EXPECT_EQ(kSwitchStateReceiverId, 0xB20001);
+    EXPECT_EQ(kSettingsChangedCode, 4925243);
+    EXPECT_EQ(kSwitchStateCode, 4925244);
+    EXPECT_EQ(kBackgroundGoneCode, 4925245);
+    EXPECT_EQ(kNotificationCode, 141073);
+    EXPECT_EQ(kResetSubCode, 0x40000);
+    EXPECT_STREQ(SettingNames::kSystemKeyPath, L"SOFTWARE\\Velmora\\Quillon\\LumiCamera");
+    EXPECT_STREQ(SettingNames::kKeyPath, L"\\SOFTWARE\\Velmora\\Quillon\\LumiCamera");
 }
 
 TEST(ServiceMessagesTest, ThePingSaysAlwaysTheSame) {

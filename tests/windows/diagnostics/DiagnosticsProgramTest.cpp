@@ -12,10 +12,12 @@
 
 #include "diagnostics/Options.h"
 #include "service/ServiceMessages.h"
-#include "service/SettingNames.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/MissingDll.h"
+#include "tests/support/SettingsKey.h"
+#include "tests/support/TestLog.h"
 #include "tools/service/PipeServer.h"
 
 namespace diagnostics {
@@ -25,37 +27,28 @@ using testing::HasSubstr;
 using testing::Not;
 namespace fs = std::filesystem;
 
-constexpr DWORD kPatienceMs = 60'000;
-
 std::string ContentOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // A value of the settings key while one lives.
-class RegistryValue {
+class SettingsValue {
   public:
-    RegistryValue(const wchar_t* name, DWORD type, const void* data, std::size_t size) : name_(name) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name, type, data, static_cast<DWORD>(size));
+    SettingsValue(const wchar_t* name, const harness::SettingsKey::Value& value) : name_(name) {
+        harness::SettingsKey::Set(name, value);
     }
-    ~RegistryValue() { RegDeleteKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name_); }
-    RegistryValue(const RegistryValue&) = delete;
-    RegistryValue& operator=(const RegistryValue&) = delete;
+    ~SettingsValue() { harness::SettingsKey::Remove(name_); }
+    SettingsValue(const SettingsValue&) = delete;
+    SettingsValue& operator=(const SettingsValue&) = delete;
 
   private:
     const wchar_t* const name_;
 };
 
-struct RegistryNumber : RegistryValue {
-    RegistryNumber(const wchar_t* name, DWORD value) : RegistryValue(name, REG_DWORD, &value, sizeof value) {}
-};
-
-struct RegistryText : RegistryValue {
-    RegistryText(const wchar_t* name, const std::wstring& value)
-        : RegistryValue(name, REG_SZ, value.c_str(), (value.size() + 1) * sizeof(wchar_t)) {}
-};
-
+// A failure that Pixora tells of.
 void AppendToLog(const std::string& text) {
+    harness::TestLog::Expect("[L4] " + text);
     const std::wstring log = suite::LocalDataFolder() + L"\\Velmora\\Quillon\\Logs";
     ASSERT_TRUE(suite::MakeFolders(log));
     std::ofstream(fs::path(log + L"\\Pixora.log"), std::ios::app)
@@ -79,30 +72,8 @@ class DiagnosticsProgramTest : public testing::Test {
 
     // The exit code; what it wrote to standard output is in shown_.
     DWORD Run(const std::wstring& arguments, const wchar_t* name = L"PixoraDiagnostics.exe") {
-        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
         const fs::path shown = folder_ / L"shown.txt";
-        DWORD code = ~0U;
-        {
-            const suite::Handle output(CreateFileW(shown.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
-                                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-            const fs::path program = fs::path(suite::ProgramPath()).parent_path() / name;
-            std::wstring commandLine = L"\"" + program.wstring() + L"\" " + arguments;
-            STARTUPINFOW startup{};
-            startup.cb = sizeof startup;
-            startup.dwFlags = STARTF_USESTDHANDLES;
-            startup.hStdOutput = output.Get();
-            startup.hStdError = output.Get();
-            PROCESS_INFORMATION process{};
-            if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                                nullptr, &startup, &process)) {
-                return code;
-            }
-            const suite::Handle thread(process.hThread);
-            const suite::Handle handle(process.hProcess);
-            if (WaitForSingleObject(handle.Get(), kPatienceMs) == WAIT_OBJECT_0) {
-                GetExitCodeProcess(handle.Get(), &code);
-            }
-        }
+        const DWORD code = harness::ChildProcess(name, arguments, shown).WaitForEnd(std::chrono::minutes(1));
         shown_ = ContentOf(shown);
         return code;
     }
@@ -144,8 +115,8 @@ TEST_F(DiagnosticsProgramTest, ASystemWithoutMediaFoundationIsTold) {
 }
 
 TEST_F(DiagnosticsProgramTest, AMachineThatHasEverythingIsFine) {
-    const RegistryNumber driver(L"filter_driver_install", 1);
-    const RegistryNumber algorithm(L"init_algorithm", 1);
+    const SettingsValue driver(L"filter_driver_install", 1);
+    const SettingsValue algorithm(L"init_algorithm", 1);
     CreateDirectoryW(L"C:\\ProgramData\\Comms", nullptr);
     PipeServer server;
     ASSERT_TRUE(server.Start(ServiceMessages::kPipeName));
@@ -166,9 +137,9 @@ TEST_F(DiagnosticsProgramTest, AFileThatCannotBeWrittenHasItsOwnExitCode) {
 }
 
 TEST_F(DiagnosticsProgramTest, TheReportNamesNoFileOfTheUsers) {
-    const RegistryText group(L"lumi_camera_custom_img_group",
-                             L"custom_background_btn_0[(&,f!=)]1[(&,f!=)]1[(&,f!=)]C:\\a.jpg[(&,f!=)]"
-                             L"D:\\Films\\Anna's birthday.mp4[(&;i!-)]");
+    const SettingsValue group(L"lumi_camera_custom_img_group",
+                              L"custom_background_btn_0[(&,f!=)]1[(&,f!=)]1[(&,f!=)]C:\\a.jpg[(&,f!=)]"
+                              L"D:\\Films\\Anna's birthday.mp4[(&;i!-)]");
     AppendToLog("copyFile error:Anna's birthday.mp4(a)");
     Run(L"");
     EXPECT_THAT(shown_, HasSubstr("copyFile error:<name>(a)"));

@@ -7,8 +7,9 @@
 
 #include "diagnostics/Sections.h"
 #include "service/ServiceMessages.h"
-#include "service/SettingNames.h"
 #include "suite/common/Handle.h"
+#include "tests/support/PrivateRegistry.h"
+#include "tests/support/SettingsKey.h"
 #include "tools/democamera/DemoCameraSystem.h"
 #include "tools/service/PipeServer.h"
 
@@ -18,30 +19,13 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr wchar_t kOwnRoot[] = L"Software\\PixoraDiagnosticsTest";
 const PersonalData kNobody({});
 
 // A HKEY_CURRENT_USER of the test's own, empty at first.
 class SettingsSectionTest : public testing::Test {
   protected:
-    void SetUp() override {
-        RegDeleteTreeW(HKEY_CURRENT_USER, kOwnRoot);
-        ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kOwnRoot, &root_), ERROR_SUCCESS);
-        ASSERT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, root_), ERROR_SUCCESS);
-    }
-    void TearDown() override {
-        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        RegCloseKey(root_);
-        RegDeleteTreeW(HKEY_CURRENT_USER, kOwnRoot);
-    }
-
-    static void Number(const wchar_t* name, DWORD value) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name, REG_DWORD, &value, sizeof value);
-    }
-    static void Text(const wchar_t* name, const std::wstring& value) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, name, REG_SZ, value.c_str(),
-                        static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-    }
+    static void Number(const wchar_t* name, DWORD value) { harness::SettingsKey::Set(name, static_cast<int>(value)); }
+    static void Text(const wchar_t* name, const std::wstring& value) { harness::SettingsKey::Set(name, value); }
     static Report Settings() {
         Report report;
         AddSettings(report);
@@ -49,7 +33,7 @@ class SettingsSectionTest : public testing::Test {
     }
 
   private:
-    HKEY root_ = nullptr;
+    const harness::PrivateRegistry registry_;
 };
 
 TEST_F(SettingsSectionTest, WithoutAKeyTheDriverIsMissing) {

@@ -36,7 +36,6 @@ class Buttons : public testing::TestWithParam<int> {
         const Picture picture = Render(window, Dpi());
         return picture.CenterOf(window.Find(name).GetPos());
     }
-    const LogWatch log;
 };
 
 INSTANTIATE_TEST_SUITE_P(Scales, Buttons, testing::Values(96, 144, 192), PrintToStringParamName());
@@ -65,7 +64,6 @@ TEST_P(Buttons, ShowTheImageOfTheirState) {
     EXPECT_EQ(Look(window, L"b"), kRed);
     window.Find(L"b").SetEnabled(false);
     EXPECT_EQ(Look(window, L"b"), kGrey);
-    log.ExpectNone();
 }
 
 TEST_P(Buttons, ImagesMayBeExchanged) {
@@ -115,7 +113,6 @@ TEST_P(Buttons, OptionsShowThatTheyAreSelected) {
     window.Find<COptionUI>(L"c").SetSelected(true);
     EXPECT_EQ(Look(window, L"c"), kGreen);
     EXPECT_EQ(Look(window, L"f"), kYellow);
-    log.ExpectNone();
 }
 
 class ButtonInput : public testing::Test {
@@ -127,8 +124,6 @@ class ButtonInput : public testing::Test {
         <Option name="o3" group="g" height="20" enabled="false"/><Option name="o4" group="g" height="20"/>
         </VerticalLayout></Window>)"};
     bool Selected(const wchar_t* name) { return window.Find<COptionUI>(name).IsSelected(); }
-    const LogWatch log;
-    ~ButtonInput() override { log.ExpectNone(); }
 };
 
 TEST_F(ButtonInput, AClickSendsDownAndClick) {

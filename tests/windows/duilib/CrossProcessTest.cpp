@@ -7,6 +7,7 @@
 
 #include "DuiLib/SliderUI.h"
 #include "TestWindow.h"
+#include "tests/support/ChildProcess.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -31,15 +32,8 @@ TEST(CrossProcess, DISABLED_Server) {
 
 TEST(CrossProcess, ControlsAreListedSetAndPressed) {
     ResourceFolder::Get();  // COM for this thread
-    wchar_t self[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    std::wstring command =
-        L"\"" + std::wstring(self) + L"\" --gtest_also_run_disabled_tests --gtest_filter=CrossProcess.DISABLED_Server";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    ASSERT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
+    harness::ChildProcess server(L"duilib_tests.exe",
+                                 L"--gtest_also_run_disabled_tests --gtest_filter=CrossProcess.DISABLED_Server");
     HWND window = nullptr;
     EXPECT_TRUE(PumpUntil([&] {
         window = FindWindowW(nullptr, kTitle);
@@ -67,13 +61,8 @@ TEST(CrossProcess, ControlsAreListedSetAndPressed) {
         EXPECT_EQ(object->accDoDefaultAction(children[L"Done"]), S_OK);
         object->Release();
     }
-    EXPECT_TRUE(PumpUntil([&] { return WaitForSingleObject(process.hProcess, 0) == WAIT_OBJECT_0; }));
-    DWORD code = 99;
-    GetExitCodeProcess(process.hProcess, &code);
-    EXPECT_EQ(code, 0u);
-    TerminateProcess(process.hProcess, 1);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    EXPECT_TRUE(PumpUntil([&] { return !server.Runs(); }));
+    EXPECT_EQ(server.WaitForEnd(), 0u);
 }
 
 }  // namespace

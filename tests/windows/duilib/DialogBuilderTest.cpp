@@ -108,14 +108,14 @@ TEST_F(DialogBuilder, EveryAttributeRefusesNonsense) {
                                   "bordersize", "borderround", "IsNcHit",      "keyboard",    "mouse",
                                   "cursor",     "inset",       "childpadding", "vscrollbar",  "hscrollbar",
                                   "mirror",     "columns",     "itemsize",     "rowpadding"}) {
-        const LogWatch watch;
+        LogWatch watch;
         EXPECT_NE(Build(std::string("<TileLayout ") + attribute + "=\"nonsense\"/>"), nullptr);
         EXPECT_EQ(watch.Failures().size(), 1u) << attribute;
         EXPECT_TRUE(watch.Has(std::string("bad value ") + attribute));
     }
     for (const char* attribute : {"bkimage=\"file='\"", "width=\"-1\"", "maxheight=\"-1\"", "columns=\"-1\"",
                                   "itemsize=\"-1,5\"", "width=\"10000000\""}) {
-        const LogWatch watch;
+        LogWatch watch;
         EXPECT_NE(Build(std::string("<TileLayout ") + attribute + "/>"), nullptr);
         EXPECT_EQ(watch.Failures().size(), 1u) << attribute;
     }
@@ -203,7 +203,7 @@ TEST_F(DialogBuilder, BrokenFilesGiveNothingButALine) {
                                        "<Include/>",
                                        std::string_view("<Button\0/>", 10)};
     for (const std::string_view xml : broken) {
-        const LogWatch watch;
+        LogWatch watch;
         EXPECT_EQ(Build(xml), nullptr) << xml;
         EXPECT_GE(watch.Failures().size(), 1u) << xml;
         EXPECT_TRUE(watch.Has("(CDialogBuilder::Create)")) << xml;
@@ -215,7 +215,7 @@ TEST_F(DialogBuilder, CommentsAnywhereAndTheirLines) {
          {"", "\n\n", "<?xml version='1.0'?>\n\n", "<?xml version=\"1.0\"\n encoding=\"utf-8\"?>\n", "<!-- a -->\n\n",
           "\n <!-- a\n --> ", "<?xml version='1.0'?>\n<!-- -->\n",
           "\xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8' standalone='yes'?>\n\n"}) {
-        const LogWatch watch;
+        LogWatch watch;
         EXPECT_NE(Build(start + "<Label x=\"1\"/> <!-- > --> \n<!-- b -->\n"), nullptr) << start;
         const bool atStart = start.empty();
         EXPECT_TRUE(watch.Has(atStart ? "line 1: <Label>" : "line 3: <Label>") || watch.Has("line 2: <Label>"))
@@ -228,7 +228,7 @@ TEST_F(DialogBuilder, DoubtfulFilesAreReadOrLogged) {
     for (const std::string_view xml :
          {"<Button a=\"1\" a=\"2\"/>", "<Button text=\"\x01\"/>", "<Button text=\"\xFF\xFE\"/>",
           "<Button text=\"\xED\xA0\x80\"/>", "<a:Button/>", "<Button xmlns=\"x\"/>"}) {
-        const LogWatch watch;
+        LogWatch watch;
         const auto control = Build(xml);
         EXPECT_TRUE(control != nullptr || !watch.Failures().empty()) << xml;
     }

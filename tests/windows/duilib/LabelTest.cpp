@@ -32,7 +32,6 @@ class Label : public testing::TestWithParam<int> {
         EXPECT_FALSE(ink.IsEmpty()) << attributes;
         return ink;
     }
-    const LogWatch log;
 };
 
 INSTANTIATE_TEST_SUITE_P(Scales, Label, testing::Values(96, 144, 192), testing::PrintToStringParamName());

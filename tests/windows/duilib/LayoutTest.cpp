@@ -15,13 +15,10 @@ namespace {
 
 class Layout : public testing::Test {
   protected:
-    ~Layout() override { log.ExpectNone(); }
-
     // A tree of 400 × 300 units.
     void Load(const std::string& content) { window.emplace(R"(<Window size="400,300">)" + content + "</Window>"); }
     Rect Pos(const wchar_t* name) { return window->Find(name).GetPos(); }
 
-    LogWatch log;
     std::optional<TestWindow> window;
 };
 

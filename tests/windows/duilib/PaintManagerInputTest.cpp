@@ -41,8 +41,6 @@ class Probe : public CContainerUI {
 
 class PaintManagerInput : public testing::Test {
   protected:
-    ~PaintManagerInput() override { log.ExpectNone(); }
-    LogWatch log;
     TestWindow window{kLayout};
     CPaintManagerUI& manager = window.PaintManager();
 };

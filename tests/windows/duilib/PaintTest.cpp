@@ -34,7 +34,6 @@ class WindowPainting : public testing::Test {
         SetWindowPos(window.GetHWND(), HWND_TOPMOST, 300, 300, 0, 0, SWP_NOSIZE);
         SetCursorPos(10, 10);
     }
-    ~WindowPainting() override { log.ExpectNone(); }
 
     void Show() {
         window.ShowWindow();
@@ -48,7 +47,6 @@ class WindowPainting : public testing::Test {
         return color;
     }
 
-    LogWatch log;
     TestWindow window{R"(<Window size="400,100" bordercolor="#FF00FF00"><HorizontalLayout name="root"/></Window>)"};
     Patch* left = nullptr;
     Patch* right = nullptr;

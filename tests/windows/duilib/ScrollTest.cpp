@@ -14,8 +14,6 @@ constexpr char kLayout[] = R"(<Window size="300,200"><VerticalLayout name="list"
 
 class Scroll : public testing::Test {
   protected:
-    ~Scroll() override { log.ExpectNone(); }
-
     void Load(std::string_view layout) {
         window.emplace(layout);
         list = &window->Find<CContainerUI>(L"list");
@@ -27,7 +25,6 @@ class Scroll : public testing::Test {
     }
     int Top() const { return list->GetScrollPos().y; }
 
-    LogWatch log;
     std::optional<TestWindow> window;
     CContainerUI* list = nullptr;
 };

@@ -41,8 +41,6 @@ class Bars : public testing::TestWithParam<int> {
         }
         return -1;
     }
-    const LogWatch log;
-    ~Bars() override { log.ExpectNone(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Scales, Bars, testing::Values(96, 144, 192), testing::PrintToStringParamName());

@@ -1,7 +1,7 @@
 #pragma once
 // What the library's tests share: a window over a layout that is given as text, which records its notifications;
 // message pumping with a deadline; a folder of resources for the process; the level 4 lines of the log.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
 #include <chrono>
@@ -16,36 +16,15 @@
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/PaintManagerUI.h"
 #include "DuiLib/WindowImplBase.h"
-#include "suite/logger/QxLogger.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
 
 namespace DuiLib::Test {
 
-// Runs messages until the condition holds; false after five seconds without it.
-inline bool PumpUntil(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        MSG msg{};
-        if (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        } else {
-            MsgWaitForMultipleObjectsEx(0, nullptr, 20, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-        }
-    }
-    return true;
-}
-
+using harness::PumpUntil;
 // Runs the messages that are there, and those that they bring.
 inline void PumpPending() {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    MSG msg{};
-    while (std::chrono::steady_clock::now() < deadline && PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&msg);
-        DispatchMessageW(&msg);
-    }
+    harness::Pump();
 }
 
 // GDI objects of the process. Wine does not count them, but finds them by the index that is the low half of a handle.
@@ -91,25 +70,19 @@ class ResourceFolder {
     std::filesystem::path path_;
 };
 
-// The failures that were logged since it was made. A test that expects none calls ExpectNone at its end.
+// The failures that were logged since it was made and that the test looks at; one that it does not look at fails it.
 class LogWatch {
   public:
-    LogWatch() {
-        QxLogger::GetInstance()->InitProcessLogger();
-        start_ = Read().size();
-    }
-    std::vector<std::string> Failures() const {
-        std::vector<std::string> failures;
-        const std::vector<std::string> lines = Read();
-        for (std::size_t i = start_; i < lines.size(); ++i) {
-            if (lines[i].find("[L4]") != std::string::npos) {
-                failures.push_back(lines[i]);
-            }
+    LogWatch() { ExpectNone(); }
+    // Those of them that nobody has taken yet.
+    std::vector<std::string> Failures() {
+        for (std::string& line : harness::TestLog::TakeFailures()) {
+            failures_.push_back(std::move(line));
         }
-        return failures;
+        return failures_;
     }
     // True when some failure holds the text.
-    bool Has(std::string_view text) const {
+    bool Has(std::string_view text) {
         for (const std::string& line : Failures()) {
             if (line.find(text) != std::string::npos) {
                 return true;
@@ -117,23 +90,10 @@ class LogWatch {
         }
         return false;
     }
-    void ExpectNone() const {
-        for (const std::string& line : Failures()) {
-            ADD_FAILURE() << "unexpected log line: " << line;
-        }
-    }
+    void ExpectNone() { EXPECT_THAT(Failures(), testing::IsEmpty()); }
 
   private:
-    static std::vector<std::string> Read() {
-        std::vector<std::string> lines;
-        std::ifstream file(std::filesystem::path(QxLogger::GetInstance()->FilePath()));
-        for (std::string line; std::getline(file, line);) {
-            lines.push_back(line);
-        }
-        return lines;
-    }
-
-    std::size_t start_ = 0;
+    std::vector<std::string> failures_;
 };
 
 class TestWindow : public WindowImplBase {

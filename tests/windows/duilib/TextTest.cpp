@@ -47,8 +47,6 @@ class Texts : public testing::TestWithParam<int> {
         window.Mouse(WM_LBUTTONUP, px);
     }
     static Point Middle(const Rect& px) { return {(px.left + px.right) / 2, (px.top + px.bottom) / 2}; }
-    const LogWatch log;
-    ~Texts() override { log.ExpectNone(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Scales, Texts, testing::Values(96, 144, 192), testing::PrintToStringParamName());

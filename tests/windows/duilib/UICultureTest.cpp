@@ -45,7 +45,7 @@ TEST_F(Culture, OtherRegionOfTheSameLanguageThenEnglish) {
 
 TEST_F(Culture, BrokenTableIsLoggedAndReadAsFarAsItIsSound) {
     Write(L"de_DE", R"(<Strings direction="ltr"><String id="IDS_A">Gut</String><String id="IDS_B">Halb)");
-    const LogWatch log;
+    LogWatch log;
     EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
     EXPECT_TRUE(log.Has("strings.xml"));
     EXPECT_EQ(culture.GetString(L"IDS_A"), L"Gut");
@@ -56,7 +56,7 @@ TEST_F(Culture, CommentsAndBlanksOfATableAreNoFaults) {
           "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- one --><!-- two -->\n\n<!-- three -->"
           "<Strings direction=\"ltr\"> <!-- four --> <!-- five --><String id=\"IDS_A\">a<![CDATA[<b>]]>c"
           "<!-- six --> d</String>\n</Strings>\n<!-- seven -->\n");
-    const LogWatch log;
+    LogWatch log;
     EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
     EXPECT_EQ(culture.GetString(L"IDS_A"), L"a<b>c d");
     log.ExpectNone();
@@ -67,7 +67,7 @@ TEST_F(Culture, TablesThatEndAnywhereAreLogged) {
         R"(<?xml version="1.0"?><!-- c --><Strings direction="ltr"><String id="IDS_A"><![CDATA[x]]>text</String><!-- d --></Strings>)";
     for (std::size_t length = 0; length < whole.size(); ++length) {
         Write(L"de_DE", whole.substr(0, length));
-        const LogWatch log;
+        LogWatch log;
         EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));  // at least the English one
         EXPECT_FALSE(log.Failures().empty()) << whole.substr(0, length);
     }
@@ -75,7 +75,7 @@ TEST_F(Culture, TablesThatEndAnywhereAreLogged) {
 
 TEST_F(Culture, MissingTableFallsBackToEnglish) {
     std::filesystem::create_directories(Folder() + L"\\it_IT");
-    const LogWatch log;
+    LogWatch log;
     EXPECT_TRUE(culture.SelectLanguage(L"it_IT", true));
     EXPECT_EQ(culture.GetLanguage(), L"en_US");
     EXPECT_EQ(culture.GetString(L"IDS_A"), L"Hello");
@@ -84,7 +84,7 @@ TEST_F(Culture, MissingTableFallsBackToEnglish) {
 
 TEST_F(Culture, MissingFolderGivesKeysAndALogLine) {
     culture.SetValuesFolder(Folder() + L"_absent");
-    const LogWatch log;
+    LogWatch log;
     EXPECT_FALSE(culture.SelectLanguage(L"de_DE", true));
     EXPECT_EQ(culture.GetString(L"IDS_A"), L"IDS_A");
     EXPECT_EQ(culture.GetLanguage(), L"");

@@ -13,9 +13,11 @@
 
 #include "suite/ipc/IPCMessageClient.h"
 #include "suite/ipc/PipeFrame.h"
+#include "tests/support/Protocol.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
 
-// How long a test waits for something that has to happen.
-inline constexpr std::chrono::milliseconds kDeadline{15000};
+inline constexpr std::chrono::milliseconds kDeadline = harness::kPatience;
 // How long a test looks whether something happens that must not.
 inline constexpr std::chrono::milliseconds kGlance{200};
 
@@ -56,23 +58,18 @@ TagIPCMessageItem Ping();
 // A message of that code without payload.
 TagIPCMessageItem Message(std::int32_t code);
 
-// Each test has its own pipe name, and fails when the log gets a line of level 4 that it did not expect.
+// Each test has its own pipe name.
 class IpcTest : public testing::Test {
   protected:
-    static void SetUpTestSuite();
     void SetUp() override;
-    void TearDown() override;
 
     const std::wstring& PipeName() const { return pipeName_; }
     // How many lines of the log hold `text` since the test began.
-    int LinesWith(const std::string& text) const;
-    bool WaitForLine(const std::string& text) const;
-    void Expect(const std::string& level4Text) { expected_.push_back(level4Text); }
+    static int LinesWith(const std::string& text) { return harness::TestLog::Count(testing::HasSubstr(text)); }
+    static bool WaitForLine(const std::string& text) { return harness::TestLog::WaitFor(testing::HasSubstr(text)); }
+    // A line of level 4 with this text comes.
+    static void Expect(const std::string& text) { harness::TestLog::Expect(testing::HasSubstr(text)); }
 
   private:
-    std::vector<std::string> Lines() const;
-
     std::wstring pipeName_;
-    std::size_t logStart_ = 0;
-    std::vector<std::string> expected_;
 };

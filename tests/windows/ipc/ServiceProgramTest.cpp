@@ -4,9 +4,12 @@
 #include <thread>
 
 #include "suite/common/Handle.h"
+#include "tests/support/SettingsKey.h"
 #include "tests/windows/ipc/IpcTest.h"
 
 namespace {
+
+namespace Protocol = harness::Protocol;
 
 // A running program with its standard input and output.
 class Program {
@@ -128,8 +131,9 @@ TEST_F(ServiceProgramTest, Conversation) {
     ASSERT_THAT(service.Line(), testing::StartsWith(R"({"event":"listening","pipe":"\\\\.\\Pipe\\PixoraIpcTest-)"));
 
     Inbox inbox;
-    auto client = std::make_unique<IPCMessageClient>(0xCE0000, true, false, PipeName());
-    for (const std::int32_t code : {0x4B273B, 0x22711, 4925245, 77}) {
+    auto client = std::make_unique<IPCMessageClient>(Protocol::kOwnClientId, true, false, PipeName());
+    for (const std::int32_t code :
+         {Protocol::kSettingsChangedCode, Protocol::kNotificationCode, Protocol::kBackgroundGoneCode, 77}) {
         client->RegisterMessageCallback(code, inbox.Callback());
     }
     EXPECT_EQ(service.Line(), R"({"event":"connect","client":1})");
@@ -145,8 +149,11 @@ TEST_F(ServiceProgramTest, Conversation) {
         service.Tell(command);
     }
     ASSERT_TRUE(inbox.WaitFor(5));
-    const std::pair<int, int> expected[] = {
-        {0x4B273B, -1}, {0x22711, 0x40000}, {0x22711, 0x40000}, {4925245, -1}, {77, 8}};
+    const std::pair<int, int> expected[] = {{Protocol::kSettingsChangedCode, -1},
+                                            {Protocol::kNotificationCode, Protocol::kResetSubCode},
+                                            {Protocol::kNotificationCode, Protocol::kResetSubCode},
+                                            {Protocol::kBackgroundGoneCode, -1},
+                                            {77, 8}};
     for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(inbox.Messages()[i].frame.slot[2], expected[i].first) << i;
         EXPECT_EQ(inbox.Messages()[i].frame.slot[1], expected[i].second) << i;
@@ -160,21 +167,17 @@ TEST_F(ServiceProgramTest, Conversation) {
 }
 
 TEST_F(ServiceProgramTest, SetWritesTheSettingsKey) {
-    constexpr wchar_t kKey[] = L"SOFTWARE\\Velmora\\Quillon\\LumiCamera";
     constexpr wchar_t kName[] = L"PixoraIpcTest";
     Program service(PipeOption());
     service.Line();
     Inbox inbox;
     IPCMessageClient client(1, true, false, PipeName());
-    client.RegisterMessageCallback(0x4B273B, inbox.Callback());
+    client.RegisterMessageCallback(Protocol::kSettingsChangedCode, inbox.Callback());
     ASSERT_THAT(service.LineThatBegins(R"({"event":"hello")"), testing::HasSubstr("\"clientId\":1"));
     service.Tell("set PixoraIpcTest 0x80000001");
     ASSERT_TRUE(inbox.WaitFor(1));
-    DWORD value = 0;
-    DWORD size = sizeof value;
-    EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, kKey, kName, RRF_RT_REG_DWORD, nullptr, &value, &size), ERROR_SUCCESS);
-    EXPECT_EQ(value, 0x80000001);
-    RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, kName);
+    EXPECT_EQ(harness::SettingsKey::Number(kName), static_cast<int>(0x80000001));
+    harness::SettingsKey::Remove(kName);
     client.UnRegisterMessageCallbackAll();
 }
 
@@ -183,7 +186,7 @@ TEST_F(ServiceProgramTest, CommandsOnTheCommandLineAreForTheFirstClient) {
     service.Line();
     Inbox inbox;
     IPCMessageClient client(1, true, false, PipeName());
-    client.RegisterMessageCallback(0x22711, inbox.Callback());
+    client.RegisterMessageCallback(Protocol::kNotificationCode, inbox.Callback());
     EXPECT_TRUE(inbox.WaitFor(1)) << "also when the service ends right after it";
     EXPECT_EQ(service.ExitCode(), 0u);
     client.UnRegisterMessageCallbackAll();

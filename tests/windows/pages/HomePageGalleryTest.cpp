@@ -67,8 +67,49 @@ TEST_F(HomePageGalleryTest, AnItemIsMadeOfTheseParts) {
     const auto& remove = Control<DuiLib::CButtonUI>(Name(3) + L"_del");
     EXPECT_FALSE(remove.IsVisible());
     EXPECT_EQ(remove.GetNormalImage(), L"file='drawable/LumiCamera/ic_cancel_normal.png'");
+    EXPECT_EQ(remove.GetHotImage(), L"file='drawable/LumiCamera/ic_cancel_hover.png'");
     EXPECT_EQ(remove.GetAccessibleInfo().name, L"Delete custom background 4");
     EXPECT_FALSE(Has(Name(3) + L"_video"));
+}
+
+TEST_F(HomePageGalleryTest, TheDeleteButtonLooksAsItIsHeld) {
+    Add(0);
+    auto& button = Control<DuiLib::CButtonUI>(Name(0) + L"_del");
+    button.SetVisible(true);
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Manager().UpdateLayout();
+    button.GetParent()->GetParent()->GetParent()->EnsureVisible(button);
+    Manager().UpdateLayout();
+    const auto look = [&] {
+        const Picture picture = PaintedBy(Manager());
+        std::vector<DWORD> pixels;
+        const DuiLib::Rect& place = button.GetPos();
+        for (int y = place.top; y < place.bottom; ++y) {
+            for (int x = place.left; x < place.right; ++x)
+                pixels.push_back(picture.At({x, y}));
+        }
+        return pixels;
+    };
+    // Each look with the picture of its own name, drawn as the normal one.
+    const auto lookOf = [&](const wchar_t* file) {
+        const std::wstring before = button.GetNormalImage();
+        button.SetNormalImage(std::wstring(L"file='drawable/LumiCamera/") + file + L"'");
+        const std::vector<DWORD> pixels = look();
+        button.SetNormalImage(before);
+        return pixels;
+    };
+    const std::vector<DWORD> normal = lookOf(L"ic_cancel_normal.png");
+    const std::vector<DWORD> hover = lookOf(L"ic_cancel_hover.png");
+    const std::vector<DWORD> pushed = lookOf(L"ic_cancel_pushed.png");
+    ASSERT_NE(normal, hover);
+    ASSERT_NE(hover, pushed);
+    EXPECT_EQ(look(), normal);
+    Input::MoveTo(button);
+    EXPECT_EQ(look(), hover);
+    Input::ButtonDown();
+    EXPECT_EQ(look(), pushed);
+    Input::Park();
+    Input::ButtonUp();
 }
 
 TEST_F(HomePageGalleryTest, AVideoHasABadge) {
@@ -164,6 +205,20 @@ TEST_F(HomePageGalleryTest, ARemovedItemsPictureIsForgotten) {
     EXPECT_FALSE(Manager().HasImage(L"C:\\picture.jpg"));
 }
 
+// The model names the item, not its file.
+TEST_F(HomePageGalleryTest, ARemovedItemsThumbnailIsForgotten) {
+    const std::wstring path = OwnFolder() + L"thumbnail.png";
+    ASSERT_TRUE(CopyFileW((ProgramFolder() + L"res\\" + kPicture).c_str(), path.c_str(), FALSE));
+    Page().AddCustomItem(Name(0), path, false);
+    ASSERT_TRUE(Manager().HasImage(path));
+    EXPECT_TRUE(Page().DelBackgroudItem(14, Name(0)));
+    EXPECT_FALSE(Manager().HasImage(path));
+    // Nor does it come back when the file has been read meanwhile.
+    Page().AddCustomItem(Name(1), kPicture, false);
+    EXPECT_TRUE(Input::PumpUntil([&] { return DeleteFileW(path.c_str()) != FALSE; }));
+    EXPECT_FALSE(Manager().HasImage(path));
+}
+
 TEST_F(HomePageGalleryTest, WithoutAnIndexNothingIsRemoved) {
     const std::string line =
         "[L4] del CustomBackground failed index:-1,resUrl:C:\\picture.jpg(HomePage::DelBackgroudItem)";
@@ -189,6 +244,27 @@ TEST_F(HomePageGalleryTest, WithoutTheGroupThereIsNoGallery) {
     EXPECT_EQ(Add(0), -1);
     EXPECT_FALSE(Page().DelBackgroudItem(3, L"picture"));
     EXPECT_THAT(LogOf("HomePage::DelBackgroudItem"), ElementsAre(line));
+}
+
+// Names that the page answers and whose controls the layout lacks, or has as something else.
+TEST_F(HomePageGalleryTest, WithoutItsOptionAClickIsLogged) {
+    const std::string line = "[L4] Get option null!(HomePage::ClickChangeBackground)";
+    Expect(line);
+    const auto click = [this](const std::wstring& name) {
+        DuiLib::CButtonUI stranger;
+        stranger.SetName(name);
+        stranger.SetVirtualWnd(L"HomePage");
+        Manager().SendNotify(&stranger, L"click");
+    };
+    RemoveControl(L"custom_background_btn");
+    click(L"custom_background_btn");
+    EXPECT_THAT(LogOf("HomePage::ClickChangeBackground"), ElementsAre(line));
+    Add(0);
+    RemoveControl(Name(0));
+    click(Name(0));
+    EXPECT_THAT(LogOf("HomePage::ClickChangeBackground"), ElementsAre(line, line));
+    click(L"none_background_btn");
+    EXPECT_THAT(LogOf("HomePage::ClickChangeBackground"), ElementsAre(line, line));
 }
 
 TEST_F(HomePageGalleryTest, AnItemMayBeRemovedByItsOwnClick) {
@@ -276,6 +352,21 @@ TEST_F(HomePageGalleryTest, TheDeleteButtonGoesWhenAnotherItemIsEntered) {
         EXPECT_TRUE(Page().HideDelButton(Name(0) + L"_item", other));
         EXPECT_FALSE(visible());
     }
+}
+
+TEST_F(HomePageGalleryTest, ScrolledAwayFromThePointerTheDeleteButtonGoes) {
+    Add(0);
+    Manager().UpdateLayout();
+    DuiLib::CControlUI& item = Control(Name(0) + L"_item");
+    item.GetParent()->GetParent()->EnsureVisible(item);
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Input::MoveTo(item);
+    Notify(Name(0) + L"_item", L"mouseenter");
+    Notify(L"effects", L"scroll");
+    EXPECT_TRUE(Control(Name(0) + L"_del").IsVisible()) << "the pointer is still on its item";
+    Input::Park();
+    Notify(L"effects", L"scroll");
+    EXPECT_FALSE(Control(Name(0) + L"_del").IsVisible());
 }
 
 TEST_F(HomePageGalleryTest, WithoutSuchAButtonNothingIsHidden) {

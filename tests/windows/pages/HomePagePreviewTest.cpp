@@ -6,6 +6,7 @@
 
 #include "service/KindNotifier.h"
 #include "tests/support/Environment.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tools/democamera/DemoCameraSystem.h"
 
@@ -45,29 +46,12 @@ class HomePagePreviewTest : public HomePageTest {
         democamera::SetCameras({});
     }
 
-    // Serves messages until the condition holds. False: it did not within the time; true also when WM_QUIT came.
+    // Serves messages until the condition holds. False: it did not within the time.
     template <typename Condition>
-    bool Wait(const Condition& condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!condition()) {
-            Serve();
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
-        }
-        return true;
+    static bool Wait(const Condition& condition) {
+        return Input::PumpUntil(condition);
     }
-    void Serve() {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            if (message.message == WM_QUIT)
-                quit_ = true;
-            // What the main window does with the capture's message.
-            if (message.message == WM_APP + 1)
-                Tell(static_cast<HRESULT>(message.wParam));
-            DispatchMessageW(&message);
-        }
-    }
+    static void Serve() { Input::Pump(); }
     bool FramesCome() {
         const std::int64_t goal = camera_->Seen().frames + 3;
         return Wait([&] { return camera_->Seen().frames >= goal; });
@@ -122,7 +106,6 @@ class HomePagePreviewTest : public HomePageTest {
     }
 
     std::shared_ptr<DemoCamera> camera_;
-    bool quit_ = false;
 };
 
 TEST_F(HomePagePreviewTest, IsOffAndHasNoWindowAtFirst) {
@@ -223,7 +206,7 @@ TEST_F(HomePagePreviewTest, AnErrorOfTheCaptureEndsItWithOneMessage) {
         EXPECT_EQ(Messages().size(), before + 1);
     }
     EXPECT_THAT(Messages(), Each(kCameraUnavailable));
-    EXPECT_FALSE(quit_);
+    EXPECT_FALSE(Input::TakeQuit());
 }
 
 TEST_F(HomePagePreviewTest, NoErrorIsNoError) {
@@ -262,7 +245,7 @@ TEST_F(HomePagePreviewTest, ASilentCameraIsGivenUp) {
 
 TEST_F(HomePagePreviewTest, AnErrorOfACaptureThatHasEndedIsNotTold) {
     TurnOn();
-    PostMessageW(Host().GetHWND(), WM_APP + 1, static_cast<WPARAM>(E_FAIL), 0);
+    PostMessageW(Host().GetHWND(), harness::Protocol::kCaptureFailed, static_cast<WPARAM>(E_FAIL), 0);
     Press(L"preview_switch");
     ExpectOff();
     EXPECT_THAT(Messages(), IsEmpty());
@@ -277,7 +260,7 @@ TEST_F(HomePagePreviewTest, ALockedScreenTakesTheWindowWithoutEndingTheProgram) 
     EXPECT_FALSE(IsSwitchOn());
     EXPECT_EQ(camera_->Seen().running, 0);
     Serve();
-    EXPECT_FALSE(quit_);
+    EXPECT_FALSE(Input::TakeQuit());
     TurnOn();
     EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
 }
@@ -287,7 +270,7 @@ TEST_F(HomePagePreviewTest, AWindowThatIsDestroyedByOthersEndsTheProgramAndFrees
     DestroyWindow(PreviewWindow());
     EXPECT_EQ(camera_->Seen().running, 0);
     Serve();
-    EXPECT_TRUE(quit_);
+    EXPECT_TRUE(Input::TakeQuit());
 }
 
 TEST_F(HomePagePreviewTest, ThePageThatGoesTakesTheCameraWithIt) {
@@ -296,7 +279,7 @@ TEST_F(HomePagePreviewTest, ThePageThatGoesTakesTheCameraWithIt) {
     EXPECT_THAT(PreviewWindows(), IsEmpty());
     EXPECT_EQ(camera_->Seen().running, 0);
     Serve();
-    EXPECT_FALSE(quit_);
+    EXPECT_FALSE(Input::TakeQuit());
 }
 
 TEST_F(HomePagePreviewTest, ManyCyclesUseOneWindow) {
@@ -357,10 +340,9 @@ TEST_F(HomePagePreviewTest, AnythingAtAnyMomentNeitherHangsNorCrashes) {
         if (!IsSwitchOn()) {
             ASSERT_EQ(camera_->Seen().running, 0);
         }
-        const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(random() % 20);
-        Wait([&] { return std::chrono::steady_clock::now() >= until; });
+        harness::PumpFor(std::chrono::milliseconds(random() % 20));
     }
-    EXPECT_FALSE(quit_);
+    EXPECT_FALSE(Input::TakeQuit());
     EXPECT_THAT(Messages(), Each(kCameraUnavailable));
 }
 

@@ -1,12 +1,15 @@
 // Snapshots of the settings on the home page, whatever thread they come on, and what else the model tells it.
 #include <fstream>
+#include <future>
 #include <thread>
 
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/RenderEngine.h"
 #include "DuiLib/SliderUI.h"
+#include "DuiLib/UIMainQueue.h"
 #include "service/KindNotifier.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/OpenedLinks.h"
 
@@ -18,6 +21,7 @@ using GlobalUtils::FeatureStatusTuple;
 using GlobalUtils::MessageBoxKind;
 using testing::ElementsAre;
 using testing::IsEmpty;
+namespace Protocol = harness::Protocol;
 
 class HomePageRefreshTest : public HomePageTest {
   protected:
@@ -75,14 +79,19 @@ TEST_F(HomePageRefreshTest, FromManyThreadsTheLastOneStays) {
 }
 
 TEST_F(HomePageRefreshTest, WhatComesAfterItsEndIsDropped) {
+    // A switch of the next page that the late snapshot would turn on if it still reached a page.
     std::thread([this] { Page().Refresh(Snapshot(FeatureStatus::kOn)); }).join();
-    DestroyPage();
-    Input::Pump();
+    MakePageOnly();
+    Page().Initialize();
+    bool later = false;
+    DuiLib::UIMainQueue::getInstance()->dispatch([&later] { later = true; });
+    ASSERT_TRUE(Input::PumpUntil([&later] { return later; }));
+    EXPECT_TRUE(IsDrawnOff(L"open_camera_btn"));
 }
 
 TEST_F(HomePageRefreshTest, AMessageOfTheServiceRefreshes) {
     Write(L"lumi_camera_beauty_eye", 9);
-    SendFromService(0x4B273B, -1);
+    SendFromService(Protocol::kSettingsChangedCode, -1);
     EXPECT_TRUE(Input::PumpUntil([this] { return Slider(L"slider_eye").GetValue() == 9; }));
 }
 
@@ -222,9 +231,20 @@ TEST_F(HomePageRefreshTest, AFailedAlgorithmIsTold) {
 }
 
 TEST_F(HomePageRefreshTest, TheServicesResetClosesTheWindow) {
-    SendFromService(0x22711, 0x40001);
-    SendFromService(0x22711, 0x40000);
-    EXPECT_TRUE(Input::PumpUntil([this] { return Host().closed == 1; }));
+    // What comes after it has been handled when the next change is shown: messages are handled in their order.
+    const auto handled = [this](int level) {
+        Write(L"lumi_camera_beauty_eye", level);
+        SendFromService(Protocol::kSettingsChangedCode, -1);
+        return Input::PumpUntil([&] { return Slider(L"slider_eye").GetValue() == level; });
+    };
+    SendFromService(Protocol::kNotificationCode, Protocol::kResetSubCode + 1);
+    SendFromService(Protocol::kNotificationCode, -1);
+    SendFromService(Protocol::kSettingsChangedCode, Protocol::kResetSubCode);
+    ASSERT_TRUE(handled(7));
+    EXPECT_EQ(Host().closed, 0);
+    SendFromService(Protocol::kNotificationCode, Protocol::kResetSubCode);
+    ASSERT_TRUE(handled(8));
+    EXPECT_EQ(Host().closed, 1);
 }
 
 TEST_F(HomePageRefreshTest, AfterItsEndNothingReachesTheHost) {
@@ -232,15 +252,25 @@ TEST_F(HomePageRefreshTest, AfterItsEndNothingReachesTheHost) {
     KindNotifier<MessageBoxKind>::GetInstance().Publish(GlobalUtils::kMessageBoxChannel, MessageBoxKind(1));
     KindNotifier<BeautyKind>::GetInstance().Publish(GlobalUtils::kBeautyChannel, BeautyKind(1));
     Refresh();
+    SendFromService(Protocol::kNotificationCode, Protocol::kResetSubCode);
+    Write(L"init_algorithm", 0);
+    // The model has handled that when its answer to what was sent afterwards has come.
+    std::promise<void> seen;
+    HomeService::GetInstance()->SetStatusObserver([&seen](const FeatureStatusTuple&) { seen.set_value(); });
+    SendFromService(Protocol::kSettingsChangedCode, -1);
+    EXPECT_EQ(seen.get_future().wait_for(harness::kPatience), std::future_status::ready);
+    HomeService::GetInstance()->SetStatusObserver({});
     EXPECT_THAT(Host().Messages(), IsEmpty());
+    EXPECT_EQ(Host().closed, 0);
+    EXPECT_EQ(Number(L"lumi_camera_beauty_white"), 5);
 }
 
 TEST_F(HomePageRefreshTest, ManyPagesComeAndGoWhileTheServiceTalks) {
     for (int round = 0; round < 20; ++round) {
-        SendFromService(0x4B273B, -1);
+        SendFromService(Protocol::kSettingsChangedCode, -1);
         MakePageOnly();
         Page().Initialize();
-        SendFromService(0x4B273B, -1);
+        SendFromService(Protocol::kSettingsChangedCode, -1);
         Write(L"lumi_camera_beauty_eye", round % 10);
         Input::Pump();
     }

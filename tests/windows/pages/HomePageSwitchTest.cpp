@@ -1,6 +1,6 @@
 // The effects' switches of the home page: what a click writes, says and draws, and which effects exclude each other.
-#include <chrono>
-
+#include "tests/support/CallTrace.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/pages/PageTests.h"
 
 namespace {
@@ -9,10 +9,8 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::int32_t kPing = 0x4B273B;
-constexpr std::int32_t kSwitchState = 0x4B273C;
-// Between the two calls of an exclusion. Sleeping is never shorter, whatever the machine is doing.
-constexpr std::chrono::milliseconds kGap{95};
+constexpr std::int32_t kPing = harness::Protocol::kSettingsChangedCode;
+constexpr std::int32_t kSwitchState = harness::Protocol::kSwitchStateCode;
 
 const std::vector<std::pair<const wchar_t*, const wchar_t*>> kSwitches = {
     {L"open_camera_btn", L"lumi_camera_switch"},
@@ -72,7 +70,11 @@ TEST_F(HomePageSwitchTest, TheMainSwitchExcludesNothing) {
         Write(value, 1);
     Write(L"lumi_camera_switch", 0);
     Refresh();
-    Press(L"open_camera_btn");
+    {
+        harness::CallTrace trace;
+        Press(L"open_camera_btn");
+        EXPECT_THAT(trace.Take(), ElementsAre("lumi_camera_switch=1", "switch state", "report open camera", "ping"));
+    }
     EXPECT_THAT(SentMessages(), ElementsAre(kSwitchState, kPing));
     for (const auto& [name, value] : kSwitches)
         EXPECT_EQ(Number(value), 1);
@@ -83,9 +85,11 @@ TEST_F(HomePageSwitchTest, FramingTurnsTheBackgroundOff) {
     Write(L"pre_background_replacement", 3);
     Refresh();
     ASSERT_TRUE(IsSelected(L"img_three_background_btn"));
-    const auto start = std::chrono::steady_clock::now();
+    harness::CallTrace trace;
     Press(L"focus_person_btn");
-    EXPECT_GE(std::chrono::steady_clock::now() - start, kGap);
+    EXPECT_THAT(trace.Take(), ElementsAre("lumi_camera_person_track=1", "report open focus person", "ping", "wait 100",
+                                          "pre_background_replacement=0", "lumi_camera_background_replacement=0",
+                                          "report Background replacement:0", "ping"));
     // The page waits for the model to tell it.
     EXPECT_TRUE(IsSelected(L"img_three_background_btn"));
     EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
@@ -109,9 +113,10 @@ TEST_F(HomePageSwitchTest, FramingTurnedOffChangesNoBackground) {
 TEST_F(HomePageSwitchTest, BeautyTurnsEyeContactOffAndOpensThePanel) {
     TurnOn(L"lumi_camera_eye_correction");
     EXPECT_EQ(Panel(), std::pair(0, 64));
-    const auto start = std::chrono::steady_clock::now();
+    harness::CallTrace trace;
     Press(L"beauty_person_btn");
-    EXPECT_GE(std::chrono::steady_clock::now() - start, kGap);
+    EXPECT_THAT(trace.Take(), ElementsAre("lumi_camera_beauty_person=1", "wait 100", "lumi_camera_eye_correction=0",
+                                          "report close correct sight", "ping"));
     EXPECT_EQ(Number(L"lumi_camera_beauty_person"), 1);
     EXPECT_EQ(Number(L"lumi_camera_eye_correction"), 0);
     EXPECT_THAT(SentMessages(), ElementsAre(kPing));  // beauty itself is not told
@@ -127,9 +132,10 @@ TEST_F(HomePageSwitchTest, BeautyTurnsEyeContactOffAndOpensThePanel) {
 TEST_F(HomePageSwitchTest, EyeContactTurnsBeautyOffAndTheNextRefreshClosesThePanel) {
     TurnOn(L"lumi_camera_beauty_person");
     ASSERT_EQ(Panel(), std::pair(230, 294));
-    const auto start = std::chrono::steady_clock::now();
+    harness::CallTrace trace;
     Press(L"correct_sight_btn");
-    EXPECT_GE(std::chrono::steady_clock::now() - start, kGap);
+    EXPECT_THAT(trace.Take(), ElementsAre("lumi_camera_eye_correction=1", "report open correct sight", "ping",
+                                          "wait 100", "lumi_camera_beauty_person=0"));
     EXPECT_EQ(Number(L"lumi_camera_eye_correction"), 1);
     EXPECT_EQ(Number(L"lumi_camera_beauty_person"), 0);
     EXPECT_THAT(SentMessages(), ElementsAre(kPing));
@@ -146,6 +152,19 @@ TEST_F(HomePageSwitchTest, TurningOffExcludesNothing) {
     for (const auto& [name, value] : kSwitches)
         Write(value, 1);
     Write(L"lumi_camera_background_replacement", 7);
+    Refresh();
+    {
+        // Nor is anything waited for.
+        harness::CallTrace trace;
+        for (const wchar_t* name : {L"beauty_person_btn", L"correct_sight_btn", L"focus_person_btn"})
+            Press(name);
+        EXPECT_THAT(trace.Take(), ElementsAre("lumi_camera_beauty_person=0", "lumi_camera_eye_correction=0",
+                                              "report close correct sight", "ping", "lumi_camera_person_track=0",
+                                              "report close focus person", "ping"));
+    }
+    SentMessages();
+    for (const auto& [name, value] : kSwitches)
+        Write(value, 1);
     Refresh();
     Press(L"beauty_person_btn");
     EXPECT_EQ(Number(L"lumi_camera_eye_correction"), 1);

@@ -2,35 +2,9 @@
 
 #include "DuiLib/OptionUI.h"
 
-HostWindow::HostWindow() {
-    SetCurrent(this);
-    Create(nullptr, L"host", WS_POPUP, 0, 100, 100);
-    ShowWindow();
-}
-
-HostWindow::~HostWindow() {
-    SetCurrent(nullptr);
-}
-
-void HostWindow::ShowMessage(GlobalUtils::MessageBoxKind kind) {
-    const std::scoped_lock lock(mutex_);
-    messages_.push_back(static_cast<int>(kind));
-}
-
-HintWindow* HostWindow::GetHint(Hint hint) {
-    if (!hasHints)
-        return nullptr;
-    return hint == Hint::Option ? &optionHint : &deleteHint;
-}
-
-std::vector<int> HostWindow::Messages() {
-    const std::scoped_lock lock(mutex_);
-    return messages_;
-}
-
 void PageTest::SetUp() {
     ProgramTest::SetUp();
-    host_ = std::make_unique<HostWindow>();
+    host_ = std::make_unique<FakePageHost>();
 }
 
 void PageTest::TearDown() {

@@ -3,46 +3,19 @@
 #include <mfapi.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <regex>
 
-#include "suite/logger/QxLogger.h"
+#include "tests/support/Protocol.h"
 
 namespace preview_test {
 
 namespace {
 
 constexpr wchar_t kWindowClass[] = L"PreviewTestWindow";
-constexpr UINT kEventMessage = WM_APP + 1;
 // Away from the screen's corner, where a desktop may keep something.
 constexpr int kWindowLeft = 40;
 constexpr int kWindowTop = 30;
 
-std::string ReadFrom(const std::filesystem::path& path, std::uint64_t offset) {
-    std::ifstream file(path, std::ios::binary);
-    file.seekg(static_cast<std::streamoff>(offset));
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 }  // namespace
-
-bool Wait(const std::function<bool()>& condition, std::chrono::milliseconds patience) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    for (;;) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageW(&message);
-        }
-        if (condition()) {
-            return true;
-        }
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 2, QS_ALLINPUT);
-    }
-}
 
 TestWindow::TestWindow(int width, int height, bool visible) {
     static const ATOM windowClass = [] {
@@ -77,7 +50,7 @@ LRESULT CALLBACK TestWindow::Procedure(HWND window, UINT message, WPARAM wParam,
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
     auto* self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == kEventMessage && self != nullptr) {
+    if (message == harness::Protocol::kCaptureFailed && self != nullptr) {
         self->events_.push_back(wParam);
         return 0;
     }
@@ -136,7 +109,6 @@ bool IsNear(std::uint32_t a, std::uint32_t b, int tolerance) {
 }
 
 void PreviewTest::SetUpTestSuite() {
-    ASSERT_TRUE(QxLogger::GetInstance()->InitProcessLogger());
     ASSERT_GE(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE), S_OK);
     ASSERT_EQ(MFStartup(MF_VERSION, MFSTARTUP_FULL), S_OK);
 }
@@ -144,25 +116,6 @@ void PreviewTest::SetUpTestSuite() {
 void PreviewTest::TearDownTestSuite() {
     MFShutdown();
     CoUninitialize();
-}
-
-void PreviewTest::SetUp() {
-    TakeFailures();
-}
-
-void PreviewTest::TearDown() {
-    EXPECT_THAT(TakeFailures(), testing::IsEmpty());
-}
-
-std::vector<std::string> PreviewTest::TakeFailures() {
-    const std::string text = ReadFrom(QxLogger::GetInstance()->FilePath(), logRead_);
-    logRead_ += text.size();
-    static const std::regex failure(R"(\[L4\] \[\d+\] ([^\r\n]*))");
-    std::vector<std::string> lines;
-    for (std::sregex_iterator line(text.begin(), text.end(), failure); line != std::sregex_iterator(); ++line) {
-        lines.push_back((*line)[1].str());
-    }
-    return lines;
 }
 
 }  // namespace preview_test

@@ -1,9 +1,8 @@
 #pragma once
-// What the preview's tests share: the platform's media part started, a window to draw into, what that window shows on
-// the screen, and the lines that were logged.
+// What the preview's tests share: the platform's media part started, a window to draw into, and what that window shows
+// on the screen.
 //
-// A level 4 line that a test did not take is a failure of that test. One thread, the test's, which also owns the
-// windows; Wait serves their messages.
+// One thread, the test's, which also owns the windows; Wait serves their messages.
 #include <windows.h>
 
 #include <gmock/gmock.h>
@@ -14,12 +13,16 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
+
 namespace preview_test {
 
-constexpr std::chrono::seconds kPatience(20);
-
+using harness::kPatience;
 // Serves messages until the condition holds. False: it did not within the time.
-bool Wait(const std::function<bool()>& condition, std::chrono::milliseconds patience = kPatience);
+inline bool Wait(const std::function<bool()>& condition, std::chrono::milliseconds patience = kPatience) {
+    return harness::PumpUntil(condition, patience);
+}
 
 // A top-level popup without a border, so that its client area has exactly that size.
 class TestWindow {
@@ -60,14 +63,9 @@ class PreviewTest : public testing::Test {
   protected:
     static void SetUpTestSuite();
     static void TearDownTestSuite();
-    void SetUp() override;
-    void TearDown() override;
 
-    // The level 4 lines since the last call, as "text(Class::Function)".
-    std::vector<std::string> TakeFailures();
-
-  private:
-    std::uint64_t logRead_ = 0;  // bytes of the log that were taken
+    // The level 4 lines since the last call, as "text(Class::Function)". One that a test does not take fails it.
+    static std::vector<std::string> TakeFailures() { return harness::TestLog::TakeFailures(); }
 };
 
 }  // namespace preview_test

@@ -7,6 +7,7 @@
 
 #include <fstream>
 
+#include "tests/support/ImportHook.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -66,14 +67,49 @@ TEST_F(FileUtilTest, MakesAFolderThatEverybodyMayUse) {
     EXPECT_TRUE(Util().CreateResDirectory(folder));
     ASSERT_TRUE(std::filesystem::is_directory(folder));
     EXPECT_EQ(LogLines("(FileUtil::CreateResDirectory)"), 0);
-    const std::wstring list = AccessList(folder);
-    // Wine keeps no more of an access list than the permission bits of its host.
-    const bool keepsLists = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
-    for (const wchar_t* group : {L";BU)", L";AU)", L";BA)"}) {
-        EXPECT_TRUE(!keepsLists || list.find(group) != std::wstring::npos) << "of " << group << " in " << list;
-    }
     std::ofstream(folder / L"file") << "x";
     EXPECT_TRUE(Util().FileExists(folder / L"file"));
+}
+
+// What the system is asked for: Wine keeps no more of an access list than the permission bits of its host.
+struct AskedFolder {
+    std::wstring list;
+    DWORD revision = 0;
+    PSECURITY_DESCRIPTOR made = nullptr;
+    std::wstring path;
+    SECURITY_ATTRIBUTES attributes = {};
+};
+AskedFolder g_asked;
+const harness::ImportHook* g_convert = nullptr;
+
+BOOL WINAPI ConvertList(LPCWSTR list, DWORD revision, PSECURITY_DESCRIPTOR* descriptor, PULONG size) {
+    g_asked.list = list;
+    g_asked.revision = revision;
+    const BOOL converted = g_convert->Original<decltype(&ConvertStringSecurityDescriptorToSecurityDescriptorW)>()(
+        list, revision, descriptor, size);
+    g_asked.made = *descriptor;
+    return converted;
+}
+
+BOOL WINAPI MakeDirectory(LPCWSTR path, LPSECURITY_ATTRIBUTES attributes) {
+    g_asked.path = path;
+    g_asked.attributes = attributes ? *attributes : SECURITY_ATTRIBUTES{};
+    return TRUE;
+}
+
+TEST_F(FileUtilTest, ItsAccessListNamesUsersOwnersAndAdministrators) {
+    g_asked = {};
+    const harness::ImportHook convert(nullptr, "ConvertStringSecurityDescriptorToSecurityDescriptorW", &ConvertList);
+    const harness::ImportHook make(nullptr, "CreateDirectoryW", &MakeDirectory);
+    g_convert = &convert;
+    EXPECT_TRUE(Util().CreateResDirectory(L"C:\\nowhere\\new"));
+    EXPECT_EQ(g_asked.list, L"D:(A;CIOI;GA;;;BU)(A;CIOI;GA;;;AU)(A;CIOI;GA;;;CO)(A;CIOI;GA;;;BA)");
+    EXPECT_EQ(g_asked.revision, 1U);
+    EXPECT_EQ(g_asked.path, L"C:\\nowhere\\new");
+    ASSERT_NE(g_asked.made, nullptr);
+    EXPECT_EQ(g_asked.attributes.lpSecurityDescriptor, g_asked.made);
+    EXPECT_EQ(g_asked.attributes.nLength, sizeof(SECURITY_ATTRIBUTES));
+    EXPECT_FALSE(g_asked.attributes.bInheritHandle);
 }
 
 TEST_F(FileUtilTest, LeavesAFolderThatIsThereAsItIs) {

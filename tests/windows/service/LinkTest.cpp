@@ -12,11 +12,12 @@ namespace {
 using GlobalUtils::FeatureStatusTuple;
 using GlobalUtils::MessageBoxKind;
 using PipeFrame::Frame;
+namespace Protocol = harness::Protocol;
 
 Frame Ping() {
     Frame frame;
     frame.kind = PipeFrame::Kind::kMessage;
-    frame.slot = {0xCD0000, -1, 0x4B273B, 0, -1, 0, 2};
+    frame.slot = {Protocol::kCameraServiceId, -1, Protocol::kSettingsChangedCode, 0, -1, 0, 2};
     frame.payload = {'1', 0};
     return frame;
 }
@@ -24,18 +25,10 @@ Frame Ping() {
 Frame SwitchState(std::uint8_t value) {
     Frame frame;
     frame.kind = PipeFrame::Kind::kMessage;
-    frame.slot = {0xB20001, -1, 0x4B273C, -1, -1, 0, 40};
+    frame.slot = {Protocol::kSwitchStateReceiverId, -1, Protocol::kSwitchStateCode, -1, -1, 0, 40};
     frame.payload = {1,   0, 0,   0, 0,   0, 0xCD, 0, 12,  0, 0,   0, 'L', 0, 'u', 0, 'm',   0, 'i', 0,
                      'C', 0, 'a', 0, 'm', 0, 'e',  0, 'r', 0, 'a', 0, 'U', 0, 'I', 0, value, 0, 0,   0};
     return frame;
-}
-
-TagIPCMessageItem Message(std::int32_t code, std::int32_t subCode = -1) {
-    TagIPCMessageItem item;
-    item.slot[0] = 0xCE0000;
-    item.slot[1] = subCode;
-    item.slot[2] = code;
-    return item;
 }
 
 class LinkTest : public ServiceTest {
@@ -57,7 +50,7 @@ class LinkTest : public ServiceTest {
         std::promise<void> came;
         auto once = std::make_shared<std::once_flag>();
         model_->SetServiceResetObserver([&came, once] { std::call_once(*once, [&came] { came.set_value(); }); });
-        server_.Send(Message(0x22711, 0x40000));
+        server_.Send(Protocol::FromService(Protocol::kNotificationCode, Protocol::kResetSubCode));
         EXPECT_EQ(came.get_future().wait_for(kDeadline), std::future_status::ready);
         model_->SetServiceResetObserver({});
     }
@@ -124,7 +117,7 @@ TEST_F(LinkTest, AChangeOfTheServiceGivesTheObserverASnapshotOnThePipeThread) {
         seen.set_value({status, GetCurrentThreadId()});
     });
     Write(L"lumi_camera_person_track", 1);
-    server_.Send(Message(0x4B273B));
+    server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
     auto future = seen.get_future();
     ASSERT_EQ(future.wait_for(kDeadline), std::future_status::ready);
     const auto [status, thread] = future.get();
@@ -133,7 +126,7 @@ TEST_F(LinkTest, AChangeOfTheServiceGivesTheObserverASnapshotOnThePipeThread) {
 }
 
 TEST_F(LinkTest, AChangeBeforeThereIsAnObserverIsIgnored) {
-    server_.Send(Message(0x4B273B));
+    server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
     WaitUntilDelivered();
     EXPECT_FALSE(HomeServiceTestAccess::HasTakenASnapshot(*model_));
 }
@@ -153,12 +146,12 @@ TEST_F(LinkTest, OnlyTheResetSubCodeResets) {
         changed.notify_all();
     });
     for (const int subCode : {-1, 0, 1, 0x40001, 0x400000, -0x40000}) {
-        server_.Send(Message(0x22711, subCode));
+        server_.Send(Protocol::FromService(Protocol::kNotificationCode, subCode));
     }
-    server_.Send(Message(0x4B273C));
-    server_.Send(Message(12345));
-    server_.Send(Message(0x22711, 0x40000));
-    server_.Send(Message(0x4B273B));
+    server_.Send(Protocol::FromService(Protocol::kSwitchStateCode));
+    server_.Send(Protocol::FromService(12345));
+    server_.Send(Protocol::FromService(Protocol::kNotificationCode, Protocol::kResetSubCode));
+    server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
     std::unique_lock lock(mutex);
     EXPECT_TRUE(changed.wait_for(lock, kDeadline, [&] { return snapshots > 0; }));
     EXPECT_EQ(resets, 1);
@@ -166,7 +159,7 @@ TEST_F(LinkTest, OnlyTheResetSubCodeResets) {
 }
 
 TEST_F(LinkTest, AResetWithoutAnObserverIsIgnored) {
-    server_.Send(Message(0x22711, 0x40000));
+    server_.Send(Protocol::FromService(Protocol::kNotificationCode, Protocol::kResetSubCode));
     WaitUntilDelivered();
 }
 
@@ -175,10 +168,10 @@ TEST_F(LinkTest, TheBackgroundIsGoneWhenTheServiceSaysSo) {
     auto& hub = KindNotifier<MessageBoxKind>::GetInstance();
     const auto id = hub.Subscribe(0, [&kinds](MessageBoxKind& kind) { kinds.push_back(kind); });
     // The pipe delivers registered codes only, and this is none of them.
-    server_.Send(Message(0x4B273D));
+    server_.Send(Protocol::FromService(Protocol::kBackgroundGoneCode));
     WaitUntilDelivered();
     EXPECT_TRUE(kinds.empty());
-    TagIPCMessageItem item = Message(0x4B273D);
+    TagIPCMessageItem item = Protocol::FromService(Protocol::kBackgroundGoneCode);
     model_->ServiceMessageHandler(item);
     EXPECT_EQ(kinds, std::vector{MessageBoxKind(1)});
     hub.Unsubscribe(0, id);
@@ -186,11 +179,11 @@ TEST_F(LinkTest, TheBackgroundIsGoneWhenTheServiceSaysSo) {
 
 TEST_F(LinkTest, ManyMessagesWhileTheObserverComesAndGoes) {
     for (int round = 0; round < 100; ++round) {
-        server_.Send(Message(0x4B273B));
+        server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
         auto alive = std::make_unique<int>(0);
         // The observer uses what dies right after it was taken away.
         model_->SetStatusObserver([counter = alive.get()](const FeatureStatusTuple&) { ++*counter; });
-        server_.Send(Message(0x4B273B));
+        server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
         model_->SetStatusObserver({});
     }
     WaitUntilDelivered();
@@ -203,7 +196,7 @@ TEST_F(LinkTest, TheModelEndsWhileMessagesArrive) {
         model_->SetStatusObserver(
             [&inside, once](const FeatureStatusTuple&) { std::call_once(*once, [&inside] { inside.set_value(); }); });
         for (int i = 0; i < 50; ++i) {
-            server_.Send(Message(0x4B273B));
+            server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
         }
         ASSERT_EQ(inside.get_future().wait_for(kDeadline), std::future_status::ready);
         model_.reset();
@@ -221,7 +214,7 @@ TEST_F(LinkTest, SnapshotsOnTwoThreadsAtOnce) {
         }
     });
     for (int i = 0; i < 100; ++i) {
-        server_.Send(Message(0x4B273B));
+        server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
         Write(L"lumi_camera_background_replacement", 100 + i);
         EXPECT_EQ(std::get<2>(model_->GetFeatureStatus()).btnName, L"");
     }
@@ -235,11 +228,10 @@ TEST_F(LinkTest, AServiceThatComesLaterIsFound) {
     }
     const int before = FailedPings();
     // The client may not have seen the end of the pipe yet.
-    const auto deadline = std::chrono::steady_clock::now() + kDeadline;
-    while (FailedPings() == before && std::chrono::steady_clock::now() < deadline) {
+    EXPECT_TRUE(harness::WaitUntil([&] {
         model_->SetCorrectSight(1);
-    }
-    EXPECT_GT(FailedPings(), before);
+        return FailedPings() > before;
+    }));
     StartServer(server_);
     ASSERT_TRUE(WaitForModel(server_));
     model_->SetCorrectSight(0);

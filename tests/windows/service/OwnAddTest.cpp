@@ -42,11 +42,7 @@ class OwnAddTest : public OwnBackgroundsTest {
         CloseHandle(info.hThread);
         CloseHandle(info.hProcess);
         // It is none of this system's processes, so its end cannot be waited for.
-        const auto deadline = std::chrono::steady_clock::now() + kDeadline;
-        while (IsFullDisk(path) != full && std::chrono::steady_clock::now() < deadline) {
-            Sleep(1);
-        }
-        return IsFullDisk(path) == full;
+        return harness::WaitUntil([&] { return IsFullDisk(path) == full; });
     }
     static bool IsFullDisk(const fs::path& path) {
         const suite::Handle file(

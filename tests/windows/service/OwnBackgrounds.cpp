@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 void OwnBackgroundsTest::SetUp() {
     ServiceTest::SetUp();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    Expect("ipcclient send message:1 error");
+    Allow("ipcclient send message:1 error");
     fs::remove_all(Base());
     std::error_code ignored;
     fs::remove_all(OwnFolder(), ignored);
@@ -129,34 +129,6 @@ OwnBackgroundsTest::Decoded OwnBackgroundsTest::Decode(const fs::path& path) {
         pixel |= 0xFF000000;
     }
     return picture;
-}
-
-suite::Handle OwnBackgroundsTest::StartHelper(const std::wstring& arguments) {
-    std::wstring program(MAX_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-    std::wstring command =
-        L"\"" + (fs::path(program).parent_path() / L"service_helper.exe").wstring() + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION info{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-        ADD_FAILURE() << "the helper cannot be started: " << GetLastError();
-        return {};
-    }
-    CloseHandle(info.hThread);
-    return suite::Handle(info.hProcess);
-}
-
-DWORD OwnBackgroundsTest::RunHelper(const std::wstring& arguments) {
-    const suite::Handle process = StartHelper(arguments);
-    DWORD code = 0xFFFFFFFF;
-    if (!process || WaitForSingleObject(process.Get(), static_cast<DWORD>(kDeadline.count())) != WAIT_OBJECT_0) {
-        TerminateProcess(process.Get(), 1);
-        WaitForSingleObject(process.Get(), INFINITE);
-    } else {
-        GetExitCodeProcess(process.Get(), &code);
-    }
-    return code;
 }
 
 std::vector<char> OwnBackgroundsTest::Content(const fs::path& path) {

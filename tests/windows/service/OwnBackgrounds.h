@@ -52,11 +52,6 @@ class OwnBackgroundsTest : public ServiceTest {
         std::uint32_t At(UINT x, UINT y) const { return pixels.at(std::size_t{y} * width + x); }
     };
     static Decoded Decode(const std::filesystem::path& path);
-    // Starts service_helper with those arguments.
-    static suite::Handle StartHelper(const std::wstring& arguments);
-    // Its exit code; 0xFFFFFFFF when it does not end.
-    static DWORD RunHelper(const std::wstring& arguments);
-
     // By its content, not by its name.
     static bool IsJpeg(const std::filesystem::path& path);
     static bool IsBitmap(const std::filesystem::path& path);

@@ -6,7 +6,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr wchar_t kHelperRoot[] = L"SOFTWARE\\PixoraServiceHelper";
-constexpr wchar_t kHelperKey[] = L"SOFTWARE\\PixoraServiceHelper\\SOFTWARE\\Velmora\\Quillon\\LumiCamera";
 constexpr wchar_t kGroup[] = L"lumi_camera_custom_img_group";
 
 class OwnKillTest : public OwnBackgroundsTest {
@@ -14,7 +13,7 @@ class OwnKillTest : public OwnBackgroundsTest {
     void SetUp() override {
         OwnBackgroundsTest::SetUp();
         // The helper's registry lies in the user's real one.
-        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+        UseRealRegistry();
         RegDeleteTreeW(HKEY_CURRENT_USER, kHelperRoot);
         // One that lasts: the helper's own would take no settings key.
         HKEY key = nullptr;
@@ -24,42 +23,32 @@ class OwnKillTest : public OwnBackgroundsTest {
         RegCloseKey(key);
     }
     void TearDown() override {
-        EndHelper();
+        helper_.Kill();
         RegDeleteTreeW(HKEY_CURRENT_USER, kHelperRoot);
         OwnBackgroundsTest::TearDown();
     }
-    void EndHelper() {
-        if (helper_) {
-            TerminateProcess(helper_.Get(), 1);
-            WaitForSingleObject(helper_.Get(), INFINITE);
-        }
-    }
-
     // Ends it some time after its list has changed for the first time, another time each round.
     void RunUntilKilled(const std::wstring& work, int round) {
         const std::wstring before = HelperGroup();
-        helper_ = StartHelper(work);
-        ASSERT_TRUE(helper_);
-        const auto deadline = std::chrono::steady_clock::now() + kDeadline;
-        while (HelperGroup() == before) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-            Sleep(1);
-        }
+        helper_ = harness::ChildProcess(L"service_helper.exe", work);
+        ASSERT_TRUE(helper_.Process());
+        ASSERT_TRUE(harness::WaitUntil([&] { return HelperGroup() != before; }));
         const auto moment = std::chrono::steady_clock::now() + std::chrono::milliseconds(3 * round);
         while (std::chrono::steady_clock::now() < moment) {
         }
-        EndHelper();
+        helper_.Kill();
     }
 
     static std::wstring HelperGroup() {
         std::vector<wchar_t> text(64 * 1024);
         DWORD size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        const std::wstring key = std::wstring(kHelperRoot) + L"\\" + harness::Protocol::kSettingsKey;
         const LSTATUS status =
-            RegGetValueW(HKEY_CURRENT_USER, kHelperKey, kGroup, RRF_RT_REG_SZ, nullptr, text.data(), &size);
+            RegGetValueW(HKEY_CURRENT_USER, key.c_str(), kGroup, RRF_RT_REG_SZ, nullptr, text.data(), &size);
         return status == ERROR_SUCCESS ? text.data() : L"";
     }
 
-    suite::Handle helper_;
+    harness::ChildProcess helper_;
 };
 
 TEST_F(OwnKillTest, TheListIsWholeWheneverTheProgramEnds) {

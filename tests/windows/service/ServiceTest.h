@@ -1,5 +1,5 @@
 #pragma once
-// What the tests of the settings model share: a registry of their own, the log, the report spool, models, the server.
+// What the tests of the settings model share: a registry of their own, the log, models, the server. Thread: the test's.
 #include <windows.h>
 
 #include <gmock/gmock.h>
@@ -15,58 +15,48 @@
 #include <vector>
 
 #include "service/HomeService.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Harness.h"
+#include "tests/support/PrivateRegistry.h"
+#include "tests/support/Protocol.h"
+#include "tests/support/SettingsKey.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
+#include "tests/windows/support/HomeServiceAccess.h"
 #include "tools/service/PipeServer.h"
 
-// How long a test waits for something that has to happen.
-inline constexpr std::chrono::milliseconds kDeadline{20000};
+using harness::PumpUntil;
+inline constexpr std::chrono::milliseconds kDeadline = harness::kPatience;
 
-// Makes models beside the process-wide one, and reaches what no operation loads yet.
-struct HomeServiceTestAccess {
-    struct Delete {
-        void operator()(HomeService* model) const { delete model; }
-    };
-    using Model = std::unique_ptr<HomeService, Delete>;
-
-    static Model Make() { return Model(new HomeService); }
-    static std::vector<CustomImageRecord>& CustomItems(HomeService& model) { return model.customItems_; }
-    static std::map<std::wstring, std::wstring>& CustomByName(HomeService& model) { return model.customByName_; }
-    // As InitCustomImage for that user.
-    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.LoadCustomImages(userSid); }
-    static bool HasTakenASnapshot(HomeService& model) { return !model.indexToBtn_.empty(); }
-};
-
-// Runs messages of the calling thread until the condition holds, which is looked at after each; false when the deadline
-// passes.
-bool PumpUntil(const std::function<bool()>& condition);
-
-// Each test has a HKEY_CURRENT_USER of its own, empty at first, and fails when the log gets a line of level 4 that it
-// did not expect.
+// Each test has a HKEY_CURRENT_USER of its own, empty at first.
 class ServiceTest : public testing::Test {
   protected:
-    using Value = std::variant<int, std::wstring>;
-    using Values = std::map<std::wstring, Value>;
+    using Value = harness::SettingsKey::Value;
+    using Values = harness::SettingsKey::Values;
 
-    static void SetUpTestSuite();
     void SetUp() override;
     void TearDown() override;
+    // The user's real registry again, for a test that looks at another process's.
+    void UseRealRegistry() { registry_.reset(); }
 
     static HomeServiceTestAccess::Model MakeModel() { return HomeServiceTestAccess::Make(); }
 
     // The settings key.
-    static void MakeEmptyKey();
-    static void DeleteKey();
-    static bool KeyExists();
-    static void Write(const std::wstring& name, const Value& value);
-    static Values AllValues();
-    // Nothing when there is no such value or it is no number or text.
-    static std::optional<Value> Read(const std::wstring& name);
+    static void MakeEmptyKey() { harness::SettingsKey::MakeEmpty(); }
+    static void DeleteKey() { harness::SettingsKey::Delete(); }
+    static bool KeyExists() { return harness::SettingsKey::Exists(); }
+    static void Write(const std::wstring& name, const Value& value) { harness::SettingsKey::Set(name, value); }
+    static Values AllValues() { return harness::SettingsKey::All(); }
+    static std::optional<Value> Read(const std::wstring& name) { return harness::SettingsKey::Get(name); }
 
     // Lines of the log since the test began that hold `text`.
-    int LogLines(const std::string& text) const;
-    // A line of level 4 with this text is all right.
-    void Expect(const std::string& level4Text) { expected_.push_back(level4Text); }
+    static int LogLines(const std::string& text) { return harness::TestLog::Count(testing::HasSubstr(text)); }
+    // A line of level 4 with this text comes.
+    static void Expect(const std::string& text) { harness::TestLog::Expect(testing::HasSubstr(text)); }
+    // A line of level 4 with this text may come.
+    static void Allow(const std::string& text) { harness::TestLog::Allow(testing::HasSubstr(text)); }
     // For models without a camera service: how many pings failed.
-    int FailedPings() const;
+    static int FailedPings();
 
     // The camera service's stand-in, and the model's connection to it.
     void StartServer(PipeServer& server);
@@ -74,13 +64,14 @@ class ServiceTest : public testing::Test {
     static bool WaitForModel(PipeServer& server);
     static std::optional<PipeFrame::Frame> NextMessage(PipeServer& server);
 
-    // A folder of this test program.
-    static std::filesystem::path Folder();
+    // The exit code of service_helper with those arguments.
+    static DWORD RunHelper(const std::wstring& arguments) {
+        return harness::ChildProcess(L"service_helper.exe", arguments).WaitForEnd();
+    }
+
+    // The local data folder of this test program.
+    static const std::filesystem::path& Folder() { return harness::LocalDataFolder(); }
 
   private:
-    std::vector<std::string> Lines() const;
-
-    HKEY registry_ = nullptr;
-    std::size_t logStart_ = 0;
-    std::vector<std::string> expected_;
+    std::optional<harness::PrivateRegistry> registry_;
 };

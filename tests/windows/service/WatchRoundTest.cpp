@@ -31,27 +31,40 @@ class WatchRoundTest : public ServiceTest {
 
     static KindNotifier<MessageBoxKind>& Hub() { return KindNotifier<MessageBoxKind>::GetInstance(); }
 
+    // What a round leaves behind; it outlives the test with a round that never ends.
+    struct Outcome {
+        std::promise<bool> noticed;
+        std::atomic<int> refreshes = 0;
+        std::atomic<DWORD> refreshThread = 0;
+        std::atomic<DWORD> workerThread = 0;
+    };
+
     // One round on a thread of its own, ended by writing until it ends, for it cannot be seen when it is armed.
     bool Round() {
-        const int before = refreshes_;
-        std::promise<bool> result;
-        auto future = result.get_future();
-        std::thread worker([&] {
-            workerThread_ = GetCurrentThreadId();
-            result.set_value(HomeService::WatchSettingsOnce([this] {
-                ++refreshes_;
-                refreshThread_ = GetCurrentThreadId();
+        auto outcome = std::make_shared<Outcome>();
+        auto future = outcome->noticed.get_future();
+        std::thread([outcome] {
+            outcome->workerThread = GetCurrentThreadId();
+            outcome->noticed.set_value(HomeService::WatchSettingsOnce([outcome] {
+                ++outcome->refreshes;
+                outcome->refreshThread = GetCurrentThreadId();
             }));
-        });
+        }).detach();
         int value = 0;
         const bool ended = PumpUntil([&] {
             Write(L"changes", ++value);
             return future.wait_for(std::chrono::milliseconds(1)) == std::future_status::ready;
         });
-        EXPECT_TRUE(ended);
-        worker.join();
+        if (!ended) {
+            SetEvent(held_.Get());
+            ADD_FAILURE() << "the round does not end";
+            return false;
+        }
         const bool noticed = future.get();
-        EXPECT_TRUE(PumpUntil([&] { return refreshes_ == before + (noticed ? 1 : 0); }));
+        EXPECT_TRUE(PumpUntil([&] { return outcome->refreshes == (noticed ? 1 : 0); }));
+        refreshes_ += outcome->refreshes;
+        refreshThread_ = outcome->refreshThread;
+        workerThread_ = outcome->workerThread;
         return noticed;
     }
     std::vector<std::pair<MessageBoxKind, DWORD>> Kinds() {
@@ -59,12 +72,12 @@ class WatchRoundTest : public ServiceTest {
         return kinds_;
     }
 
-    std::atomic<int> refreshes_ = 0;
-    std::atomic<DWORD> refreshThread_ = 0;
-    std::atomic<DWORD> workerThread_ = 0;
+    int refreshes_ = 0;
+    DWORD refreshThread_ = 0;
+    DWORD workerThread_ = 0;
 
   private:
-    const suite::Handle held_{CreateEventW(nullptr, FALSE, FALSE, L"RegEditNotifyChanged")};
+    const suite::Handle held_{CreateEventW(nullptr, FALSE, FALSE, SettingNames::kChangedEventName)};
     std::mutex mutex_;
     std::vector<std::pair<MessageBoxKind, DWORD>> kinds_;  // guarded by mutex_
     std::int64_t hubId_ = 0;

@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "tests/support/TestLog.h"
 #include "tests/windows/suite/TestFolder.h"
 
 namespace fs = std::filesystem;
@@ -38,6 +39,7 @@ class CrashDumpTest : public testing::Test {
     }
 
     void ExpectDump(const std::wstring& kind, const std::wstring& how, const std::string& text, DWORD code) {
+        harness::TestLog::Expect(HasSubstr(text));
         EXPECT_EQ(Helper(L"crash " + kind + L" " + how).Wait(), code);
         ASSERT_THAT(Dumps(), SizeIs(1));
         EXPECT_EQ(ReadBytes(Dumps()[0]).substr(0, 4), "MDMP");
@@ -53,6 +55,7 @@ class CrashDumpTest : public testing::Test {
 
     // REQUIRES: no dump can be written.
     void ExpectLine(const std::wstring& kind, const std::wstring& how, const std::string& text) {
+        harness::TestLog::Expect(HasSubstr(text));
         const std::size_t linesBefore = folder_.HelperLogLines().size();
         EXPECT_EQ(Helper(L"crash " + kind + L" " + how).Wait(), Helper(L"crash " + kind + L" plain").Wait());
         std::vector<std::string> lines = folder_.HelperLogLines();
@@ -101,6 +104,7 @@ TEST_F(CrashDumpTest, EveryKindIsLoggedAndKeepsItsCodeThoughNoDumpCanBeWritten) 
     ExpectLine(L"throw", L"thread", "std::terminate, uncaught exception: thrown on purpose 0x40000015");
     ExpectLine(L"throw-int", L"registered", "std::terminate, uncaught exception of another type 0x40000015");
     ExpectLine(L"abort", L"thread", "abort 0x40000015");
+    harness::TestLog::Expect(HasSubstr("unhandled exception 0xC00000FD"));
     EXPECT_EQ(Helper(L"crash overflow thread").Wait(), 0xC00000FD);
     EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr("unhandled exception 0xC00000FD")));
 }
@@ -129,6 +133,7 @@ TEST_F(CrashDumpTest, TheNewestTenOfThisProgramStay) {
     }
     std::ofstream(DumpFolder() / L"other-20200101-000000000-1.dmp") << "x";
     std::ofstream(DumpFolder() / L"suite_helper-ui-20200101-000000000-1.dmp") << "x";
+    harness::TestLog::Expect(HasSubstr("unhandled exception 0xC0000005"));
     Helper(L"crash access registered").Wait();
     EXPECT_THAT(Dumps(), SizeIs(12));
     EXPECT_TRUE(fs::exists(DumpFolder() / L"other-20200101-000000000-1.dmp"));

@@ -12,6 +12,7 @@
 #include "suite/common/Utf8.h"
 #include "suite/report/EventDataReport.h"
 #include "suite/report/TallyView.h"
+#include "tests/support/Wait.h"
 #include "tests/windows/suite/HelperCommands.h"
 
 namespace fs = std::filesystem;
@@ -27,18 +28,6 @@ const fs::path& SpoolPath() {
 bool Send(const std::string& id, const std::string& text) {
     std::string message;
     return EventDataReport::Instance().GetMsg(message, id, text) && EventDataReport::Instance().SendMsg(message);
-}
-
-template <typename Condition>
-bool Within20Seconds(Condition condition) {
-    const ULONGLONG deadline = GetTickCount64() + 20'000;
-    while (!condition()) {
-        if (GetTickCount64() > deadline) {
-            return false;
-        }
-        Sleep(2);
-    }
-    return true;
 }
 
 long CountLinesWith(const std::string& text) {
@@ -85,7 +74,7 @@ int ReportMany(const Arguments& arguments) {
     for (std::thread& worker : workers) {
         worker.join();
     }
-    if (arguments.size() == 4 && !Within20Seconds([&] { return CountLinesWith(name) == threads * events; })) {
+    if (arguments.size() == 4 && !harness::WaitUntil([&] { return CountLinesWith(name) == threads * events; })) {
         return 1;
     }
     return good ? 0 : 1;
@@ -98,13 +87,13 @@ int ReportUploader(const Arguments&) {
             suite::Handle(CreateFileW(SpoolPath().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)));
     };
     const auto arrived = [] { return CountLinesWith("\"event\"") == 1; };
-    if (!Send("1", "before") || !Within20Seconds(arrived) || !Within20Seconds(isFree)) {
+    if (!Send("1", "before") || !harness::WaitUntil(arrived) || !harness::WaitUntil(isFree)) {
         return 1;
     }
     if (!DeleteFileW(SpoolPath().c_str())) {
         return 1;
     }
-    return Send("1", "after") && Within20Seconds(arrived) ? 0 : 1;
+    return Send("1", "after") && harness::WaitUntil(arrived) ? 0 : 1;
 }
 
 int ReportFull(const Arguments&) {

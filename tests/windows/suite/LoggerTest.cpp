@@ -2,13 +2,15 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <fstream>
 #include <map>
 #include <regex>
 #include <set>
 
 #include "suite/common/Utf8.h"
+#include "tests/support/Harness.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
 #include "tests/windows/suite/TestFolder.h"
 
 namespace fs = std::filesystem;
@@ -50,26 +52,14 @@ void ExpectAllLines(const std::vector<std::string>& texts, const std::set<std::s
     }
 }
 
-template <typename Condition>
-bool Within20Seconds(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        Sleep(5);
-    }
-    return true;
-}
-
 }  // namespace
 
 TEST(LoggerTest, WritesTheFormedLine) {
-    TestFolder folder;
-    ASSERT_TRUE(QxLogger::GetInstance()->FilePath().empty());
-    ASSERT_TRUE(QxLogger::GetInstance()->InitProcessLogger());
+    // The harness has opened it.
     const fs::path path = QxLogger::GetInstance()->FilePath();
-    EXPECT_EQ(path, folder.LogFolder() / L"suite_logger_test.log");
+    EXPECT_EQ(path, harness::LocalDataFolder() / L"Velmora\\Quillon\\Logs\\suite_logger_test.log");
+    const std::size_t before = ReadLines(path).size();
+    harness::TestLog::Expect("[L4] Path append res fail!(PxMainWnd::SetValuePath)");
 
     LogLine(4, L"PxMainWnd::SetValuePath", L"Path append res fail!");
     LogLine(3, L"PixoraMutex::IsAlreadyRunning", L"CloseHandle error: ", DWORD{6});
@@ -78,17 +68,19 @@ TEST(LoggerTest, WritesTheFormedLine) {
     stream << L"streamed(" << L"A::B)";
     QxLogger::Log(3, stream);
 
-    EXPECT_THAT(
-        Texts(ReadLines(path)),
-        ElementsAre("4 Path append res fail!(PxMainWnd::SetValuePath)",
-                    "3 CloseHandle error: 6(PixoraMutex::IsAlreadyRunning)",
-                    "3 \xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80 two lines narrow(Unicode::Test)", "3 streamed(A::B)"));
+    std::vector<std::string> lines = ReadLines(path);
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
+    EXPECT_THAT(Texts(lines), ElementsAre("4 Path append res fail!(PxMainWnd::SetValuePath)",
+                                          "3 CloseHandle error: 6(PixoraMutex::IsAlreadyRunning)",
+                                          "3 \xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80 two lines narrow(Unicode::Test)",
+                                          "3 streamed(A::B)"));
     // The line tells who wrote it.
-    EXPECT_THAT(ReadBytes(path), testing::HasSubstr("[" + std::to_string(GetCurrentThreadId()) + "]"));
+    EXPECT_THAT(lines.back(), testing::HasSubstr("[" + std::to_string(GetCurrentThreadId()) + "]"));
 }
 
 TEST(LoggerTest, KeepsLinesThatAreLoggedBeforeTheFileIsOpen) {
     TestFolder folder;
+    harness::TestLog::Expect("[L4] second(LogEarly)");
     EXPECT_EQ(Helper(L"early").Wait(), 0u);
     EXPECT_THAT(Texts(folder.HelperLogLines()),
                 ElementsAre("3 first(LogEarly)", "4 second(LogEarly)", "3 third(LogEarly)", "3 fourth(LogEarly)"));
@@ -150,7 +142,7 @@ TEST(LoggerTest, AKilledWriterBlocksNobody) {
     for (int round = 0; round < 5; ++round) {
         const std::uintmax_t before = fs::exists(log) ? fs::file_size(log) : 0;
         Helper endless(L"forever");
-        ASSERT_TRUE(Within20Seconds([&] { return fs::exists(log) && fs::file_size(log) > before + 1000; }));
+        ASSERT_TRUE(harness::WaitUntil([&] { return fs::exists(log) && fs::file_size(log) > before + 1000; }));
         endless.Kill();
     }
     ASSERT_EQ(Helper(L"log one 1 20 10").Wait(), 0u);
@@ -192,10 +184,10 @@ TEST(LoggerTest, AFileThatIsRemovedIsMadeAnew) {
     TestFolder folder;
     const fs::path log = folder.LogFolder() / L"suite_helper.log";
     Helper endless(L"forever 2");  // slowly, so that no rotation makes the file anew
-    ASSERT_TRUE(Within20Seconds([&] { return fs::exists(log) && fs::file_size(log) > 1000; }));
+    ASSERT_TRUE(harness::WaitUntil([&] { return fs::exists(log) && fs::file_size(log) > 1000; }));
     const std::string firstLine = FirstLine(log);
     RemoveOpenFile(log);
-    EXPECT_TRUE(Within20Seconds([&] {
+    EXPECT_TRUE(harness::WaitUntil([&] {
         const std::string line = FirstLine(log);
         return !line.empty() && line != firstLine;
     }));
@@ -207,11 +199,11 @@ TEST(LoggerTest, AFileThatIsRenamedByHandIsNotLost) {
     TestFolder folder;
     const fs::path log = folder.LogFolder() / L"suite_helper.log";
     Helper endless(L"forever");
-    ASSERT_TRUE(Within20Seconds([&] { return fs::exists(log) && fs::file_size(log) > 1000; }));
+    ASSERT_TRUE(harness::WaitUntil([&] { return fs::exists(log) && fs::file_size(log) > 1000; }));
     const fs::path away = folder.Path() / L"away.log";
     ASSERT_TRUE(MoveFileW(log.c_str(), away.c_str()));
     const std::uintmax_t size = fs::file_size(away);
-    EXPECT_TRUE(Within20Seconds([&] { return fs::file_size(away) > size || fs::exists(log); }));
+    EXPECT_TRUE(harness::WaitUntil([&] { return fs::file_size(away) > size || fs::exists(log); }));
 }
 
 TEST(LoggerTest, SaysFalseAndStaysSilentWithoutAFolder) {

@@ -6,61 +6,10 @@
 #include <iterator>
 
 #include "suite/common/LocalFolder.h"
+#include "tests/support/Harness.h"
+#include "tests/support/TestLog.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-constexpr DWORD kPatienceMs = 120'000;
-
-// One pass: a file that is still open in this process keeps its name, and std::filesystem::remove_all would try to
-// empty its folder for ever.
-void RemoveTree(const fs::path& folder) {
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
-        if (entry.is_directory(ignored)) {
-            RemoveTree(entry.path());
-        } else {
-            fs::remove(entry.path(), ignored);
-        }
-    }
-    fs::remove(folder, ignored);
-}
-
-}  // namespace
-
-Helper::Helper(const std::wstring& arguments) {
-    const fs::path program = fs::path(suite::ProgramPath()).parent_path() / L"suite_helper.exe";
-    std::wstring commandLine = L"\"" + program.wstring() + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        ADD_FAILURE() << "suite_helper.exe does not start: " << GetLastError();
-        return;
-    }
-    CloseHandle(process.hThread);
-    process_ = suite::Handle(process.hProcess);
-}
-
-Helper::~Helper() {
-    if (process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT) {
-        Kill();
-    }
-}
-
-DWORD Helper::Wait() {
-    DWORD code = 0xFFFFFFFF;
-    EXPECT_EQ(WaitForSingleObject(process_.Get(), kPatienceMs), WAIT_OBJECT_0) << "suite_helper.exe hangs";
-    GetExitCodeProcess(process_.Get(), &code);
-    return code;
-}
-
-void Helper::Kill() {
-    TerminateProcess(process_.Get(), 99);
-    WaitForSingleObject(process_.Get(), kPatienceMs);
-}
 
 TestFolder::TestFolder() {
     static int number = 0;
@@ -69,11 +18,13 @@ TestFolder::TestFolder() {
     fs::create_directories(path_);
     before_ = suite::LocalDataFolder();
     SetEnvironmentVariableW(L"LOCALAPPDATA", path_.c_str());
+    harness::TestLog::Watch(LogFolder());
 }
 
 TestFolder::~TestFolder() {
     SetEnvironmentVariableW(L"LOCALAPPDATA", before_.c_str());
-    RemoveTree(path_);
+    harness::TestLog::Unwatch(LogFolder());
+    harness::RemoveTree(path_);
 }
 
 std::vector<fs::path> TestFolder::HelperLogs() const {

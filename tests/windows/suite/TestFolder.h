@@ -8,21 +8,19 @@
 #include <vector>
 
 #include "suite/common/Handle.h"
+#include "tests/support/ChildProcess.h"
 
 // "suite_helper.exe", running. The destructor ends a process that still runs.
 class Helper {
   public:
-    explicit Helper(const std::wstring& arguments);
-    ~Helper();
+    explicit Helper(const std::wstring& arguments) : process_(L"suite_helper.exe", arguments) {}
 
-    // The exit code; fails the test and gives 0xFFFFFFFF when it does not come within two minutes.
-    DWORD Wait();
-    // Ends it at once, as a user or the system may.
-    void Kill();
-    HANDLE Process() const { return process_.Get(); }
+    // The exit code. Writing a dump takes seconds under Wine, and many more on a busy machine.
+    DWORD Wait() { return process_.WaitForEnd(std::chrono::minutes(2)); }
+    void Kill() { process_.Kill(); }
 
   private:
-    suite::Handle process_;
+    harness::ChildProcess process_;
 };
 
 class TestFolder {

@@ -1,10 +1,12 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
 #include <map>
 
 #include "suite/common/LocalFolder.h"
 #include "suite/url/UrlsManager.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
 #include "tests/windows/suite/TestFolder.h"
 
 using ntx::util::UrlsManager;
@@ -41,11 +43,8 @@ class UrlTest : public testing::Test {
     std::filesystem::path Received() const { return folder_.Path() / L"url.txt"; }
 
     std::string WaitForAddress() {
-        const ULONGLONG deadline = GetTickCount64() + 20'000;
         std::string address;
-        while ((address = ReadBytes(Received())).empty() && GetTickCount64() < deadline) {
-            Sleep(5);
-        }
+        harness::WaitUntil([&] { return !(address = ReadBytes(Received())).empty(); });
         return address;
     }
 
@@ -73,6 +72,7 @@ TEST_F(UrlTest, AnythingElseIsRefused) {
           std::wstring(L"https://a b"), std::wstring(L"https://a\" --flag \""), std::wstring(L"https://a\n"),
           L"https://a/" + std::wstring(3000, L'x')}) {
         EXPECT_FALSE(UrlsManager::OpenUrl(text));
+        EXPECT_THAT(harness::TestLog::TakeFailures(), testing::ElementsAre(testing::StartsWith("not a web address: ")));
     }
     EXPECT_FALSE(std::filesystem::exists(Received()));
 }

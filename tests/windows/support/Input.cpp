@@ -1,16 +1,8 @@
 #include "tests/windows/support/Input.h"
 
-#include <utility>
-
 namespace Input {
 
 namespace {
-
-// How long one wait for a message lasts at most, so that conditions that no message announces are looked at too.
-constexpr DWORD kGlanceMs = 10;
-
-bool g_quit = false;
-int g_loops = 0;  // loops of the program that run messages beneath the test
 
 void SendMouse(DWORD flags, DWORD data = 0) {
     INPUT input = {};
@@ -30,55 +22,7 @@ void SendKey(WORD virtualKey, DWORD flags) {
     Pump();
 }
 
-// Runs the next message; false when there is none, or when the loop of the program is to end first.
-bool PumpOne() {
-    MSG message;
-    if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        return false;
-    if (message.message == WM_QUIT && g_loops > 0) {
-        PostQuitMessage(static_cast<int>(message.wParam));
-        return false;
-    }
-    if (message.message == WM_QUIT) {
-        g_quit = true;
-        return true;
-    }
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-    return true;
-}
-
 }  // namespace
-
-void Pump() {
-    while (PumpOne()) {
-    }
-}
-
-bool PumpUntil(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + kDeadline;
-    // After each single message: the next one may undo what the condition waits for.
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        if (!PumpOne())
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, kGlanceMs, QS_ALLINPUT);
-    }
-    return true;
-}
-
-bool TakeQuit() {
-    Pump();
-    return std::exchange(g_quit, false);
-}
-
-WithinLoop::WithinLoop() {
-    ++g_loops;
-}
-
-WithinLoop::~WithinLoop() {
-    --g_loops;
-}
 
 void MoveTo(POINT screenPx) {
     SetCursorPos(screenPx.x, screenPx.y);

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "suite/common/LocalFolder.h"
-#include "tests/windows/support/Input.h"
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -48,11 +48,7 @@ std::vector<std::string> OpenedLinks::All() const {
 }
 
 std::vector<std::string> OpenedLinks::WaitFor(std::size_t count) const {
-    const auto deadline = std::chrono::steady_clock::now() + Input::kDeadline;
-    std::vector<std::string> links = All();
-    while (links.size() < count && std::chrono::steady_clock::now() < deadline) {
-        Sleep(10);
-        links = All();
-    }
+    std::vector<std::string> links;
+    harness::WaitUntil([&] { return (links = All()).size() >= count; });
     return links;
 }

@@ -2,8 +2,8 @@
 // The base of tests that run windows and pages of the program in the test's own process.
 //
 // What is real: registry, log file, pipe with a service on it, windows, resources. The process has a HKEY_CURRENT_USER
-// of its own, and the settings key begins each test as an installation leaves it. A test fails when the log gets a
-// line of level 4 that it did not expect. Thread: the test's, which is the UI thread.
+// of its own, and the settings key begins each test as an installation leaves it. Thread: the test's, which is the UI
+// thread.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -12,15 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "service/HomeService.h"
+#include "tests/support/SettingsKey.h"
+#include "tests/support/TestLog.h"
+#include "tests/windows/support/HomeServiceAccess.h"
 #include "tests/windows/support/Input.h"
 #include "tools/service/PipeServer.h"
-
-// Reaches what is otherwise reached through files that the user picks.
-struct HomeServiceTestAccess {
-    static std::vector<CustomImageRecord>& CustomItems() { return HomeService::GetInstance()->customItems_; }
-    static std::map<std::wstring, std::wstring>& CustomByName() { return HomeService::GetInstance()->customByName_; }
-};
 
 class ProgramTest : public testing::Test {
   protected:
@@ -28,18 +24,19 @@ class ProgramTest : public testing::Test {
     void TearDown() override;
 
     // --- the settings key
-    static void Write(const wchar_t* name, int value);
-    static void Write(const wchar_t* name, const std::wstring& value);
-    static void Remove(const wchar_t* name);
-    static std::optional<int> Number(const wchar_t* name);
-    static std::optional<std::wstring> Text(const wchar_t* name);
+    static void Write(const wchar_t* name, const harness::SettingsKey::Value& value) {
+        harness::SettingsKey::Set(name, value);
+    }
+    static void Remove(const wchar_t* name) { harness::SettingsKey::Remove(name); }
+    static std::optional<int> Number(const wchar_t* name) { return harness::SettingsKey::Number(name); }
+    static std::optional<std::wstring> Text(const wchar_t* name) { return harness::SettingsKey::Text(name); }
 
     // --- the log: lines since the test began, without time and thread: "[L3] text(function)"
-    std::vector<std::string> Log() const;
+    static std::vector<std::string> Log() { return harness::TestLog::Lines(); }
     // Those of them that end with "(function)".
-    std::vector<std::string> LogOf(const std::string& function) const;
-    // That line of level 4 is all right.
-    void Expect(const std::string& line) { expected_.push_back(line); }
+    static std::vector<std::string> LogOf(const std::string& function) { return harness::TestLog::LinesOf(function); }
+    // That line of level 4 comes.
+    static void Expect(const std::string& line) { harness::TestLog::Expect(line); }
 
     // --- the camera service's end of the pipe
     static PipeServer& Service();
@@ -57,7 +54,5 @@ class ProgramTest : public testing::Test {
     static std::wstring OwnFolder();
 
   private:
-    std::size_t logStart_ = 0;
     std::size_t eventsStart_ = 0;
-    std::vector<std::string> expected_;
 };

@@ -60,7 +60,7 @@ void Script::Run() {
 
 void Script::Run(const Action& begin) {
     g_running = this;
-    deadline_ = std::chrono::steady_clock::now() + Input::kDeadline;
+    deadline_ = std::chrono::steady_clock::now() + Input::kPatience;
     const UINT_PTR timer = SetTimer(nullptr, 0, kGlanceMs, OnTimer);
     begin();
     while (!failed_ && next_ != steps_.size())

@@ -1,6 +1,11 @@
 #include "windows/PxDialogWnd.h"
 
+#include <map>
+#include <utility>
+
 #include "DuiLib/TextUI.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/support/OpenedLinks.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
@@ -10,6 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+namespace Protocol = harness::Protocol;
 
 constexpr char kClosed[] = "[L4] OnMessageReceive close win(PxDialogWnd::OnMessageReceive)";
 
@@ -20,7 +26,7 @@ class PxDialogWndTest : public ProgramTest {
         dialog_.emplace();
         dialog_->Run(GetModuleHandleW(nullptr));
         // The dialog's own greeting; the model's came long ago.
-        ASSERT_TRUE(Service().WaitFor(ServerEvent::Kind::kHello, Input::kDeadline));
+        ASSERT_TRUE(Service().WaitFor(ServerEvent::Kind::kHello, Input::kPatience));
     }
     void TearDown() override {
         dialog_.reset();
@@ -44,10 +50,7 @@ class PxDialogWndTest : public ProgramTest {
         EXPECT_FALSE(IsOpen());
     }
     static void SendToAll(std::int32_t code, std::int32_t subCode) {
-        TagIPCMessageItem item;
-        item.slot[1] = subCode;
-        item.slot[2] = code;
-        EXPECT_EQ(Service().Send(item), 2);  // the model and the dialog
+        EXPECT_EQ(Service().Send(Protocol::FromService(code, subCode)), 2);  // the model and the dialog
     }
 
     std::optional<PxDialogWnd> dialog_;
@@ -92,27 +95,51 @@ TEST_F(PxDialogWndTest, OtherClicksDoNothing) {
     });
 }
 
-TEST_F(PxDialogWndTest, TheServicesCloseMessageClosesItAndNoOther) {
+TEST_F(PxDialogWndTest, TheServicesCloseMessageClosesIt) {
     Expect(kClosed);
-    ShowAnd(L"text", [] {
-        SendToAll(0x22711, 0x40001);
-        SendToAll(0x22711, -1);
-        SendToAll(0x4B273B, 0x40000);
-        SendToAll(0x22711, 0x40000);
-    });
-    // Messages are handled in order, so the last one was the only one that counted.
+    ShowAnd(L"text", [] { SendToAll(Protocol::kNotificationCode, Protocol::kResetSubCode); });
     EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), ElementsAre(kClosed));
 }
 
-TEST_F(PxDialogWndTest, AnotherSubCodeLeavesItOpen) {
-    ShowAnd(L"text", [this] {
-        SendToAll(0x22711, 0x40001);
-        // The model hears the same pipe's next message on its own connection; the dialog's own order is what the test
-        // above holds it to. Here the dialog must simply go on working.
-        EXPECT_TRUE(IsOpen());
-        Input::Click(Control(L"closebtn"));
-    });
+// What the dialog has asked its pipe client for.
+using Callback = IPCMessageClient::MessageCallback;
+std::map<std::int32_t, Callback> g_callbacks;
+const harness::ImportHook* g_register = nullptr;
+
+// As a member function of IPCMessageClient.
+void Register(IPCMessageClient* self, std::int32_t code, Callback callback) {
+    g_callbacks[code] = callback;
+    g_register->Original<decltype(&Register)>()(self, code, std::move(callback));
+}
+
+// Each message is handed over by the test itself, so that it has been handled when the test goes on.
+TEST_F(PxDialogWndTest, OneMessageOfOneCodeClosesIt) {
+    dialog_.emplace();
+    {
+        const harness::ImportHook hook(nullptr, "IPCMessageClient23RegisterMessageCallback", &Register);
+        g_register = &hook;
+        dialog_->Run(GetModuleHandleW(nullptr));
+    }
+    const std::map<std::int32_t, Callback> callbacks = std::exchange(g_callbacks, {});
+    ASSERT_EQ(callbacks.size(), 1U);
+    ASSERT_EQ(callbacks.begin()->first, Protocol::kNotificationCode);
+    const auto receive = [&](std::int32_t code, std::int32_t subCode) {
+        TagIPCMessageItem item = Protocol::FromService(code, subCode);
+        callbacks.begin()->second(item);
+        Input::Pump();
+    };
+    for (const std::int32_t subCode : {Protocol::kResetSubCode + 1, -1, 0, -Protocol::kResetSubCode})
+        receive(Protocol::kNotificationCode, subCode);
+    receive(Protocol::kSettingsChangedCode, Protocol::kResetSubCode);
+    EXPECT_TRUE(IsOpen());
     EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), IsEmpty());
+    EXPECT_FALSE(Input::TakeQuit());
+
+    Expect(kClosed);
+    receive(Protocol::kNotificationCode, Protocol::kResetSubCode);
+    EXPECT_TRUE(Input::PumpUntil([this] { return !IsOpen(); }));
+    EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), ElementsAre(kClosed));
+    EXPECT_TRUE(Input::TakeQuit());
 }
 
 TEST_F(PxDialogWndTest, MarkupHasLinksAndDoesNotDragTheWindow) {

@@ -146,6 +146,42 @@ TEST_F(TextsFitTest, InTheMessageBoxes) {
     }
 }
 
+// The window that stands in the place of the settings.
+TEST_F(TextsFitTest, InTheMessageWindow) {
+    for (const bool html : {false, true}) {
+        {
+            PxDialogWnd dialog;
+            dialog.Run(GetModuleHandleW(nullptr));
+            DuiLib::CControlUI* const content = dialog.PaintManager().FindControl(L"msgbox_content");
+            ASSERT_TRUE(content);
+            if (html)
+                dialog.UseHtmlMessage();
+            content->SetText(Text(html ? L"IDS_LUMI_FUNCTION_UNAVAILABLE" : L"IDS_LUMI_DRIVER_BROKEN"));
+            for (const int dpi : kScales) {
+                Rescale(dialog.PaintManager(), dialog.GetHWND(), dpi);
+                EXPECT_THAT(Inspect(dialog.PaintManager()), IsEmpty()) << dpi;
+            }
+        }
+        Input::TakeQuit();
+    }
+}
+
+// The inspector itself: a text that is too long for its place is found in each of the windows' ways to show one.
+TEST_F(TextsFitTest, ATextThatIsCutIsFound) {
+    PxDialogWnd dialog;
+    dialog.Run(GetModuleHandleW(nullptr));
+    DuiLib::CControlUI* const content = dialog.PaintManager().FindControl(L"msgbox_content");
+    ASSERT_TRUE(content);
+    std::wstring text;
+    for (int i = 0; i < 200; ++i)
+        text += L"more and more ";
+    content->SetText(text);
+    dialog.PaintManager().UpdateLayout();
+    EXPECT_THAT(Inspect(dialog.PaintManager()), testing::Contains(testing::StartsWith("cut: msgbox_content")));
+    DestroyWindow(dialog.GetHWND());
+    Input::TakeQuit();
+}
+
 TEST_F(TextsFitTest, InTheQuestionAndTheNotice) {
     for (const bool notice : {false, true}) {
         DelDoubleCheckPage box(&Manager());

@@ -1,5 +1,9 @@
 #include "windows/ToolTipWnd.h"
 
+#include <fstream>
+#include <iterator>
+#include <regex>
+
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/RenderEngine.h"
 #include "tests/windows/windows/WindowTests.h"
@@ -87,6 +91,23 @@ TEST_F(ToolTipWndTest, WithoutATextItIsSixtyWideAndAsHighAsEver) {
     EXPECT_EQ(hint_.GetToolTipWidth(), 60);
     EXPECT_EQ(Width(), 60);
     EXPECT_EQ(Height(), 104);
+}
+
+TEST_F(ToolTipWndTest, IsCutToTheShapeThatItsLayoutDraws) {
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Meeting room");
+    const DuiLib::Rect& place = hint_.PaintManager().FindControl(L"tooltip_bubble")->GetPos();
+    std::ifstream file((ProgramFolder() + L"res\\layout\\PixoraToolTip.xml").c_str());
+    const std::string layout{std::istreambuf_iterator<char>(file), {}};
+    static const std::regex kRadius("name=\"tooltip_bubble\"[^>]*borderround=\"(\\d+)\"");
+    std::smatch radius;
+    ASSERT_TRUE(std::regex_search(layout, radius, kRadius));
+    const int corner = 2 * std::stoi(radius[1]);
+    const HRGN drawn = CreateRoundRectRgn(place.left, place.top, place.right + 1, place.bottom + 1, corner, corner);
+    const HRGN shown = CreateRectRgn(0, 0, 0, 0);
+    EXPECT_NE(GetWindowRgn(hint_.GetHWND(), shown), ERROR);
+    EXPECT_TRUE(EqualRgn(drawn, shown));
+    DeleteObject(drawn);
+    DeleteObject(shown);
 }
 
 TEST_F(ToolTipWndTest, StandsBesideItsAnchor) {
@@ -274,6 +295,12 @@ TEST_F(ToolTipWndTest, WithoutItsTextControlItIsSixtyWide) {
                 ElementsAre("[L4] exist control nullptr(ToolTipWnd::SetToolTipText)"));
     EXPECT_THAT(LogOf("ToolTipWnd::GetToolTipWidth"),
                 ElementsAre("[L4] exist control nullptr(ToolTipWnd::GetToolTipWidth)"));
+    hint.SetAnchor(&owner_.Control(L"minbtn"));
+    hint.Show(true);
+    RECT place = {};
+    GetWindowRect(hint.GetHWND(), &place);
+    EXPECT_EQ(place.right - place.left, 60);
+    EXPECT_EQ(place.bottom - place.top, 104);
 }
 
 // --- the program's two

@@ -2,6 +2,8 @@
 
 #include <fstream>
 
+#include "tests/windows/support/Screen.h"
+#include "tests/windows/windows/FakeShell.h"
 #include "tests/windows/windows/WindowTests.h"
 
 namespace {
@@ -52,22 +54,56 @@ TEST_F(VideoThumbnailTest, AVideoWithoutACoverIsNotRegistered) {
     SetCurrentDirectoryW(ProgramFolder().c_str());
 }
 
-TEST_F(VideoThumbnailTest, AnImageThatIsThereStaysAsItIs) {
-    const std::wstring film = MakeFile(L"known.mp4");
-    HBITMAP cover = CreateBitmap(64, 36, 1, 32, nullptr);
-    ASSERT_TRUE(window_.PaintManager().AddImage(film, cover, 64, 36, false, false));
+TEST_F(VideoThumbnailTest, AVideosCoverIsRegisteredUnderItsPath) {
+    FakeShell shell;
+    const std::wstring film = MakeFile(L"covered.mp4");
     thumbnail_.Register(window_.PaintManager(), film);
     EXPECT_TRUE(window_.PaintManager().HasImage(film));
+    EXPECT_EQ(shell.folder + L"\\" + shell.file, film);
+    EXPECT_FALSE(shell.locationAsked) << "the extractor's own size applies";
+
+    // Its size is 64 by 36: drawn in that, pixel by pixel, its quarters meet in the middle.
+    DuiLib::CControlUI& area = window_.Control(L"wnd_container");
+    window_.PaintManager().UpdateLayout();
+    area.SetBkImage(L"file='" + film + L"' source='0,0,64,36' dest='0,0,64,36'");
+    const DuiLib::Rect& place = area.GetPos();
+    const Picture picture = PaintedBy(window_.PaintManager());
+    EXPECT_EQ(picture.At({place.left + 31, place.top + 17}), FakeShell::kTopLeft);
+    EXPECT_EQ(picture.At({place.left + 32, place.top + 17}), FakeShell::kTopRight);
+    EXPECT_EQ(picture.At({place.left + 31, place.top + 18}), FakeShell::kBottomLeft);
+    EXPECT_EQ(picture.At({place.left + 32, place.top + 18}), FakeShell::kBottomRight);
 }
 
-TEST_F(MainWindowTest, PaintsWithAVideoAsTheBackground) {
+TEST_F(VideoThumbnailTest, ACoverThatIsThereIsNotMadeAgain) {
+    FakeShell shell;
+    const std::wstring film = MakeFile(L"known.mp4");
+    for (int paint = 0; paint < 3; ++paint)
+        thumbnail_.Register(window_.PaintManager(), film);
+    EXPECT_EQ(shell.covers, 1);
+}
+
+TEST_F(VideoThumbnailTest, OnlyReadableVideosAreLookedAt) {
+    FakeShell shell;
+    for (const std::wstring& path :
+         {std::wstring(), std::wstring(L"C:\\nowhere\\film.mp4"), MakeFile(L"picture.jpg"), MakeFile(L"film.MP4")}) {
+        thumbnail_.Register(window_.PaintManager(), path);
+        EXPECT_FALSE(window_.PaintManager().HasImage(path));
+    }
+    EXPECT_EQ(shell.covers, 0);
+}
+
+// Each paint asks for the cover of the background in use.
+TEST_F(MainWindowTest, APaintRegistersTheCoverOfTheBackgroundInUse) {
+    FakeShell shell;
     const std::wstring film = OwnFolder() + L"background.mp4";
     std::ofstream(film.c_str()) << "no film";
     Write(L"lumi_camera_background_image_path", film);
-    for (int paint = 0; paint < 3; ++paint) {
-        InvalidateRect(Window().GetHWND(), nullptr, FALSE);
-        EXPECT_EQ(SendMessageW(Window().GetHWND(), WM_PAINT, 0, 0), 0);
-    }
+    ASSERT_FALSE(Manager().HasImage(film));
+    InvalidateRect(Window().GetHWND(), nullptr, FALSE);
+    EXPECT_EQ(SendMessageW(Window().GetHWND(), WM_PAINT, 0, 0), 0);
+    EXPECT_TRUE(Input::PumpUntil([&] { return Manager().HasImage(film); }));
+    EXPECT_EQ(shell.covers, 1);
+    EXPECT_NE(shell.thread, GetCurrentThreadId());
     EXPECT_FALSE(GetUpdateRect(Window().GetHWND(), nullptr, FALSE));
     // The file is let go of.
     EXPECT_TRUE(DeleteFileW(film.c_str()));

@@ -1,0 +1,133 @@
+// Adding and choosing a background of the user's own: what each does, in its order, and what it leaves alone.
+#include <array>
+#include <fstream>
+
+#include "tests/support/CallTrace.h"
+#include "tests/windows/pages/PageTests.h"
+#include "tests/windows/support/FakeFileDialog.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr wchar_t kAddButton[] = L"custom_background_btn";
+
+class HomePageOwnFileTest : public HomePageTest {
+  protected:
+    void SetUp() override {
+        HomePageTest::SetUp();
+        Write(L"lumi_camera_person_track", 1);
+        Refresh();
+    }
+    void TearDown() override {
+        for (const std::wstring& name : added_)
+            HomeService::GetInstance()->DeleteCustomBackground(name);
+        HomePageTest::TearDown();
+    }
+
+    static std::wstring Name(int number) { return L"custom_background_btn_" + std::to_wstring(number); }
+    // A picture file of the smallest kind.
+    static std::wstring MakePicture(const std::wstring& name) {
+        constexpr std::array<unsigned char, 70> kBitmap = {'B', 'M', 70, 0, 0, 0, 0, 0, 0,  0, 54, 0, 0,
+                                                           0,   40,  0,  0, 0, 2, 0, 0, 0,  2, 0,  0, 0,
+                                                           1,   0,   24, 0, 0, 0, 0, 0, 16, 0, 0,  0};
+        const std::wstring path = OwnFolder() + name;
+        std::ofstream(path.c_str(), std::ios::binary)
+            .write(reinterpret_cast<const char*>(kBitmap.data()), kBitmap.size());
+        return path;
+    }
+    // What a click on that entry does to the outside.
+    std::vector<std::string> CallsOf(const std::wstring& name) {
+        harness::CallTrace trace;
+        Press(name);
+        return trace.Take();
+    }
+    std::vector<std::string> CallsOfAdding(const std::wstring& path, int number) {
+        dialog_.chosen = path;
+        added_.push_back(Name(number));
+        return CallsOf(kAddButton);
+    }
+
+    FakeFileDialog dialog_;
+
+  private:
+    std::vector<std::wstring> added_;
+};
+
+TEST_F(HomePageOwnFileTest, AnAddedFileTurnsFramingOffWithoutAWait) {
+    const std::wstring path = MakePicture(L"one.bmp");
+    dialog_.whileOpen = [this] { EXPECT_FALSE(Control(kAddButton).IsEnabled()) << "a second dialog could be opened"; };
+    EXPECT_THAT(
+        CallsOfAdding(path, 0),
+        ElementsAre("report Background replacement:5", "ping",
+                    StartsWith("lumi_camera_background_image_path=C:\\ProgramData\\Comms\\LumiCamera\\"),
+                    StartsWith("lumi_camera_custom_img_group=custom_background_btn_0[(&,f!=)]"),
+                    "lumi_camera_background_replacement=5", "background_selected_btnName=custom_background_btn_0",
+                    "lumi_camera_person_track=0", "report close focus person", "ping"));
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+    EXPECT_EQ(dialog_.asked.hwndOwner, Host().GetHWND());
+    EXPECT_TRUE(IsSelected(Name(0)));
+    EXPECT_TRUE(Input::PumpUntil([this] { return IsDrawnOff(L"focus_person_btn"); }));
+}
+
+TEST_F(HomePageOwnFileTest, AChosenFileTurnsFramingOffWithoutAWait) {
+    CallsOfAdding(MakePicture(L"one.bmp"), 0);
+    Press(L"none_background_btn");
+    Write(L"lumi_camera_person_track", 1);
+    Refresh();
+    EXPECT_THAT(CallsOf(Name(0)), ElementsAre("lumi_camera_background_replacement=5",
+                                              StartsWith("lumi_camera_background_image_path=C:\\"),
+                                              "background_selected_btnName=custom_background_btn_0",
+                                              "lumi_camera_person_track=0", "report close focus person", "ping"));
+    EXPECT_TRUE(IsSelected(Name(0)));
+}
+
+TEST_F(HomePageOwnFileTest, ACancelledDialogChangesNothing) {
+    EXPECT_THAT(CallsOfAdding(L"", 0), IsEmpty());
+    EXPECT_EQ(dialog_.shown, 1);
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+    EXPECT_TRUE(IsSelected(L"none_background_btn"));
+}
+
+TEST_F(HomePageOwnFileTest, ARefusedFileChangesNothing) {
+    Expect("[L4] open error creatDecoder(ImageReader::Open)");
+    const std::wstring path = OwnFolder() + L"no picture.png";
+    std::ofstream(path.c_str()) << "no picture";
+    EXPECT_THAT(CallsOfAdding(path, 0), IsEmpty());
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_THAT(Host().Messages(), ElementsAre(0));
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+}
+
+TEST_F(HomePageOwnFileTest, AFullListShowsTheNoticeAndNoDialog) {
+    auto& items = HomeServiceTestAccess::CustomItems();
+    for (int i = 0; i < 32; ++i)
+        items.push_back({Name(i), 0, 14 + i, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
+    EXPECT_THAT(CallsOf(kAddButton), IsEmpty());
+    EXPECT_EQ(Host().limitNotices, 1);
+    EXPECT_EQ(dialog_.shown, 0);
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+    items.pop_back();
+    EXPECT_THAT(CallsOf(kAddButton), IsEmpty());
+    EXPECT_EQ(dialog_.shown, 1) << "thirty-one leave room";
+    items.clear();
+}
+
+// A video that is gone takes its entry with it.
+TEST_F(HomePageOwnFileTest, AVideoThatIsGoneLeavesFramingOn) {
+    Expect("[L4] Get option null!(HomePage::ClickChangeBackground)");
+    const int index = Page().AddCustomItem(Name(0), L"drawable/LumiCamera/thumb_add.png", true);
+    HomeServiceTestAccess::CustomItems().push_back({Name(0), 1, index, L"C:\\nowhere.jpg", L"C:\\nowhere.mp4"});
+    HomeServiceTestAccess::CustomByName()[Name(0)] = L"C:\\nowhere.jpg";
+    EXPECT_THAT(CallsOf(Name(0)), ElementsAre("lumi_camera_custom_img_group="));
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_THAT(Host().Messages(), ElementsAre(1));
+    EXPECT_EQ(Manager().FindControl(Name(0)), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// Where the preview's window stands, at each scale: whole numbers, multiplied before they are divided.
+#include "pages/PreviewWindow.h"
+#include "tests/windows/pages/PageTests.h"
+
+namespace {
+
+struct Place {
+    int dpi;
+    RECT window;  // from the owner's client area
+    RECT region;  // what is left of it; a rounded region ends a pixel before its right and lower edge
+};
+
+class PreviewPlaceTest : public PageTest, public testing::WithParamInterface<Place> {};
+
+TEST_P(PreviewPlaceTest, AreThoseOfTheScale) {
+    const Place& wanted = GetParam();
+    PreviewWindow preview({});
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    preview.Show(wanted.dpi, true);
+    RECT place = {};
+    GetWindowRect(preview.Get(), &place);
+    MapWindowPoints(nullptr, Host().GetHWND(), reinterpret_cast<POINT*>(&place), 2);
+    EXPECT_EQ(place.left, wanted.window.left);
+    EXPECT_EQ(place.top, wanted.window.top);
+    EXPECT_EQ(place.right, wanted.window.right);
+    EXPECT_EQ(place.bottom, wanted.window.bottom);
+
+    const HRGN region = CreateRectRgn(0, 0, 0, 0);
+    EXPECT_NE(GetWindowRgn(preview.Get(), region), ERROR);
+    RECT box = {};
+    GetRgnBox(region, &box);
+    EXPECT_EQ(box.left, wanted.region.left);
+    EXPECT_EQ(box.top, wanted.region.top);
+    EXPECT_EQ(box.right, wanted.region.right);
+    EXPECT_EQ(box.bottom, wanted.region.bottom);
+    // The corners are as round at every scale.
+    const HRGN shape = CreateRoundRectRgn(wanted.region.left, wanted.region.top, wanted.region.right + 1,
+                                          wanted.region.bottom + 1, 32, 32);
+    EXPECT_TRUE(EqualRgn(region, shape));
+    DeleteObject(region);
+    DeleteObject(shape);
+}
+
+// 598 units are 747.5 pixels at 125 %, 354 are 442.5, 558 are 697.5 and 315 are 393.75.
+INSTANTIATE_TEST_SUITE_P(Scales, PreviewPlaceTest,
+                         testing::Values(Place{96, {40, 40, 638, 394}, {40, 40, 557, 314}},
+                                         Place{120, {50, 50, 797, 492}, {50, 50, 696, 392}},
+                                         Place{144, {60, 60, 957, 591}, {60, 60, 836, 471}},
+                                         Place{192, {80, 80, 1276, 788}, {80, 80, 1115, 629}},
+                                         Place{100, {41, 41, 663, 409}, {41, 41, 580, 327}}),
+                         [](const auto& info) { return std::to_string(info.param.dpi); });
+
+}  // namespace

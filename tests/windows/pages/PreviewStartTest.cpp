@@ -1,0 +1,115 @@
+// The moment in which the preview starts: the wait for its first frames, and what a capture error does while it is off.
+#include "DuiLib/ButtonUI.h"
+#include "service/KindNotifier.h"
+#include "tests/support/ImportHook.h"
+#include "tests/windows/pages/PageTests.h"
+#include "tools/democamera/DemoCameraSystem.h"
+
+namespace {
+
+using democamera::DemoCamera;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr HRESULT kDeviceInUse = static_cast<HRESULT>(0xC00D3704);
+constexpr char kNoDevice[] = "[L4] can not find any video device!(Preview::SelectDevice)";
+
+std::function<void(DWORD)> g_atWait;
+
+void WINAPI Wait(DWORD timeMs) {
+    g_atWait(timeMs);
+}
+
+class PreviewStartTest : public HomePageTest {
+  protected:
+    void SetUp() override {
+        democamera::CameraSettings settings;
+        settings.modes.front().width = 64;
+        settings.modes.front().height = 48;
+        camera_ = DemoCamera::Make(settings);
+        democamera::SetCameras({camera_});
+        HomePageTest::SetUp();
+        g_atWait = [this](DWORD timeMs) { waits_.push_back(timeMs); };
+    }
+    void TearDown() override {
+        HomePageTest::TearDown();
+        democamera::SetCameras({});
+        g_atWait = {};
+    }
+
+    // A press of the switch; the waits of it are in waits_.
+    void PressSwitch() {
+        waits_.clear();
+        const harness::ImportHook hook(nullptr, "Sleep", &Wait);
+        Press(L"preview_switch");
+    }
+    HWND PreviewWindow() {
+        HWND each = nullptr;
+        while ((each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr) {
+            if (GetWindow(each, GW_OWNER) == Host().GetHWND())
+                break;
+        }
+        return each;
+    }
+    DuiLib::CButtonUI& Switch() { return Control<DuiLib::CButtonUI>(L"preview_switch"); }
+    static void Tell(HRESULT code) {
+        KindNotifier<GlobalUtils::OnListenKindInfo>::GetInstance().Publish(
+            GlobalUtils::kOnListenChannel, GlobalUtils::OnListenKindInfo{static_cast<std::uintptr_t>(code), 0});
+    }
+
+    std::shared_ptr<DemoCamera> camera_;
+    std::vector<DWORD> waits_;
+};
+
+TEST_F(PreviewStartTest, ItWaitsForTheFirstFramesWhenItsWindowIsShown) {
+    g_atWait = [this](DWORD timeMs) {
+        waits_.push_back(timeMs);
+        EXPECT_EQ(camera_->Seen().running, 1) << "started before";
+        EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
+        BYTE alpha = 0;
+        EXPECT_TRUE(GetLayeredWindowAttributes(PreviewWindow(), nullptr, &alpha, nullptr));
+        EXPECT_EQ(alpha, 255);
+        EXPECT_EQ(Switch().IsChecked(), true);
+        EXPECT_FALSE(Switch().IsEnabled()) << "until the wait is over";
+    };
+    PressSwitch();
+    EXPECT_THAT(waits_, ElementsAre(400U));
+    EXPECT_TRUE(Switch().IsEnabled());
+    PressSwitch();
+    EXPECT_THAT(waits_, IsEmpty()) << "turned off it waits for nothing";
+}
+
+TEST_F(PreviewStartTest, AStartThatFailsWaitsForNothing) {
+    Expect(kNoDevice);
+    democamera::SetCameras({});
+    PressSwitch();
+    EXPECT_THAT(waits_, IsEmpty());
+    EXPECT_TRUE(Switch().IsEnabled());
+    EXPECT_THAT(Host().Messages(), ElementsAre(5));
+}
+
+TEST_F(PreviewStartTest, ACameraInUseTurnsTheSwitchOffWhateverWasKnown) {
+    PressSwitch();
+    PressSwitch();
+    // As if somebody had left it so.
+    const auto spoil = [this] {
+        Switch().SetChecked(true);
+        Switch().SetEnabled(false);
+        ShowWindow(PreviewWindow(), SW_SHOWNOACTIVATE);
+    };
+    spoil();
+    Tell(E_FAIL);
+    EXPECT_EQ(Switch().IsChecked(), true) << "another error of a preview that is off is told only";
+    EXPECT_FALSE(Switch().IsEnabled());
+    EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
+    Tell(kDeviceInUse);
+    EXPECT_EQ(Switch().IsChecked(), false);
+    EXPECT_TRUE(Switch().IsEnabled());
+    EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
+    EXPECT_EQ(Switch().GetNormalImage(), L"file='drawable/LumiCamera/unchecked.png' reverse='true'");
+    EXPECT_THAT(Host().Messages(), ElementsAre(5, 5));
+    Tell(S_OK);
+    EXPECT_THAT(Host().Messages(), ElementsAre(5, 5));
+}
+
+}  // namespace
