@@ -1,5 +1,6 @@
 #include "service/SettingsStore.h"
 
+#include "service/CustomImageGroup.h"
 #include "service/SettingNames.h"
 #include "suite/registry/Registry.h"
 
@@ -19,6 +20,16 @@ void Write(const wchar_t* name, int value) {
 
 void Write(const wchar_t* name, const std::wstring& value) {
     DE::Registry::SetValue(HKEY_CURRENT_USER, SettingNames::kKeyPath, name, value, KEY_ALL_ACCESS);
+}
+
+std::vector<CustomImageRecord> ReadCustomImages() {
+    std::wstring group;
+    Read(SettingNames::kCustomImageGroup, group);
+    return CustomImageGroup::Parse(group);
+}
+
+void WriteCustomImages(const std::vector<CustomImageRecord>& records) {
+    Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(records));
 }
 
 void CreateDefaultsOnFirstRun() {

@@ -1,5 +1,9 @@
 #pragma once
-// Numbers and names of the usage events. Constant data, any thread.
+// The usage events: their numbers and names, and how they are reported.
+//
+// Why: nothing here can hold up or change what a setter does. Threads: any.
+#include <string>
+
 namespace UsageEvents {
 
 // With a short text.
@@ -15,5 +19,10 @@ inline constexpr const char* kBeautySmooth = "SMOOTH";
 inline constexpr const char* kBeautyWhite = "WHITE";
 inline constexpr const char* kBeautyEye = "EYE";
 inline constexpr const char* kBeautyThin = "THIN";
+
+// Queues one usage event; an empty text is none.
+void Report(const std::string& eventId, const std::string& text);
+// Queues the beauty event with the values that the registry holds now.
+void ReportBeauty();
 
 }  // namespace UsageEvents

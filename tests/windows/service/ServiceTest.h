@@ -20,19 +20,20 @@
 // How long a test waits for something that has to happen.
 inline constexpr std::chrono::milliseconds kDeadline{20000};
 
-// Makes models beside the process-wide one, and reaches what no operation loads yet.
+// Models beside the process-wide one, and what is on their lists.
 struct HomeServiceTestAccess {
-    struct Delete {
-        void operator()(HomeService* model) const { delete model; }
-    };
-    using Model = std::unique_ptr<HomeService, Delete>;
+    using Model = std::unique_ptr<HomeService>;
 
-    static Model Make() { return Model(new HomeService); }
-    static std::vector<CustomImageRecord>& CustomItems(HomeService& model) { return model.customItems_; }
-    static std::map<std::wstring, std::wstring>& CustomByName(HomeService& model) { return model.customByName_; }
+    static Model Make() { return std::make_unique<HomeService>(); }
+    static const std::vector<CustomImageRecord>& CustomItems(HomeService& model) {
+        return model.Backgrounds().List().Records();
+    }
+    static const std::map<std::wstring, std::wstring>& CustomByName(HomeService& model) {
+        return model.Backgrounds().List().FilePaths();
+    }
     // As InitCustomImage for that user.
-    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.LoadCustomImages(userSid); }
-    static bool HasTakenASnapshot(HomeService& model) { return !model.indexToBtn_.empty(); }
+    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.Backgrounds().Load(userSid); }
+    static bool HasTakenASnapshot(HomeService& model) { return model.Status().HasRead(); }
 };
 
 // Runs messages of the calling thread until the condition holds, which is looked at after each; false when the deadline

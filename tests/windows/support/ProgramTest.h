@@ -16,10 +16,18 @@
 #include "tests/windows/support/Input.h"
 #include "tools/service/PipeServer.h"
 
-// Reaches what is otherwise reached through files that the user picks.
+// What is on the list of the process's model, which otherwise holds files that the user picked.
 struct HomeServiceTestAccess {
-    static std::vector<CustomImageRecord>& CustomItems() { return HomeService::GetInstance()->customItems_; }
-    static std::map<std::wstring, std::wstring>& CustomByName() { return HomeService::GetInstance()->customByName_; }
+    static const std::vector<CustomImageRecord>& CustomItems() {
+        return HomeService::GetInstance()->Backgrounds().List().Records();
+    }
+    static void AddCustomItem(const CustomImageRecord& record) {
+        service::OwnBackgroundList list = HomeService::GetInstance()->Backgrounds().List();
+        list.Append(record);
+        list.SetPaths(record.name, record.sourcePath);
+        HomeService::GetInstance()->Backgrounds().SetList(list);
+    }
+    static void Clear() { HomeService::GetInstance()->Backgrounds().SetList({}); }
 };
 
 class ProgramTest : public testing::Test {

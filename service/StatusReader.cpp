@@ -1,13 +1,15 @@
-// What the registry says now: the snapshot, and single values.
+#include "service/StatusReader.h"
+
 #include "service/BeautyLevels.h"
 #include "service/FeatureTables.h"
-#include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 
+namespace service {
+
 using GlobalUtils::FeatureStatus;
 
-GlobalUtils::FeatureStatusTuple HomeService::GetFeatureStatus() {
+GlobalUtils::FeatureStatusTuple StatusReader::Read() {
     GlobalUtils::FeatureStatusTuple status;
     auto& [switches, levels, background] = status;
 
@@ -30,11 +32,11 @@ GlobalUtils::FeatureStatusTuple HomeService::GetFeatureStatus() {
     levels[L"slider_face"] = beauty.thin;
 
     {
-        const std::scoped_lock lock(indexToBtnMutex_);
+        const std::scoped_lock lock(mutex_);
         FeatureTables::AddIndexControls(indexToBtn_);
         background.btnName = indexToBtn_[value];
     }
-    background.path = GetBackgroundImagePath();
+    SettingsStore::Read(SettingNames::kBackgroundImagePath, background.path);
     if (background.btnName == FeatureTables::kCustomControl) {
         background.btnName.clear();
         SettingsStore::Read(SettingNames::kSelectedButtonName, background.btnName);
@@ -42,14 +44,9 @@ GlobalUtils::FeatureStatusTuple HomeService::GetFeatureStatus() {
     return status;
 }
 
-std::wstring HomeService::GetBackgroundImagePath() const {
-    std::wstring path;
-    SettingsStore::Read(SettingNames::kBackgroundImagePath, path);
-    return path;
+bool StatusReader::HasRead() const {
+    const std::scoped_lock lock(mutex_);
+    return !indexToBtn_.empty();
 }
 
-std::int32_t HomeService::IsSupportHardSwitch() const {
-    int supported = 0;
-    SettingsStore::Read(SettingNames::kSupportHardSwitch, supported);
-    return supported;
-}
+}  // namespace service
