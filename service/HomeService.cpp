@@ -13,7 +13,9 @@
 #include "service/UserIdentity.h"
 #include "suite/logger/QxLogger.h"
 
+using GlobalUtils::BeautyKind;
 using service::CustomFileChoice;
+using service::EffectId;
 
 HomeService* HomeService::GetInstance() {
     static HomeService instance;
@@ -85,48 +87,57 @@ bool HomeService::WatchSettingsOnce(const std::function<void()>& callback) {
 
 // --- switches and beauty levels
 
-void HomeService::SetCameraSwitch(std::int32_t on) {
-    SettingsStore::Write(SettingNames::kCameraSwitch, on);
-    PostDialogValue(on == 1 ? 1 : 0);
-    ReportUsage(UsageEvents::kCameraSwitch, on == 1 ? "open camera" : "close camera");
+void HomeService::SetEffect(EffectId id, std::int32_t on) {
+    const service::Effect& effect = service::EffectOf(id);
+    SettingsStore::Write(effect.value, on);
+    if (effect.telling == service::Telling::kBeautyReport) {
+        StartBeautyReport();
+        return;
+    }
+    if (effect.telling == service::Telling::kSwitchStateAndPing) {
+        PostDialogValue(on == 1 ? 1 : 0);
+    }
+    ReportUsage(effect.event, on == 1 ? effect.onText : effect.offText);
     SendSignal();
+}
+
+void HomeService::SetCameraSwitch(std::int32_t on) {
+    SetEffect(EffectId::kCamera, on);
 }
 
 void HomeService::SetCorrectSight(std::int32_t on) {
-    SettingsStore::Write(SettingNames::kEyeCorrection, on);
-    ReportUsage(UsageEvents::kCorrectSight, on == 1 ? "open correct sight" : "close correct sight");
-    SendSignal();
+    SetEffect(EffectId::kCorrectSight, on);
 }
 
 void HomeService::SetFocusPerson(std::int32_t on) {
-    SettingsStore::Write(SettingNames::kPersonTrack, on);
-    ReportUsage(UsageEvents::kFocusPerson, on == 1 ? "open focus person" : "close focus person");
-    SendSignal();
+    SetEffect(EffectId::kFocusPerson, on);
 }
 
 void HomeService::SetBeautyPerson(std::int32_t on) {
-    SetBeautyValue(SettingNames::kBeautyPerson, on);
+    SetEffect(EffectId::kBeautyPerson, on);
+}
+
+void HomeService::SetBeautyLevel(BeautyKind kind, std::int32_t level) {
+    if (const service::BeautyLevel* row = service::BeautyLevelOf(kind)) {
+        SettingsStore::Write(row->value, level);
+        StartBeautyReport();
+    }
 }
 
 void HomeService::SetBeautySmooth(std::int32_t level) {
-    SetBeautyValue(SettingNames::kBeautySmooth, level);
+    SetBeautyLevel(BeautyKind::kSmooth, level);
 }
 
 void HomeService::SetBeautyWhite(std::int32_t level) {
-    SetBeautyValue(SettingNames::kBeautyWhite, level);
+    SetBeautyLevel(BeautyKind::kWhite, level);
 }
 
 void HomeService::SetBeautyEye(std::int32_t level) {
-    SetBeautyValue(SettingNames::kBeautyEye, level);
+    SetBeautyLevel(BeautyKind::kEye, level);
 }
 
 void HomeService::SetBeautyThin(std::int32_t level) {
-    SetBeautyValue(SettingNames::kBeautyThin, level);
-}
-
-void HomeService::SetBeautyValue(const wchar_t* name, std::int32_t value) {
-    SettingsStore::Write(name, value);
-    StartBeautyReport();
+    SetBeautyLevel(BeautyKind::kFace, level);
 }
 
 // --- built-in backgrounds

@@ -16,6 +16,7 @@
 #include <string>
 
 #include "service/CallbackSlot.h"
+#include "service/EffectTable.h"
 #include "service/GlobalUtils.h"
 #include "service/OwnBackgrounds.h"
 #include "service/ReportWorkers.h"
@@ -63,12 +64,15 @@ class HomeService {
     // 1 when the device has a camera switch of its own. Any thread.
     std::int32_t IsSupportHardSwitch() const;
 
-    // Every setter writes the registry, then reports, then tells the camera service. Anything but 1 counts as off.
+    // Every setter writes the registry, then reports, then tells the camera service, as the effect's row of EffectTable
+    // has it. Anything but 1 counts as off.
+    void SetEffect(service::EffectId effect, std::int32_t on);
     void SetCameraSwitch(std::int32_t on);
     void SetCorrectSight(std::int32_t on);
     void SetFocusPerson(std::int32_t on);
     // Beauty is not told: the camera service finds it in the registry.
     void SetBeautyPerson(std::int32_t on);
+    void SetBeautyLevel(GlobalUtils::BeautyKind kind, std::int32_t level);
     void SetBeautySmooth(std::int32_t level);
     void SetBeautyWhite(std::int32_t level);
     void SetBeautyEye(std::int32_t level);
@@ -128,9 +132,8 @@ class HomeService {
 
   private:
     void InitIPCMessageClient();
-    // The level is in the registry already.
+    // What changed is in the registry already.
     void StartBeautyReport();
-    void SetBeautyValue(const wchar_t* name, std::int32_t value);
 
     // Constant after construction.
     std::map<std::wstring, std::wstring> btnToFeature_;

@@ -1,6 +1,9 @@
 #include "service/StatusReader.h"
 
+#include <cstddef>
+
 #include "service/BeautyLevels.h"
+#include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
@@ -15,21 +18,17 @@ GlobalUtils::FeatureStatusTuple StatusReader::Read() {
 
     // One variable for all: what is missing keeps the value read before it.
     int value = 0;
-    SettingsStore::Read(SettingNames::kCameraSwitch, value);
-    switches[L"open_camera_btn"] = static_cast<FeatureStatus>(value);
-    SettingsStore::Read(SettingNames::kBeautyPerson, value);
-    switches[L"beauty_person_btn"] = static_cast<FeatureStatus>(value);
-    SettingsStore::Read(SettingNames::kEyeCorrection, value);
-    switches[L"correct_sight_btn"] = static_cast<FeatureStatus>(value);
-    SettingsStore::Read(SettingNames::kPersonTrack, value);
-    switches[L"focus_person_btn"] = static_cast<FeatureStatus>(value);
+    for (const EffectId id : ReadOrder()) {
+        const Effect& effect = EffectOf(id);
+        SettingsStore::Read(effect.value, value);
+        switches[std::wstring(effect.control)] = static_cast<FeatureStatus>(value);
+    }
     SettingsStore::Read(SettingNames::kBackgroundReplacement, value);
 
-    const BeautyLevels beauty = ReadBeautyLevels();
-    levels[L"slider_smooth"] = beauty.smooth;
-    levels[L"slider_white"] = beauty.white;
-    levels[L"slider_eye"] = beauty.eye;
-    levels[L"slider_face"] = beauty.thin;
+    const auto beauty = ReadBeautyLevels();
+    for (std::size_t i = 0; i < beauty.size(); ++i) {
+        levels[std::wstring(kBeautyLevels[i].control)] = beauty[i];
+    }
 
     {
         const std::scoped_lock lock(mutex_);

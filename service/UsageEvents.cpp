@@ -1,7 +1,9 @@
 #include "service/UsageEvents.h"
 
+#include <cstddef>
+
 #include "service/BeautyLevels.h"
-#include "service/SettingNames.h"
+#include "service/EffectTable.h"
 #include "service/SettingsStore.h"
 #include "suite/report/EventDataReport.h"
 #include "suite/report/TallyView.h"
@@ -21,14 +23,13 @@ void Report(const std::string& eventId, const std::string& text) {
 
 void ReportBeauty() {
     int status = 0;
-    SettingsStore::Read(SettingNames::kBeautyPerson, status);
-    const BeautyLevels levels = ReadBeautyLevels();
+    SettingsStore::Read(service::EffectOf(service::EffectId::kBeautyPerson).value, status);
+    const auto levels = service::ReadBeautyLevels();
     TallyEvent event(kBeauty);
     event.PutInt(kBeautyStatus, status);
-    event.PutInt(kBeautySmooth, levels.smooth);
-    event.PutInt(kBeautyWhite, levels.white);
-    event.PutInt(kBeautyEye, levels.eye);
-    event.PutInt(kBeautyThin, levels.thin);
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        event.PutInt(service::kBeautyLevels[i].reportKey, levels[i]);
+    }
     TallyView::Report(event);
 }
 
