@@ -20,7 +20,7 @@ void HostWindow::ShowMessage(GlobalUtils::MessageBoxKind kind) {
 HintWindow* HostWindow::GetHint(Hint hint) {
     if (!hasHints)
         return nullptr;
-    return hint == Hint::Option ? &optionHint : &deleteHint;
+    return hint == Hint::kOption ? &optionHint : &deleteHint;
 }
 
 std::vector<int> HostWindow::Messages() {
