@@ -18,20 +18,24 @@ CrashHandler& CrashHandler::GetInstance() {
 }
 
 CrashHandler::~CrashHandler() {
-    if (library_)
+    if (library_) {
         FreeLibrary(library_);
+    }
     library_ = nullptr;
-    if (spare_)
+    if (spare_) {
         CloseHandle(spare_);
+    }
     spare_ = nullptr;
 }
 
 DWORD CrashHandler::Load() {
-    if (library_)
+    if (library_) {
         return ERROR_SUCCESS;
+    }
     wchar_t folder[MAX_PATH] = {};
-    if (!GetModuleFileNameW(nullptr, folder, MAX_PATH))
+    if (!GetModuleFileNameW(nullptr, folder, MAX_PATH)) {
         return GetLastError();
+    }
     PathRemoveFileSpecW(folder);
     const std::wstring path = std::wstring(folder) + L"\\" + InstallSettings::kCrashLibrary;
     library_ = LoadLibraryW(path.c_str());
@@ -41,14 +45,17 @@ DWORD CrashHandler::Load() {
 std::uint32_t CrashHandler::Register(bool enableFlag, bool secondFlag, const std::wstring& productName,
                                      std::int32_t mode, const std::wstring& appName) {
     const std::wstring reporter = std::wstring(InstallSettings::kInstallFolder) + InstallSettings::kCrashReporter;
-    if (GetFileAttributesW(reporter.c_str()) == INVALID_FILE_ATTRIBUTES)
+    if (GetFileAttributesW(reporter.c_str()) == INVALID_FILE_ATTRIBUTES) {
         return kReporterMissing;
-    if (const DWORD error = Load())
+    }
+    if (const DWORD error = Load()) {
         return error;
+    }
 
     const FARPROC address = GetProcAddress(library_, kExport);
-    if (!address)
+    if (!address) {
         return GetLastError();
+    }
     CrashRegistration record;
     record.enableFlag = enableFlag;
     record.secondFlag = secondFlag;

@@ -10,7 +10,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR cmdLine, int) {
     try {
         StartUp(instance, cmdLine);
     } catch (const std::exception& error) {
-        LogLine(4, L"wWinMain", L"unexpected exception: ", error.what());
+        LogLine(LogLevel::kError, L"wWinMain", L"unexpected exception: ", error.what());
     }
     return 0;
 }

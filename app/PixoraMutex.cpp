@@ -23,22 +23,25 @@ PixoraMutex::~PixoraMutex() {
 
 bool PixoraMutex::IsAlreadyRunning() {
     if (HANDLE other = OpenMutexW(MUTEX_ALL_ACCESS, FALSE, kMutexName)) {
-        if (!CloseHandle(other))
-            LogLine(3, kFunction, L"CloseHandle exist error: ", GetLastError());
+        if (!CloseHandle(other)) {
+            LogLine(LogLevel::kInfo, kFunction, L"CloseHandle exist error: ", GetLastError());
+        }
         return true;
     }
 
     SetLastError(ERROR_SUCCESS);
     mutex_ = CreateMutexW(nullptr, TRUE, kMutexName);
     const DWORD error = GetLastError();
-    if (error == ERROR_SUCCESS)
+    if (error == ERROR_SUCCESS) {
         return false;
+    }
 
     // Kept: the handle is forgotten before it is closed, so the name that a concurrent start made stays taken for as
     // long as this process lives.
-    LogLine(3, kFunction, L"Create PixoraUIMutex error: ", error);
+    LogLine(LogLevel::kInfo, kFunction, L"Create PixoraUIMutex error: ", error);
     mutex_ = nullptr;
-    if (!CloseHandle(mutex_))
-        LogLine(3, kFunction, L"CloseHandle error: ", GetLastError());
+    if (!CloseHandle(mutex_)) {
+        LogLine(LogLevel::kInfo, kFunction, L"CloseHandle error: ", GetLastError());
+    }
     return true;
 }

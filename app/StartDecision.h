@@ -9,7 +9,7 @@ struct StartSettings {
     int initAlgorithm = 1;
 };
 
-enum class StartWindow { Settings, DriverBrokenMessage, FunctionUnavailableMessage };
+enum class StartWindow { kSettings, kDriverBrokenMessage, kFunctionUnavailableMessage };
 
 StartWindow ChooseStartWindow(const StartSettings& settings);
 

@@ -32,7 +32,7 @@ void RunSettingsWindow(HINSTANCE instance) {
     // Made before the single-instance test: its window class is what the other instance is found by.
     const std::unique_ptr<PxMainWnd> window(new (std::nothrow) PxMainWnd);
     if (!window) {
-        LogLine(3, kEntry, L"creat PxMainWnd is wrong");
+        LogLine(LogLevel::kInfo, kEntry, L"creat PxMainWnd is wrong");
         return;
     }
     if (PixoraMutex::GetInstance().IsAlreadyRunning()) {
@@ -52,7 +52,7 @@ struct DialogDeleter {
 void RunMessageWindow(HINSTANCE instance, StartWindow kind) {
     void* memory = ::operator new(sizeof(PxDialogWnd), std::nothrow);
     if (!memory) {
-        LogLine(3, kEntry, L"creat PxDialog is wrong");
+        LogLine(LogLevel::kInfo, kEntry, L"creat PxDialog is wrong");
         return;
     }
     std::memset(memory, 0, sizeof(PxDialogWnd));
@@ -63,7 +63,7 @@ void RunMessageWindow(HINSTANCE instance, StartWindow kind) {
     }
     window->Run(instance);
     const DuiLib::UICulture& culture = *DuiLib::UICulture::GetInstance();
-    if (kind == StartWindow::DriverBrokenMessage) {
+    if (kind == StartWindow::kDriverBrokenMessage) {
         window->SetMessageText(culture.GetString(L"IDS_LUMI_DRIVER_BROKEN"));
     } else {
         window->UseHtmlMessage();
@@ -75,10 +75,11 @@ void RunMessageWindow(HINSTANCE instance, StartWindow kind) {
 
 bool IsCmdLineEnable(const wchar_t* cmdLine) {
     std::wstring command = cmdLine;
-    if (command.empty())
-        command = GetCommandLineW();
     if (command.empty()) {
-        LogLine(3, L"IsCmdLineEnable", L"enter cmdLine is empty");
+        command = GetCommandLineW();
+    }
+    if (command.empty()) {
+        LogLine(LogLevel::kInfo, L"IsCmdLineEnable", L"enter cmdLine is empty");
         return false;
     }
     return IsRunCommand(command);
@@ -91,12 +92,12 @@ void StartUp(HINSTANCE instance, const wchar_t* cmdLine) {
     QxLogger::GetInstance()->InitProcessLogger();
 
     if (!cmdLine || !IsCmdLineEnable(cmdLine)) {
-        LogLine(3, kEntry, L"enter cmdLine is wrong");
+        LogLine(LogLevel::kInfo, kEntry, L"enter cmdLine is wrong");
         return;
     }
     PixoraMutex::GetInstance();
     const StartWindow kind = ChooseStartWindow(ReadStartSettings());
-    if (kind == StartWindow::Settings) {
+    if (kind == StartWindow::kSettings) {
         RunSettingsWindow(instance);
     } else {
         RunMessageWindow(instance, kind);

@@ -5,6 +5,7 @@
 
 #include "diagnostics/Sections.h"
 #include "service/CustomImageGroup.h"
+#include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
@@ -15,15 +16,6 @@ namespace diagnostics {
 
 namespace {
 
-constexpr wchar_t kDriverInstalled[] = L"filter_driver_install";
-constexpr const wchar_t* kNumbers[] = {
-    SettingNames::kCameraSwitch,  SettingNames::kBackgroundReplacement,
-    SettingNames::kEyeCorrection, SettingNames::kPersonTrack,
-    SettingNames::kBeautyPerson,  SettingNames::kBeautySmooth,
-    SettingNames::kBeautyWhite,   SettingNames::kBeautyEye,
-    SettingNames::kBeautyThin,    SettingNames::kSupportHardSwitch,
-};
-
 std::optional<int> Number(const wchar_t* name) {
     int value = 0;
     return SettingsStore::Read(name, value) ? std::optional(value) : std::nullopt;
@@ -31,6 +23,10 @@ std::optional<int> Number(const wchar_t* name) {
 
 std::string Shown(const std::optional<int>& value) {
     return value ? std::to_string(*value) : "not there";
+}
+
+void AddNumber(Report& report, const wchar_t* name) {
+    report.Note(suite::ToUtf8(name) + " " + Shown(Number(name)));
 }
 
 bool IsThere(const std::wstring& path) {
@@ -50,7 +46,7 @@ std::string Described(const std::wstring& path) {
 
 void AddDriver(Report& report) {
     report.Section("Driver and algorithm");
-    const std::optional<int> driver = Number(kDriverInstalled);
+    const std::optional<int> driver = Number(SettingNames::kFilterDriverInstall);
     const std::string shown = "filter_driver_install is " + Shown(driver);
     if (driver == 1) {
         report.Fine(shown + ": the driver of the camera effects is installed");
@@ -94,9 +90,16 @@ void AddSettings(Report& report) {
         report.Note("there are none yet; the first start of Pixora writes them");
         return;
     }
-    for (const wchar_t* name : kNumbers) {
-        report.Note(suite::ToUtf8(name) + " " + Shown(Number(name)));
+    for (const service::Effect& effect : service::kEffects) {
+        AddNumber(report, effect.value);
+        if (effect.id == service::EffectId::kCamera) {
+            AddNumber(report, SettingNames::kBackgroundReplacement);
+        }
     }
+    for (const service::BeautyLevel& level : service::kBeautyLevels) {
+        AddNumber(report, level.value);
+    }
+    AddNumber(report, SettingNames::kSupportHardSwitch);
     AddOwnBackgrounds(report);
 }
 

@@ -3,8 +3,9 @@
 #include "DuiLib/Notify.h"
 
 void CContainerUIEx::DoEvent(const DuiLib::TEventUI& event) {
-    if (event.type == DuiLib::EventType::MouseEnter)
+    if (event.type == DuiLib::EventType::MouseEnter) {
         SendNotify(DuiLib::NotifyType::kMouseEnter);
+    }
     if (event.type == DuiLib::EventType::MouseLeave) {
         SendNotify(DuiLib::NotifyType::kMouseLeave);
         return;

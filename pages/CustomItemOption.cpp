@@ -2,12 +2,14 @@
 
 #include "DuiLib/Notify.h"
 #include "DuiLib/PaintManagerUI.h"
+#include "service/pictures/CustomItemNames.h"
 
 void CCustomItemOption::DoEvent(const DuiLib::TEventUI& event) {
     DuiLib::CPaintManagerUI* const manager = GetManager();
     if (event.type == DuiLib::EventType::KeyDown && event.key == VK_DELETE && manager) {
-        if (DuiLib::CControlUI* button = manager->FindControl(GetName() + L"_del"))
+        if (DuiLib::CControlUI* button = manager->FindControl(GetName() + CustomItemNames::kDeleteSuffix)) {
             manager->SendNotify(button, DuiLib::NotifyType::kClick);
+        }
         return;
     }
     COptionUI::DoEvent(event);

@@ -11,8 +11,9 @@ constexpr int kTitleHeight = 60;
 
 std::optional<GalleryHeight> GalleryHeightFor(int entryCount) {
     const int inLastRow = entryCount % kEntriesPerRow;
-    if (inLastRow > 1)
+    if (inLastRow > 1) {
         return std::nullopt;
+    }
     const int rows = entryCount / kEntriesPerRow + (inLastRow == 1 ? 1 : 0);
     const int group = rows * kRowHeight + kMargin;
     return GalleryHeight{group, group + kTitleHeight};

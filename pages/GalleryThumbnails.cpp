@@ -36,8 +36,9 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
 
     // The bitmap stays the caller's.
     void Register(const std::wstring& path, HBITMAP bitmap) const {
-        if (bitmap)
+        if (bitmap) {
             manager->AddImage(path, bitmap, kWidthDip, kHeightDip, false, true);
+        }
     }
 
     // UI thread. A picture that came too late, for a cell that shows another by now, is dropped.
@@ -45,11 +46,13 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
         const auto shown = latest.find(job.control);
         if (alive && shown != latest.end() && shown->second.number == job.number && bitmap) {
             Register(job.path, bitmap);
-            if (DuiLib::CControlUI* control = manager->FindControl(job.control))
+            if (DuiLib::CControlUI* control = manager->FindControl(job.control)) {
                 control->Invalidate();
+            }
         }
-        if (bitmap)
+        if (bitmap) {
             DeleteObject(bitmap);
+        }
     }
 
     // The reading thread.
@@ -72,64 +75,46 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
                 DuiLib::UIMainQueue::getInstance()->dispatch(
                     [state = shared_from_this(), job, bitmap] { state->Take(job, bitmap); });
             } catch (const std::exception& error) {
-                LogLine(4, kFunction, L"No thumbnail: ", error.what());
+                LogLine(LogLevel::kError, kFunction, L"No thumbnail: ", error.what());
             }
         }
-        if (SUCCEEDED(com))
+        if (SUCCEEDED(com)) {
             CoUninitialize();
+        }
     }
 
     // UI thread. Begins once the window has nothing else to do, its first picture above all: timers come last.
     void StartSoon() {
-        if (timer == 0)
-            timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, OnTimer);
-        if (timer != 0) {
-            Waiting()[timer] = weak_from_this();
-        } else {
-            Start();
-        }
-    }
-
-    // UI thread.
-    void StopTimer() {
-        if (timer == 0)
+        if (std::exchange(starting, true)) {
             return;
-        KillTimer(nullptr, timer);
-        Waiting().erase(timer);
-        timer = 0;
+        }
+        DuiLib::UIMainQueue::getInstance()->dispatchAfter(USER_TIMER_MINIMUM, [weak = weak_from_this()] {
+            const auto state = weak.lock();
+            if (state && state->alive) {
+                state->starting = false;
+                state->Start();
+            }
+        });
     }
 
     // UI thread.
     void Start() {
         {
             const std::scoped_lock lock(mutex);
-            if (jobs.empty() || std::exchange(running, true))
+            if (jobs.empty() || std::exchange(running, true)) {
                 return;
+            }
         }
         // One that has run out of jobs is about to end.
-        if (reader.joinable())
+        if (reader.joinable()) {
             reader.join();
+        }
         try {
             reader = std::thread([this] { Run(); });
         } catch (const std::exception& error) {
-            LogLine(4, kFunction, L"No thread: ", error.what());
+            LogLine(LogLevel::kError, kFunction, L"No thread: ", error.what());
             const std::scoped_lock lock(mutex);
             running = false;
-        }
-    }
-
-    static std::map<UINT_PTR, std::weak_ptr<State>>& Waiting() {
-        static std::map<UINT_PTR, std::weak_ptr<State>> waiting;
-        return waiting;
-    }
-
-    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
-        const auto found = Waiting().find(id);
-        if (found == Waiting().end())
-            return;
-        if (const auto state = found->second.lock()) {
-            state->StopTimer();
-            state->Start();
         }
     }
 
@@ -138,7 +123,7 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
     bool alive = true;
     unsigned lastNumber = 0;
     std::map<std::wstring, Job> latest;  // by control
-    UINT_PTR timer = 0;                  // while the reading thread is about to be started
+    bool starting = false;               // the reading thread is about to be started
     std::thread reader;
 
     std::mutex mutex;
@@ -152,13 +137,13 @@ GalleryThumbnails::GalleryThumbnails(DuiLib::CPaintManagerUI* manager) : state_(
 
 GalleryThumbnails::~GalleryThumbnails() {
     state_->alive = false;
-    state_->StopTimer();
     {
         const std::scoped_lock lock(state_->mutex);
         state_->stopping = true;
     }
-    if (state_->reader.joinable())
+    if (state_->reader.joinable()) {
         state_->reader.join();
+    }
 }
 
 void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& control) {
@@ -176,8 +161,9 @@ void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& contr
 
 void GalleryThumbnails::Forget(const std::wstring& control) {
     const auto shown = state_->latest.find(control);
-    if (shown == state_->latest.end())
+    if (shown == state_->latest.end()) {
         return;
+    }
     state_->manager->RemoveImage(shown->second.path);
     state_->latest.erase(shown);
 }

@@ -6,14 +6,13 @@
 #include <fstream>
 
 #include "DuiLib/OptionUI.h"
-#include "DuiLib/SliderUI.h"
 #include "DuiLib/UIMainQueue.h"
 #include "pages/PageNames.h"
+#include "pages/SwitchImages.h"
 #include "preview/MediaFoundation.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
 #include "service/pictures/CustomItemNames.h"
-#include "suite/logger/QxLogger.h"
 #include "suite/url/UrlsManager.h"
 
 namespace {
@@ -34,25 +33,15 @@ constexpr int kTextFont = 13;
 HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
     : PageBase(L"layout\\PixoraHomePage.xml", PageNames::kHome, paintManager),
       uiThread_(GetCurrentThreadId()),
-      switchImages_{{0, L"file='drawable/LumiCamera/Switch_Selected_Enabled@2x.png' reverse='true'"},
-                    {1, L"file='drawable/LumiCamera/Switch_Selected_Hover@2x.png' reverse='true'"},
-                    {2, L""},  // kept for compatibility, like 5: never applied
-                    {3, L"file='drawable/LumiCamera/Switch_Unselected_Enabled@2x.png' reverse='true'"},
-                    {4, L"file='drawable/LumiCamera/Switch_Unselected_Hover@2x.png' reverse='true'"},
-                    {5, L""},
-                    {7, L"file='drawable/LumiCamera/checked.png' reverse='true'"},
-                    {6, L"file='drawable/LumiCamera/unchecked.png' reverse='true'"}},
-      backgroundButtons_{L"custom_background_btn",     L"none_background_btn",          L"img_one_background_btn",
-                         L"img_two_background_btn",    L"img_three_background_btn",     L"img_four_background_btn",
-                         L"img_five_background_btn",   L"img_six_background_btn",       L"img_seven_background_btn",
-                         L"img_eight_background_btn",  L"img_nine_background_btn",      L"img_ten_background_btn",
-                         L"img_eleven_background_btn", L"img_animation_background_btn", L"virtual_background_btn"},
+      model_(HomeService::GetInstance()),
+      switches_(*this, model_),
+      gallery_(*this, model_),
       livePreview_(Owner(), paintManager, [this](const wchar_t* name) { return Find(name); },
-                   {switchImages_[7], switchImages_[6]}),
+                   {SwitchImageOf(SwitchImage::kChecked), SwitchImageOf(SwitchImage::kUnchecked)}),
       self_(std::make_shared<HomePage*>(this)) {
-    model_ = HomeService::GetInstance();
-    if (!model_)
+    if (!model_) {
         return;
+    }
     WireModel();
     configLoaded_ = true;
     watcher_ = std::make_unique<SettingsWatcher>(*model_);
@@ -61,8 +50,9 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
 
 HomePage::~HomePage() {
     watcher_.reset();
-    for (const auto& unsubscribe : unsubscribe_)
+    for (const auto& unsubscribe : unsubscribe_) {
         unsubscribe();
+    }
     if (model_) {
         model_->SetStatusObserver({});
         model_->SetServiceResetObserver({});
@@ -75,12 +65,14 @@ HomePage::~HomePage() {
 void HomePage::WireModel() {
     model_->SetStatusObserver([this](const FeatureStatusTuple& snapshot) { Refresh(snapshot); });
     model_->SetServiceResetObserver([this] {
-        if (Owner())
+        if (Owner()) {
             Owner()->CloseWindow();
+        }
     });
     model_->SetMessageCallback([this](MessageBoxKind kind) {
-        if (Owner())
+        if (Owner()) {
             Owner()->ShowMessage(kind);
+        }
     });
     model_->SetAddCustomItem([this](const std::wstring& name, const wchar_t* path, bool isVideo) {
         return AddCustomItem(name, path, isVideo);
@@ -96,11 +88,12 @@ void HomePage::SubscribeHub() {
         unsubscribe_.push_back([&hub, channel, id] { hub.Unsubscribe(channel, id); });
     };
     subscribe(GlobalUtils::kMessageBoxChannel, std::function<void(MessageBoxKind&)>([this](MessageBoxKind& kind) {
-                  if (Owner())
+                  if (Owner()) {
                       Owner()->ShowMessage(kind);
+                  }
               }));
     subscribe(GlobalUtils::kBeautyChannel,
-              std::function<void(BeautyKind&)>([this](BeautyKind& kind) { OnBeautyKind(kind); }));
+              std::function<void(BeautyKind&)>([this](BeautyKind& kind) { switches_.OnBeautyKind(kind); }));
     subscribe(GlobalUtils::kPreviewPlaceChannel,
               std::function<void(PreviewPlaceKind&)>([this](PreviewPlaceKind&) { livePreview_.Place(); }));
     subscribe(GlobalUtils::kScreenLockChannel,
@@ -112,8 +105,9 @@ void HomePage::SubscribeHub() {
 
 void HomePage::Initialize() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-    if (HasMediaFoundation())
+    if (HasMediaFoundation()) {
         MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
+    }
     livePreview_.Initialize();
     if (model_) {
         model_->InitCustomImage();
@@ -127,8 +121,9 @@ void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
         return;
     }
     DuiLib::UIMainQueue::getInstance()->dispatch([page = std::weak_ptr<HomePage*>(self_), snapshot] {
-        if (const auto alive = page.lock())
+        if (const auto alive = page.lock()) {
             (*alive)->ShowSnapshot(snapshot);
+        }
     });
 }
 
@@ -137,24 +132,15 @@ void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
     FitPreviewText();
     ShowCameraIllustration();
 
-    switchStates_.clear();
-    for (const auto& [name, status] : switches)
-        switchStates_[name] = static_cast<std::int32_t>(status);
-    if (switchStates_.empty())
+    if (!switches_.ShowStates(switches)) {
         return;
-    for (const auto& [name, state] : switchStates_)
-        RedrawSwitch(Find(name), state);
-
-    sliderValues_.clear();
-    sliderValues_.insert(sliders.begin(), sliders.end());
-    for (const auto& [name, level] : sliderValues_) {
-        if (auto* slider = FindAs<DuiLib::CSliderUI>(name))
-            slider->SetValue(level);
     }
+    switches_.ShowLevels(sliders);
 
     if (model_ && model_->IsSupportHardSwitch() == 1) {
-        if (DuiLib::CControlUI* row = Find(L"camera_swith_layout"))
+        if (DuiLib::CControlUI* row = Find(L"camera_swith_layout")) {
             row->SetMaxHeight(0);
+        }
     }
     SelectBackgroundOption(background);
 }
@@ -165,15 +151,17 @@ void HomePage::OnScaleChanged() {
 
 void HomePage::FitPreviewText() {
     if (DuiLib::CControlUI* text = Find(L"preview_text")) {
-        if (const int width = TextWidth(text->GetText(), kTextFont))
+        if (const int width = TextWidth(text->GetText(), kTextFont)) {
             text->SetFixedWidth(width);
+        }
     }
 }
 
 void HomePage::ShowCameraIllustration() {
     DuiLib::CControlUI* area = Find(L"preview_wnd");
-    if (!area)
+    if (!area) {
         return;
+    }
     if (GetCameraXmlConfig("BackgroudImage") == 0) {
         area->SetBkImage(L"file='drawable/LumiCamera/img_notora_camera.png' reverse='true'");
     } else if (GetCameraXmlConfig("BackgroudImage") == 1) {
@@ -185,20 +173,23 @@ void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& backgrou
     std::wstring name = background.btnName;
     const bool fileOpens = !background.path.empty() && std::ifstream(background.path.c_str()).good();
     // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's.
-    if (!fileOpens && name == L"custom_background_option")
+    if (!fileOpens && name == L"custom_background_option") {
         name = L"none_background_btn";
-    if (auto* option = FindAs<DuiLib::COptionUI>(name))
+    }
+    if (auto* option = FindAs<DuiLib::COptionUI>(name)) {
         option->SetSelected(true);
+    }
 }
 
 void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
-    if (!model_ || !msg.sender)
+    if (!model_ || !msg.sender) {
         return;
+    }
     const std::wstring name = msg.sender->GetName();
-    if (const auto state = switchStates_.find(name); state != switchStates_.end()) {
-        ClickSwitch(msg.sender, state->second);
-    } else if (backgroundButtons_.contains(name)) {
-        ClickChangeBackground(name);
+    if (switches_.IsSwitch(name)) {
+        switches_.Click(*msg.sender);
+    } else if (gallery_.IsBackground(name)) {
+        gallery_.ClickChangeBackground(name);
     } else if (name == L"show_detail_btn") {
         ShowPage(PageNames::kIntroduction, 0);
         livePreview_.Place();  // it would stand over the other page
@@ -206,15 +197,17 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
         ClickPreview(msg.sender);
     } else if (name == L"show_introduction_btn") {
         OpenIntroduction(name);
-    } else if (name.find(L"custom_background_btn_") != std::wstring::npos && name.find(L"_del") != std::wstring::npos) {
-        if (Owner())
+    } else if (CustomItemNames::IsDeleteButton(name)) {
+        if (Owner()) {
             Owner()->AskForDeletion(CustomItemName(name));
+        }
     }
 }
 
 void HomePage::OpenIntroduction(const std::wstring& name) {
     const DuiLib::CControlUI* label = Find(L"Pixora_Introduce_Url");
     const std::wstring url = label ? label->GetText() : std::wstring();
-    if (name == L"show_introduction_btn" && !url.empty())
+    if (name == L"show_introduction_btn" && !url.empty()) {
         ntx::util::UrlsManager::OpenUrl(url);
+    }
 }

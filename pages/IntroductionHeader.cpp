@@ -23,12 +23,14 @@ IntroductionHeaderLayout LayOutIntroductionHeader(const IntroductionHeaderText& 
     IntroductionHeaderLayout layout;
     layout.titleWidth = text.titleWidth;
     layout.groupLeftPadding = (kPageWidth - total) / 2 - (text.titleWidth + kTitleMargin);
-    if (layout.groupLeftPadding < kLeastLeft)
+    if (layout.groupLeftPadding < kLeastLeft) {
         layout.groupLeftPadding = kNarrowLeft;
+    }
 
     int widest = std::max({first, second, third});
-    if (total > kTabsLimit)
+    if (total > kTabsLimit) {
         widest -= total - kTabsLimit;
+    }
     layout.firstWidth = std::min(widest, first);
     layout.secondWidth = std::min(widest, second);
     layout.thirdWidth = std::min(widest, third);

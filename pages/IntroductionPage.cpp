@@ -23,8 +23,9 @@ IntroductionPage::IntroductionPage(DuiLib::CPaintManagerUI* paintManager)
                          {kFocusOption, L"focus_person_underline"}} {}
 
 void IntroductionPage::OnActivate() {
-    if (initialised_)
+    if (initialised_) {
         return;
+    }
     tabs_ = FindAs<DuiLib::CTabLayoutUI>(L"introduction_page_tab");
     LayOutHeader();
     SelectFirstTab();
@@ -32,8 +33,9 @@ void IntroductionPage::OnActivate() {
 }
 
 void IntroductionPage::OnScaleChanged() {
-    if (initialised_)
+    if (initialised_) {
         LayOutHeader();
+    }
 }
 
 void IntroductionPage::LayOutHeader() {
@@ -44,54 +46,65 @@ void IntroductionPage::LayOutHeader() {
     const IntroductionHeaderLayout layout = LayOutIntroductionHeader(
         {widthOf(L"introduction_title_txt"), widthOf(kBackgroundOption), widthOf(kSightOption), widthOf(kFocusOption)});
     const auto setWidth = [this](const wchar_t* name, int widthDip) {
-        if (DuiLib::CControlUI* control = Find(name))
+        if (DuiLib::CControlUI* control = Find(name)) {
             control->SetFixedWidth(widthDip);
+        }
     };
     setWidth(L"introduction_title_txt", layout.titleWidth);
     setWidth(L"custom_background_layout", layout.firstWidth);
     setWidth(L"correct_sight_layout", layout.secondWidth);
     setWidth(L"focus_person_layout", layout.thirdWidth);
-    if (DuiLib::CControlUI* group = Find(L"option_group_layout"))
+    if (DuiLib::CControlUI* group = Find(L"option_group_layout")) {
         group->SetPadding({layout.groupLeftPadding, 0, 0, 0});
+    }
 }
 
 void IntroductionPage::SelectFirstTab() {
     auto* option = FindAs<DuiLib::COptionUI>(kBackgroundOption);
-    if (!option)
+    if (!option) {
         return;
+    }
     option->SetSelected(true);
-    if (tabs_)
+    if (tabs_) {
         tabs_->SelectItemByName(optionToContainer_[kBackgroundOption]);
+    }
     SelectOption(option);
 }
 
 void IntroductionPage::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
     if (name == L"back_btn") {
-        if (Owner())
+        if (Owner()) {
             Owner()->ShowFirstPage();
+        }
         return;
     }
     const auto container = optionToContainer_.find(name);
-    if (container == optionToContainer_.end())
+    if (container == optionToContainer_.end()) {
         return;
-    if (tabs_)
+    }
+    if (tabs_) {
         tabs_->SelectItemByName(container->second);
+    }
     SelectOption(msg.sender);
 }
 
 void IntroductionPage::SelectOption(DuiLib::CControlUI* option) {
     for (const auto& [name, container] : optionToContainer_) {
         auto* other = FindAs<DuiLib::COptionUI>(name);
-        if (other && other != option && other->GetFont() != kRestFont)
+        if (other && other != option && other->GetFont() != kRestFont) {
             other->SetFont(kRestFont);
+        }
     }
-    if (auto* label = dynamic_cast<DuiLib::CLabelUI*>(option))
+    if (auto* label = dynamic_cast<DuiLib::CLabelUI*>(option)) {
         label->SetFont(kSelectedFont);
+    }
 
-    if (DuiLib::CControlUI* previous = Find(currentUnderline_))
+    if (DuiLib::CControlUI* previous = Find(currentUnderline_)) {
         previous->SetVisible(false);
+    }
     currentUnderline_ = optionToUnderline_[option->GetName()];
-    if (DuiLib::CControlUI* underline = Find(currentUnderline_))
+    if (DuiLib::CControlUI* underline = Find(currentUnderline_)) {
         underline->SetVisible(true);
+    }
 }

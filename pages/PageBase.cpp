@@ -31,7 +31,7 @@ const DuiLib::CNotifyPump::NotifyMap& PageBase::GetMessageMap() const {
 
 void PageBase::SelectTab(DuiLib::CTabLayoutUI* tabs, DuiLib::CNotifyPump* pump) {
     if (!root_ || !tabs || !pump) {
-        LogLine(4, L"PageBase::SelectTab", L"exist control nullptr");
+        LogLine(LogLevel::kError, L"PageBase::SelectTab", L"exist control nullptr");
         return;
     }
     if (!root_->GetParent()) {
@@ -44,8 +44,9 @@ void PageBase::SelectTab(DuiLib::CTabLayoutUI* tabs, DuiLib::CNotifyPump* pump) 
 }
 
 void PageBase::ShowPage(const std::wstring& name, int flag) {
-    if (owner_)
+    if (owner_) {
         owner_->ShowPage(name, flag);
+    }
 }
 
 DuiLib::CControlUI* PageBase::Find(const std::wstring& name) const {

@@ -29,6 +29,18 @@ class PageBase : public DuiLib::CNotifyPump {
     // Asks the owner to switch to the page of that name.
     void ShowPage(const std::wstring& name, int flag);
 
+    // --- what the parts of a page work with
+    // A control of this page, also before the page is in the window's tree; null when the layout lacks it.
+    DuiLib::CControlUI* Find(const std::wstring& name) const;
+    template <typename Class>
+    Class* FindAs(const std::wstring& name) const {
+        return dynamic_cast<Class*>(Find(name));
+    }
+    // Width of a text on one line in 96-DPI units.
+    int TextWidth(const std::wstring& text, int font) const;
+    PageHost* Owner() const { return owner_; }
+    DuiLib::CPaintManagerUI* Manager() const { return paintManager_; }
+
   protected:
     // `paintManager` is borrowed; it is the main window's, which outlives its pages. Builds the tree at once.
     PageBase(const std::wstring& layoutFile, const std::wstring& pageName, DuiLib::CPaintManagerUI* paintManager);
@@ -42,17 +54,6 @@ class PageBase : public DuiLib::CNotifyPump {
     virtual void OnMouseLeave(DuiLib::TNotifyUI&) {}
     // What is under the pointer moves away: hints go.
     virtual void OnScroll(DuiLib::TNotifyUI&) {}
-
-    // A control of this page, also before the page is in the window's tree; null when the layout lacks it.
-    DuiLib::CControlUI* Find(const std::wstring& name) const;
-    template <typename Class>
-    Class* FindAs(const std::wstring& name) const {
-        return dynamic_cast<Class*>(Find(name));
-    }
-    // Width of a text on one line in 96-DPI units.
-    int TextWidth(const std::wstring& text, int font) const;
-    PageHost* Owner() const { return owner_; }
-    DuiLib::CPaintManagerUI* Manager() const { return paintManager_; }
 
   private:
     PageHost* const owner_;                        // borrowed; may be null

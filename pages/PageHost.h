@@ -28,7 +28,7 @@ class HintWindow {
 
 class PageHost {
   public:
-    enum class Hint { Option, DeleteButton };
+    enum class Hint { kOption, kDeleteButton };
 
     // The window that pages are being made for; null when there is none.
     static PageHost* Current();

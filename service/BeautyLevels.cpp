@@ -1,18 +1,19 @@
 #include "service/BeautyLevels.h"
 
-#include "service/SettingNames.h"
+#include <cstddef>
+
 #include "service/SettingsStore.h"
 
-BeautyLevels ReadBeautyLevels() {
-    BeautyLevels levels;
-    int level = SettingNames::kDefaultBeautyLevel;
-    SettingsStore::Read(SettingNames::kBeautySmooth, level);
-    levels.smooth = level;
-    SettingsStore::Read(SettingNames::kBeautyWhite, level);
-    levels.white = level;
-    SettingsStore::Read(SettingNames::kBeautyEye, level);
-    levels.eye = level;
-    SettingsStore::Read(SettingNames::kBeautyThin, level);
-    levels.thin = level;
+namespace service {
+
+std::array<std::int32_t, kBeautyLevels.size()> ReadBeautyLevels() {
+    std::array<std::int32_t, kBeautyLevels.size()> levels{};
+    int level = kDefaultBeautyLevel;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        SettingsStore::Read(kBeautyLevels[i].value, level);
+        levels[i] = level;
+    }
     return levels;
 }
+
+}  // namespace service

@@ -1,10 +1,15 @@
 #include "service/FeatureTables.h"
 
+#include "service/EffectTable.h"
+
 namespace FeatureTables {
 
 NameMap ControlToFeature() {
     NameMap map;
-    for (const ControlFeature& row : kControlFeatures) {
+    for (const service::Effect& row : service::kEffects) {
+        map.emplace(row.control, row.feature);
+    }
+    for (const Background& row : kBackgrounds) {
         map.emplace(row.control, row.feature);
     }
     return map;

@@ -46,12 +46,21 @@ bool FileUtil::FileExists(const std::wstring& path) const {
 
 bool FileUtil::CreateResDirectory(const std::wstring& path) const {
     if (PathIsDirectoryW(path.c_str())) {
-        LogLine(3, L"FileUtil::CreateResDirectory", L"Now Directory is Exist");
+        LogLine(LogLevel::kInfo, L"FileUtil::CreateResDirectory", L"Now Directory is Exist");
         return true;
     }
     const DWORD error = CreateEverybodysFolder(path);
     if (error != ERROR_SUCCESS) {
-        LogLine(3, L"FileUtil::CreateResDirectory", L"Now Directory create Failed", error);
+        LogLine(LogLevel::kInfo, L"FileUtil::CreateResDirectory", L"Now Directory create Failed", error);
+        return false;
+    }
+    return true;
+}
+
+bool FileUtil::CopyFileToDest(const std::wstring& source, const std::wstring& destination) const {
+    if (!CopyFileW(source.c_str(), destination.c_str(), FALSE)) {
+        const DWORD error = GetLastError();
+        LogLine(LogLevel::kError, L"HomeService::CopyFileToDest", L"Copy File To Resource Fail,ErrorCode:", error);
         return false;
     }
     return true;

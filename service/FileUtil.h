@@ -17,6 +17,8 @@ class FileUtil {
     // other users' sessions work in there too. True when the folder is there afterwards; one that was there before
     // keeps its access list. The parent must exist.
     bool CreateResDirectory(const std::wstring& path) const;
+    // Over an older file. False when that fails, which is logged in the name of HomeService.
+    bool CopyFileToDest(const std::wstring& source, const std::wstring& destination) const;
 
     FileUtil(const FileUtil&) = delete;
     FileUtil& operator=(const FileUtil&) = delete;

@@ -4,26 +4,24 @@
 //
 // Why: pages touch neither the registry, nor the pipe, nor the folder of the user's own backgrounds. The model keeps no
 // copy of a setting; every snapshot is read anew, because camera service and other programs write the same values.
-// Threads: operations on the UI thread, where nothing else is said. Messages of the camera service arrive on the pipe
-// client's thread and call the status and reset observers there, so a page hands itself over to the UI thread. One
-// settings file each for a topic: HomeServiceStatus.cpp, ...Switches, ...Background, ...Custom, ...CustomAdd,
-// ...CustomStart, ...Link, ...Report, ...Watch. Failures are logged; nothing throws but for want of memory.
+// The operations are handed on: own backgrounds to OwnBackgrounds, the choice of a file to CustomFileChoice, messages
+// to ServiceLink, snapshots to StatusReader. Threads: operations on the UI thread, where nothing else is said. Messages
+// of the camera service arrive on the pipe client's thread and call the status and reset observers there, so a page
+// hands itself over to the UI thread. Failures are logged; nothing throws but for want of memory.
 #include <windows.h>
 
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
-#include <mutex>
 #include <string>
-#include <vector>
 
 #include "service/CallbackSlot.h"
-#include "service/CustomImageRecord.h"
-#include "service/DataMessageSender.h"
+#include "service/EffectTable.h"
 #include "service/GlobalUtils.h"
+#include "service/OwnBackgrounds.h"
 #include "service/ReportWorkers.h"
-#include "suite/ipc/IPCMessageClient.h"
+#include "service/ServiceLink.h"
+#include "service/StatusReader.h"
 
 class HomeService {
   public:
@@ -38,8 +36,14 @@ class HomeService {
     // Index, item name; whether the gallery removed it.
     using RemoveCustomItemCallback = std::function<bool(std::int32_t, const std::wstring&)>;
 
-    // Created on the first call, on any thread; destroyed when the process ends.
+    // The process's own. Created on the first call, on any thread; destroyed when the process ends.
     static HomeService* GetInstance();
+
+    // Pages and windows use the process's own; others are for tests.
+    HomeService();
+    ~HomeService() = default;
+    HomeService(const HomeService&) = delete;
+    HomeService& operator=(const HomeService&) = delete;
 
     // Each replaces the callback before it, which does not run on another thread any more when the setter returns; an
     // empty one takes it away. REQUIRES: a callback never waits for the UI thread.
@@ -60,12 +64,15 @@ class HomeService {
     // 1 when the device has a camera switch of its own. Any thread.
     std::int32_t IsSupportHardSwitch() const;
 
-    // Every setter writes the registry, then reports, then tells the camera service. Anything but 1 counts as off.
+    // Every setter writes the registry, then reports, then tells the camera service, as the effect's row of EffectTable
+    // has it. Anything but 1 counts as off.
+    void SetEffect(service::EffectId effect, std::int32_t on);
     void SetCameraSwitch(std::int32_t on);
     void SetCorrectSight(std::int32_t on);
     void SetFocusPerson(std::int32_t on);
     // Beauty is not told: the camera service finds it in the registry.
     void SetBeautyPerson(std::int32_t on);
+    void SetBeautyLevel(GlobalUtils::BeautyKind kind, std::int32_t level);
     void SetBeautySmooth(std::int32_t level);
     void SetBeautyWhite(std::int32_t level);
     void SetBeautyEye(std::int32_t level);
@@ -119,29 +126,14 @@ class HomeService {
     // SettingsWatcher makes a sound loop of it.
     static bool WatchSettingsOnce(const std::function<void()>& callback);
 
-    HomeService(const HomeService&) = delete;
-    HomeService& operator=(const HomeService&) = delete;
+    // The parts behind the operations.
+    service::OwnBackgrounds& Backgrounds() { return ownBackgrounds_; }
+    const service::StatusReader& Status() const { return statusReader_; }
 
   private:
-    // Tests make instances of their own and fill in custom items.
-    friend struct HomeServiceTestAccess;
-
-    HomeService();
-    ~HomeService();
-
     void InitIPCMessageClient();
-    // The level is in the registry already.
+    // What changed is in the registry already.
     void StartBeautyReport();
-    void SetBeautyValue(const wchar_t* name, std::int32_t value);
-    std::vector<CustomImageRecord>::iterator FindCustomItem(const std::wstring& itemName);
-    // Takes record, cell and the picture's entry away; gives the picture's path, empty when it had none. Files and
-    // registry stay as they are.
-    std::wstring ForgetCustomItem(std::vector<CustomImageRecord>::iterator record);
-    std::wstring PicturePath(const std::wstring& itemName) const;
-    void LoadCustomImages(const std::wstring& userSid);
-    bool MakeUserFolder() const;
-    void ShowStoredItems();
-    void MoveRecordToUserFolder(CustomImageRecord& record) const;
 
     // Constant after construction.
     std::map<std::wstring, std::wstring> btnToFeature_;
@@ -150,23 +142,12 @@ class HomeService {
     // UI thread; filled by the first choice of a background.
     std::map<std::wstring, std::int32_t> featureToIndex_;
 
-    std::mutex indexToBtnMutex_;
-    std::map<std::int32_t, std::wstring> indexToBtn_;  // guarded by indexToBtnMutex_; filled by the first snapshot
-
     CallbackSlot<void(GlobalUtils::FeatureStatusTuple)> statusObserver_;
     CallbackSlot<void()> serviceResetObserver_;
     CallbackSlot<void(GlobalUtils::MessageBoxKind)> messageKind_;
-    CallbackSlot<std::int32_t(const std::wstring&, const wchar_t*, bool)> addCustomItem_;
-    CallbackSlot<bool(std::int32_t, const std::wstring&)> removeCustomItem_;
 
-    // Constant after construction; null when they could not be made.
-    std::unique_ptr<IPCMessageClient> ipcClient_;
-    std::unique_ptr<DataMessageSender> postClient_;
-
-    // UI thread.
-    std::wstring userSid_;                               // empty before InitCustomImage, or when it cannot be had
-    std::vector<CustomImageRecord> customItems_;         // in the order of addition
-    std::map<std::wstring, std::wstring> customByName_;  // item name to picture, item name + "_video" to the video
-
+    service::StatusReader statusReader_;
+    service::OwnBackgrounds ownBackgrounds_;
     ReportWorkers beautyReports_;
+    service::ServiceLink link_;  // the last: it calls back until it is gone
 };

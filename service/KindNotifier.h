@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "service/GlobalUtils.h"
+
 template <typename Kind>
 class KindNotifier {
   public:
@@ -78,3 +80,8 @@ class KindNotifier {
     std::map<std::int32_t, std::vector<Entry>> channels_;
     std::int64_t lastId_ = 0;
 };
+
+// Asks whoever shows message boxes for one of that kind.
+inline void PublishMessage(GlobalUtils::MessageBoxKind kind) {
+    KindNotifier<GlobalUtils::MessageBoxKind>::GetInstance().Publish(GlobalUtils::kMessageBoxChannel, kind);
+}

@@ -1,5 +1,7 @@
 #include "service/SettingsStore.h"
 
+#include "service/CustomImageGroup.h"
+#include "service/EffectTable.h"
 #include "service/SettingNames.h"
 #include "suite/registry/Registry.h"
 
@@ -21,6 +23,16 @@ void Write(const wchar_t* name, const std::wstring& value) {
     DE::Registry::SetValue(HKEY_CURRENT_USER, SettingNames::kKeyPath, name, value, KEY_ALL_ACCESS);
 }
 
+std::vector<CustomImageRecord> ReadCustomImages() {
+    std::wstring group;
+    Read(SettingNames::kCustomImageGroup, group);
+    return CustomImageGroup::Parse(group);
+}
+
+void WriteCustomImages(const std::vector<CustomImageRecord>& records) {
+    Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(records));
+}
+
 void CreateDefaultsOnFirstRun() {
     DE::Registry registry;
     registry.SetRootKey(HKEY_CURRENT_USER);
@@ -28,16 +40,17 @@ void CreateDefaultsOnFirstRun() {
         return;
     }
     registry.CreateKey(SettingNames::kKeyPath);
-    Write(SettingNames::kCameraSwitch, 1);
-    Write(SettingNames::kBackgroundImagePath, std::wstring());
-    Write(SettingNames::kBackgroundReplacement, 0);
-    Write(SettingNames::kEyeCorrection, 0);
-    Write(SettingNames::kPersonTrack, 0);
-    Write(SettingNames::kBeautyPerson, 0);
-    Write(SettingNames::kBeautySmooth, SettingNames::kDefaultBeautyLevel);
-    Write(SettingNames::kBeautyWhite, SettingNames::kDefaultBeautyLevel);
-    Write(SettingNames::kBeautyEye, SettingNames::kDefaultBeautyLevel);
-    Write(SettingNames::kBeautyThin, SettingNames::kDefaultBeautyLevel);
+    for (const service::Effect& effect : service::kEffects) {
+        Write(effect.value, effect.firstRun);
+        if (effect.id == service::EffectId::kCamera) {
+            // Kept: the background comes second.
+            Write(SettingNames::kBackgroundImagePath, std::wstring());
+            Write(SettingNames::kBackgroundReplacement, 0);
+        }
+    }
+    for (const service::BeautyLevel& level : service::kBeautyLevels) {
+        Write(level.value, service::kDefaultBeautyLevel);
+    }
 }
 
 }  // namespace SettingsStore

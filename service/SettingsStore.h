@@ -4,6 +4,9 @@
 // Why: camera service and program share the key and both write it, so nothing is cached and every read asks the
 // registry. Threads: any; each operation is atomic by itself.
 #include <string>
+#include <vector>
+
+#include "service/CustomImageRecord.h"
 
 namespace SettingsStore {
 
@@ -14,6 +17,10 @@ bool Read(const wchar_t* name, std::wstring& value);
 // A failure is ignored: the page does not learn of it, and the next read tells the truth.
 void Write(const wchar_t* name, int value);
 void Write(const wchar_t* name, const std::wstring& value);
+
+// The list of the user's own backgrounds; pieces that cannot be read are left out.
+std::vector<CustomImageRecord> ReadCustomImages();
+void WriteCustomImages(const std::vector<CustomImageRecord>& records);
 
 // Creates the key with its ten defaults when it does not exist. A key that exists is left alone, whatever it lacks.
 void CreateDefaultsOnFirstRun();

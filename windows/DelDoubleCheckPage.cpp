@@ -15,8 +15,9 @@ constexpr DWORD kCancelAtRest = 0x0C000000;
 
 bool IsOneOf(const std::wstring& name, std::initializer_list<const wchar_t*> names) {
     for (const wchar_t* candidate : names) {
-        if (name == candidate)
+        if (name == candidate) {
             return true;
+        }
     }
     return false;
 }
@@ -26,7 +27,7 @@ bool IsOneOf(const std::wstring& name, std::initializer_list<const wchar_t*> nam
 DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner)
     : owner_(owner), model_(HomeService::GetInstance()) {
     if (!owner_) {
-        LogLine(4, L"DelDoubleCheckPage::DelDoubleCheckPage", L"paintMgr is nullptr");
+        LogLine(LogLevel::kError, L"DelDoubleCheckPage::DelDoubleCheckPage", L"paintMgr is nullptr");
         return;
     }
     Create(owner_->GetPaintWindow(), GetWindowClassName(), WS_OVERLAPPEDWINDOW, 0);
@@ -35,14 +36,18 @@ DelDoubleCheckPage::DelDoubleCheckPage(DuiLib::CPaintManagerUI* owner)
 
 void DelDoubleCheckPage::SetMaxLimitText(const std::wstring& text) {
     DuiLib::CPaintManagerUI& manager = PaintManager();
-    if (DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content"))
+    if (DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content")) {
         content->SetText(text);
-    if (DuiLib::CControlUI* confirm = manager.FindControl(L"confirm"))
+    }
+    if (DuiLib::CControlUI* confirm = manager.FindControl(L"confirm")) {
         confirm->SetVisible(false);
-    if (DuiLib::CControlUI* cancel = manager.FindControl(L"cancel"))
+    }
+    if (DuiLib::CControlUI* cancel = manager.FindControl(L"cancel")) {
         cancel->SetVisible(false);
-    if (DuiLib::CControlUI* notice = manager.FindControl(L"maxLimit"))
+    }
+    if (DuiLib::CControlUI* notice = manager.FindControl(L"maxLimit")) {
         notice->SetVisible(true);
+    }
     manager.GetWindowSpec().defaultButton = L"maxLimit";
     manager.GetWindowSpec().cancelButton = L"maxLimit";
 }
@@ -61,8 +66,9 @@ const DuiLib::CNotifyPump::NotifyMap& DelDoubleCheckPage::GetMessageMap() const 
 void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring name = msg.sender->GetName();
     if (name == L"confirm") {
-        if (model_)
+        if (model_) {
             model_->DeleteCustomBackground(itemName_);
+        }
         Close(1);
     } else if (name == L"cancel") {
         itemName_.clear();
@@ -73,17 +79,20 @@ void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
 }
 
 void DelDoubleCheckPage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
-    if (!IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"}))
+    if (!IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"})) {
         return;
+    }
     msg.sender->SetBkColor(CompositeColor(msg.sender->GetBkColor(), kHoverOverlay));
 }
 
 void DelDoubleCheckPage::OnMouseLeft(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
-    if (IsOneOf(name, {L"confirm", L"maxLimit"}))
+    if (IsOneOf(name, {L"confirm", L"maxLimit"})) {
         msg.sender->SetBkColor(kAccentAtRest);
-    if (name == L"cancel")
+    }
+    if (name == L"cancel") {
         msg.sender->SetBkColor(kCancelAtRest);
+    }
 }
 
 void DelDoubleCheckPage::OnButtonPressed(DuiLib::TNotifyUI& msg) {

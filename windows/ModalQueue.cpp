@@ -17,11 +17,13 @@ struct ModalQueue::State {
     void Add(Request request) {
         const bool known = std::any_of(requests.begin(), requests.end(),
                                        [&](const Request& other) { return other.key == request.key; });
-        if (!alive || known)
+        if (!alive || known) {
             return;
+        }
         requests.push_back(std::move(request));
-        if (!showing)
+        if (!showing) {
             ShowAll();
+        }
     }
 
     // The request that is shown stays at the front, so that its key is known while it is.
@@ -32,10 +34,12 @@ struct ModalQueue::State {
             try {
                 show();
             } catch (const std::exception& error) {
-                LogLine(4, L"ModalQueue::Show", L"A modal window ended with an exception: ", error.what());
+                LogLine(LogLevel::kError, L"ModalQueue::Show", L"A modal window ended with an exception: ",
+                        error.what());
             }
-            if (!requests.empty())
+            if (!requests.empty()) {
                 requests.pop_front();
+            }
         }
         showing = false;
     }

@@ -3,24 +3,16 @@
 #include <new>
 
 #include "DuiLib/UIMainQueue.h"
+#include "service/ServiceMessages.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/WindowStart.h"
-
-namespace {
-
-constexpr std::int32_t kOwnClientId = 0xCE0000;
-constexpr std::int32_t kServiceId = 0xCD0000;
-constexpr wchar_t kPipeName[] = L"\\\\.\\Pipe\\iNotoraAssistant";
-constexpr std::int32_t kServiceNotification = 0x22711;
-constexpr std::int32_t kCloseSubCode = 0x40000;
-
-}  // namespace
 
 PxDialogWnd::PxDialogWnd() = default;
 
 PxDialogWnd::~PxDialogWnd() {
-    if (client_)
+    if (client_) {
         client_->UnRegisterMessageCallbackAll();
+    }
     client_.reset();
 }
 
@@ -40,23 +32,27 @@ void PxDialogWnd::Run(HINSTANCE instance) {
 
 void PxDialogWnd::InitIPCMessageClient() {
     // Kept: the sender is made first, with the pointer as it stands then, and is not told of the client afterwards.
-    postSender_.reset(new (std::nothrow) PostSender{kServiceId, client_.get()});
+    postSender_.reset(new (std::nothrow) PostSender{ServiceMessages::kCameraServiceId, client_.get()});
     if (!postSender_) {
-        LogLine(4, L"PxDialogWnd::InitIPCMessageClient", L"Init Post IPC Client Error");
+        LogLine(LogLevel::kError, L"PxDialogWnd::InitIPCMessageClient", L"Init Post IPC Client Error");
         return;
     }
-    client_.reset(new (std::nothrow) IPCMessageClient(kOwnClientId, true, false, kPipeName));
+    client_.reset(new (std::nothrow)
+                      IPCMessageClient(ServiceMessages::kOwnClientId, true, false, ServiceMessages::kPipeName));
     if (!client_) {
-        LogLine(4, L"PxDialogWnd::InitIPCMessageClient", L"Init IPC Client Error");
+        LogLine(LogLevel::kError, L"PxDialogWnd::InitIPCMessageClient", L"Init IPC Client Error");
         return;
     }
-    client_->RegisterMessageCallback(kServiceNotification, [this](TagIPCMessageItem& item) { OnMessageReceive(item); });
+    client_->RegisterMessageCallback(ServiceMessages::kNotificationCode,
+                                     [this](TagIPCMessageItem& item) { OnMessageReceive(item); });
 }
 
 void PxDialogWnd::OnMessageReceive(const TagIPCMessageItem& item) {
-    if (item.slot[2] != kServiceNotification || item.slot[1] != kCloseSubCode)
+    if (item.slot[ServiceMessages::kMessageCode] != ServiceMessages::kNotificationCode ||
+        item.slot[ServiceMessages::kSubCode] != ServiceMessages::kResetSubCode) {
         return;
-    LogLine(4, L"PxDialogWnd::OnMessageReceive", L"OnMessageReceive close win");
+    }
+    LogLine(LogLevel::kError, L"PxDialogWnd::OnMessageReceive", L"OnMessageReceive close win");
     // A window belongs to its thread: closing is handed over to it, not done from here.
     DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
 }
@@ -66,8 +62,9 @@ void PxDialogWnd::UseHtmlMessage() {
 }
 
 void PxDialogWnd::SetMessageText(const std::wstring& text) {
-    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content"))
+    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) {
         content->SetText(text);
+    }
     ShowWindow(true, true);
     DuiLib::CPaintManagerUI::MessageLoop();
 }
@@ -77,8 +74,9 @@ void PxDialogWnd::ActivateExisting() {
 }
 
 void PxDialogWnd::OnClick(DuiLib::TNotifyUI& msg) {
-    if (msg.sender && msg.sender->GetName() == L"closebtn")
+    if (msg.sender && msg.sender->GetName() == L"closebtn") {
         WindowStart::CloseAndQuit(GetHWND());
+    }
 }
 
 void PxDialogWnd::Notify(DuiLib::TNotifyUI& msg) {
@@ -90,10 +88,4 @@ LRESULT PxDialogWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
     handled = false;
     PostQuitMessage(0);
     return 0;
-}
-
-LRESULT PxDialogWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
-    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam))
-        return hit;
-    return WindowStart::HitTestControls(PaintManager(), lParam);
 }

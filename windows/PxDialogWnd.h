@@ -34,7 +34,6 @@ class PxDialogWnd : public DuiLib::WindowImplBase {
     std::wstring GetSkinFile() const override { return L"layout\\PixoraDialogWnd.xml"; }
     void OnClick(DuiLib::TNotifyUI& msg) override;
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled) override;
-    LRESULT OnNcHitTest(WPARAM wParam, LPARAM lParam, bool& handled) override;
 
   private:
     struct PostSender {

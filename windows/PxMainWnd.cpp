@@ -10,9 +10,11 @@
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/UICulture.h"
 #include "DuiLib/UIMainQueue.h"
+#include "pages/CaptureMessage.h"
 #include "pages/HomePage.h"
 #include "pages/IntroductionPage.h"
 #include "pages/PageNames.h"
+#include "service/EffectTable.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
 #include "suite/logger/QxLogger.h"
@@ -27,8 +29,6 @@ namespace {
 
 using GlobalUtils::MessageBoxKind;
 
-// Posted by the frame capture when reading or drawing failed; the result is in wParam.
-constexpr UINT kCaptureFailed = WM_APP + 1;
 // Kept with the messages that announce a move, though no system sends it for one.
 constexpr UINT kMoveSpare = 0x030B;
 
@@ -50,8 +50,9 @@ PxMainWnd::PxMainWnd() : switcher_(std::make_unique<PageSwitcher>()) {
 
 PxMainWnd::~PxMainWnd() {
     pages_.clear();
-    for (const std::wstring& name : virtualWndNames_)
+    for (const std::wstring& name : virtualWndNames_) {
         RemoveVirtualWnd(name);
+    }
     switcher_.reset();
     virtualWndNames_.clear();
     SetCurrent(nullptr);
@@ -86,22 +87,26 @@ void PxMainWnd::ActivateExisting() {
 void PxMainWnd::InitWindow() {
     AddPage(PageNames::kHome, std::make_unique<HomePage>(&PaintManager()));
     AddPage(PageNames::kIntroduction, std::make_unique<IntroductionPage>(&PaintManager()));
-    if (switcher_)
+    if (switcher_) {
         switcher_->Select(PageNames::kHome, true);
-    for (const auto& [name, page] : pages_)
+    }
+    for (const auto& [name, page] : pages_) {
         page->Initialize();
+    }
 }
 
 void PxMainWnd::AddPage(const std::wstring& name, std::unique_ptr<PageBase> page) {
     if (const PageBase* former = FindPage(name)) {
         // Its controls go with it: nobody would answer them any more.
         RemoveVirtualWnd(name);
-        if (auto* tabs = PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container"))
+        if (auto* tabs = PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container")) {
             tabs->Remove(former->GetRoot());
+        }
     }
     pages_[name] = std::move(page);
-    if (switcher_)
+    if (switcher_) {
         switcher_->Register(name, [this](const std::wstring& shown) { ShowTab(shown); });
+    }
 }
 
 PageBase* PxMainWnd::FindPage(const std::wstring& name) const {
@@ -111,8 +116,9 @@ PageBase* PxMainWnd::FindPage(const std::wstring& name) const {
 
 void PxMainWnd::ShowTab(const std::wstring& name) {
     PageBase* page = FindPage(name);
-    if (!page)
+    if (!page) {
         return;
+    }
     page->SelectTab(PaintManager().FindControlAs<DuiLib::CTabLayoutUI>(L"wnd_container"), this);
     if (std::find(virtualWndNames_.begin(), virtualWndNames_.end(), name) == virtualWndNames_.end()) {
         virtualWndNames_.push_back(name);
@@ -123,38 +129,30 @@ void PxMainWnd::Notify(DuiLib::TNotifyUI& msg) {
     using GlobalUtils::BeautyKind;
     using namespace DuiLib::NotifyType;
     if (msg.sender && (msg.type == kValueChanged || msg.type == kMoveValueChanged)) {
-        static const std::map<std::wstring, BeautyKind> kinds = {{L"slider_smooth", BeautyKind::kSmooth},
-                                                                 {L"slider_white", BeautyKind::kWhite},
-                                                                 {L"slider_eye", BeautyKind::kEye},
-                                                                 {L"slider_face", BeautyKind::kFace}};
-        const auto kind = kinds.find(msg.sender->GetName());
-        if (kind != kinds.end()) {
-            KindNotifier<BeautyKind>::GetInstance().Publish(GlobalUtils::kBeautyChannel, BeautyKind(kind->second));
+        if (const service::BeautyLevel* level = service::BeautyLevelOfControl(msg.sender->GetName())) {
+            KindNotifier<BeautyKind>::GetInstance().Publish(GlobalUtils::kBeautyChannel, BeautyKind(level->kind));
         }
     }
     WindowImplBase::Notify(msg);
 }
 
 void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
-    if (!msg.sender)
+    if (!msg.sender) {
         return;
+    }
     const std::wstring& name = msg.sender->GetName();
-    if (name == L"minbtn")
+    if (name == L"minbtn") {
         SendMessage(WM_SYSCOMMAND, SC_MINIMIZE);
-    if (name == L"closebtn")
+    }
+    if (name == L"closebtn") {
         WindowStart::CloseAndQuit(GetHWND());
+    }
 }
 
 LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
     handled = false;
     PostQuitMessage(0);
     return 0;
-}
-
-LRESULT PxMainWnd::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
-    if (const LRESULT hit = OnNcPreHitTest(wParam, lParam))
-        return hit;
-    return WindowStart::HitTestControls(PaintManager(), lParam);
 }
 
 LRESULT PxMainWnd::OnKillFocus(WPARAM, LPARAM, bool& handled) {
@@ -169,20 +167,24 @@ LRESULT PxMainWnd::OnLButtonUp(WPARAM, LPARAM lParam, bool& handled) {
     DuiLib::CPaintManagerUI& manager = PaintManager();
     // While a control has the capture the release is its own, wherever the pointer is by then.
     DuiLib::CControlUI* control = manager.GetCapture();
-    if (!control)
+    if (!control) {
         control = manager.FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+    }
     auto* button = dynamic_cast<DuiLib::CButtonUI*>(control);
-    if (!button || button->GetName() != L"custom_background_btn")
+    if (!button || button->GetName() != L"custom_background_btn") {
         return 0;
-    if (!(button->GetState() & DuiLib::kStateCaptured))
+    }
+    if (!(button->GetState() & DuiLib::kStateCaptured)) {
         return 0;
+    }
 
     button->SetState(button->GetState() & ~(DuiLib::kStatePushed | DuiLib::kStateCaptured));
     manager.ReleaseCapture();
     manager.SendNotify(button, DuiLib::NotifyType::kClick);
     handled = true;
-    if (PageBase* home = FindPage(PageNames::kHome); home && home->GetRoot())
+    if (PageBase* home = FindPage(PageNames::kHome); home && home->GetRoot()) {
         home->GetRoot()->NeedUpdate();
+    }
     return 0;
 }
 
@@ -207,8 +209,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             changingDpi_ = true;
             PaintManager().OnDpiChanged(wParam, lParam);
             changingDpi_ = false;
-            for (const auto& [name, page] : pages_)
+            for (const auto& [name, page] : pages_) {
                 page->OnScaleChanged();
+            }
             PublishMove();
             return 0;
         case WM_WTSSESSION_CHANGE:
@@ -220,25 +223,28 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
         case WM_SIZING:
         case kMoveSpare:
-            if (!changingDpi_)
+            if (!changingDpi_) {
                 PublishMove();
+            }
             break;
         case WM_MOVE:
-            if (!changingDpi_)
+            if (!changingDpi_) {
                 PublishPlace();
+            }
             break;
         case WM_WINDOWPOSCHANGED: {
             const UINT flags = reinterpret_cast<const WINDOWPOS*>(lParam)->flags;
             // Later: the window may still be on its way to the screen, or to its place among the others.
-            if ((flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) || !(flags & SWP_NOZORDER))
+            if ((flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) || !(flags & SWP_NOZORDER)) {
                 DuiLib::UIMainQueue::getInstance()->dispatch(PublishPlace);
+            }
             break;
         }
         case WM_SETFOCUS:
             // Some systems lift the window alone, and not what it owns, when it gets the focus.
             PublishPlace();
             break;
-        case kCaptureFailed:
+        case kCaptureMessage:
             KindNotifier<OnListenKindInfo>::GetInstance().Publish(GlobalUtils::kOnListenChannel,
                                                                   OnListenKindInfo{wParam, lParam});
             break;
@@ -251,8 +257,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_MOUSELEAVE:
             // Out of the window it is on no control that could take the delete button away.
-            if (auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome)))
+            if (auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome))) {
                 home->HideDelButton(HoveredName(), {});
+            }
             break;
         default:
             break;
@@ -265,10 +272,11 @@ void PxMainWnd::RegisterVideoThumbnail() {
     std::thread([this] {
         try {
             const HomeService* model = HomeService::GetInstance();
-            if (model)
+            if (model) {
                 thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+            }
         } catch (const std::exception& error) {
-            LogLine(4, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+            LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
         }
     }).join();
 }
@@ -276,16 +284,18 @@ void PxMainWnd::RegisterVideoThumbnail() {
 void PxMainWnd::TrackHover(LPARAM lParam) {
     const DuiLib::CControlUI* control = PaintManager().FindControl(POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
     auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome));
-    if (!control || control->GetName().empty() || !home)
+    if (!control || control->GetName().empty() || !home) {
         return;
+    }
     const std::wstring current = control->GetName();
     home->HideDelButton(HoveredName(), current);
     HoveredName() = current;
 }
 
 void PxMainWnd::ShowPage(const std::wstring& name, int) {
-    if (switcher_)
+    if (switcher_) {
         switcher_->Select(name, false);
+    }
 }
 
 void PxMainWnd::ShowFirstPage() {
@@ -299,16 +309,18 @@ void PxMainWnd::CloseWindow() {
 void PxMainWnd::QueueModal(std::int32_t key, std::function<void()> show) {
     modals_.Show(key, [this, show = std::move(show)] {
         // What comes when the window has closed already would stand alone on the screen.
-        if (GetHWND())
+        if (GetHWND()) {
             show();
+        }
     });
 }
 
 void PxMainWnd::ShowMessage(MessageBoxKind kind) {
     QueueModal(static_cast<std::int32_t>(kind), [this, kind] {
         const wchar_t* key = MessageTextKey(kind);
-        if (!key)
+        if (!key) {
             return;
+        }
         SimpleMessageBox box(&PaintManager());
         box.SetContent(DuiLib::UICulture::GetInstance()->GetString(key));
         box.ShowBox();
@@ -332,7 +344,8 @@ void PxMainWnd::ShowLimitNotice() {
 }
 
 HintWindow* PxMainWnd::GetHint(Hint hint) {
-    if (hint == Hint::DeleteButton)
+    if (hint == Hint::kDeleteButton) {
         return &DelButtonToolTip::GetInstance(&PaintManager());
+    }
     return &ToolTipWnd::GetInstance(&PaintManager());
 }

@@ -56,7 +56,6 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     void InitWindow() override;
     void OnClick(DuiLib::TNotifyUI& msg) override;
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled) override;
-    LRESULT OnNcHitTest(WPARAM wParam, LPARAM lParam, bool& handled) override;
     LRESULT OnKillFocus(WPARAM wParam, LPARAM lParam, bool& handled) override;
     LRESULT OnLButtonUp(WPARAM wParam, LPARAM lParam, bool& handled) override;
 

@@ -7,7 +7,7 @@
 
 SimpleMessageBox::SimpleMessageBox(DuiLib::CPaintManagerUI* owner) : owner_(owner) {
     if (!owner_) {
-        LogLine(4, L"SimpleMessageBox::SimpleMessageBox", L"paintMgr is nullptr");
+        LogLine(LogLevel::kError, L"SimpleMessageBox::SimpleMessageBox", L"paintMgr is nullptr");
         return;
     }
     Create(owner_->GetPaintWindow(), GetWindowClassName(), WS_OVERLAPPEDWINDOW, 0);
@@ -15,8 +15,9 @@ SimpleMessageBox::SimpleMessageBox(DuiLib::CPaintManagerUI* owner) : owner_(owne
 }
 
 void SimpleMessageBox::SetContent(const std::wstring& text) {
-    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content"))
+    if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) {
         content->SetText(text);
+    }
     if (DuiLib::CControlUI* button = PaintManager().FindControl(L"msg_ok_btn")) {
         button->SetText(DuiLib::UICulture::GetInstance()->GetString(L"IDS_LUMI_OK"));
     }
@@ -27,23 +28,27 @@ void SimpleMessageBox::UseHtmlMessage() {
 }
 
 void SimpleMessageBox::ShowBox() {
-    if (!owner_)
+    if (!owner_) {
         return;
+    }
     ShowMask(true);
     ShowModal();
 }
 
 void SimpleMessageBox::ShowMask(bool visible) {
-    if (!owner_)
+    if (!owner_) {
         return;
-    if (DuiLib::CControlUI* mask = owner_->FindControl(L"mask_control"))
+    }
+    if (DuiLib::CControlUI* mask = owner_->FindControl(L"mask_control")) {
         mask->SetVisible(visible);
+    }
 }
 
 void SimpleMessageBox::OnClick(DuiLib::TNotifyUI& msg) {
     const std::wstring& name = msg.sender->GetName();
-    if (name != L"msg_close_btn" && name != L"msg_ok_btn")
+    if (name != L"msg_close_btn" && name != L"msg_ok_btn") {
         return;
+    }
     ShowMask(false);
     Close();
 }

@@ -23,16 +23,20 @@ ToolTipWnd& ToolTipWnd::GetInstance(DuiLib::CPaintManagerUI* paintManager) {
 }
 
 void ToolTipWnd::Prepare(DuiLib::CPaintManagerUI* paintManager) {
-    if (!paintManager)
+    if (!paintManager) {
         return;
+    }
     const UINT dpi = static_cast<UINT>(paintManager->GetDPI());
-    if (!owner_)
+    if (!owner_) {
         owner_ = paintManager;
-    if (IsWindowEnabled(GetHWND()) && dpi_ == dpi)
+    }
+    if (IsWindowEnabled(GetHWND()) && dpi_ == dpi) {
         return;
+    }
 
-    if (IsWindow(GetHWND()))
+    if (IsWindow(GetHWND())) {
         DestroyWindow(GetHWND());
+    }
     dpi_ = dpi;
     Create(paintManager->GetPaintWindow(), title_, kStyle, WS_EX_TOPMOST);
     PaintManager().SetDPI(static_cast<int>(dpi));
@@ -41,12 +45,12 @@ void ToolTipWnd::Prepare(DuiLib::CPaintManagerUI* paintManager) {
 void ToolTipWnd::SetToolTipText(const std::wstring& text) {
     constexpr wchar_t kFunction[] = L"ToolTipWnd::SetToolTipText";
     if (!IsWindow(GetHWND())) {
-        LogLine(4, kFunction, L"paintMgr nullptr");
+        LogLine(LogLevel::kError, kFunction, L"paintMgr nullptr");
         return;
     }
     DuiLib::CControlUI* control = PaintManager().FindControl(L"tooltip_text");
     if (!control) {
-        LogLine(4, kFunction, L"exist control nullptr");
+        LogLine(LogLevel::kError, kFunction, L"exist control nullptr");
         return;
     }
     control->SetText(text);
@@ -56,12 +60,12 @@ void ToolTipWnd::SetToolTipText(const std::wstring& text) {
 int ToolTipWnd::GetToolTipWidth() {
     constexpr wchar_t kFunction[] = L"ToolTipWnd::GetToolTipWidth";
     if (!IsWindow(GetHWND())) {
-        LogLine(4, kFunction, L"paintMgr nullptr");
+        LogLine(LogLevel::kError, kFunction, L"paintMgr nullptr");
         return 0;
     }
     const auto* control = PaintManager().FindControlAs<DuiLib::CLabelUI>(L"tooltip_text");
     if (!control) {
-        LogLine(4, kFunction, L"exist control nullptr");
+        LogLine(LogLevel::kError, kFunction, L"exist control nullptr");
         return 0;
     }
     DuiLib::Rect rect;
@@ -75,8 +79,9 @@ int ToolTipWnd::OwnerDpi() const {
 }
 
 void ToolTipWnd::SetPosition(int dxPx, int dyPx) {
-    if (!anchor_)
+    if (!anchor_) {
         return;
+    }
     RECT owner = {};
     GetWindowRect(GetParent(GetHWND()), &owner);
     xPx_ = owner.left + anchor_->GetPos().left + dxPx;
@@ -84,8 +89,9 @@ void ToolTipWnd::SetPosition(int dxPx, int dyPx) {
 }
 
 void ToolTipWnd::Show(bool visible) {
-    if ((IsWindowVisible(GetHWND()) != FALSE) == visible)
+    if ((IsWindowVisible(GetHWND()) != FALSE) == visible) {
         return;
+    }
     if (!visible) {
         anchor_ = nullptr;
         ShowWindow(false, false);
@@ -102,8 +108,9 @@ void ToolTipWnd::Show(bool visible) {
 void ToolTipWnd::CutToBubble() {
     PaintManager().UpdateLayout();
     const DuiLib::CControlUI* bubble = PaintManager().FindControl(L"tooltip_bubble");
-    if (!bubble)
+    if (!bubble) {
         return;
+    }
     const DuiLib::Rect& px = bubble->GetPos();
     const int cornerPx = DuiLib::DipToPx(2 * kBubbleRadiusDip, OwnerDpi());
     // The region is the system's from here on; its right and bottom edges are not part of it.
@@ -113,14 +120,16 @@ void ToolTipWnd::CutToBubble() {
 LRESULT ToolTipWnd::OnMouseLeave(WPARAM, LPARAM, bool& handled) {
     handled = false;
     POINT cursor = {};
-    if (!GetCursorPos(&cursor))
+    if (!GetCursorPos(&cursor)) {
         return 0;
+    }
     RECT parent = {};
     GetWindowRect(GetParent(GetHWND()), &parent);
     const POINT inOwner{cursor.x - parent.left, cursor.y - parent.top};
     const DuiLib::CControlUI* under = owner_ ? owner_->FindControl(inOwner) : nullptr;
-    if (!anchor_ || under != anchor_)
+    if (!anchor_ || under != anchor_) {
         Show(false);
+    }
     return 0;
 }
 

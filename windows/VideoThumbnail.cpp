@@ -19,8 +19,9 @@ constexpr std::array<std::wstring_view, 7> kVideoExtensions = {L".mp4", L".avi",
 bool CanBeRead(const std::wstring& path) {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    if (file == INVALID_HANDLE_VALUE) {
         return false;
+    }
     CloseHandle(file);
     return true;
 }
@@ -29,22 +30,27 @@ bool CanBeRead(const std::wstring& path) {
 
 bool VideoThumbnail::IsVideoPath(const std::wstring& path) {
     const std::size_t dot = path.rfind(L'.');
-    if (dot == std::wstring::npos)
+    if (dot == std::wstring::npos) {
         return false;
+    }
     const std::wstring_view extension = std::wstring_view(path).substr(dot);
     return std::find(kVideoExtensions.begin(), kVideoExtensions.end(), extension) != kVideoExtensions.end();
 }
 
 void VideoThumbnail::Register(DuiLib::CPaintManagerUI& manager, const std::wstring& path) {
-    if (manager.HasImage(path) || path.empty() || path == withoutCover_)
+    if (manager.HasImage(path) || path.empty() || path == withoutCover_) {
         return;
-    if (!CanBeRead(path) || !IsVideoPath(path))
+    }
+    if (!CanBeRead(path) || !IsVideoPath(path)) {
         return;
+    }
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     // The extractor's own size: the image is scaled when it is registered.
     const HBITMAP cover = ExtractShellPicture(path);
-    if (!cover || !manager.AddImage(path, cover, kWidthDip, kHeightDip, false, false))
+    if (!cover || !manager.AddImage(path, cover, kWidthDip, kHeightDip, false, false)) {
         withoutCover_ = path;
-    if (SUCCEEDED(com))
+    }
+    if (SUCCEEDED(com)) {
         CoUninitialize();
+    }
 }

@@ -4,7 +4,6 @@
 #include <shellapi.h>
 #include <shellscalingapi.h>
 #include <versionhelpers.h>
-#include <windowsx.h>
 
 #include <algorithm>
 
@@ -17,12 +16,13 @@
 namespace WindowStart {
 
 void MakeDpiAware(const std::wstring& owner) {
-    if (!IsWindows7OrGreater())
+    if (!IsWindows7OrGreater()) {
         return;
+    }
     const HRESULT result = SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
     // The manifest has set the awareness already; the system then answers "access denied", which is as good.
     if (result != S_OK) {
-        LogLine(3, (owner + L"::DPIAware").c_str(), L"SetProcessDpiAwareness fail, error code: ", result);
+        LogLine(LogLevel::kInfo, (owner + L"::DPIAware").c_str(), L"SetProcessDpiAwareness fail, error code: ", result);
     }
 }
 
@@ -31,12 +31,12 @@ void SetValuePath(const std::wstring& owner) {
     wchar_t path[MAX_PATH] = {};
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH || PathCchRemoveFileSpec(path, MAX_PATH) != S_OK) {
-        LogLine(4, function.c_str(), L"Fail to get current module path!");
+        LogLine(LogLevel::kError, function.c_str(), L"Fail to get current module path!");
         return;
     }
     SetCurrentDirectoryW(path);
     if (FAILED(PathCchAppend(path, MAX_PATH, L"res\\values\\"))) {
-        LogLine(4, function.c_str(), L"Path append res fail!");
+        LogLine(LogLevel::kError, function.c_str(), L"Path append res fail!");
         return;
     }
     DuiLib::UICulture::GetInstance()->SetValuesFolder(path);
@@ -56,17 +56,11 @@ std::wstring SetResourcesAndLanguage(HINSTANCE instance) {
 
 void ActivateWindow(const wchar_t* className) {
     const HWND window = FindWindowW(className, nullptr);
-    if (!window || !IsWindow(window))
+    if (!window || !IsWindow(window)) {
         return;
+    }
     ShowWindow(window, IsWindowVisible(window) ? SW_RESTORE : SW_SHOWNORMAL);
     SetForegroundWindow(GetLastActivePopup(window));
-}
-
-LRESULT HitTestControls(DuiLib::CPaintManagerUI& manager, LPARAM screenPoint) {
-    POINT point{GET_X_LPARAM(screenPoint), GET_Y_LPARAM(screenPoint)};
-    ScreenToClient(manager.GetPaintWindow(), &point);
-    const DuiLib::CControlUI* control = manager.FindControl(point);
-    return control && control->IsNcHit() ? HTCAPTION : HTCLIENT;
 }
 
 void CloseAndQuit(HWND window) {
@@ -75,18 +69,21 @@ void CloseAndQuit(HWND window) {
 }
 
 void FollowLink(const DuiLib::TNotifyUI& msg) {
-    if (msg.type != DuiLib::NotifyType::kLink)
+    if (msg.type != DuiLib::NotifyType::kLink) {
         return;
+    }
     const auto* text = dynamic_cast<const DuiLib::CTextUI*>(msg.sender);
-    if (!text)
+    if (!text) {
         return;
+    }
     ShellExecuteW(nullptr, L"open", text->GetLinkContent(0).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 void UseHtmlMessage(DuiLib::CPaintManagerUI& manager) {
     DuiLib::CControlUI* content = manager.FindControl(L"msgbox_content");
-    if (!content)
+    if (!content) {
         return;
+    }
     content->SetAttribute(L"showhtml", L"true");
     content->SetAttribute(L"IsNcHit", L"false");
     content->SetAttribute(L"align", L"left");

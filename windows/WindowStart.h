@@ -28,10 +28,6 @@ std::wstring SetResourcesAndLanguage(HINSTANCE instance);
 // Brings the window of that class to the front, restored or shown; nothing when there is none.
 void ActivateWindow(const wchar_t* className);
 
-// The answer to a hit on a screen point after the window's own pre-test: a caption where the control there drags the
-// window, else client area.
-LRESULT HitTestControls(DuiLib::CPaintManagerUI& manager, LPARAM screenPoint);
-
 // Asks the window to close as its system menu would and ends the message loop. UI thread.
 void CloseAndQuit(HWND window);
 

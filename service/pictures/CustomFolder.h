@@ -12,9 +12,9 @@ inline std::wstring OfUser(const std::wstring& userSid) {
     return std::wstring(kBase) + L"\\" + userSid;
 }
 
-// REQUIRES: the identifier is not empty.
+// Empty without a user.
 inline std::wstring PicturePath(const std::wstring& userSid, const std::wstring& itemName) {
-    return OfUser(userSid) + L"\\" + itemName + kPictureSuffix;
+    return userSid.empty() ? std::wstring() : OfUser(userSid) + L"\\" + itemName + kPictureSuffix;
 }
 
 }  // namespace CustomFolder

@@ -29,13 +29,19 @@ bool IsPictureOf(std::wstring_view name, std::wstring_view path) {
     return file == std::wstring(name) + L".jpg";
 }
 
+bool IsDeleteButton(std::wstring_view partName) {
+    return partName.find(kPrefix) != std::wstring_view::npos && partName.find(kDeleteSuffix) != std::wstring_view::npos;
+}
+
 }  // namespace CustomItemNames
 
 std::wstring CustomItemName(std::wstring_view partName) {
     if (partName.find(CustomItemNames::kPrefix) == std::wstring_view::npos) {
         return {};
     }
-    for (const std::wstring_view suffix : {L"_del", L"_item", L"_bk"}) {
+    for (const std::wstring_view suffix :
+         {std::wstring_view(CustomItemNames::kDeleteSuffix), std::wstring_view(CustomItemNames::kItemSuffix),
+          std::wstring_view(CustomItemNames::kPictureSuffix)}) {
         const std::size_t cut = partName.find(suffix);
         if (cut != std::wstring_view::npos) {
             return std::wstring(partName.substr(0, cut));

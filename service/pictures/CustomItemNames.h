@@ -11,6 +11,10 @@ namespace CustomItemNames {
 
 inline constexpr std::wstring_view kPrefix = L"custom_background_btn_";
 inline constexpr std::wstring_view kVideoSuffix = L"_video";
+// Of the other parts of an item in the gallery: the hover-aware container, the picture, the delete button.
+inline constexpr wchar_t kItemSuffix[] = L"_item";
+inline constexpr wchar_t kPictureSuffix[] = L"_bk";
+inline constexpr wchar_t kDeleteSuffix[] = L"_del";
 // The largest number of items, and one more than the largest number in a name.
 inline constexpr std::int32_t kLimit = 32;
 
@@ -21,6 +25,8 @@ std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken);
 bool IsItemName(std::wstring_view name);
 // Whether the file is the picture of that item, by its name: in any folder, "custom_background_btn_3.jpg".
 bool IsPictureOf(std::wstring_view name, std::wstring_view path);
+// Whether a control of that name is the delete button of an item.
+bool IsDeleteButton(std::wstring_view partName);
 
 }  // namespace CustomItemNames
 

@@ -21,7 +21,7 @@ void FakePageHost::ShowMessage(GlobalUtils::MessageBoxKind kind) {
 HintWindow* FakePageHost::GetHint(Hint hint) {
     if (!hasHints)
         return nullptr;
-    return hint == Hint::Option ? &optionHint : &deleteHint;
+    return hint == Hint::kOption ? &optionHint : &deleteHint;
 }
 
 std::vector<int> FakePageHost::Messages() {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "service/CustomImageGroup.h"
+#include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/SettingNames.h"
 #include "tools/demo/PictureFile.h"
@@ -13,6 +14,8 @@
 namespace {
 
 using namespace SettingNames;
+using GlobalUtils::BeautyKind;
+using service::EffectId;
 
 constexpr int kMostLevel = 10;
 constexpr std::wstring_view kMovingScene = L"img_animation";
@@ -28,8 +31,10 @@ int Number(const wchar_t* name, int missing) {
 
 std::wstring Text(const wchar_t* name) {
     DWORD size = 0;
-    if (RegGetValueW(HKEY_CURRENT_USER, kSystemKeyPath, name, RRF_RT_REG_SZ, nullptr, nullptr, &size) != ERROR_SUCCESS)
+    if (RegGetValueW(HKEY_CURRENT_USER, kSystemKeyPath, name, RRF_RT_REG_SZ, nullptr, nullptr, &size) !=
+        ERROR_SUCCESS) {
         return {};
+    }
     std::vector<wchar_t> text(size / sizeof(wchar_t) + 1);
     if (RegGetValueW(HKEY_CURRENT_USER, kSystemKeyPath, name, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
         ERROR_SUCCESS) {
@@ -38,8 +43,13 @@ std::wstring Text(const wchar_t* name) {
     return text.data();
 }
 
-float Level(const wchar_t* name) {
-    return static_cast<float>(std::clamp(Number(name, kDefaultBeautyLevel), 0, kMostLevel)) / kMostLevel;
+bool IsOn(service::EffectId effect, int missing) {
+    return Number(service::EffectOf(effect).value, missing) == 1;
+}
+
+float Level(GlobalUtils::BeautyKind kind) {
+    const wchar_t* const name = service::BeautyLevelOf(kind)->value;
+    return static_cast<float>(std::clamp(Number(name, service::kDefaultBeautyLevel), 0, kMostLevel)) / kMostLevel;
 }
 
 std::wstring ScenesFolder() {
@@ -53,8 +63,9 @@ std::wstring ScenesFolder() {
 std::wstring SceneName(int index) {
     constexpr std::wstring_view kSuffix = L"_background";
     for (const FeatureTables::Background& background : FeatureTables::kBackgrounds) {
-        if (background.index == index)
+        if (background.index == index) {
             return std::wstring(background.feature.substr(0, background.feature.size() - kSuffix.size()));
+        }
     }
     return {};
 }
@@ -65,8 +76,9 @@ std::wstring EffectSettings::BackgroundFile(int index) const {
     if (index == FeatureTables::kCustomIndex) {
         const std::wstring selected = Text(kSelectedButtonName);
         for (const CustomImageRecord& record : CustomImageGroup::Parse(Text(kCustomImageGroup))) {
-            if (record.name == selected)
+            if (record.name == selected) {
                 return record.thumbPath;
+            }
         }
         return {};
     }
@@ -75,21 +87,21 @@ std::wstring EffectSettings::BackgroundFile(int index) const {
 }
 
 void EffectSettings::Update() {
-    const bool on = Number(kCameraSwitch, 1) == 1;
-    const auto isOn = [on](const wchar_t* name) { return on && Number(name, 0) == 1; };
-    scene_.framing = isOn(kPersonTrack);
-    scene_.eyeContact = isOn(kEyeCorrection);
+    const bool on = IsOn(EffectId::kCamera, 1);
+    scene_.framing = on && IsOn(EffectId::kFocusPerson, 0);
+    scene_.eyeContact = on && IsOn(EffectId::kCorrectSight, 0);
     scene_.look = {};
-    if (isOn(kBeautyPerson)) {
-        scene_.look = {.smooth = Level(kBeautySmooth),
-                       .white = Level(kBeautyWhite),
-                       .eye = Level(kBeautyEye),
-                       .thin = Level(kBeautyThin)};
+    if (on && IsOn(EffectId::kBeautyPerson, 0)) {
+        scene_.look = {.smooth = Level(BeautyKind::kSmooth),
+                       .white = Level(BeautyKind::kWhite),
+                       .eye = Level(BeautyKind::kEye),
+                       .thin = Level(BeautyKind::kFace)};
     }
     const int index = on ? Number(kBackgroundReplacement, 0) : 0;
     const std::wstring file = BackgroundFile(index);
-    if (file == backgroundFile_)
+    if (file == backgroundFile_) {
         return;
+    }
     backgroundFile_ = file;
     scene_.background = file.empty() ? nullptr : LoadPicture(file);
     scene_.backgroundMoves =

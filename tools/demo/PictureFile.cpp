@@ -16,16 +16,19 @@ HRESULT Decode(IWICImagingFactory* factory, const std::wstring& path, democamera
     UINT height = 0;
     HRESULT result = factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
                                                         WICDecodeMetadataCacheOnDemand, &decoder);
-    if (SUCCEEDED(result))
+    if (SUCCEEDED(result)) {
         result = decoder->GetFrame(0, &frame);
-    if (SUCCEEDED(result))
+    }
+    if (SUCCEEDED(result)) {
         result = factory->CreateFormatConverter(&converter);
+    }
     if (SUCCEEDED(result)) {
         result = converter->Initialize(frame, GUID_WICPixelFormat32bppBGR, WICBitmapDitherTypeNone, nullptr, 0,
                                        WICBitmapPaletteTypeCustom);
     }
-    if (SUCCEEDED(result))
+    if (SUCCEEDED(result)) {
         result = converter->GetSize(&width, &height);
+    }
     if (SUCCEEDED(result)) {
         picture.width = static_cast<int>(width);
         picture.height = static_cast<int>(height);
@@ -47,12 +50,15 @@ std::shared_ptr<const democamera::Picture> LoadPicture(const std::wstring& path)
     IWICImagingFactory* factory = nullptr;
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
                                       reinterpret_cast<void**>(&factory));
-    if (SUCCEEDED(result))
+    if (SUCCEEDED(result)) {
         result = Decode(factory, path, *picture);
+    }
     ComRelease(factory);
-    if (SUCCEEDED(com))
+    if (SUCCEEDED(com)) {
         CoUninitialize();
-    if (FAILED(result) || picture->pixels.empty())
+    }
+    if (FAILED(result) || picture->pixels.empty()) {
         return nullptr;
+    }
     return picture;
 }

@@ -69,8 +69,9 @@ class PersonPainter {
     void Paint(std::uint32_t* picture, std::uint32_t width, std::uint32_t height, std::uint64_t frame) {
         constexpr std::uint64_t kFramesBetweenReadings = 6;
         const std::lock_guard guard(lock_);
-        if (frame % kFramesBetweenReadings == 0)
+        if (frame % kFramesBetweenReadings == 0) {
             settings_.Update();
+        }
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
         scene_.Paint(picture, static_cast<int>(width), static_cast<int>(height), time.count(), settings_.Scene());
     }
@@ -86,12 +87,14 @@ class PersonPainter {
 bool PlugIn() {
     const char* text = std::getenv("PIXORA_DEMO_CAMERA");
     const CameraOptions options = ParseCameraOptions(text ? text : "");
-    if (options.fault == CameraFault::kAbsent)
+    if (options.fault == CameraFault::kAbsent) {
         return false;
+    }
     CameraSettings settings;
     settings.modes = {options.mode};
-    if (options.picture == CameraPicture::kHalves)
+    if (options.picture == CameraPicture::kHalves) {
         settings.painter = PaintHalves;
+    }
     if (options.picture == CameraPicture::kPerson) {
         settings.painter = [painter = std::make_shared<PersonPainter>()](auto... frame) { painter->Paint(frame...); };
     }

@@ -7,26 +7,26 @@
 namespace {
 
 TEST(StartDecision, NothingReadableMeansTheDriverIsMissing) {
-    EXPECT_EQ(ChooseStartWindow({}), StartWindow::DriverBrokenMessage);
+    EXPECT_EQ(ChooseStartWindow({}), StartWindow::kDriverBrokenMessage);
 }
 
 TEST(StartDecision, OnlyADriverValueOfOneCounts) {
     for (const int driver : {0, 2, -1, 10, INT_MIN, INT_MAX}) {
         for (const int algorithm : {0, 1, 2, -1})
-            EXPECT_EQ(ChooseStartWindow({driver, algorithm}), StartWindow::DriverBrokenMessage) << driver;
+            EXPECT_EQ(ChooseStartWindow({driver, algorithm}), StartWindow::kDriverBrokenMessage) << driver;
     }
 }
 
 TEST(StartDecision, OnlyAnAlgorithmValueOfZeroCounts) {
-    EXPECT_EQ(ChooseStartWindow({1, 0}), StartWindow::FunctionUnavailableMessage);
+    EXPECT_EQ(ChooseStartWindow({1, 0}), StartWindow::kFunctionUnavailableMessage);
     for (const int algorithm : {1, 2, -1, INT_MIN, INT_MAX})
-        EXPECT_EQ(ChooseStartWindow({1, algorithm}), StartWindow::Settings) << algorithm;
+        EXPECT_EQ(ChooseStartWindow({1, algorithm}), StartWindow::kSettings) << algorithm;
 }
 
 TEST(StartDecision, AnAlgorithmThatNobodyComplainedOfIsFine) {
     StartSettings settings;
     settings.filterDriverInstall = 1;
-    EXPECT_EQ(ChooseStartWindow(settings), StartWindow::Settings);
+    EXPECT_EQ(ChooseStartWindow(settings), StartWindow::kSettings);
 }
 
 TEST(StartDecision, TheOneCommand) {

@@ -270,8 +270,7 @@ TEST_F(HomePageGalleryTest, WithoutItsOptionAClickIsLogged) {
 TEST_F(HomePageGalleryTest, AnItemMayBeRemovedByItsOwnClick) {
     Add(0);
     auto& model = *HomeService::GetInstance();
-    HomeServiceTestAccess::CustomItems().push_back({Name(0), 0, 14, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
-    HomeServiceTestAccess::CustomByName()[Name(0)] = L"C:\\nowhere.jpg";
+    HomeServiceTestAccess::AddCustomItem({Name(0), 0, 14, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
     Control(Name(0) + L"_del").SetVisible(true);
     Manager().UpdateLayout();
     Press(Name(0) + L"_del");

@@ -104,26 +104,28 @@ TEST_F(HomePageOwnFileTest, ARefusedFileChangesNothing) {
 }
 
 TEST_F(HomePageOwnFileTest, AFullListShowsTheNoticeAndNoDialog) {
-    auto& items = HomeServiceTestAccess::CustomItems();
-    for (int i = 0; i < 32; ++i)
-        items.push_back({Name(i), 0, 14 + i, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
+    const auto fill = [](int count) {
+        HomeServiceTestAccess::Clear();
+        for (int i = 0; i < count; ++i) {
+            HomeServiceTestAccess::AddCustomItem({Name(i), 0, 14 + i, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
+        }
+    };
+    fill(32);
     EXPECT_THAT(CallsOf(kAddButton), IsEmpty());
     EXPECT_EQ(Host().limitNotices, 1);
     EXPECT_EQ(dialog_.shown, 0);
     EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
     EXPECT_TRUE(Control(kAddButton).IsEnabled());
-    items.pop_back();
+    fill(31);
     EXPECT_THAT(CallsOf(kAddButton), IsEmpty());
     EXPECT_EQ(dialog_.shown, 1) << "thirty-one leave room";
-    items.clear();
 }
 
 // A video that is gone takes its entry with it.
 TEST_F(HomePageOwnFileTest, AVideoThatIsGoneLeavesFramingOn) {
     Expect("[L4] Get option null!(HomePage::ClickChangeBackground)");
     const int index = Page().AddCustomItem(Name(0), L"drawable/LumiCamera/thumb_add.png", true);
-    HomeServiceTestAccess::CustomItems().push_back({Name(0), 1, index, L"C:\\nowhere.jpg", L"C:\\nowhere.mp4"});
-    HomeServiceTestAccess::CustomByName()[Name(0)] = L"C:\\nowhere.jpg";
+    HomeServiceTestAccess::AddCustomItem({Name(0), 1, index, L"C:\\nowhere.jpg", L"C:\\nowhere.mp4"});
     EXPECT_THAT(CallsOf(Name(0)), ElementsAre("lumi_camera_custom_img_group="));
     EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
     EXPECT_THAT(Host().Messages(), ElementsAre(1));

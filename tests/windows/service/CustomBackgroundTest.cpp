@@ -40,15 +40,14 @@ class CustomBackgroundTest : public ServiceTest {
     static std::filesystem::path Picture(int number) { return Pictures() / (Name(number) + L".jpg"); }
     static std::filesystem::path Video(int number) { return Pictures() / (std::to_wstring(number) + L".mp4"); }
 
-    Records& Items() { return HomeServiceTestAccess::CustomItems(*model_); }
-    std::map<std::wstring, std::wstring>& ByName() { return HomeServiceTestAccess::CustomByName(*model_); }
+    const Records& Items() { return HomeServiceTestAccess::CustomItems(*model_); }
+    const std::map<std::wstring, std::wstring>& ByName() { return HomeServiceTestAccess::CustomByName(*model_); }
 
     // As the gallery has it: the items stand before the add button, after 14 others.
     void AddImage(int number) { Add(number, false, L"D:\\photo.png"); }
     void AddVideo(int number) {
         MakeFile(Video(number));
         Add(number, true, Video(number));
-        ByName()[Name(number) + L"_video"] = Video(number);
     }
     void SaveGroup() { Write(L"lumi_camera_custom_img_group", CustomImageGroup::Serialise(Items())); }
     static Records SavedGroup() {
@@ -70,8 +69,10 @@ class CustomBackgroundTest : public ServiceTest {
   private:
     void Add(int number, bool isVideo, const std::wstring& source) {
         MakeFile(Picture(number));
-        Items().push_back({Name(number), isVideo, 14 + static_cast<int>(Items().size()), Picture(number), source});
-        ByName()[Name(number)] = Picture(number);
+        auto list = model_->Backgrounds().List();
+        list.Append({Name(number), isVideo, 14 + static_cast<int>(Items().size()), Picture(number), source});
+        list.SetPaths(Name(number), source);
+        model_->Backgrounds().SetList(list);
     }
 
     std::int64_t hubId_ = 0;
@@ -178,8 +179,11 @@ TEST_F(CustomBackgroundTest, DeletingAnotherItemKeepsTheSelection) {
 TEST_F(CustomBackgroundTest, AStaleItemWasNeverInTheGallery) {
     AddImage(0);
     AddImage(1);
-    Items()[1].index = 20;
-    ByName().erase(Name(0));
+    service::OwnBackgroundList list;
+    list.Assign(Items());
+    list.SetIndex(Name(1), 20);
+    list.SetPaths(Name(1), {});
+    model_->Backgrounds().SetList(list);
     SaveGroup();
     EXPECT_TRUE(model_->DeleteCustomBackground(Name(0)));
     EXPECT_TRUE(removed_.empty());

@@ -1,5 +1,5 @@
 // The gallery's thumbnails of real picture files: each colour where the picture has it.
-#include "service/PictureThumbnail.h"
+#include "service/pictures/PictureThumbnail.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace {

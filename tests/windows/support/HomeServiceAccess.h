@@ -1,6 +1,6 @@
 #pragma once
-// Models beside the process-wide one, and what is otherwise reached through files that the user picks. Thread: the
-// model's.
+// Models beside the process-wide one, and what is on their lists, which otherwise holds files that the user picked.
+// Thread: the model's.
 #include <map>
 #include <memory>
 #include <string>
@@ -9,19 +9,23 @@
 #include "service/HomeService.h"
 
 struct HomeServiceTestAccess {
-    struct Delete {
-        void operator()(HomeService* model) const { delete model; }
-    };
-    using Model = std::unique_ptr<HomeService, Delete>;
+    using Model = std::unique_ptr<HomeService>;
 
-    static Model Make() { return Model(new HomeService); }
-    static std::vector<CustomImageRecord>& CustomItems(HomeService& model = *HomeService::GetInstance()) {
-        return model.customItems_;
+    static Model Make() { return std::make_unique<HomeService>(); }
+    static const std::vector<CustomImageRecord>& CustomItems(HomeService& model = *HomeService::GetInstance()) {
+        return model.Backgrounds().List().Records();
     }
-    static std::map<std::wstring, std::wstring>& CustomByName(HomeService& model = *HomeService::GetInstance()) {
-        return model.customByName_;
+    static const std::map<std::wstring, std::wstring>& CustomByName(HomeService& model = *HomeService::GetInstance()) {
+        return model.Backgrounds().List().FilePaths();
     }
+    static void AddCustomItem(const CustomImageRecord& record) {
+        service::OwnBackgroundList list = HomeService::GetInstance()->Backgrounds().List();
+        list.Append(record);
+        list.SetPaths(record.name, record.sourcePath);
+        HomeService::GetInstance()->Backgrounds().SetList(list);
+    }
+    static void Clear() { HomeService::GetInstance()->Backgrounds().SetList({}); }
     // As InitCustomImage for that user.
-    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.LoadCustomImages(userSid); }
-    static bool HasTakenASnapshot(HomeService& model) { return !model.indexToBtn_.empty(); }
+    static void LoadCustomImages(HomeService& model, const std::wstring& userSid) { model.Backgrounds().Load(userSid); }
+    static bool HasTakenASnapshot(HomeService& model) { return model.Status().HasRead(); }
 };

@@ -88,8 +88,7 @@ void ProgramTest::SetUp() {
     for (const wchar_t* name : {L"lumi_camera_beauty_smooth", L"lumi_camera_beauty_white", L"lumi_camera_beauty_eye",
                                 L"lumi_camera_beauty_thin"})
         Write(name, 5);
-    HomeServiceTestAccess::CustomItems().clear();
-    HomeServiceTestAccess::CustomByName().clear();
+    HomeServiceTestAccess::Clear();
     Input::Park();
     Input::TakeQuit();
     SentMessages();

@@ -19,8 +19,7 @@ class DelDoubleCheckPageTest : public ProgramTest {
     void SetUp() override {
         ProgramTest::SetUp();
         for (const wchar_t* name : {L"custom_background_btn_0", L"custom_background_btn_1"}) {
-            HomeServiceTestAccess::CustomItems().push_back({name, 0, -1, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
-            HomeServiceTestAccess::CustomByName()[name] = L"C:\\nowhere.jpg";
+            HomeServiceTestAccess::AddCustomItem({name, 0, -1, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
         }
         box_.emplace(&owner_.PaintManager());
         ShowWindow(box_->GetHWND(), SW_SHOW);
@@ -266,8 +265,7 @@ TEST_F(DelDoubleCheckPageTest, WithoutAnOwnerThereIsNoWindow) {
 TEST_F(MainWindowTest, AsksBeforeACustomBackgroundIsDeleted) {
     const wchar_t name[] = L"custom_background_btn_3";
     const int index = Home().AddCustomItem(name, L"drawable/LumiCamera/thumb_add.png", false);
-    HomeServiceTestAccess::CustomItems().push_back({name, 0, index, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
-    HomeServiceTestAccess::CustomByName()[name] = L"C:\\nowhere.jpg";
+    HomeServiceTestAccess::AddCustomItem({name, 0, index, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
     Reveal(name);
     Input::MoveTo(Control(name));
     ASSERT_TRUE(Control(L"custom_background_btn_3_del").IsVisible());

@@ -317,8 +317,8 @@ TEST_F(MainWindowTest, TheProgramsHintsAreTwoPopups) {
     EXPECT_STREQ(text, L"Pixora ToolTip");
     GetWindowTextW(deleteHint.GetHWND(), text, 64);
     EXPECT_STREQ(text, L"CUSTOM_DEL_TOOL_TIP_CLASS");
-    EXPECT_EQ(Window().GetHint(PageHost::Hint::Option), static_cast<HintWindow*>(&hint));
-    EXPECT_EQ(Window().GetHint(PageHost::Hint::DeleteButton), static_cast<HintWindow*>(&deleteHint));
+    EXPECT_EQ(Window().GetHint(PageHost::Hint::kOption), static_cast<HintWindow*>(&hint));
+    EXPECT_EQ(Window().GetHint(PageHost::Hint::kDeleteButton), static_cast<HintWindow*>(&deleteHint));
 }
 
 }  // namespace

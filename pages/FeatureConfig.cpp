@@ -1,7 +1,7 @@
-// Reads the feature configuration file that ships beside the program.
+#include "pages/FeatureConfig.h"
+
 #include <stdexcept>
 
-#include "pages/HomePage.h"
 #include "suite/logger/QxLogger.h"
 #include "suite/product/MachineType.h"
 #include "suite/xml/FileInfo.h"
@@ -17,31 +17,34 @@ std::wstring Widen(const std::string& ascii) {
 
 }  // namespace
 
-int HomePage::GetCameraXmlConfig(const std::string& key) {
-    if (key.empty())
+int ReadFeatureConfig(const std::string& key) {
+    if (key.empty()) {
         return 0;
+    }
     QxXMLDocument document;
     if (document.LoadFile(FileInfo::GetSelfFullFilePath("plugins\\lumi_camera_config.xml")) != 0) {
-        LogLine(4, kFunction, L"load lumi_camera_config Xml fail");
+        LogLine(LogLevel::kError, kFunction, L"load lumi_camera_config Xml fail");
         return 0;
     }
     const QxXmlElement root = document.RootElement();
     if (root.IsElementNull()) {
-        LogLine(4, kFunction, L"lumi_camera_config xml root node is null");
+        LogLine(LogLevel::kError, kFunction, L"lumi_camera_config xml root node is null");
         return 0;
     }
     QxXmlElement setting = root.FirstNode(ProductAdapt::MachineType::GetProductName()).FirstNode(key);
-    if (setting.IsElementNull())
+    if (setting.IsElementNull()) {
         setting = root.FirstNode("Default").FirstNode(key);
-    if (setting.IsElementNull())
+    }
+    if (setting.IsElementNull()) {
         return 0;
+    }
 
     int value = 0;
     try {
         value = std::stoi(setting.FirstAttribute("value").Value());
     } catch (const std::logic_error& error) {
-        LogLine(3, kFunction, L"lumi_camera_config get value error: ", Widen(error.what()));
+        LogLine(LogLevel::kInfo, kFunction, L"lumi_camera_config get value error: ", Widen(error.what()));
     }
-    LogLine(3, kFunction, L"lumi_camera_config node ", Widen(key), L" value is ", value);
+    LogLine(LogLevel::kInfo, kFunction, L"lumi_camera_config node ", Widen(key), L" value is ", value);
     return value;
 }

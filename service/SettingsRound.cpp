@@ -1,14 +1,15 @@
-// One round of watching the settings key.
+#include "service/SettingsRound.h"
+
 #include <windows.h>
 
 #include "DuiLib/UIMainQueue.h"
-#include "service/HomeService.h"
+#include "service/GlobalUtils.h"
 #include "service/KindNotifier.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "suite/common/Handle.h"
 
-using GlobalUtils::MessageBoxKind;
+namespace service {
 
 namespace {
 
@@ -20,7 +21,7 @@ class WatchedKey {
         }
     }
     ~WatchedKey() {
-        if (key_ != nullptr) {
+        if (key_) {
             RegCloseKey(key_);
         }
     }
@@ -29,7 +30,7 @@ class WatchedKey {
 
     bool Arm(HANDLE event) const {
         constexpr DWORD kFilter = REG_NOTIFY_CHANGE_NAME | REG_NOTIFY_CHANGE_ATTRIBUTES | REG_NOTIFY_CHANGE_LAST_SET;
-        return key_ != nullptr && RegNotifyChangeKeyValue(key_, TRUE, kFilter, event, TRUE) == ERROR_SUCCESS;
+        return key_ && RegNotifyChangeKeyValue(key_, TRUE, kFilter, event, TRUE) == ERROR_SUCCESS;
     }
 
   private:
@@ -38,7 +39,7 @@ class WatchedKey {
 
 }  // namespace
 
-bool HomeService::WatchSettingsOnce(const std::function<void()>& callback) {
+bool WatchSettingsRound(const std::function<void()>& callback) {
     // Kept: signalled from the start, so that without another holder of the name the first wait returns at once, and
     // compared with INVALID_HANDLE_VALUE, which it never is; without an event arming or waiting fails.
     const HANDLE rawEvent = CreateEventW(nullptr, FALSE, TRUE, SettingNames::kChangedEventName);
@@ -54,10 +55,11 @@ bool HomeService::WatchSettingsOnce(const std::function<void()>& callback) {
         int initialised = 1;
         SettingsStore::Read(SettingNames::kInitAlgorithm, initialised);
         if (initialised == 0) {
-            KindNotifier<MessageBoxKind>::GetInstance().Publish(GlobalUtils::kMessageBoxChannel,
-                                                                MessageBoxKind::kAlgorithmNotReady);
+            PublishMessage(GlobalUtils::MessageBoxKind::kAlgorithmNotReady);
         }
     }
     event.Reset();
     return woken;
 }
+
+}  // namespace service

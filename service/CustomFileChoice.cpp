@@ -1,0 +1,114 @@
+#include "service/CustomFileChoice.h"
+
+#include <cderr.h>
+#include <commdlg.h>
+
+#include <array>
+#include <memory>
+
+#include "preview/ImageReader.h"
+#include "preview/VideoReader.h"
+#include "service/FileUtil.h"
+#include "service/GlobalUtils.h"
+#include "service/KindNotifier.h"
+#include "service/pictures/PaintingWait.h"
+#include "service/pictures/VideoCover.h"
+#include "suite/logger/QxLogger.h"
+
+namespace service {
+
+using GlobalUtils::MessageBoxKind;
+
+namespace {
+
+constexpr DWORD kPathSize = 260;
+constexpr wchar_t kFilter[] = L"Image File\0*.jpg;*.jpeg;*.bmp;*.png;*.mp4;*.mov\0";
+constexpr UINT kMaxImageWidth = 4096;
+constexpr UINT kMaxImageHeight = 4096;
+constexpr UINT kMaxVideoWidth = 1920;
+constexpr UINT kMaxVideoHeight = 1200;
+
+}  // namespace
+
+bool CustomFileChoice::AskForFile(std::wstring& path) const {
+    std::array<wchar_t, kPathSize> buffer{};
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = owner_;
+    dialog.lpstrFilter = kFilter;
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = buffer.data();
+    dialog.nMaxFile = kPathSize;
+    // The last two: nothing is written to the file, and the process stays in its folder, lest it hold the user's.
+    dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (!GetOpenFileNameW(&dialog)) {
+        const DWORD error = CommDlgExtendedError();
+        if (error != 0) {
+            LogLine(LogLevel::kError, L"HomeService::ChooseCustomFile", L"The file dialog failed: ", error);
+            if (error == FNERR_BUFFERTOOSMALL) {
+                // A path of more characters than the system's tools take.
+                PublishMessage(MessageBoxKind::kFileUnreadable);
+            }
+        }
+        return false;
+    }
+    path = buffer.data();
+    return true;
+}
+
+bool CustomFileChoice::Choose(std::wstring& path) const {
+    std::wstring chosen;
+    if (!AskForFile(chosen)) {
+        return false;
+    }
+    bool accepted = true;
+    if (FileUtil::GetInstance().IsImageFile(chosen)) {
+        accepted = CheckImageFile(chosen);
+    } else if (FileUtil::GetInstance().IsVideoFile(chosen)) {
+        accepted = CheckVideoFile(chosen);
+    }
+    if (accepted) {
+        path = chosen;
+    }
+    return accepted;
+}
+
+bool CustomFileChoice::CheckImageFile(const std::wstring& path) {
+    ImageReader reader;
+    UINT width = 0;
+    UINT height = 0;
+    if (!reader.Open(path) || !reader.GetSize(&width, &height)) {
+        PublishMessage(MessageBoxKind::kFileUnreadable);
+        return false;
+    }
+    if (width > kMaxImageWidth || height > kMaxImageHeight) {
+        PublishMessage(MessageBoxKind::kImageTooLarge);
+        return false;
+    }
+    return true;
+}
+
+bool CustomFileChoice::CheckVideoFile(const std::wstring& path) {
+    struct Size {
+        UINT width = 0;
+        UINT height = 0;
+    };
+    const auto size = std::make_shared<Size>();
+    const bool opened = RunWhilePainting(
+        [path, size] {
+            VideoReader reader;
+            return reader.Open(path) && reader.GetFrameSize(&size->width, &size->height);
+        },
+        kVideoPatience);
+    if (!opened) {
+        PublishMessage(MessageBoxKind::kFileUnreadable);
+        return false;
+    }
+    if (size->width > kMaxVideoWidth || size->height > kMaxVideoHeight) {
+        PublishMessage(MessageBoxKind::kVideoTooLarge);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace service
