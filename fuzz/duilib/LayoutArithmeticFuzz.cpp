@@ -16,7 +16,7 @@ namespace {
 // Mostly numbers of layouts, now and then any number at all.
 int TakeNumber(Input& in) {
     const auto kind = in.Any<std::uint8_t>();
-    return kind == 255 ? in.Any<std::int32_t>()
+    return kind == 255  ? in.Any<std::int32_t>()
            : kind > 200 ? static_cast<int>(in.Within(-kUnlimitedPx, kUnlimitedPx))
                         : static_cast<int>(in.Within(-20, 235));
 }
@@ -60,7 +60,8 @@ void CheckLine(Input& in) {
             used += static_cast<long long>(item.beforePx) + spans[i].sizePx + item.afterPx + (i > 0 ? gap : 0);
         }
         fills = fills || item.fill;
-        limited = limited || (item.fill && (spans[i].sizePx == std::max(0, item.minPx) || spans[i].sizePx == item.maxPx));
+        limited =
+            limited || (item.fill && (spans[i].sizePx == std::max(0, item.minPx) || spans[i].sizePx == item.maxPx));
     }
     // Children that fill leave no pixel over, unless their limits or the room say otherwise.
     if (plain && fills && !limited) {
@@ -114,7 +115,8 @@ void CheckDirty(Input& in) {
     const std::vector<Rect> rects = region.Take();
     REQUIRE(region.IsEmpty());
     for (const Rect& rect : added) {
-        REQUIRE(rect.IsEmpty() || std::any_of(rects.begin(), rects.end(), [&](const Rect& r) { return r.Union(rect) == r; }));
+        REQUIRE(rect.IsEmpty() ||
+                std::any_of(rects.begin(), rects.end(), [&](const Rect& r) { return r.Union(rect) == r; }));
     }
     for (std::size_t i = 0; i < rects.size(); ++i) {
         REQUIRE(!rects[i].IsEmpty());

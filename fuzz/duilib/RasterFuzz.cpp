@@ -1,5 +1,5 @@
-// Series of drawing operations with any rectangles, radii and clips over pixels that lie in exactly the memory that they
-// need: only what is within rectangle, clip and view changes, and it stays opaque.
+// Series of drawing operations with any rectangles, radii and clips over pixels that lie in exactly the memory that
+// they need: only what is within rectangle, clip and view changes, and it stays opaque.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -21,8 +21,9 @@ constexpr int kMostOperations = 12;
 struct Picture {
     Picture(int widthPx, int heightPx, int gapPx, std::uint32_t color)
         : width(widthPx), height(heightPx), stride(widthPx + gapPx) {
-        pixels.resize(height == 0 ? 0 : static_cast<std::size_t>(stride) * static_cast<std::size_t>(height - 1) +
-                                            static_cast<std::size_t>(width),
+        pixels.resize(height == 0 ? 0
+                                  : static_cast<std::size_t>(stride) * static_cast<std::size_t>(height - 1) +
+                                        static_cast<std::size_t>(width),
                       color);
     }
     PixelView View() { return {pixels.data(), width, height, stride}; }

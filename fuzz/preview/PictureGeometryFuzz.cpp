@@ -1,5 +1,5 @@
-// Where a camera's picture goes in the window, whatever size and pixel shape the camera claims; and the mirror step with
-// any pitch.
+// Where a camera's picture goes in the window, whatever size and pixel shape the camera claims; and the mirror step
+// with any pitch.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -37,7 +37,8 @@ class Reader {
             }
             const char escape = Take();
             if (escape == 'u') {
-                suite::AppendUtf8(text, static_cast<char32_t>(std::stoul(std::string(rest_.substr(0, 4)), nullptr, 16)));
+                suite::AppendUtf8(text,
+                                  static_cast<char32_t>(std::stoul(std::string(rest_.substr(0, 4)), nullptr, 16)));
                 rest_.remove_prefix(4);
             } else {
                 REQUIRE(escape == '"' || escape == '\\');

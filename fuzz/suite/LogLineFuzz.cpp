@@ -34,8 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     int level = 4;
     unsigned long thread = 1234;
     if (in.Flag()) {
-        for (int* field : {&time.year, &time.month, &time.day, &time.hour, &time.minute, &time.second,
-                           &time.millisecond, &level}) {
+        for (int* field :
+             {&time.year, &time.month, &time.day, &time.hour, &time.minute, &time.second, &time.millisecond, &level}) {
             *field = in.Any<std::int32_t>();
         }
         thread = in.Any<unsigned long>();
@@ -49,8 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string mark = " [L" + std::to_string(level) + "] [" + std::to_string(thread) + "] ";
     const std::size_t begin = line.find(mark);
     REQUIRE(begin != line.npos && begin >= 23);
-    const std::string expected =
-        suite::ToUtf8(Cleaned(text)) + (text.size() > suite::kLongestLogText ? "...\n" : "\n");
+    const std::string expected = suite::ToUtf8(Cleaned(text)) + (text.size() > suite::kLongestLogText ? "...\n" : "\n");
     REQUIRE(line.substr(begin + mark.size()) == expected);
     REQUIRE(suite::ToUtf8(suite::FromUtf8(line)) == line);
     REQUIRE(std::count(line.begin(), line.end(), '\n') == 1);

@@ -29,7 +29,8 @@ void CheckRegistryText(std::span<const std::uint8_t> bytes) {
     REQUIRE(text->size() == bytes.size() / 2 || (bytes[2 * text->size()] | bytes[2 * text->size() + 1]) == 0);
     const std::wstring path = DE::SystemKeyPath(*text);
     REQUIRE(text->ends_with(path) && !path.starts_with(L'\\'));
-    REQUIRE(text->find_first_not_of(L'\\') == text->npos || text->size() - path.size() == text->find_first_not_of(L'\\'));
+    REQUIRE(text->find_first_not_of(L'\\') == text->npos ||
+            text->size() - path.size() == text->find_first_not_of(L'\\'));
 }
 
 // What passes can neither leave the quotes of a command line nor name a program.

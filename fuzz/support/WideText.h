@@ -17,7 +17,8 @@ inline std::wstring WideText(std::span<const std::uint8_t> bytes) {
     std::string_view rest(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     while (!rest.empty()) {
         if (rest.front() == '\xFF' && rest.size() >= 3) {
-            text += static_cast<wchar_t>(static_cast<unsigned char>(rest[1]) << 8 | static_cast<unsigned char>(rest[2]));
+            text +=
+                static_cast<wchar_t>(static_cast<unsigned char>(rest[1]) << 8 | static_cast<unsigned char>(rest[2]));
             rest.remove_prefix(3);
             continue;
         }

@@ -1,6 +1,6 @@
 // Whole layouts: built, arranged at several scales, painted, and used by mouse and keyboard, in a window that is never
-// shown. An input that begins with an odd byte, '<' excepted, chooses elements, attributes and values, so that what comes
-// out is XML that the builder takes; any other is a layout file.
+// shown. An input that begins with an odd byte, '<' excepted, chooses elements, attributes and values, so that what
+// comes out is XML that the builder takes; any other is a layout file.
 #include <windows.h>
 
 #include <array>
@@ -22,26 +22,130 @@ constexpr int kMostControls = 40;
 constexpr int kMostLevels = 6;
 constexpr int kFar = 1 << 26;  // no rectangle lies further out
 
-constexpr const char* kClasses[] = {"Control", "Container", "VerticalLayout", "HorizontalLayout", "TileLayout",
-                                    "TabLayout", "Label", "Text", "Button", "Option", "Progress", "Slider"};
-constexpr const char* kNames[] = {
-    "accname", "align", "barcolor", "barheight", "bkcolor", "bkimage", "bordercolor", "borderround", "bordersize",
-    "childpadding", "columns", "cursor", "disabledbkcolor", "disabledimage", "disabledtextcolor", "enabled",
-    "endellipsis", "float", "focusbordercolor", "focusedimage", "font", "forecolor", "foreimage", "group", "height",
-    "hotbkcolor", "hotimage", "hottextcolor", "hscrollbar", "inset", "IsNcHit", "itemsize", "keyboard", "max",
-    "maxheight", "maxwidth", "min", "minheight", "minwidth", "mirror", "mouse", "name", "normalimage", "padding", "pos",
-    "pushedbkcolor", "pushedimage", "pushedtextcolor", "rowpadding", "selected", "selectedbkcolor", "selectedid",
-    "selectedimage", "selectedtextcolor", "showhtml", "step", "style", "text", "textcolor", "textpadding", "thumbimage",
-    "thumbsize", "tooltip", "userdata", "valign", "value", "virtualwnd", "visible", "vscrollbar", "width", "wordwrap"};
+constexpr const char* kClasses[] = {"Control",    "Container", "VerticalLayout", "HorizontalLayout",
+                                    "TileLayout", "TabLayout", "Label",          "Text",
+                                    "Button",     "Option",    "Progress",       "Slider"};
+constexpr const char* kNames[] = {"accname",
+                                  "align",
+                                  "barcolor",
+                                  "barheight",
+                                  "bkcolor",
+                                  "bkimage",
+                                  "bordercolor",
+                                  "borderround",
+                                  "bordersize",
+                                  "childpadding",
+                                  "columns",
+                                  "cursor",
+                                  "disabledbkcolor",
+                                  "disabledimage",
+                                  "disabledtextcolor",
+                                  "enabled",
+                                  "endellipsis",
+                                  "float",
+                                  "focusbordercolor",
+                                  "focusedimage",
+                                  "font",
+                                  "forecolor",
+                                  "foreimage",
+                                  "group",
+                                  "height",
+                                  "hotbkcolor",
+                                  "hotimage",
+                                  "hottextcolor",
+                                  "hscrollbar",
+                                  "inset",
+                                  "IsNcHit",
+                                  "itemsize",
+                                  "keyboard",
+                                  "max",
+                                  "maxheight",
+                                  "maxwidth",
+                                  "min",
+                                  "minheight",
+                                  "minwidth",
+                                  "mirror",
+                                  "mouse",
+                                  "name",
+                                  "normalimage",
+                                  "padding",
+                                  "pos",
+                                  "pushedbkcolor",
+                                  "pushedimage",
+                                  "pushedtextcolor",
+                                  "rowpadding",
+                                  "selected",
+                                  "selectedbkcolor",
+                                  "selectedid",
+                                  "selectedimage",
+                                  "selectedtextcolor",
+                                  "showhtml",
+                                  "step",
+                                  "style",
+                                  "text",
+                                  "textcolor",
+                                  "textpadding",
+                                  "thumbimage",
+                                  "thumbsize",
+                                  "tooltip",
+                                  "userdata",
+                                  "valign",
+                                  "value",
+                                  "virtualwnd",
+                                  "visible",
+                                  "vscrollbar",
+                                  "width",
+                                  "wordwrap"};
 constexpr const char* kValues[] = {
-    "0", "1", "-1", "5", "17", "100", "350", "1000000", "-1000000", "1000001", "99999999999", "auto", "fill", "true",
-    "false", "left", "center", "right", "top", "bottom", "hand", "0,0,0,0", "1,2,3,4", "10,20,300,400", "-5,-5,-5,-5",
-    "1000000,1000000,1000000,1000000", "-1000000,0,1000000,0", "20,20", "1,1", "0,0", "60,40", "1000000,1000000",
-    "#FF102030", "#80FF0000", "#00000000", "#123456", "a", "group", "IDS_LUMI_CANCEL", "one two three four",
+    "0",
+    "1",
+    "-1",
+    "5",
+    "17",
+    "100",
+    "350",
+    "1000000",
+    "-1000000",
+    "1000001",
+    "99999999999",
+    "auto",
+    "fill",
+    "true",
+    "false",
+    "left",
+    "center",
+    "right",
+    "top",
+    "bottom",
+    "hand",
+    "0,0,0,0",
+    "1,2,3,4",
+    "10,20,300,400",
+    "-5,-5,-5,-5",
+    "1000000,1000000,1000000,1000000",
+    "-1000000,0,1000000,0",
+    "20,20",
+    "1,1",
+    "0,0",
+    "60,40",
+    "1000000,1000000",
+    "#FF102030",
+    "#80FF0000",
+    "#00000000",
+    "#123456",
+    "a",
+    "group",
+    "IDS_LUMI_CANCEL",
+    "one two three four",
     "&lt;b&gt;bold&lt;/b&gt; &lt;a href='https://example.org'&gt;link&lt;/a&gt;&lt;br&gt;next",
-    "&#x5F00;&#x542F;&#x6444;&#x50CF;&#x5934;", "&#x645;&#x631;&#x62D;&#x628;&#x627;", "&#x1F600;&#x1F600;",
-    "drawable/LumiCamera/unchecked.png", "file='drawable/LumiCamera/unchecked.png' corner='4,4,4,4' reverse='true'",
-    "file='drawable/LumiCamera/unchecked.png' source='0,0,4000,1' dest='-5,-5,900000,3' fade='100'", "none.png", "card"};
+    "&#x5F00;&#x542F;&#x6444;&#x50CF;&#x5934;",
+    "&#x645;&#x631;&#x62D;&#x628;&#x627;",
+    "&#x1F600;&#x1F600;",
+    "drawable/LumiCamera/unchecked.png",
+    "file='drawable/LumiCamera/unchecked.png' corner='4,4,4,4' reverse='true'",
+    "file='drawable/LumiCamera/unchecked.png' source='0,0,4000,1' dest='-5,-5,900000,3' fade='100'",
+    "none.png",
+    "card"};
 
 template <std::size_t kCount>
 const char* Pick(Input& in, const char* const (&from)[kCount]) {
@@ -133,11 +237,11 @@ void CheckTree(CPaintManagerUI& manager) {
 
 // A message as the system sends it, somewhere in the window.
 void SendSomething(Input& in, CPaintManagerUI& manager) {
-    constexpr std::array<UINT, 12> kMessages{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSELEAVE,
-                                             WM_MOUSEWHEEL, WM_KEYDOWN, WM_KEYDOWN, WM_KEYUP, WM_CAPTURECHANGED,
-                                             WM_SETFOCUS, WM_KILLFOCUS, WM_SETTINGCHANGE};
-    constexpr std::array<WPARAM, 12> kKeys{VK_TAB, VK_SPACE, VK_RETURN, VK_LEFT, VK_RIGHT, VK_UP,
-                                           VK_DOWN, VK_HOME, VK_END, VK_PRIOR, VK_NEXT, VK_ESCAPE};
+    constexpr std::array<UINT, 12> kMessages{WM_MOUSEMOVE,      WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSELEAVE,
+                                             WM_MOUSEWHEEL,     WM_KEYDOWN,     WM_KEYDOWN,   WM_KEYUP,
+                                             WM_CAPTURECHANGED, WM_SETFOCUS,    WM_KILLFOCUS, WM_SETTINGCHANGE};
+    constexpr std::array<WPARAM, 12> kKeys{VK_TAB,  VK_SPACE, VK_RETURN, VK_LEFT,  VK_RIGHT, VK_UP,
+                                           VK_DOWN, VK_HOME,  VK_END,    VK_PRIOR, VK_NEXT,  VK_ESCAPE};
     const UINT message = kMessages[static_cast<std::size_t>(in.Within(0, kMessages.size() - 1))];
     WPARAM wParam = 0;
     LPARAM lParam = 0;

@@ -22,10 +22,23 @@ using namespace SettingNames;
 
 namespace {
 
-constexpr std::array<const wchar_t*, 17> kNames{
-    kCameraSwitch, kBackgroundReplacement, kPreBackgroundReplacement, kBackgroundImagePath, kCustomImageGroup,
-    kSelectedButtonName, kSyncCustom, kEyeCorrection, kPersonTrack, kBeautyPerson, kBeautySmooth, kBeautyWhite,
-    kBeautyEye, kBeautyThin, kInitAlgorithm, kSupportHardSwitch, L"of somebody else"};
+constexpr std::array<const wchar_t*, 17> kNames{kCameraSwitch,
+                                                kBackgroundReplacement,
+                                                kPreBackgroundReplacement,
+                                                kBackgroundImagePath,
+                                                kCustomImageGroup,
+                                                kSelectedButtonName,
+                                                kSyncCustom,
+                                                kEyeCorrection,
+                                                kPersonTrack,
+                                                kBeautyPerson,
+                                                kBeautySmooth,
+                                                kBeautyWhite,
+                                                kBeautyEye,
+                                                kBeautyThin,
+                                                kInitAlgorithm,
+                                                kSupportHardSwitch,
+                                                L"of somebody else"};
 
 struct Value {
     DWORD type;
@@ -159,10 +172,10 @@ class Gallery {
 void UseModel(Input& in) {
     Gallery gallery;
     HomeService* const model = HomeService::GetInstance();
-    model->SetAddCustomItem([&](const std::wstring& name, const wchar_t* path, bool video) {
-        return gallery.Add(name, path, video);
-    });
-    model->SetRemoveCustomItem([&](std::int32_t index, const std::wstring& name) { return gallery.Remove(index, name); });
+    model->SetAddCustomItem(
+        [&](const std::wstring& name, const wchar_t* path, bool video) { return gallery.Add(name, path, video); });
+    model->SetRemoveCustomItem(
+        [&](std::int32_t index, const std::wstring& name) { return gallery.Remove(index, name); });
     CheckSnapshot(*model);
     model->NotifyStatus();
     model->IsSupportHardSwitch();
@@ -180,8 +193,8 @@ void UseModel(Input& in) {
                 model->SetCameraSwitch(in.Any<std::int8_t>());
                 break;
             case 3:
-                model->SelectBackground(std::wstring(FeatureTables::kBackgrounds.at(
-                    static_cast<std::size_t>(in.Within(0, 14))).control));
+                model->SelectBackground(
+                    std::wstring(FeatureTables::kBackgrounds.at(static_cast<std::size_t>(in.Within(0, 14))).control));
                 break;
             default:
                 model->SetBeautyEye(in.Any<std::int32_t>());

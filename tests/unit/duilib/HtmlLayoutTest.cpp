@@ -141,8 +141,7 @@ TEST(HtmlLayout, NoPairIsBroken) {
     EXPECT_THAT(LinesOf(Arranged(L"\xD842\xDFB7\xD842\xDFB7", 30)), ElementsAre(L"\xD842\xDFB7", L"\xD842\xDFB7"));
     // Where a stretch is too long to be measured as one.
     const std::wstring stretch(1023, L'x');
-    EXPECT_THAT(LinesOf(Arranged(stretch + L"\xD83D\xDE00", 10245)),
-                ElementsAre(stretch, L"\xD83D\xDE00"));
+    EXPECT_THAT(LinesOf(Arranged(stretch + L"\xD83D\xDE00", 10245)), ElementsAre(stretch, L"\xD83D\xDE00"));
 }
 
 }  // namespace
