@@ -68,16 +68,18 @@ PersonalData::PersonalData(std::vector<std::wstring> names) {
 std::wstring PersonalData::Mask(std::wstring_view text) const {
     const std::wstring lower = Lower(text);
     std::wstring out;
+    std::size_t accountEnd = 0;  // what follows an account begins a word of its own
     for (std::size_t at = 0; at < text.size();) {
         if (const std::size_t end = ProfileEnd(lower, at); end > at) {
             out += L"<user>";
             at = end;
             continue;
         }
-        const bool wordStarts = at == 0 || !IsWordPart(lower[at - 1]);
+        const bool wordStarts = at == accountEnd || !IsWordPart(lower[at - 1]);
         if (const std::size_t end = wordStarts ? AccountEnd(lower, at) : at; end > at) {
             out += L"S-1-5-21-<account>";
             at = end;
+            accountEnd = end;
             continue;
         }
         const auto name = std::find_if(names_.begin(), names_.end(), [&](const std::wstring& candidate) {

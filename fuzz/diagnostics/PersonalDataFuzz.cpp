@@ -79,7 +79,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     for (const std::wstring& name : names) {
         const std::wstring known = Lower(name);
-        if (known.size() > 1 && !IsMarkWord(known)) {
+        // One that begins or ends with punctuation may end where a mark begins.
+        const bool isWord = known.size() > 1 && IsWordPart(known.front()) && IsWordPart(known.back());
+        if (isWord && !IsMarkWord(known)) {
             REQUIRE(!StandsAlone(lower, known));
         }
     }

@@ -13,7 +13,7 @@ using namespace DuiLib;
 
 namespace {
 
-constexpr int kMostPixels = 40'000;
+constexpr int kMostPixels = 4'000;
 
 // Mostly small, now and then one long side.
 Size TakeSize(Input& in) {

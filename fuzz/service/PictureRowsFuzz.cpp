@@ -19,7 +19,7 @@ struct Picture {
 
 // Mostly small, now and then one long side.
 Picture TakePicture(Input& in) {
-    constexpr std::size_t kMostPixels = 20'000;
+    constexpr std::size_t kMostPixels = 3'000;
     const bool small = in.Any<std::uint8_t>() % 8 != 0;
     Picture picture;
     picture.width = static_cast<std::size_t>(in.Within(1, small ? 40 : 3000));

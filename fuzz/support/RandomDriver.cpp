@@ -1,6 +1,9 @@
 // The main program of a fuzz target where the compiler brings no fuzzer: runs every example as it is, then random
 // changes of them. Not guided by coverage, so the examples and the words matter. The input that ends the program is
-// left in the file "crash-input".
+// left in the file "crash-input". Arguments as libFuzzer's: -runs=N or -max_total_time=SECONDS, -seed=N, -dict=FILE,
+// files and folders of examples.
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -149,6 +152,7 @@ class Mutator {
 int main(int argc, char** argv) {
     unsigned long runs = 20'000;
     unsigned seed = 1;
+    std::chrono::seconds time{0};  // 0: as many runs as it takes
     std::vector<std::string> examples, words;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
@@ -156,6 +160,8 @@ int main(int argc, char** argv) {
             runs = std::strtoul(argument.c_str() + 6, nullptr, 10);
         } else if (argument.starts_with("-seed=")) {
             seed = static_cast<unsigned>(std::strtoul(argument.c_str() + 6, nullptr, 10));
+        } else if (argument.starts_with("-max_total_time=")) {
+            time = std::chrono::seconds(std::strtol(argument.c_str() + 16, nullptr, 10));
         } else if (argument.starts_with("-dict=")) {
             words = ReadWords(argument.substr(6));
         } else {
@@ -174,9 +180,11 @@ int main(int argc, char** argv) {
         Run(example);
     }
     Mutator mutator(seed, examples, words);
-    for (unsigned long run = 0; run < runs; ++run) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    unsigned long run = 0;
+    for (; time.count() > 0 ? std::chrono::steady_clock::now() < end : run < runs; ++run) {
         Run(mutator.Next());
     }
-    std::printf("%zu examples and %lu changes of them\n", examples.size(), runs);
+    std::printf("%zu examples and %lu changes of them\n", examples.size(), run);
     return 0;
 }

@@ -40,6 +40,12 @@ TEST(PersonalData, AccountsLoseTheirNumbers) {
     EXPECT_EQ(Masked(L"S-1-5-18 and BU"), L"S-1-5-18 and BU");
 }
 
+TEST(PersonalData, ANameThatFollowsAnAccountGoesToo) {
+    EXPECT_EQ(Masked(L"S-1-5-21-1-2-3-50anna; x"), L"S-1-5-21-<account><name>; x");
+    EXPECT_EQ(Masked(L"S-1-5-21-1-S-1-5-21-2"), L"S-1-5-21-<account>S-1-5-21-<account>");
+    EXPECT_EQ(Masked(L"annas-1-5-21-1"), L"annas-1-5-21-1");
+}
+
 TEST(PersonalData, EmptyTextStaysEmpty) {
     EXPECT_EQ(Masked(L""), L"");
     EXPECT_EQ(PersonalData({}).Mask(L"anna"), L"anna");
