@@ -1,5 +1,7 @@
 #include "suite/ipc/FrameQueue.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace suite {
@@ -20,7 +22,10 @@ std::vector<std::uint8_t> FrameQueue::Pop(std::size_t mostBytes) {
         if (bytes.empty()) {
             bytes = std::move(frames_.front());
         } else {
-            bytes.insert(bytes.end(), frames_.front().begin(), frames_.front().end());
+            const std::vector<std::uint8_t>& frame = frames_.front();
+            const std::size_t end = bytes.size();
+            bytes.resize(end + frame.size());
+            std::copy(frame.begin(), frame.end(), bytes.begin() + static_cast<std::ptrdiff_t>(end));
         }
         frames_.pop_front();
     }

@@ -2,6 +2,7 @@
 // checks judge that damage never changes what came before it, and that splits change nothing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "suite/ipc/PipeFrame.h"
