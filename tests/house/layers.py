@@ -19,6 +19,7 @@ ALLOWED = {
     "preview": {"preview", "suite"},
     "duilib": {"duilib", LIBRARY, "suite"},
     "diagnostics": {"diagnostics", "service", "preview", "suite"},
+    "setup": {"setup", "suite"},
     "suite": {"suite"},
 }
 ROOMS = (LIBRARY, PICTURES)
