@@ -13,7 +13,7 @@
 #include "fuzz/support/Input.h"
 #include "fuzz/support/Require.h"
 #include "service/CustomImageGroup.h"
-#include "service/CustomItemNames.h"
+#include "service/pictures/CustomItemNames.h"
 #include "service/FeatureTables.h"
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
