@@ -95,8 +95,11 @@ void LogReader::TakeNewOf(const std::wstring& program, std::vector<LoggedLine>& 
     // All are opened before the first is read: none is read twice when one is renamed meanwhile.
     std::vector<OpenFile> newestFirst;
     for (int number = 0; number <= kMostOlderFiles; ++number) {
-        const std::wstring suffix = number > 0 ? L"." + std::to_wstring(number) : L"";
-        OpenFile file = Open(folder_ / (program + suffix + kExtension));
+        std::wstring name = program;
+        if (number > 0) {
+            name += L"." + std::to_wstring(number);
+        }
+        OpenFile file = Open(folder_ / (name + kExtension));
         const bool twice = std::any_of(newestFirst.begin(), newestFirst.end(),
                                        [&file](const OpenFile& other) { return other.number == file.number; });
         if (file.handle && !twice) {

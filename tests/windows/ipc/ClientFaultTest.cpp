@@ -98,11 +98,11 @@ TEST_F(ClientFaultTest, ServerIsRestarted) {
 TEST_F(ClientFaultTest, LastMessageOfAnEndingServerArrives) {
     Inbox inbox;
     IPCMessageClient client(1, true, false, PipeName());
-    client.RegisterMessageCallback(0x22711, inbox.Callback());
+    client.RegisterMessageCallback(harness::Protocol::kNotificationCode, inbox.Callback());
     PipeServer server;
     ASSERT_TRUE(server.Start(PipeName()));
     ASSERT_TRUE(server.WaitFor(Kind::kHello, kDeadline));
-    EXPECT_EQ(server.Send(Message(0x22711)), 1);
+    EXPECT_EQ(server.Send(Message(harness::Protocol::kNotificationCode)), 1);
     server.Stop();
     EXPECT_TRUE(inbox.WaitFor(1));
 }
@@ -197,7 +197,7 @@ TEST_F(ClientFaultTest, ServerDiesWhileItReadsAMessage) {
     EXPECT_TRUE(client.PostIPCMessage(Ping()));
     const auto message = next.WaitFor(Kind::kMessage, kDeadline);
     ASSERT_TRUE(message);
-    EXPECT_EQ(message->frame.slot[2], 0x4B273B);
+    EXPECT_EQ(message->frame.slot[2], harness::Protocol::kSettingsChangedCode);
 }
 
 TEST_F(ClientFaultTest, ServerThatNeverReads) {

@@ -17,7 +17,7 @@ class ClientMessageTest : public IpcTest {};
 TEST_F(ClientMessageTest, BytesOnTheWire) {
     RawPipe server(PipeName());
     ASSERT_TRUE(server.Valid());
-    IPCMessageClient client(0xCE0000, true, false, PipeName());
+    IPCMessageClient client(harness::Protocol::kOwnClientId, true, false, PipeName());
     ASSERT_TRUE(server.Accept());
     EXPECT_EQ(server.Read(16), Bytes({'Q', 'X', 'P', 'F', 1, 0, 1, 0, 16, 0, 0, 0, 0, 0, 0xCE, 0}));
 
@@ -35,7 +35,7 @@ TEST_F(ClientMessageTest, EveryFieldReachesTheCallback) {
     RawPipe server(PipeName());
     Inbox inbox;
     IPCMessageClient client(1, true, false, PipeName());
-    client.RegisterMessageCallback(0x22711, inbox.Callback());
+    client.RegisterMessageCallback(harness::Protocol::kNotificationCode, inbox.Callback());
     ASSERT_TRUE(server.Accept());
     ASSERT_TRUE(server.Write({'Q',  'X',  'P',  'F', 1,    0,    2,    0,     //
                               57,   0,    0,    0,   2,    0,    0,    0,     // lengths of frame and text
@@ -46,7 +46,8 @@ TEST_F(ClientMessageTest, EveryFieldReachesTheCallback) {
                               9,    0,    0,    0,   'h',  'i',  0xA,  0xB,  0xC}));
     ASSERT_TRUE(inbox.WaitFor(1));
     const PipeFrame::Frame frame = inbox.Messages()[0].frame;
-    EXPECT_THAT(frame.slot, testing::ElementsAre(1, 0x40000, 0x22711, INT32_MIN + 4, 5, 6, 3));
+    EXPECT_THAT(frame.slot, testing::ElementsAre(1, harness::Protocol::kResetSubCode,
+                                                 harness::Protocol::kNotificationCode, INT32_MIN + 4, 5, 6, 3));
     EXPECT_EQ(frame.text, "hi");
     EXPECT_EQ(frame.flag, 9);
     EXPECT_EQ(frame.reserved, -2);
@@ -56,15 +57,15 @@ TEST_F(ClientMessageTest, EveryFieldReachesTheCallback) {
 TEST_F(ClientMessageTest, SaysHelloAndPings) {
     PipeServer server;
     ASSERT_TRUE(server.Start(PipeName()));
-    IPCMessageClient client(0xCE0000, true, false, PipeName());
+    IPCMessageClient client(harness::Protocol::kOwnClientId, true, false, PipeName());
     // The client is connected when its constructor returns.
     EXPECT_TRUE(client.PostIPCMessage(Ping()));
     const auto hello = server.WaitFor(Kind::kHello, kDeadline);
     ASSERT_TRUE(hello);
-    EXPECT_EQ(hello->frame.clientId, 0xCE0000);
+    EXPECT_EQ(hello->frame.clientId, harness::Protocol::kOwnClientId);
     const auto message = server.WaitFor(Kind::kMessage, kDeadline);
     ASSERT_TRUE(message);
-    EXPECT_EQ(message->frame.slot[2], 0x4B273B);
+    EXPECT_EQ(message->frame.slot[2], harness::Protocol::kSettingsChangedCode);
     EXPECT_EQ(message->frame.payload, Bytes({'1', 0}));
 }
 

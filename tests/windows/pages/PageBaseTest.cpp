@@ -2,6 +2,7 @@
 
 #include "DuiLib/LabelUI.h"
 #include "pages/IntroductionPage.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/pages/PageTests.h"
 
 namespace {
@@ -157,7 +158,7 @@ TEST_F(LonelyPageTest, AHomePageDoesItsWorkWithoutAnOwner) {
     tell(L"open_camera_btn", &Access::OnClick);
     tell(L"none_background_btn", &Access::OnMouseEnter);
     tell(L"effects", &Access::OnScroll);
-    SendFromService(0x22711, 0x40000);
+    SendFromService(harness::Protocol::kNotificationCode, harness::Protocol::kResetSubCode);
     EXPECT_EQ(Number(L"lumi_camera_switch"), 1);
 }
 

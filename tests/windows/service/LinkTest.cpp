@@ -1,4 +1,5 @@
 // The model and the camera service's stand-in on a real pipe.
+#include <atomic>
 #include <condition_variable>
 #include <future>
 #include <mutex>
@@ -160,7 +161,20 @@ TEST_F(LinkTest, OnlyTheResetSubCodeResets) {
 
 TEST_F(LinkTest, AResetWithoutAnObserverIsIgnored) {
     server_.Send(Protocol::FromService(Protocol::kNotificationCode, Protocol::kResetSubCode));
-    WaitUntilDelivered();
+    // The observer that comes later hears of later ones only, and the link goes on.
+    std::atomic<int> resets = 0;
+    std::promise<void> later;
+    model_->SetStatusObserver([&later](const FeatureStatusTuple&) { later.set_value(); });
+    server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
+    ASSERT_EQ(later.get_future().wait_for(kDeadline), std::future_status::ready);
+    model_->SetStatusObserver({});
+    model_->SetServiceResetObserver([&resets] { ++resets; });
+    model_->SendSignal();
+    EXPECT_EQ(Next(), Ping());
+    EXPECT_EQ(resets, 0);
+    server_.Send(Protocol::FromService(Protocol::kNotificationCode, Protocol::kResetSubCode));
+    EXPECT_TRUE(harness::WaitUntil([&] { return resets == 1; }));
+    model_->SetServiceResetObserver({});
 }
 
 TEST_F(LinkTest, TheBackgroundIsGoneWhenTheServiceSaysSo) {

@@ -2,6 +2,7 @@
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/Layouts.h"
 #include "pages/IntroductionPage.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
@@ -210,9 +211,9 @@ TEST_F(MainWindowTest, APageOfTheSameNameTakesTheFormersPlace) {
 }
 
 TEST_F(MainWindowTest, TheServicesResetClosesIt) {
-    SendFromService(0x22711, 0x40001);
-    SendFromService(0x4B273B, 0x40000);
-    SendFromService(0x22711, 0x40000);
+    SendFromService(harness::Protocol::kNotificationCode, harness::Protocol::kResetSubCode + 1);
+    SendFromService(harness::Protocol::kSettingsChangedCode, harness::Protocol::kResetSubCode);
+    SendFromService(harness::Protocol::kNotificationCode, harness::Protocol::kResetSubCode);
     EXPECT_TRUE(Input::PumpUntil([] { return !Exists(); }));
     EXPECT_TRUE(Input::TakeQuit());
 }

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "DuiLib/UIMainQueue.h"
+#include "tests/support/Protocol.h"
 #include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/SimpleMessageBox.h"
@@ -227,7 +228,7 @@ TEST_F(MessagesTest, TheServicesResetEndsTheBoxToo) {
             "the box comes", [] { return !BoxText().empty(); },
             [] {
                 Window().ShowMessage(MessageBoxKind::kVideoTooLarge);
-                SendFromService(0x22711, 0x40000);
+                SendFromService(harness::Protocol::kNotificationCode, harness::Protocol::kResetSubCode);
             })
         .Wait("the box is gone", [] { return FindThreadWindow(L"MESSAGE BOX") == nullptr; });
     script.Run([] { Window().ShowMessage(MessageBoxKind::kCameraUnavailable); });
