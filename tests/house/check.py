@@ -15,6 +15,8 @@ import art_proof
 import binaries
 import clang_tools
 import docs
+import facts
+import facts_proof
 import headers
 import layers
 import plain
@@ -30,6 +32,7 @@ CHECKS = {
     "sizes": plain.sizes,
     "format": plain.formatting,
     "texts": lambda: texts.main() + texts_proof.main(),
+    "facts": lambda: facts.main() + facts_proof.main(),
     "art": lambda: art.main() + art_proof.main(),
     "docs": docs.main,
     "binaries": binaries.main,

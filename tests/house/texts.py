@@ -11,14 +11,12 @@ import xml.etree.ElementTree as ElementTree
 from collections import Counter
 from pathlib import Path
 
+import languages
 import terms
 
 ROOT = Path(__file__).resolve().parents[2]
-SOURCE = "en_US"
-RIGHT_TO_LEFT = {"ar_SA"}
-LANGUAGES = {
-    "en_US", "zh_CN", "zh_TW", "ja_JP", "ko_KR", "de_DE", "fr_FR", "es_ES", "pt_BR", "it_IT", "ru_RU", "tr_TR", "ar_SA"
-}
+LANGUAGES = languages.read(ROOT)
+SOURCE = next(iter(LANGUAGES))
 DECLARATION = b'<?xml version="1.0" encoding="utf-8"?>\n'
 
 # Kept for compatibility: the gallery shows neither of the two.
@@ -31,11 +29,6 @@ ALLOWED_TAG = re.compile(r'</?b>|</?i>|<br>|<a href="https://[^"<>\s]+">|</a>|<f
 PLACEHOLDER = re.compile(r"\{[a-z]+\}")
 
 ALL_QUOTES = set("“”„‟‘’‚‛«»‹›「」『』〝〞〟＂＇")
-# The typographic quotes of each language; the apostrophe where the language has one.
-QUOTES = {
-    "en_US": "“”’", "zh_CN": "“”‘’", "zh_TW": "「」『』", "ja_JP": "「」『』", "ko_KR": "“”‘’", "de_DE": "„“‚‘",
-    "fr_FR": "«»’", "es_ES": "«»“”", "pt_BR": "“”‘’", "it_IT": "“”«»’", "ru_RU": "«»„“", "tr_TR": "“”’", "ar_SA": "«»",
-}
 NO_BREAK_SPACE = "\u00a0"
 CHINESE_OR_KANA = r"[\u3040-\u30ff\u3400-\u4dbf\u4e00-\u9fff]"
 
@@ -62,7 +55,7 @@ def read_table(path, breaches):
     except ElementTree.ParseError as error:
         breaches.append(f"{language}: not well-formed XML: {error}")
         return None
-    direction = "rtl" if language in RIGHT_TO_LEFT else "ltr"
+    direction = LANGUAGES[language].direction
     if table.tag != "Strings" or table.attrib != {"language": language, "direction": direction}:
         breaches.append(f'{language}: the root must be <Strings language="{language}" direction="{direction}">')
     pairs = []
@@ -135,7 +128,7 @@ def check_characters(language, text):
     for char in sorted(set(text)):
         if char in "\"'`´":
             breaches.append(f"straight quote {char}")
-        elif char in ALL_QUOTES and char not in QUOTES[language]:
+        elif char in ALL_QUOTES and char not in LANGUAGES[language].quotes:
             breaches.append(f"the quote {char} does not belong to this language")
         elif unicodedata.category(char) in ("Cc", "Cf", "Co", "Cn") or char == "\ufffd":
             breaches.append(f"invisible or unknown character U+{ord(char):04X}")
@@ -248,7 +241,7 @@ def main(root=ROOT):
     breaches = []
     values = root / "res" / "values"
     folders = {p.name for p in values.iterdir() if p.is_dir()}
-    breaches += [f"res/values/{name}: not in the list of languages" for name in sorted(folders - LANGUAGES)]
+    breaches += [f"res/values/{name}: not in the list of languages" for name in sorted(folders - set(LANGUAGES))]
     tables = {}
     for language in sorted(LANGUAGES, key=lambda name: (name != SOURCE, name)):
         path = values / language / "strings.xml"

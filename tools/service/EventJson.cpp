@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "service/ServiceMessages.h"
 #include "suite/common/Utf8.h"
 #include "tools/service/JsonLine.h"
-#include "tools/service/MessageCodes.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ std::string Utf8FromUtf16(Bytes bytes) {
 void AddMessage(JsonLine& line, const PipeFrame::Frame& frame) {
     line.Number("destination", frame.slot[0]);
     line.Number("subCode", frame.slot[1]);
-    line.Number("code", frame.slot[2]);
+    line.Number("code", frame.slot[ServiceMessages::kMessageCode]);
     line.Number("slot3", frame.slot[3]);
     line.Number("slot4", frame.slot[4]);
     line.Number("slot5", frame.slot[5]);
@@ -65,7 +65,7 @@ void AddMessage(JsonLine& line, const PipeFrame::Frame& frame) {
     if (const auto text = Printable(frame.payload)) {
         line.Text("payloadText", *text);
     }
-    if (frame.slot[2] != kCameraSwitchCode) {
+    if (frame.slot[ServiceMessages::kMessageCode] != ServiceMessages::kSwitchStateCode) {
         return;
     }
     if (const auto record = DecodeSwitchRecord(frame.payload)) {

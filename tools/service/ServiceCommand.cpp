@@ -3,13 +3,13 @@
 #include <charconv>
 #include <limits>
 
-#include "tools/service/MessageCodes.h"
+#include "service/ServiceMessages.h"
 
 TagIPCMessageItem ServiceCommand::Item() const {
     TagIPCMessageItem item;
-    item.slot[0] = kProgramEndpoint;
-    item.slot[1] = subCode;
-    item.slot[2] = code;
+    item.slot[ServiceMessages::kDestination] = ServiceMessages::kOwnClientId;
+    item.slot[ServiceMessages::kSubCode] = subCode;
+    item.slot[ServiceMessages::kMessageCode] = code;
     return item;
 }
 
@@ -47,12 +47,12 @@ std::optional<ServiceCommand> TakeCommand(std::span<const std::string>& words) {
     command.word = words[0];
     std::size_t used = 1;
     if (command.word == "changed") {
-        command.code = kSettingsChangedCode;
+        command.code = ServiceMessages::kSettingsChangedCode;
     } else if (command.word == "reset" || command.word == "close") {
-        command.code = kServiceNoticeCode;
-        command.subCode = kResetSubCode;
+        command.code = ServiceMessages::kNotificationCode;
+        command.subCode = ServiceMessages::kResetSubCode;
     } else if (command.word == "message") {
-        command.code = kShowMessageCode;
+        command.code = ServiceMessages::kBackgroundGoneCode;
     } else if (command.word == "drop") {
         command.kind = ServiceCommand::Kind::kDrop;
     } else if (command.word == "quit") {
@@ -66,7 +66,7 @@ std::optional<ServiceCommand> TakeCommand(std::span<const std::string>& words) {
         }
     } else if (command.word == "set" && words.size() > 2 && ParseNumber(words[2])) {
         command.kind = ServiceCommand::Kind::kSet;
-        command.code = kSettingsChangedCode;
+        command.code = ServiceMessages::kSettingsChangedCode;
         command.valueName = words[1];
         command.value = static_cast<std::uint32_t>(*ParseNumber(words[2]));
         used = 3;

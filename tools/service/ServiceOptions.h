@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "service/ServiceMessages.h"
+#include "suite/common/Utf8.h"
 #include "tools/service/ServiceCommand.h"
 
 struct ServiceOptions {
-    std::string pipeName = "\\\\.\\Pipe\\iNotoraAssistant";
+    std::string pipeName = suite::ToUtf8(ServiceMessages::kPipeName);
     bool neverRead = false;
     bool garbage = false;
     bool halfFrame = false;
