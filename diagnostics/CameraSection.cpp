@@ -12,7 +12,7 @@
 #include "preview/CameraAllowList.h"
 #include "preview/CameraSystem.h"
 #include "preview/MediaFoundation.h"
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/Utf8.h"
 #include "suite/registry/Registry.h"
 
@@ -77,13 +77,13 @@ bool AddCamera(Report& report, IMFActivate* device, bool taken, const PersonalDa
 }
 
 void AddListed(Report& report, const PersonalData& personal) {
-    IMFAttributes* attributes = nullptr;
+    suite::ComReference<IMFAttributes> attributes;
     IMFActivate** devices = nullptr;
     UINT32 count = 0;
-    HRESULT result = MFCreateAttributes(&attributes, 1);
+    HRESULT result = MFCreateAttributes(attributes.Put(), 1);
     if (SUCCEEDED(result)) {
         attributes->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE, MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID);
-        result = camera_system::EnumDeviceSources(attributes, &devices, &count);
+        result = camera_system::EnumDeviceSources(attributes.Get(), &devices, &count);
     }
     report.Note("cameras: " + std::to_string(count));
     bool taken = false;
@@ -92,7 +92,6 @@ void AddListed(Report& report, const PersonalData& personal) {
         ComRelease(devices[i]);
     }
     CoTaskMemFree(devices);
-    ComRelease(attributes);
     if (FAILED(result)) {
         report.Wrong("the cameras cannot be listed, error " + ErrorNumber(result), "Restart the machine.");
     } else if (count == 0) {

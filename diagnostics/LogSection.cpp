@@ -7,6 +7,7 @@
 #include <string>
 
 #include "diagnostics/Sections.h"
+#include "suite/common/FolderListing.h"
 #include "suite/common/LocalFolder.h"
 #include "suite/common/Utf8.h"
 
@@ -18,15 +19,9 @@ constexpr std::size_t kLastLines = 40;
 
 int CountFiles(const std::wstring& pattern) {
     int count = 0;
-    WIN32_FIND_DATAW found;
-    const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return 0;
-    }
-    do {
+    for (suite::FolderListing entry(pattern); entry; entry.Next()) {
         ++count;
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+    }
     return count;
 }
 

@@ -2,7 +2,6 @@
 #include <windows.h>
 
 #include <lmcons.h>
-#include <objbase.h>
 #include <shellscalingapi.h>
 
 #include <cstdio>
@@ -15,6 +14,7 @@
 #include "service/CustomImageGroup.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
+#include "suite/common/ComApartment.h"
 #include "suite/common/Handle.h"
 
 namespace diagnostics {
@@ -121,7 +121,7 @@ int Run(const std::vector<std::wstring>& words) {
 int wmain(int argc, wchar_t** argv) {
     SetConsoleOutputCP(CP_UTF8);
     SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);
     int status = diagnostics::kNotWritten;
     try {
         status = diagnostics::Run({argv + 1, argv + argc});
@@ -131,6 +131,5 @@ int wmain(int argc, wchar_t** argv) {
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
     }
-    CoUninitialize();
     return status;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "diagnostics/Sections.h"
+#include "suite/common/GdiObject.h"
 
 namespace diagnostics {
 
@@ -31,9 +32,8 @@ BOOL CALLBACK AddScreen(HMONITOR monitor, HDC, RECT*, LPARAM report) {
 void AddScreens(Report& report) {
     report.Section("Screens");
     EnumDisplayMonitors(nullptr, nullptr, AddScreen, reinterpret_cast<LPARAM>(&report));
-    const HDC screen = GetDC(nullptr);
-    report.Note(std::to_string(GetDeviceCaps(screen, BITSPIXEL)) + " bits a pixel");
-    ReleaseDC(nullptr, screen);
+    const suite::WindowDc screen(nullptr);
+    report.Note(std::to_string(GetDeviceCaps(screen.Get(), BITSPIXEL)) + " bits a pixel");
 }
 
 }  // namespace diagnostics

@@ -36,7 +36,7 @@ def layouts():
     values = set()
     for name in sorted(os.listdir(os.path.join(TREE, "res", "layout"))):
         content = read("res", "layout", name)
-        for target in ("xml", "xml_gate", "builder"):
+        for target in ("xml", "builder"):
             write(target, name, content)
         values |= {plain(value) for value in re.findall(r'="([^"]*)"', content.decode())}
     # One of each kind: the same but for its digits and letters says nothing new.
@@ -49,8 +49,7 @@ def texts():
     languages = sorted(name for name in os.listdir(os.path.join(TREE, "res", "values")) if "_" in name)
     for language in ("en_US", "ar_SA", "ja_JP"):
         content = read("res", "values", language, "strings.xml")
-        for target in ("xml", "xml_gate"):
-            write(target, f"strings_{language}", content[:3000])
+        write("xml", f"strings_{language}", content[:3000])
         for number, text in enumerate(re.findall(r"<String id=[^>]*>([^<]*)<", content.decode())):
             if "&lt;" in text or number % 10 == 0:
                 write("html", f"{language}{number}", plain(text).encode())

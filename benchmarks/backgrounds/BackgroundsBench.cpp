@@ -20,7 +20,8 @@
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
-#include "suite/common/Held.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/ComReference.h"
 #include "suite/logger/QxLogger.h"
 #include "tests/e2e/support/Machine.h"
 #include "tools/probe/AccessibleWindow.h"
@@ -44,13 +45,13 @@ double Milliseconds(const std::function<void()>& work) {
 
 // What adding cannot do without: all pixels decoded, all pixels encoded at the same quality, into memory.
 void DecodeAndEncode(const std::wstring& path) {
-    Held<IWICImagingFactory> factory;
-    Held<IWICBitmapDecoder> decoder;
-    Held<IWICBitmapFrameDecode> source;
-    Held<IStream> stream;
-    Held<IWICBitmapEncoder> encoder;
-    Held<IWICBitmapFrameEncode> target;
-    Held<IPropertyBag2> options;
+    suite::ComReference<IWICImagingFactory> factory;
+    suite::ComReference<IWICBitmapDecoder> decoder;
+    suite::ComReference<IWICBitmapFrameDecode> source;
+    suite::ComReference<IStream> stream;
+    suite::ComReference<IWICBitmapEncoder> encoder;
+    suite::ComReference<IWICBitmapFrameEncode> target;
+    suite::ComReference<IPropertyBag2> options;
     UINT width = 0, height = 0;
     CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
                      reinterpret_cast<void**>(factory.Put()));
@@ -196,7 +197,7 @@ int wmain(int argc, wchar_t** argv) {
         std::printf("backgrounds_bench PICTURE\n");
         return 2;
     }
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const suite::ComApartment com(suite::ComApartment::Kind::kSingleThreaded);
     QxLogger::GetInstance()->InitProcessLogger();
     return benchmark::Run([argv] { Measure(std::filesystem::absolute(argv[1]).wstring()); });
 }

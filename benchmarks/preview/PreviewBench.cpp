@@ -19,7 +19,9 @@
 
 #include "benchmarks/support/Measuring.h"
 #include "benchmarks/support/Times.h"
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/ComReference.h"
+#include "suite/common/GdiObject.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/ProcessFootprint.h"
 #include "tests/e2e/support/Program.h"
@@ -69,38 +71,33 @@ struct CameraAlone {
         Times first;
         for (int round = 0; round < kRounds; ++round) {
             const auto begin = Clock::now();
-            IMFSourceReader* reader = Open(*camera);
-            Read(reader);
+            const suite::ComReference<IMFSourceReader> reader = Open(*camera);
+            Read(*reader.Get());
             first.Add(MsSince(begin));
             if (round + 1 == kRounds) {
                 sharePercent = ShareOf(GetCurrentProcess(), [&] {
                     for (const auto end = Clock::now() + kSteady; Clock::now() < end;)
-                        Read(reader);
+                        Read(*reader.Get());
                 });
             }
-            ComRelease(reader);
         }
         firstFrameMs = first.Median();
     }
 
   private:
-    static IMFSourceReader* Open(democamera::DemoCamera& camera) {
-        IMFMediaSource* source = nullptr;
-        IMFSourceReader* reader = nullptr;
-        if (FAILED(camera.OpenSource(&source)) || FAILED(MFCreateSourceReaderFromMediaSource(source, nullptr, &reader)))
+    static suite::ComReference<IMFSourceReader> Open(democamera::DemoCamera& camera) {
+        suite::ComReference<IMFMediaSource> source;
+        suite::ComReference<IMFSourceReader> reader;
+        if (FAILED(camera.OpenSource(source.Put())) ||
+            FAILED(MFCreateSourceReaderFromMediaSource(source.Get(), nullptr, reader.Put())))
             throw std::runtime_error("the demo camera cannot be read");
-        ComRelease(source);
         return reader;
     }
-    static void Read(IMFSourceReader* reader) {
-        for (IMFSample* sample = nullptr; !sample;) {
+    static void Read(IMFSourceReader& reader) {
+        for (suite::ComReference<IMFSample> sample; !sample;) {
             DWORD flags = 0;
-            if (FAILED(reader->ReadSample(kVideoStream, 0, nullptr, &flags, nullptr, &sample)) || flags != 0)
+            if (FAILED(reader.ReadSample(kVideoStream, 0, nullptr, &flags, nullptr, sample.Put())) || flags != 0)
                 throw std::runtime_error("the demo camera does not deliver");
-            if (sample) {
-                ComRelease(sample);
-                return;
-            }
         }
     }
 };
@@ -143,12 +140,11 @@ bool IsNear(COLORREF shown, std::uint32_t wanted) {
 
 // Until the point of the screen has the picture's colour, or has it no more.
 void WaitForPicture(POINT screen, bool wanted) {
-    const HDC dc = GetDC(nullptr);
+    const suite::WindowDc screenDc(nullptr);
     const auto begin = Clock::now();
     bool right = false;
     while (!right && Clock::now() - begin < kPatience)
-        right = IsNear(GetPixel(dc, screen.x, screen.y), kBlue) == wanted;
-    ReleaseDC(nullptr, dc);
+        right = IsNear(GetPixel(screenDc.Get(), screen.x, screen.y), kBlue) == wanted;
     if (!right)
         throw std::runtime_error(wanted ? "no picture comes" : "the picture stays");
 }
@@ -219,10 +215,9 @@ void Measure() {
 }  // namespace
 
 int main() {
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);
     MFStartup(MF_VERSION, MFSTARTUP_FULL);
     const int status = benchmark::Run(Measure);
     MFShutdown();
-    CoUninitialize();
     return status;
 }

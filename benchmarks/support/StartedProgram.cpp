@@ -44,9 +44,12 @@ StartedProgram::StartedProgram(std::wstring commandLine) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     const auto begin = Clock::now();
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process_))
+    PROCESS_INFORMATION started = {};
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started))
         throw std::runtime_error("the program does not start");
-    Search search{process_.dwProcessId, nullptr};
+    const suite::Handle thread(started.hThread);
+    process_ = suite::Handle(started.hProcess);
+    Search search{started.dwProcessId, nullptr};
     while (!search.found && Clock::now() - begin < kPatience) {
         EnumWindows(FindVisible, reinterpret_cast<LPARAM>(&search));
         if (!search.found)
@@ -69,10 +72,8 @@ StartedProgram::~StartedProgram() {
 void StartedProgram::End() const {
     if (window_)
         PostMessageW(window_, WM_CLOSE, 0, 0);
-    if (WaitForSingleObject(process_.hProcess, window_ ? kPatienceToEndMs : 0) != WAIT_OBJECT_0)
-        TerminateProcess(process_.hProcess, 1);
-    CloseHandle(process_.hThread);
-    CloseHandle(process_.hProcess);
+    if (WaitForSingleObject(process_.Get(), window_ ? kPatienceToEndMs : 0) != WAIT_OBJECT_0)
+        TerminateProcess(process_.Get(), 1);
 }
 
 }  // namespace benchmark

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "suite/common/Handle.h"
+
 namespace benchmark {
 
 // Working set of a process, in MiB.
@@ -22,13 +24,13 @@ class StartedProgram {
     // From before the process was made until the window had answered.
     double StartMs() const { return startMs_; }
     HWND Window() const { return window_; }
-    HANDLE Process() const { return process_.hProcess; }
-    double MemoryMiB() const { return benchmark::MemoryMiB(process_.hProcess); }
+    HANDLE Process() const { return process_.Get(); }
+    double MemoryMiB() const { return benchmark::MemoryMiB(process_.Get()); }
 
   private:
     void End() const;
 
-    PROCESS_INFORMATION process_ = {};
+    suite::Handle process_;
     HWND window_ = nullptr;
     double startMs_ = 0;
 };

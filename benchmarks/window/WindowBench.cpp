@@ -2,13 +2,13 @@
 // change by another program until the switch is painted, and a click until the other page is painted.
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <chrono>
 #include <stdexcept>
 
 #include "benchmarks/support/Measuring.h"
 #include "benchmarks/support/Times.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/GdiObject.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tools/service/PipeServer.h"
@@ -27,12 +27,9 @@ using benchmark::Times;
 // A pixel of the screen, looked at as often as possible.
 class Pixel {
   public:
-    explicit Pixel(POINT screen) : point_(screen), screen_(GetDC(nullptr)) {}
-    ~Pixel() { ReleaseDC(nullptr, screen_); }
-    Pixel(const Pixel&) = delete;
-    Pixel& operator=(const Pixel&) = delete;
+    explicit Pixel(POINT screen) : point_(screen) {}
 
-    COLORREF Get() const { return GetPixel(screen_, point_.x, point_.y); }
+    COLORREF Get() const { return GetPixel(screen_.Get(), point_.x, point_.y); }
     // Milliseconds from `begin` until it has another colour than that.
     double UntilOther(COLORREF before, Clock::time_point begin) const {
         while (Get() == before) {
@@ -44,7 +41,7 @@ class Pixel {
 
   private:
     const POINT point_;
-    const HDC screen_;
+    const suite::WindowDc screen_{nullptr};
 };
 
 POINT MiddleOf(const RECT& rect) {
@@ -115,8 +112,6 @@ void Measure() {
 }  // namespace
 
 int main() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    const int status = benchmark::Run(Measure);
-    CoUninitialize();
-    return status;
+    const suite::ComApartment com(suite::ComApartment::Kind::kSingleThreaded);
+    return benchmark::Run(Measure);
 }

@@ -112,15 +112,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::size_t cut = size % CheckTags(judged.utf8);
         REQUIRE(JudgeXml(std::string_view(judged.utf8).substr(0, cut)).verdict != XmlVerdict::kSound);
     }
+    // What is kept of a damaged text is sound, and kept as it is.
+    REQUIRE(judged.fault.empty() == (judged.verdict == XmlVerdict::kSound));
+    if (!judged.beginning.empty()) {
+        REQUIRE(judged.verdict == XmlVerdict::kBroken || judged.verdict == XmlVerdict::kRefused);
+        const suite::XmlJudgement again = JudgeXml(judged.beginning);
+        REQUIRE(again.verdict == XmlVerdict::kSound && again.utf8 == judged.beginning);
+    }
     const std::wstring wide = suite::FromUtf8(bytes);
     if (suite::ToUtf8(wide) != bytes || bytes.starts_with("\xEF\xBB\xBF")) {
         return 0;
     }
     const suite::XmlJudgement marked = JudgeXml("\xEF\xBB\xBF" + std::string(bytes));
-    REQUIRE(marked.verdict == judged.verdict && marked.utf8 == judged.utf8);
+    REQUIRE(marked.verdict == judged.verdict && marked.utf8 == judged.utf8 && marked.beginning == judged.beginning);
     for (const bool bigEndian : {false, true}) {
         const suite::XmlJudgement sixteen = JudgeXml(Utf16(wide, bigEndian));
-        REQUIRE(sixteen.verdict == judged.verdict && sixteen.utf8 == judged.utf8);
+        REQUIRE(sixteen.verdict == judged.verdict && sixteen.utf8 == judged.utf8 &&
+                sixteen.beginning == judged.beginning);
     }
     return 0;
 }

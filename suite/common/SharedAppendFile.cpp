@@ -43,8 +43,8 @@ Handle MakeMutex(const std::wstring& path) {
 // The size of a file that still has its name; all bits set when it was deleted or the handle is no good.
 std::uint64_t LiveSize(HANDLE file) {
     FILE_STANDARD_INFO info{};
-    if (file == nullptr || !GetFileInformationByHandleEx(file, FileStandardInfo, &info, sizeof info) ||
-        info.DeletePending || info.NumberOfLinks == 0) {
+    if (!file || !GetFileInformationByHandleEx(file, FileStandardInfo, &info, sizeof info) || info.DeletePending ||
+        info.NumberOfLinks == 0) {
         return ~std::uint64_t{0};
     }
     return static_cast<std::uint64_t>(info.EndOfFile.QuadPart);
@@ -52,7 +52,7 @@ std::uint64_t LiveSize(HANDLE file) {
 
 bool Write(HANDLE file, std::string_view text) {
     DWORD written = 0;
-    return file != nullptr && WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
+    return file && WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
            written == text.size();
 }
 

@@ -66,10 +66,10 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
     }
     if (exception->ExceptionRecord->ExceptionCode != kThrowOfThisRuntime) {
         theWriter.load()->WriteOnce(exception, L"unhandled exception");
-    } else if (previousFilter == nullptr) {
+    } else if (!previousFilter) {
         return EXCEPTION_CONTINUE_EXECUTION;
     }
-    return previousFilter != nullptr ? previousFilter(exception) : EXCEPTION_CONTINUE_SEARCH;
+    return previousFilter ? previousFilter(exception) : EXCEPTION_CONTINUE_SEARCH;
 }
 
 // "std::terminate", with what the exception tells if there is one.
@@ -101,7 +101,7 @@ std::wstring TerminateReason() {
         }
         DumpHere(static_cast<DWORD>(STATUS_FATAL_APP_EXIT), reason.c_str());
     }
-    if (previousTerminate != nullptr) {
+    if (previousTerminate) {
         previousTerminate();
     }
     std::abort();
@@ -120,18 +120,18 @@ void OnAbort(int number) {
 void Register(const CrashRegistration& record) {
     const std::wstring folder = suite::MakeDumpFolder(record.productName);
     if (folder.empty()) {
-        LogLine(4, kFunction, L"no folder for crash dumps");
+        LogLine(LogLevel::kError, kFunction, L"no folder for crash dumps");
     }
     // The handlers stay for good, so the code must, whoever unloads the library.
     HMODULE self = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                             reinterpret_cast<LPCWSTR>(&OnUnhandledException), &self)) {
-        LogLine(4, kFunction, L"the library cannot be kept: ", GetLastError());
+        LogLine(LogLevel::kError, kFunction, L"the library cannot be kept: ", GetLastError());
         return;
     }
     theWriter = suite::DumpWriter::Start(folder, suite::ProgramName());
-    if (theWriter.load() == nullptr) {
-        LogLine(4, kFunction, L"no thread for crash dumps: ", GetLastError());
+    if (!theWriter.load()) {
+        LogLine(LogLevel::kError, kFunction, L"no thread for crash dumps: ", GetLastError());
         return;
     }
     KeepStackBack();
@@ -144,18 +144,18 @@ void Register(const CrashRegistration& record) {
 
 extern "C" __declspec(dllexport) void __cdecl RegisterAppCrashHandler(const CrashRegistration* record) {
     static std::atomic<bool> registered{false};
-    if (record == nullptr || record->enableFlag == 0 || registered.exchange(true)) {
+    if (!record || record->enableFlag == 0 || registered.exchange(true)) {
         return;
     }
     try {
         Register(*record);
     } catch (...) {
-        LogLine(4, kFunction, L"out of memory");
+        LogLine(LogLevel::kError, kFunction, L"out of memory");
     }
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
-    if (reason == DLL_THREAD_ATTACH && theWriter.load() != nullptr) {
+    if (reason == DLL_THREAD_ATTACH && theWriter.load()) {
         KeepStackBack();
     }
     return TRUE;

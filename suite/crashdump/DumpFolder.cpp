@@ -7,6 +7,7 @@
 #include <iterator>
 #include <vector>
 
+#include "suite/common/FolderListing.h"
 #include "suite/common/LocalFolder.h"
 
 namespace suite {
@@ -46,19 +47,13 @@ std::wstring DumpFileName(const std::wstring& program) {
 
 void RemoveOldDumps(const std::wstring& folder, const std::wstring& program) {
     std::vector<std::wstring> names;
-    WIN32_FIND_DATAW found;
-    const HANDLE search = FindFirstFileW((folder + L"\\" + program + L"-*.dmp").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return;
-    }
-    do {
-        const std::wstring name = found.cFileName;
+    for (FolderListing entry(folder + L"\\" + program + L"-*.dmp"); entry; entry.Next()) {
+        const std::wstring name = entry.Name();
         // Not those of a program whose name only begins like this one's.
         if (name.size() > program.size() + 1 && name[program.size() + 1] >= L'0' && name[program.size() + 1] <= L'9') {
             names.push_back(name);
         }
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+    }
     std::sort(names.begin(), names.end());
     for (std::size_t i = 0; i + kKeptDumps < names.size(); ++i) {
         DeleteFileW((folder + L"\\" + names[i]).c_str());

@@ -42,9 +42,9 @@ using MiniDumpWriteDumpFunction = decltype(&MiniDumpWriteDump);
 // The debugging library is loaded when it is needed: at every start it would cost milliseconds.
 MiniDumpWriteDumpFunction FindMiniDumpWriteDump() {
     const HMODULE library = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library == nullptr ? nullptr
-                              : reinterpret_cast<MiniDumpWriteDumpFunction>(
-                                    reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
+    return !library ? nullptr
+                    : reinterpret_cast<MiniDumpWriteDumpFunction>(
+                          reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
 }
 
 // " 0xC0000005 at Pixora.exe+0x1234".
@@ -60,7 +60,7 @@ std::wstring Describe(const EXCEPTION_POINTERS& exception) {
     const auto offset = reinterpret_cast<ULONG_PTR>(record.ExceptionAddress) - reinterpret_cast<ULONG_PTR>(module);
     wchar_t text[MAX_PATH + 80];
     std::swprintf(text, std::size(text), L" 0x%08lX at %ls+0x%llX", record.ExceptionCode,
-                  lastBackslash != nullptr ? lastBackslash + 1 : path, static_cast<unsigned long long>(offset));
+                  lastBackslash ? lastBackslash + 1 : path, static_cast<unsigned long long>(offset));
     return text;
 }
 
@@ -116,9 +116,10 @@ void DumpWriter::WaitAndWrite() {
         // The line comes first: writing the dump takes longer and may fail in a process that is broken. The crash may
         // also have come before the program has opened its log.
         QxLogger::GetInstance()->InitProcessLogger();
-        LogLine(4, kFunction, reason_, Describe(*exception_), L" on thread ", crashedThreadId_, L", dump: ", path);
+        LogLine(LogLevel::kError, kFunction, reason_, Describe(*exception_), L" on thread ", crashedThreadId_,
+                L", dump: ", path);
         if (!WriteDump(path)) {
-            LogLine(4, kFunction, L"the crash dump cannot be written: ", GetLastError());
+            LogLine(LogLevel::kError, kFunction, L"the crash dump cannot be written: ", GetLastError());
         }
         RemoveOldDumps(folder_, program_);
     } catch (...) {
@@ -133,7 +134,7 @@ bool DumpWriter::WriteDump(const std::wstring& path) const {
         return false;
     }
     const MiniDumpWriteDumpFunction write = FindMiniDumpWriteDump();
-    if (write == nullptr) {
+    if (!write) {
         return false;
     }
     Handle file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,

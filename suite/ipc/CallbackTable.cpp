@@ -16,14 +16,14 @@ void CallbackTable::Register(std::int32_t code, Callback callback) {
         added = std::make_shared<Callback>(std::move(callback));
     }
     // What the replaced callback captured is destroyed outside the lock: its destructors may call back in.
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     std::swap(callbacks_[code], added);
 }
 
 void CallbackTable::Clear() {
     std::map<std::int32_t, std::shared_ptr<Callback>> removed;
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         removed.swap(callbacks_);
         if (runningThread_ == 0 || runningThread_ == GetCurrentThreadId()) {
             return;
@@ -40,9 +40,9 @@ void CallbackTable::Deliver(std::int32_t code, TagIPCMessageItem& item) {
     try {
         (*callback)(item);
     } catch (const std::exception& error) {
-        LogLine(4, L"IPCMessageClient::Deliver", L"a message callback threw: ", error.what());
+        LogLine(LogLevel::kError, L"IPCMessageClient::Deliver", L"a message callback threw: ", error.what());
     } catch (...) {
-        LogLine(4, L"IPCMessageClient::Deliver", L"a message callback threw");
+        LogLine(LogLevel::kError, L"IPCMessageClient::Deliver", L"a message callback threw");
     }
     // What it captured must not live on after Clear returned.
     callback.reset();
@@ -50,7 +50,7 @@ void CallbackTable::Deliver(std::int32_t code, TagIPCMessageItem& item) {
 }
 
 std::shared_ptr<CallbackTable::Callback> CallbackTable::Begin(std::int32_t code) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     const auto found = callbacks_.find(code);
     if (found == callbacks_.end() || !found->second) {
         return nullptr;
@@ -61,7 +61,7 @@ std::shared_ptr<CallbackTable::Callback> CallbackTable::Begin(std::int32_t code)
 }
 
 void CallbackTable::End() {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     runningThread_ = 0;
     SetEvent(idle_.Get());
 }

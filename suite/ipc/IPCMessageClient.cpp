@@ -35,10 +35,10 @@ IPCMessageClient::IPCMessageClient(std::int32_t clientId, bool autoReconnect, bo
         impl_ = std::make_unique<Impl>(clientId, autoReconnect, pipeName);
         if (!impl_->Running()) {
             impl_.reset();
-            LogLine(4, L"IPCMessageClient::IPCMessageClient", L"the pipe thread cannot be started");
+            LogLine(LogLevel::kError, L"IPCMessageClient::IPCMessageClient", L"the pipe thread cannot be started");
         }
     } catch (const std::exception& error) {
-        LogLine(4, L"IPCMessageClient::IPCMessageClient", L"the client cannot be made: ", error.what());
+        LogLine(LogLevel::kError, L"IPCMessageClient::IPCMessageClient", L"the client cannot be made: ", error.what());
     }
 }
 
@@ -50,7 +50,8 @@ void IPCMessageClient::RegisterMessageCallback(std::int32_t messageCode, Message
             impl_->Callbacks().Register(messageCode, std::move(callback));
         }
     } catch (const std::exception& error) {
-        LogLine(4, L"IPCMessageClient::RegisterMessageCallback", L"the callback cannot be kept: ", error.what());
+        LogLine(LogLevel::kError, L"IPCMessageClient::RegisterMessageCallback", L"the callback cannot be kept: ",
+                error.what());
     }
 }
 
@@ -64,7 +65,7 @@ bool IPCMessageClient::PostIPCMessage(const TagIPCMessageItem& item) noexcept {
     try {
         return impl_ && impl_->Post(item);
     } catch (const std::exception& error) {
-        LogLine(4, L"IPCMessageClient::PostIPCMessage", L"the message cannot be queued: ", error.what());
+        LogLine(LogLevel::kError, L"IPCMessageClient::PostIPCMessage", L"the message cannot be queued: ", error.what());
         return false;
     }
 }

@@ -139,7 +139,7 @@ std::vector<std::uint8_t> EncodeHello(std::int32_t clientId) {
 std::optional<std::vector<std::uint8_t>> EncodeMessage(const TagIPCMessageItem& item) {
     const std::int32_t payloadLength = item.slot[kPayloadSlot];
     if (item.text.size() > kMaxText || payloadLength < 0 || payloadLength > static_cast<std::int32_t>(kMaxPayload) ||
-        (payloadLength > 0 && item.data == nullptr)) {
+        (payloadLength > 0 && !item.data)) {
         return std::nullopt;
     }
     std::vector<std::uint8_t> bytes;

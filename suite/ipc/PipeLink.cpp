@@ -54,7 +54,7 @@ bool PipeLink::Start() {
 
 void PipeLink::Stop() {
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         stopping_ = true;
     }
     SetEvent(wake_.Get());
@@ -66,7 +66,7 @@ bool PipeLink::Post(const TagIPCMessageItem& item) {
     if (!frame) {
         return false;
     }
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     if (stopping_ || (!connected_ && !(schedule_.MayTryForMessage(Now()) && OpenPipe()))) {
         return false;
     }
@@ -80,9 +80,9 @@ unsigned __stdcall PipeLink::ThreadEntry(void* link) {
     try {
         self->Run();
     } catch (const std::exception& error) {
-        LogLine(4, L"IPCMessageClient::ThreadEntry", L"the pipe thread ended: ", error.what());
+        LogLine(LogLevel::kError, L"IPCMessageClient::ThreadEntry", L"the pipe thread ended: ", error.what());
     }
-    const std::lock_guard lock(self->mutex_);
+    const std::scoped_lock lock(self->mutex_);
     self->stopping_ = true;  // nothing is queued that nobody would write
     return 0;
 }
@@ -102,7 +102,7 @@ bool PipeLink::OpenPipe() {
         // No server, or one whose instances are all taken, is no failure of this program.
         if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PIPE_BUSY && !openFailureTold_) {
             openFailureTold_ = true;
-            LogLine(4, L"IPCMessageClient::OpenPipe", L"the pipe cannot be opened, error code: ", error);
+            LogLine(LogLevel::kError, L"IPCMessageClient::OpenPipe", L"the pipe cannot be opened, error code: ", error);
         }
         return false;
     }
@@ -118,7 +118,7 @@ Handle PipeLink::WaitForPipe() {
     for (;;) {
         TimeMs nextTry = kNever;
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             // A pipe that was opened before the stop is still served, for what was queued with it.
             if (!opened_ && !stopping_ && autoReconnect_) {
                 if (Now() >= schedule_.NextTry() && !OpenPipe()) {
@@ -138,7 +138,7 @@ void PipeLink::Serve(Handle pipe) {
     PipeStream stream(std::move(pipe));
     const Ending ending = stream.Valid() ? Exchange(stream) : Ending::kLost;
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         connected_ = false;
         queue_.Clear();
         schedule_.Ended(Now(), ending == Ending::kLost || ending == Ending::kStopped
@@ -250,13 +250,13 @@ std::optional<PipeLink::Ending> PipeLink::DeliverInput(PipeStream& stream, PipeF
 }
 
 std::vector<std::uint8_t> PipeLink::TakeFrames(bool& stopping) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     stopping = stopping_;
     return queue_.Pop(kWriteSize);
 }
 
 bool PipeLink::Stopping() {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     return stopping_;
 }
 
@@ -271,16 +271,16 @@ void PipeLink::Tell(Ending ending, DWORD error) {
         case Ending::kStopped:
             break;
         case Ending::kLost:
-            LogLine(3, function, L"the pipe connection is lost, error code: ", error);
+            LogLine(LogLevel::kInfo, function, L"the pipe connection is lost, error code: ", error);
             break;
         case Ending::kNotRead:
-            LogLine(4, function, L"the pipe server does not read, the connection is dropped");
+            LogLine(LogLevel::kError, function, L"the pipe server does not read, the connection is dropped");
             break;
         case Ending::kRefused:
-            LogLine(4, function, L"a frame from the pipe server is refused: ", refusalText_);
+            LogLine(LogLevel::kError, function, L"a frame from the pipe server is refused: ", refusalText_);
             break;
         case Ending::kHalfFrame:
-            LogLine(4, function, L"the pipe server left a frame unfinished, the connection is dropped");
+            LogLine(LogLevel::kError, function, L"the pipe server left a frame unfinished, the connection is dropped");
             break;
     }
 }

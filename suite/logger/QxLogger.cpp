@@ -42,10 +42,10 @@ std::string FormatNow(int level, std::wstring_view text) {
 void Deliver(std::string line) {
     State& state = TheState();
     suite::SharedAppendFile* file = state.open.load();
-    if (file == nullptr) {
-        std::lock_guard guard(state.lock);
+    if (!file) {
+        std::scoped_lock guard(state.lock);
         file = state.open.load();
-        if (file == nullptr) {
+        if (!file) {
             if (!state.started && state.earlyLines.size() < kMostEarlyLines) {
                 state.earlyLines.push_back(std::move(line));
             }
@@ -82,7 +82,7 @@ QxLogger* QxLogger::GetInstance() {
 bool QxLogger::InitProcessLogger() {
     try {
         State& state = TheState();
-        std::lock_guard guard(state.lock);
+        std::scoped_lock guard(state.lock);
         if (!state.started) {
             state.started = true;
             Start(state);
@@ -107,5 +107,5 @@ void QxLogger::Log(int level, const std::wostringstream& stream) {
 
 std::wstring QxLogger::FilePath() const {
     const suite::SharedAppendFile* file = TheState().open.load();
-    return file != nullptr ? file->Path() : std::wstring();
+    return file ? file->Path() : std::wstring();
 }

@@ -3,34 +3,23 @@
 #include <limits>
 #include <vector>
 
+#include "suite/common/RegistryKey.h"
 #include "suite/registry/RegistryText.h"
 
 namespace DE {
 
 namespace {
 
-// An open key; null when it is missing or may not be opened that way.
-class Key {
-  public:
-    Key(HKEY rootKey, const std::wstring& keyPath, REGSAM access) {
-        status_ = RegOpenKeyExW(rootKey, SystemKeyPath(keyPath).c_str(), 0, access, &key_);
-    }
-    ~Key() {
-        if (IsOpen()) {
-            RegCloseKey(key_);
-        }
-    }
-    Key(const Key&) = delete;
-    Key& operator=(const Key&) = delete;
+LSTATUS Open(HKEY rootKey, const std::wstring& keyPath, REGSAM access, suite::RegistryKey& key) {
+    return RegOpenKeyExW(rootKey, SystemKeyPath(keyPath).c_str(), 0, access, key.Put());
+}
 
-    bool IsOpen() const { return status_ == ERROR_SUCCESS; }
-    LSTATUS Status() const { return status_; }
-    HKEY Get() const { return key_; }
-
-  private:
-    HKEY key_ = nullptr;
-    LSTATUS status_;
-};
+// None when it is missing or may not be opened that way.
+suite::RegistryKey OpenKey(HKEY rootKey, const std::wstring& keyPath, REGSAM access) {
+    suite::RegistryKey key;
+    Open(rootKey, keyPath, access, key);
+    return key;
+}
 
 // The value's bytes, whole, although another process may enlarge it between asking for the size and reading.
 bool ReadText(HKEY key, const std::wstring& valueName, std::vector<unsigned char>& bytes) {
@@ -59,8 +48,9 @@ void Registry::SetRootKey(HKEY rootKey) {
 
 bool Registry::KeyExists(const std::wstring& keyPath) const {
     try {
-        const Key key(rootKey_, keyPath, KEY_QUERY_VALUE);
-        return key.IsOpen() || key.Status() == ERROR_ACCESS_DENIED;
+        suite::RegistryKey key;
+        const LSTATUS status = Open(rootKey_, keyPath, KEY_QUERY_VALUE, key);
+        return status == ERROR_SUCCESS || status == ERROR_ACCESS_DENIED;
     } catch (...) {
         return false;
     }
@@ -68,13 +58,9 @@ bool Registry::KeyExists(const std::wstring& keyPath) const {
 
 bool Registry::CreateKey(const std::wstring& keyPath) const {
     try {
-        HKEY key = nullptr;
-        const LSTATUS status = RegCreateKeyExW(rootKey_, SystemKeyPath(keyPath).c_str(), 0, nullptr,
-                                               REG_OPTION_NON_VOLATILE, KEY_READ, nullptr, &key, nullptr);
-        if (status == ERROR_SUCCESS) {
-            RegCloseKey(key);
-        }
-        return status == ERROR_SUCCESS;
+        suite::RegistryKey key;
+        return RegCreateKeyExW(rootKey_, SystemKeyPath(keyPath).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ,
+                               nullptr, key.Put(), nullptr) == ERROR_SUCCESS;
     } catch (...) {
         return false;
     }
@@ -83,12 +69,12 @@ bool Registry::CreateKey(const std::wstring& keyPath) const {
 bool Registry::GetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, int& value,
                         REGSAM access) {
     try {
-        const Key key(rootKey, keyPath, access);
+        const suite::RegistryKey key = OpenKey(rootKey, keyPath, access);
         DWORD type = REG_NONE;
         DWORD number = 0;
         DWORD size = sizeof number;
-        if (!key.IsOpen() || RegQueryValueExW(key.Get(), valueName.c_str(), nullptr, &type,
-                                              reinterpret_cast<BYTE*>(&number), &size) != ERROR_SUCCESS) {
+        if (!key || RegQueryValueExW(key.Get(), valueName.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&number),
+                                     &size) != ERROR_SUCCESS) {
             return false;
         }
         if (type != REG_DWORD || size != sizeof number) {
@@ -104,9 +90,9 @@ bool Registry::GetValue(HKEY rootKey, const std::wstring& keyPath, const std::ws
 bool Registry::GetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, std::wstring& value,
                         REGSAM access) {
     try {
-        const Key key(rootKey, keyPath, access);
+        const suite::RegistryKey key = OpenKey(rootKey, keyPath, access);
         std::vector<unsigned char> bytes;
-        if (!key.IsOpen() || !ReadText(key.Get(), valueName, bytes)) {
+        if (!key || !ReadText(key.Get(), valueName, bytes)) {
             return false;
         }
         std::optional<std::wstring> text = DecodeRegistryText(bytes.data(), bytes.size());
@@ -123,10 +109,10 @@ bool Registry::GetValue(HKEY rootKey, const std::wstring& keyPath, const std::ws
 bool Registry::SetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName, int value,
                         REGSAM access) {
     try {
-        const Key key(rootKey, keyPath, access);
+        const suite::RegistryKey key = OpenKey(rootKey, keyPath, access);
         const auto number = static_cast<DWORD>(value);
-        return key.IsOpen() && RegSetValueExW(key.Get(), valueName.c_str(), 0, REG_DWORD,
-                                              reinterpret_cast<const BYTE*>(&number), sizeof number) == ERROR_SUCCESS;
+        return key && RegSetValueExW(key.Get(), valueName.c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number),
+                                     sizeof number) == ERROR_SUCCESS;
     } catch (...) {
         return false;
     }
@@ -135,9 +121,9 @@ bool Registry::SetValue(HKEY rootKey, const std::wstring& keyPath, const std::ws
 bool Registry::SetValue(HKEY rootKey, const std::wstring& keyPath, const std::wstring& valueName,
                         const std::wstring& value, REGSAM access) {
     try {
-        const Key key(rootKey, keyPath, access);
+        const suite::RegistryKey key = OpenKey(rootKey, keyPath, access);
         const std::size_t byteCount = (value.size() + 1) * sizeof(wchar_t);
-        return key.IsOpen() && byteCount <= std::numeric_limits<DWORD>::max() &&
+        return key && byteCount <= std::numeric_limits<DWORD>::max() &&
                RegSetValueExW(key.Get(), valueName.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                               static_cast<DWORD>(byteCount)) == ERROR_SUCCESS;
     } catch (...) {

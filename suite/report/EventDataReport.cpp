@@ -21,5 +21,5 @@ bool EventDataReport::GetMsg(std::string& message, const std::string& eventId, c
 
 bool EventDataReport::SendMsg(const std::string& message) {
     suite::Spool* const spool = suite::Spool::Instance();
-    return spool != nullptr && !message.empty() && spool->Put(message);
+    return spool && !message.empty() && spool->Put(message);
 }

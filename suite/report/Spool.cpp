@@ -99,7 +99,7 @@ DWORD WINAPI Spool::ThreadEntry(void* spool) {
     try {
         static_cast<Spool*>(spool)->WriteForever();
     } catch (...) {
-        LogLine(4, L"Spool::ThreadEntry", L"unexpected exception");
+        LogLine(LogLevel::kError, L"Spool::ThreadEntry", L"unexpected exception");
     }
     return 0;
 }
@@ -119,7 +119,8 @@ void Spool::WriteForever() {
         }
         if (!file_.Append(*line) && !toldFailure_) {
             toldFailure_ = true;
-            LogLine(4, L"Spool::WriteForever", L"usage events are lost: the spool file is full or cannot be written");
+            LogLine(LogLevel::kError, L"Spool::WriteForever",
+                    L"usage events are lost: the spool file is full or cannot be written");
         }
         Lock guard(lock_);
         queue_.pop_front();
@@ -129,7 +130,7 @@ void Spool::WriteForever() {
 void Spool::FlushAtExit() {
     Spool* const spool = theSpool;
     // A thread that was stopped inside the lock keeps it for ever, and has left the queue in no known state.
-    if (spool == nullptr || !TryAcquireSRWLockExclusive(&spool->lock_)) {
+    if (!spool || !TryAcquireSRWLockExclusive(&spool->lock_)) {
         return;
     }
     const ULONGLONG deadline = GetTickCount64() + kExitFlushMs;
@@ -149,7 +150,7 @@ UtcTime UtcNow() {
 }  // namespace suite
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
-    if (reason == DLL_PROCESS_DETACH && processEnds != nullptr) {
+    if (reason == DLL_PROCESS_DETACH && processEnds) {
         suite::Spool::FlushAtExit();
     }
     return TRUE;

@@ -15,7 +15,7 @@ void TallyEvent::PutInt(const std::string& key, int value) {
 bool TallyView::Report(const TallyEvent& event) {
     try {
         suite::Spool* const spool = suite::Spool::Instance();
-        return spool != nullptr && spool->Put(suite::FieldEventLine(suite::UtcNow(), event.id_, event.fields_));
+        return spool && spool->Put(suite::FieldEventLine(suite::UtcNow(), event.id_, event.fields_));
     } catch (...) {
         return false;
     }

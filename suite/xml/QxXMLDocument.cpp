@@ -2,54 +2,26 @@
 
 #include <windows.h>
 
-#include "suite/common/Handle.h"
+#include <utility>
+
 #include "suite/common/Utf8.h"
-#include "suite/xml/XmlGate.h"
 #include "suite/xml/XmlTree.h"
 
-namespace {
-
-// The whole file, or one byte more than the largest that is read.
-DWORD ReadWhole(const std::string& path, std::string& bytes) {
-    // The system would take what stands before a NUL for the path.
-    if (path.find('\0') != std::string::npos) {
-        return ERROR_INVALID_NAME;
-    }
-    const suite::Handle file(CreateFileW(suite::FromUtf8(path).c_str(), GENERIC_READ,
-                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (!file) {
-        return GetLastError();
-    }
-    bytes.resize(suite::kMostXmlBytes + 1);
-    std::size_t filled = 0;
-    DWORD count = 0;
-    do {
-        if (!ReadFile(file.Get(), bytes.data() + filled, static_cast<DWORD>(bytes.size() - filled), &count, nullptr)) {
-            return GetLastError();
-        }
-        filled += count;
-    } while (count > 0 && filled < bytes.size());
-    bytes.resize(filled);
-    return ERROR_SUCCESS;
-}
-
-}  // namespace
-
 std::string QxXmlAttribute::Value() const {
-    return value_ != nullptr ? *value_ : std::string();
+    return value_ ? suite::ToUtf8(*value_) : std::string();
 }
 
 std::string QxXmlElement::Name() const {
-    return node_ != nullptr ? node_->name : std::string();
+    return node_ ? suite::ToUtf8(node_->name) : std::string();
 }
 
 QxXmlElement QxXmlElement::FirstNode(const std::string& name) const {
     QxXmlElement found;
-    if (node_ != nullptr) {
-        for (const auto& child : node_->children) {
-            if (child->name == name) {
-                found.node_ = child.get();
+    if (node_) {
+        const std::wstring wanted = suite::FromUtf8(name);
+        for (const suite::XmlElement& child : node_->children) {
+            if (child.name == wanted) {
+                found.node_ = &child;
                 break;
             }
         }
@@ -59,13 +31,8 @@ QxXmlElement QxXmlElement::FirstNode(const std::string& name) const {
 
 QxXmlAttribute QxXmlElement::FirstAttribute(const std::string& name) const {
     QxXmlAttribute found;
-    if (node_ != nullptr) {
-        for (const auto& [attributeName, value] : node_->attributes) {
-            if (attributeName == name) {
-                found.value_ = &value;
-                break;
-            }
-        }
+    if (node_) {
+        found.value_ = node_->Attribute(suite::FromUtf8(name));
     }
     return found;
 }
@@ -75,14 +42,16 @@ QxXMLDocument::~QxXMLDocument() = default;
 
 int QxXMLDocument::LoadFile(const std::string& path) {
     root_.reset();
+    // The system would take what stands before a NUL for the path.
+    if (path.find('\0') != std::string::npos) {
+        return ERROR_INVALID_NAME;
+    }
     try {
-        std::string bytes;
-        const DWORD error = ReadWhole(path, bytes);
-        if (error != ERROR_SUCCESS) {
-            return static_cast<int>(error);
+        suite::XmlDocument document = suite::ReadXmlFile(suite::FromUtf8(path));
+        if (document.code == ERROR_SUCCESS && document.root) {
+            root_ = std::make_unique<suite::XmlElement>(std::move(*document.root));
         }
-        const HRESULT result = suite::ReadXml(bytes, root_);
-        return FACILITY_WIN32 == HRESULT_FACILITY(result) ? HRESULT_CODE(result) : static_cast<int>(result);
+        return static_cast<int>(document.code);
     } catch (...) {
         return ERROR_NOT_ENOUGH_MEMORY;
     }

@@ -12,23 +12,23 @@
 #include "suite/xml/Export.h"
 
 namespace suite {
-struct XmlTree;
+struct XmlElement;
 }
 
 class SUITE_XML_API QxXmlAttribute {
   public:
-    bool IsAttributeNull() const { return value_ == nullptr; }
+    bool IsAttributeNull() const { return !value_; }
     // The text; empty for a null attribute.
     std::string Value() const;
 
   private:
     friend class QxXmlElement;
-    const std::string* value_ = nullptr;  // borrowed from the document
+    const std::wstring* value_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXmlElement {
   public:
-    bool IsElementNull() const { return node_ == nullptr; }
+    bool IsElementNull() const { return !node_; }
     std::string Name() const;
     // The first child element of that name (names are case-sensitive); null when there is none.
     QxXmlElement FirstNode(const std::string& name) const;
@@ -36,7 +36,7 @@ class SUITE_XML_API QxXmlElement {
 
   private:
     friend class QxXMLDocument;
-    const suite::XmlTree* node_ = nullptr;  // borrowed from the document
+    const suite::XmlElement* node_ = nullptr;  // borrowed from the document
 };
 
 class SUITE_XML_API QxXMLDocument {
@@ -54,5 +54,5 @@ class SUITE_XML_API QxXMLDocument {
     QxXmlElement RootElement() const;
 
   private:
-    std::unique_ptr<suite::XmlTree> root_;
+    std::unique_ptr<suite::XmlElement> root_;
 };

@@ -5,7 +5,7 @@
 namespace suite {
 
 HRESULT Utf8Stream::QueryInterface(REFIID id, void** object) {
-    if (object == nullptr) {
+    if (!object) {
         return E_POINTER;
     }
     if (id != __uuidof(IUnknown) && id != __uuidof(ISequentialStream)) {
@@ -30,7 +30,7 @@ ULONG Utf8Stream::Release() {
 }
 
 HRESULT Utf8Stream::Read(void* bytes, ULONG size, ULONG* read) {
-    if (bytes == nullptr) {
+    if (!bytes) {
         return STG_E_INVALIDPOINTER;
     }
     const std::size_t most = std::min<std::size_t>(size, rest_.size());
@@ -41,7 +41,7 @@ HRESULT Utf8Stream::Read(void* bytes, ULONG size, ULONG* read) {
     length = length > 0 ? length : most;
     std::copy_n(rest_.data(), length, static_cast<char*>(bytes));
     rest_.remove_prefix(length);
-    if (read != nullptr) {
+    if (read) {
         *read = static_cast<ULONG>(length);
     }
     return length < size ? S_FALSE : S_OK;

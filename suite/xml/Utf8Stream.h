@@ -1,5 +1,6 @@
 #pragma once
-// A UTF-8 text as input of the system's XML reader. A read ends behind an ASCII character where there is one.
+// A UTF-8 text as input of the system's XML reader. A read ends behind an ASCII character: the gate sees to it that
+// there is one in any two thousand bytes.
 //
 // Why not the system's memory stream: a reader that takes its input in pieces may damage the text between two of them
 // when a piece ends within or behind a character of several bytes. Threads: as the reader that owns it. The text is

@@ -1,107 +1,149 @@
 #include "suite/xml/XmlGate.h"
 
 #include <algorithm>
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "suite/common/Utf8.h"
+#include "suite/xml/XmlCharacters.h"
 
 namespace suite {
 
 namespace {
 
-bool IsXmlCharacter(char32_t c) {
-    return c == U'\t' || c == U'\n' || c == U'\r' || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
-           (c >= 0x10000 && c <= 0x10FFFF);
+unsigned LineBreaks(std::u32string_view text) {
+    return static_cast<unsigned>(std::count(text.begin(), text.end(), U'\n'));
 }
 
-bool IsSpace(char32_t c) {
-    return c == U' ' || c == U'\t' || c == U'\n' || c == U'\r';
-}
-
-bool IsNameStart(char32_t c) {
-    return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z') || c == U'_' || c == U':' ||
-           (c >= 0xC0 && c != 0xD7 && c != 0xF7);
-}
-
-bool IsNamePart(char32_t c) {
-    return IsNameStart(c) || (c >= U'0' && c <= U'9') || c == U'-' || c == U'.' || c == 0xB7;
-}
-
-// Nothing when a byte sequence is no character of XML.
-std::optional<std::u32string> DecodeUtf8(std::string_view bytes) {
-    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // what the decoder makes of damaged bytes
-    std::u32string text;
-    text.reserve(bytes.size());
-    while (!bytes.empty()) {
-        const bool isReplacement = bytes.substr(0, kReplacement.size()) == kReplacement;
-        const char32_t c = TakeCodePoint(bytes);
-        if (!IsXmlCharacter(c) || (c == 0xFFFD && !isReplacement)) {
-            return std::nullopt;
+// "amp", "#x41": one of the five entities that need no declaration, or the number of a character.
+bool IsReference(std::u32string_view name) {
+    if (!name.starts_with(U'#')) {
+        return name == U"amp" || name == U"lt" || name == U"gt" || name == U"quot" || name == U"apos";
+    }
+    const bool isHex = name.starts_with(U"#x");
+    name.remove_prefix(isHex ? 2 : 1);
+    char32_t value = 0;
+    for (const char32_t c : name) {
+        const std::size_t digit = std::u32string_view(U"0123456789abcdefABCDEF").find(c);
+        if (digit == std::u32string_view::npos || (digit > 9 && !isHex) || value > 0x10FFFF) {
+            return false;
         }
-        text += c;
+        value = value * (isHex ? 16 : 10) + static_cast<char32_t>(digit > 15 ? digit - 6 : digit);
     }
-    return text;
+    return !name.empty() && IsXmlCharacter(value);
 }
 
-std::optional<std::u32string> DecodeUtf16(std::string_view bytes, bool bigEndian) {
-    if (bytes.size() % 2 != 0) {
-        return std::nullopt;
-    }
-    std::wstring units;
-    units.reserve(bytes.size() / 2);
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
-        const auto first = static_cast<unsigned char>(bytes[i]);
-        const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        units += static_cast<wchar_t>(bigEndian ? first << 8 | second : second << 8 | first);
-    }
-    std::u32string text;
-    for (std::wstring_view rest = units; !rest.empty();) {
-        const bool isReplacement = rest.front() == 0xFFFD;
-        const char32_t c = TakeCodePoint(rest);
-        if (!IsXmlCharacter(c) || (c == 0xFFFD && !isReplacement)) {
-            return std::nullopt;
+// Every '&' begins a reference.
+bool References(std::u32string_view text) {
+    for (std::size_t place = text.find(U'&'); place != std::u32string_view::npos; place = text.find(U'&')) {
+        text.remove_prefix(place + 1);
+        const std::u32string_view name = text.substr(0, std::min(text.find(U';'), text.size()));
+        if (name.size() == text.size() || !IsReference(name)) {
+            return false;
         }
-        text += c;
     }
-    return text;
+    return true;
 }
 
-std::optional<std::u32string> Decode(std::string_view bytes) {
-    if (bytes.starts_with("\xEF\xBB\xBF")) {
-        return DecodeUtf8(bytes.substr(3));
+// A reader that takes its input in pieces may need an ASCII character to end one behind (Utf8Stream.h).
+constexpr std::size_t kLongestRunBeyondAscii = 500;
+
+std::string AsUtf8(std::u32string_view text) {
+    std::string utf8;
+    utf8.reserve(text.size());
+    std::size_t run = 0;
+    for (const char32_t c : text) {
+        run = c < 0x80 ? 0 : run + 1;
+        // One reader cuts references beyond 16 bits short.
+        if (run < kLongestRunBeyondAscii || c > 0xFFFF) {
+            AppendUtf8(utf8, c);
+        } else {
+            utf8 += "&#" + std::to_string(static_cast<std::uint32_t>(c)) + ';';
+            run = 0;
+        }
     }
-    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-        return DecodeUtf16(bytes.substr(2), bytes.front() == '\xFE');
-    }
-    return DecodeUtf8(bytes);
+    return utf8;
 }
 
-// Walks the markup. Every step either goes forward or ends the walk.
+// Walks the markup and keeps what is sound. Every step either goes forward or ends the walk.
 class Walk {
   public:
-    explicit Walk(std::u32string_view text) : whole_(text.size()), rest_(text) {}
+    explicit Walk(const XmlCharacters& decoded) : whole_(decoded.text), decoded_(decoded.whole), rest_(whole_) {
+        judgement_.verdict = XmlVerdict::kSound;
+    }
 
-    XmlVerdict Run() {
-        while (!rest_.empty() && verdict_ == XmlVerdict::kSound) {
+    XmlJudgement Run() {
+        while (!rest_.empty() && judgement_.verdict == XmlVerdict::kSound) {
+            const std::u32string_view step = rest_;
             if (!(rest_.front() == U'<' ? Markup() : Text())) {
-                Fail(XmlVerdict::kBroken);
+                const bool isCut = step.front() == U'<' && step.find(U'>') == std::u32string_view::npos;
+                Fail(XmlVerdict::kBroken, isCut ? AtEnd() : L"not well-formed XML");
             }
         }
-        if (verdict_ != XmlVerdict::kSound) {
-            return verdict_;
+        if (judgement_.verdict == XmlVerdict::kSound && (!decoded_ || !open_.empty())) {
+            Fail(XmlVerdict::kBroken, AtEnd());
         }
-        return !open_.empty() ? XmlVerdict::kBroken : elements_ == 0 ? XmlVerdict::kRootless : XmlVerdict::kSound;
+        if (judgement_.verdict == XmlVerdict::kSound && elements_ == 0) {
+            judgement_.verdict = XmlVerdict::kRootless;
+            judgement_.fault = L"no root element";
+        } else if (judgement_.verdict == XmlVerdict::kSound) {
+            judgement_.utf8 = AsUtf8(sound_);
+        } else if (elements_ > 0) {
+            Finish();
+        }
+        return std::move(judgement_);
     }
 
   private:
     // The first reason counts.
-    bool Fail(XmlVerdict verdict) {
-        if (verdict_ == XmlVerdict::kSound) {
-            verdict_ = verdict;
+    bool Fail(XmlVerdict verdict, std::wstring fault) {
+        if (judgement_.verdict == XmlVerdict::kSound) {
+            judgement_.verdict = verdict;
+            judgement_.fault = std::move(fault);
+            judgement_.faultLine = 1 + LineBreaks(whole_.substr(0, whole_.size() - rest_.size()));
         }
         return false;
+    }
+
+    // What is wrong where the text ends before its time.
+    std::wstring AtEnd() {
+        rest_ = {};
+        return decoded_ ? L"unexpected end" : L"bytes that are no characters of XML";
+    }
+
+    // Closes the elements that are open where the text is broken.
+    void Finish() {
+        for (; !open_.empty(); open_.pop_back()) {
+            sound_ += U"</";
+            sound_ += open_.back();
+            sound_ += U'>';
+        }
+        judgement_.beginning = AsUtf8(sound_);
+    }
+
+    void Keep(std::u32string_view piece) {
+        if (sound_.empty()) {
+            const std::size_t blanks = std::min(piece.find(U'<'), piece.size());
+            judgement_.linesBefore += LineBreaks(piece.substr(0, blanks));
+            piece.remove_prefix(blanks);
+        }
+        sound_ += piece;
+    }
+
+    // Of something that is no content: its line breaks.
+    void KeepLines(std::u32string_view piece) { Keep(std::u32string(LineBreaks(piece), U'\n')); }
+
+    // Text within an element. Those characters become references: '>' too, because what stood between two texts and is
+    // left out may have kept a "]]" and a '>' apart, which is no text.
+    void KeepAsText(std::u32string_view text, std::u32string_view escaped) {
+        for (const char32_t c : text) {
+            if (escaped.find(c) == std::u32string_view::npos) {
+                sound_ += c;
+            } else {
+                sound_ += c == U'<' ? U"&lt;" : c == U'>' ? U"&gt;" : U"&amp;";
+            }
+        }
     }
 
     bool Take(std::u32string_view prefix) {
@@ -121,9 +163,14 @@ class Walk {
         return true;
     }
 
+    // What was taken since then.
+    std::u32string_view TakenSince(std::u32string_view step) const {
+        return step.substr(0, step.size() - rest_.size());
+    }
+
     bool TakeSpaces() {
         const std::size_t before = rest_.size();
-        while (!rest_.empty() && IsSpace(rest_.front())) {
+        while (!rest_.empty() && IsXmlSpace(rest_.front())) {
             rest_.remove_prefix(1);
         }
         return rest_.size() != before;
@@ -132,58 +179,105 @@ class Walk {
     // Empty when there is no name here.
     std::u32string_view TakeName() {
         const std::u32string_view all = rest_;
-        if (rest_.empty() || !IsNameStart(rest_.front())) {
+        if (rest_.empty() || !IsXmlNameStart(rest_.front())) {
             return {};
         }
-        while (!rest_.empty() && IsNamePart(rest_.front())) {
+        while (!rest_.empty() && IsXmlNamePart(rest_.front())) {
             rest_.remove_prefix(1);
         }
-        return all.substr(0, all.size() - rest_.size());
+        const std::u32string_view name = TakenSince(all);
+        // A reference is no part of a name, so none may be in need of one.
+        if (name.size() >= kLongestRunBeyondAscii) {
+            Fail(XmlVerdict::kRefused, MoreThan(kLongestRunBeyondAscii - 1, L"characters in a name"));
+            return {};
+        }
+        return name;
     }
 
     bool Text() {
         const std::u32string_view text = rest_.substr(0, std::min(rest_.find(U'<'), rest_.size()));
+        if (open_.empty() ? !std::all_of(text.begin(), text.end(), IsXmlSpace)
+                          : text.find(U"]]>") != std::u32string_view::npos || !References(text)) {
+            return false;
+        }
         rest_.remove_prefix(text.size());
         if (open_.empty()) {
-            return std::all_of(text.begin(), text.end(), IsSpace);
+            Keep(text);
+        } else if (!rest_.empty()) {
+            KeepAsText(text, U">");
         }
-        return text.find(U"]]>") == std::u32string_view::npos && References(text);
+        return true;
     }
 
     bool Markup() {
+        const std::u32string_view step = rest_;
         if (Take(U"<!--")) {
-            return TakeThrough(U"--") && Take(U">");
+            if (!TakeThrough(U"--") || !Take(U">")) {
+                return false;
+            }
+            KeepLines(TakenSince(step));
+            return true;
         }
-        if (Take(U"<![CDATA[")) {
-            return !open_.empty() && TakeThrough(U"]]>");
+        constexpr std::u32string_view kLiteral = U"<![CDATA[";
+        constexpr std::u32string_view kLiteralEnd = U"]]>";
+        if (Take(kLiteral)) {
+            const std::u32string_view literal = rest_.substr(0, rest_.find(kLiteralEnd));
+            if (open_.empty() || !TakeThrough(kLiteralEnd)) {
+                return false;
+            }
+            KeepAsText(literal, U"<&>");
+            return true;
         }
         if (Take(U"<!")) {
-            return !TakeName().empty() && Fail(XmlVerdict::kRefused);
+            return !TakeName().empty() && Fail(XmlVerdict::kRefused, L"a document type");
         }
-        const bool isFirst = rest_.size() == whole_;
         if (Take(U"<?")) {
-            // The declaration stands before everything else, white space included.
-            const std::u32string_view name = TakeName();
-            return !name.empty() && (name != U"xml" || isFirst) && TakeThrough(U"?>");
+            return Instruction(step);
         }
-        return Take(U"</") ? EndTag() : StartTag();
+        if (!(Take(U"</") ? EndTag() : StartTag())) {
+            return false;
+        }
+        Keep(TakenSince(step));
+        return true;
+    }
+
+    // The declaration stands before everything else, white space included.
+    bool Instruction(std::u32string_view step) {
+        const bool isFirst = step.size() == whole_.size();
+        const std::u32string_view name = TakeName();
+        const bool isDeclaration = name == U"xml";
+        if (name.empty() || (isDeclaration && !isFirst) || !TakeThrough(U"?>")) {
+            return false;
+        }
+        if (isDeclaration) {
+            Keep(TakenSince(step));
+        } else {
+            KeepLines(TakenSince(step));
+        }
+        return true;
     }
 
     bool EndTag() {
         if (open_.empty() || TakeName() != open_.back()) {
             return false;
         }
-        open_.pop_back();
         TakeSpaces();
-        return Take(U">");
+        if (!Take(U">")) {
+            return false;
+        }
+        open_.pop_back();
+        return true;
     }
 
     bool StartTag() {
         if (open_.empty() && elements_ > 0) {
             return false;
         }
-        if (open_.size() >= kMostXmlLevels || ++elements_ > kMostXmlElements) {
-            return Fail(XmlVerdict::kRefused);
+        if (open_.size() >= kMostXmlLevels) {
+            return Fail(XmlVerdict::kRefused, MoreThan(kMostXmlLevels, L"levels"));
+        }
+        if (elements_ >= kMostXmlElements) {
+            return Fail(XmlVerdict::kRefused, MoreThan(kMostXmlElements, L"elements"));
         }
         Take(U"<");
         const std::u32string_view name = TakeName();
@@ -194,12 +288,13 @@ class Walk {
         for (bool spaced = TakeSpaces(); !Take(U"/>"); spaced = TakeSpaces()) {
             if (Take(U">")) {
                 open_.push_back(name);
-                return true;
+                break;
             }
             if (!spaced || !Attribute(attributes)) {
                 return false;
             }
         }
+        ++elements_;
         return true;
     }
 
@@ -209,7 +304,7 @@ class Walk {
             return false;
         }
         if (known.size() >= kMostAttributes) {
-            return Fail(XmlVerdict::kRefused);
+            return Fail(XmlVerdict::kRefused, MoreThan(kMostAttributes, L"attributes"));
         }
         known.push_back(name);
         TakeSpaces();
@@ -226,66 +321,32 @@ class Walk {
         return TakeThrough(quote) && value.find(U'<') == std::u32string_view::npos && References(value);
     }
 
-    // Every '&' begins one of the five entities that need no declaration, or the number of a character.
-    static bool References(std::u32string_view text) {
-        for (std::size_t place = text.find(U'&'); place != std::u32string_view::npos; place = text.find(U'&')) {
-            text.remove_prefix(place + 1);
-            const std::u32string_view name = text.substr(0, std::min(text.find(U';'), text.size()));
-            if (name.size() == text.size() || !IsReference(name)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    static bool IsReference(std::u32string_view name) {
-        if (!name.starts_with(U'#')) {
-            return name == U"amp" || name == U"lt" || name == U"gt" || name == U"quot" || name == U"apos";
-        }
-        const bool isHex = name.starts_with(U"#x");
-        name.remove_prefix(isHex ? 2 : 1);
-        char32_t value = 0;
-        for (const char32_t c : name) {
-            const std::size_t digit = std::u32string_view(U"0123456789abcdefABCDEF").find(c);
-            if (digit == std::u32string_view::npos || (digit > 9 && !isHex) || value > 0x10FFFF) {
-                return false;
-            }
-            value = value * (isHex ? 16 : 10) + static_cast<char32_t>(digit > 15 ? digit - 6 : digit);
-        }
-        return !name.empty() && IsXmlCharacter(value);
+    static std::wstring MoreThan(std::size_t limit, const wchar_t* what) {
+        return L"more than " + std::to_wstring(limit) + L" " + what;
     }
 
     static constexpr std::size_t kMostAttributes = 256;
 
-    const std::size_t whole_;
+    const std::u32string_view whole_;
+    const bool decoded_;  // false: the input has more, but no characters
     std::u32string_view rest_;
+    std::u32string sound_;                   // what was taken so far
     std::vector<std::u32string_view> open_;  // the names of the elements around this place, outermost first
     std::size_t elements_ = 0;
-    XmlVerdict verdict_ = XmlVerdict::kSound;
+    XmlJudgement judgement_;
 };
-
-std::string AsUtf8(std::u32string_view text) {
-    std::string utf8;
-    utf8.reserve(text.size());
-    const std::size_t start = text.find(U'<');
-    for (const char32_t c : text.substr(start)) {
-        AppendUtf8(utf8, c);
-    }
-    return utf8;
-}
 
 }  // namespace
 
 XmlJudgement JudgeXml(std::string_view bytes) {
     if (bytes.size() > kMostXmlBytes) {
-        return {XmlVerdict::kRefused, {}};
+        XmlJudgement tooLarge;
+        tooLarge.verdict = XmlVerdict::kRefused;
+        tooLarge.fault = L"larger than 1 MiB";
+        return tooLarge;
     }
-    const std::optional<std::u32string> text = Decode(bytes);
-    if (!text) {
-        return {XmlVerdict::kBroken, {}};
-    }
-    const XmlVerdict verdict = Walk(*text).Run();
-    return {verdict, verdict == XmlVerdict::kSound ? AsUtf8(*text) : std::string()};
+    const XmlCharacters decoded = DecodeXml(bytes);
+    return Walk(decoded).Run();
 }
 
 }  // namespace suite

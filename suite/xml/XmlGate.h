@@ -1,5 +1,5 @@
 #pragma once
-// Decides whether a text may be handed to the system's XML reader.
+// Decides whether a text may be handed to the system's XML reader, and what of it.
 //
 // Why before the reader and not by it: not every system's reader stands up to text from outside. One of them waits for
 // ever when a text node is cut off, ends the process after a lone declaration, and takes undefined entities and doubled
@@ -22,11 +22,17 @@ enum class XmlVerdict {
     kRefused,   // a document type, or past a limit
 };
 
-// What a sound text says, in the one form in which every reader takes it: UTF-8 without a byte order mark and without
-// white space in front.
+// Texts for the reader are in the one form in which every reader takes them: UTF-8 without a byte order mark and
+// without white space in front. Comments and instructions leave their line breaks only, CDATA is plain text.
 struct XmlJudgement {
     XmlVerdict verdict = XmlVerdict::kBroken;
     std::string utf8;  // empty unless sound
+    // Of a text that is broken or refused: its sound beginning, with the elements that were open there closed. Whole
+    // tags and the texts between two of them; empty when the root's start tag is not among them.
+    std::string beginning;
+    unsigned linesBefore = 0;  // of the input, in front of what `utf8` and `beginning` begin with
+    std::wstring fault;        // what is wrong, for a log line; empty when sound
+    unsigned faultLine = 0;    // from 1; 0 when sound
 };
 
 XmlJudgement JudgeXml(std::string_view bytes);

@@ -4,7 +4,11 @@
 
 #include <xmllite.h>
 
-#include "suite/common/Utf8.h"
+#include <cwchar>
+#include <iterator>
+
+#include "suite/common/ComReference.h"
+#include "suite/common/Handle.h"
 #include "suite/xml/Utf8Stream.h"
 #include "suite/xml/XmlGate.h"
 
@@ -12,59 +16,64 @@ namespace suite {
 
 namespace {
 
-const HRESULT kBroken = HRESULT_FROM_WIN32(ERROR_XML_PARSE_ERROR);
-const HRESULT kRefused = HRESULT_FROM_WIN32(ERROR_NOT_SUPPORTED);
-
-struct Release {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-
-template <typename Interface>
-using Com = std::unique_ptr<Interface, Release>;
+DWORD CodeOf(HRESULT result) {
+    return HRESULT_FACILITY(result) == FACILITY_WIN32 ? HRESULT_CODE(result) : static_cast<DWORD>(result);
+}
 
 // Builds the tree while the system's reader walks the text.
 class TreeReader {
   public:
-    TreeReader(IXmlReader* reader, std::unique_ptr<XmlTree>& root) : reader_(reader), root_(root) {}
+    // `linesBefore`: lines of the file that the reader does not see.
+    TreeReader(IXmlReader& reader, unsigned linesBefore, std::optional<XmlElement>& root)
+        : reader_(reader), linesBefore_(linesBefore), root_(root) {}
 
     HRESULT Run() {
         XmlNodeType type = XmlNodeType_None;
         HRESULT result = S_OK;
-        while ((result = reader_->Read(&type)) == S_OK) {
-            if (type == XmlNodeType_Element) {
-                result = Begin();
-            } else if (type == XmlNodeType_EndElement) {
-                result = End();
+        while ((result = reader_.Read(&type)) == S_OK) {
+            switch (type) {
+                case XmlNodeType_Element:
+                    result = Begin();
+                    break;
+                case XmlNodeType_EndElement:
+                    open_.pop_back();
+                    break;
+                case XmlNodeType_Text:
+                    result = TakeText();
+                    break;
+                default:
+                    break;
             }
             if (FAILED(result)) {
                 return result;
             }
         }
-        if (FAILED(result)) {
-            return result;
-        }
-        return root_ != nullptr && open_.empty() ? S_OK : kBroken;
+        return result;
+    }
+
+    unsigned Line() const {
+        UINT line = 0;
+        return SUCCEEDED(reader_.GetLineNumber(&line)) ? line + linesBefore_ : 0;
     }
 
   private:
     HRESULT Begin() {
-        if (open_.empty() && root_ != nullptr) {
-            return kBroken;
-        }
-        auto element = std::make_unique<XmlTree>();
-        const bool isEmpty = reader_->IsEmptyElement() != FALSE;
-        HRESULT result = TakeName(element->name);
+        XmlElement element;
+        element.line = Line();
+        // Asked before the attributes: the answer is about the node that the reader stands on.
+        const bool isEmpty = reader_.IsEmptyElement() != FALSE;
+        HRESULT result = TakeName(element.name);
         if (SUCCEEDED(result)) {
-            result = TakeAttributes(*element);
+            result = TakeAttributes(element);
         }
         if (FAILED(result)) {
             return result;
         }
-        XmlTree* const added = element.get();
+        XmlElement* added = nullptr;
         if (open_.empty()) {
-            root_ = std::move(element);
+            added = &root_.emplace(std::move(element));
         } else {
-            open_.back()->children.push_back(std::move(element));
+            added = &open_.back()->children.emplace_back(std::move(element));
         }
         if (!isEmpty) {
             open_.push_back(added);
@@ -72,84 +81,149 @@ class TreeReader {
         return S_OK;
     }
 
-    HRESULT End() {
-        if (open_.empty()) {
-            return kBroken;
-        }
-        open_.pop_back();
-        return S_OK;
-    }
-
-    HRESULT TakeAttributes(XmlTree& element) {
-        HRESULT result = reader_->MoveToFirstAttribute();
+    HRESULT TakeAttributes(XmlElement& element) {
+        HRESULT result = reader_.MoveToFirstAttribute();
         while (result == S_OK) {
-            std::pair<std::string, std::string> attribute;
-            const WCHAR* value = nullptr;
-            UINT length = 0;
-            result = TakeName(attribute.first);
+            auto& [name, value] = element.attributes.emplace_back();
+            result = TakeName(name);
             if (SUCCEEDED(result)) {
-                result = reader_->GetValue(&value, &length);
+                result = TakeValue(value);
             }
             if (FAILED(result)) {
                 return result;
             }
-            attribute.second = ToUtf8({value, length});
-            element.attributes.push_back(std::move(attribute));
-            result = reader_->MoveToNextAttribute();
+            result = reader_.MoveToNextAttribute();
         }
         return result;
     }
 
-    HRESULT TakeName(std::string& name) {
-        const WCHAR* text = nullptr;
+    HRESULT TakeText() {
+        std::wstring text;
+        const HRESULT result = TakeValue(text);
+        if (SUCCEEDED(result) && !open_.empty()) {
+            open_.back()->text += text;
+        }
+        return result;
+    }
+
+    HRESULT TakeName(std::wstring& name) {
+        const wchar_t* text = nullptr;
         UINT length = 0;
-        const HRESULT result = reader_->GetQualifiedName(&text, &length);
-        if (SUCCEEDED(result)) {
-            name = ToUtf8({text, length});
+        const HRESULT result = reader_.GetQualifiedName(&text, &length);
+        if (SUCCEEDED(result) && text) {
+            name.assign(text, length);
         }
         return result;
     }
 
-    IXmlReader* const reader_;  // borrowed; must outlive this object
-    std::unique_ptr<XmlTree>& root_;
-    std::vector<XmlTree*> open_;  // the elements around the reader's place, outermost first
+    HRESULT TakeValue(std::wstring& value) {
+        const wchar_t* text = nullptr;
+        UINT length = 0;
+        const HRESULT result = reader_.GetValue(&text, &length);
+        if (SUCCEEDED(result) && text) {
+            value.assign(text, length);
+        }
+        return result;
+    }
+
+    IXmlReader& reader_;  // borrowed; must outlive this object
+    const unsigned linesBefore_;
+    std::optional<XmlElement>& root_;
+    // The elements around the reader's place, outermost first. Their addresses hold: only the innermost gets children.
+    std::vector<XmlElement*> open_;
 };
+
+// Reads a text that the gate has let through.
+void ReadSound(std::string_view utf8, unsigned linesBefore, XmlDocument& document) {
+    const ComReference<ISequentialStream> stream(new Utf8Stream(utf8));
+    ComReference<IXmlReaderInput> input;
+    ComReference<IXmlReader> reader;
+    // The encoding is told, so that one that the text names itself does not count.
+    HRESULT result = CreateXmlReaderInputWithEncodingName(stream.Get(), nullptr, L"UTF-8", FALSE, nullptr, input.Put());
+    if (SUCCEEDED(result)) {
+        result = CreateXmlReader(__uuidof(IXmlReader), reader.PutVoid(), nullptr);
+    }
+    if (SUCCEEDED(result)) {
+        result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
+    }
+    if (SUCCEEDED(result)) {
+        result = reader->SetInput(input.Get());
+    }
+    unsigned line = 0;
+    if (SUCCEEDED(result)) {
+        TreeReader tree(*reader.Get(), linesBefore, document.root);
+        result = tree.Run();
+        line = tree.Line();
+    }
+    if (FAILED(result)) {
+        wchar_t number[16];
+        std::swprintf(number, std::size(number), L"0x%08lX", static_cast<unsigned long>(result));
+        document.fault = std::wstring(L"refused by the system's XML reader, ") + number;
+        document.faultLine = line;
+        document.code = CodeOf(result);
+    }
+}
+
+// The whole file, or one byte more than the largest that is read. May be asked for less than there is.
+DWORD ReadWhole(HANDLE file, std::string& bytes) {
+    bytes.resize(kMostXmlBytes + 1);
+    std::size_t filled = 0;
+    DWORD count = 0;
+    do {
+        if (!ReadFile(file, bytes.data() + filled, static_cast<DWORD>(bytes.size() - filled), &count, nullptr)) {
+            return GetLastError();
+        }
+        filled += count;
+    } while (count > 0 && filled < bytes.size());
+    bytes.resize(filled);
+    return ERROR_SUCCESS;
+}
+
+XmlDocument Unreadable(const wchar_t* what, DWORD error) {
+    XmlDocument document;
+    document.fault = what + std::to_wstring(error);
+    document.code = error;
+    return document;
+}
 
 }  // namespace
 
-HRESULT ReadXml(const std::string& bytes, std::unique_ptr<XmlTree>& root) {
-    root.reset();
+const std::wstring* XmlElement::Attribute(std::wstring_view attributeName) const {
+    for (const auto& [key, value] : attributes) {
+        if (key == attributeName) {
+            return &value;
+        }
+    }
+    return nullptr;
+}
+
+XmlDocument ReadXmlText(std::string_view bytes) {
     const XmlJudgement judgement = JudgeXml(bytes);
-    if (judgement.verdict != XmlVerdict::kSound) {
-        return judgement.verdict == XmlVerdict::kRootless  ? S_OK
-               : judgement.verdict == XmlVerdict::kRefused ? kRefused
-                                                           : kBroken;
+    XmlDocument document;
+    const std::string& readable = judgement.verdict == XmlVerdict::kSound ? judgement.utf8 : judgement.beginning;
+    if (!readable.empty()) {
+        ReadSound(readable, judgement.linesBefore, document);
     }
-    const Com<ISequentialStream> stream(new Utf8Stream(judgement.utf8));
-    // The encoding is told, so that one that the text names itself does not count.
-    IXmlReaderInput* madeInput = nullptr;
-    HRESULT result = CreateXmlReaderInputWithEncodingName(stream.get(), nullptr, L"UTF-8", FALSE, nullptr, &madeInput);
-    if (FAILED(result)) {
-        return result;
+    // What the reader says is in front of what the gate found.
+    if (document.fault.empty() && judgement.verdict != XmlVerdict::kSound) {
+        document.fault = judgement.fault;
+        document.faultLine = judgement.faultLine;
+        document.code = judgement.verdict == XmlVerdict::kRootless  ? ERROR_SUCCESS
+                        : judgement.verdict == XmlVerdict::kRefused ? ERROR_NOT_SUPPORTED
+                                                                    : ERROR_XML_PARSE_ERROR;
     }
-    const Com<IXmlReaderInput> input(madeInput);
-    IXmlReader* made = nullptr;
-    result = CreateXmlReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&made), nullptr);
-    if (FAILED(result)) {
-        return result;
+    return document;
+}
+
+XmlDocument ReadXmlFile(const std::wstring& path) {
+    const Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                  nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!file) {
+        return Unreadable(L"cannot be opened, error ", GetLastError());
     }
-    const Com<IXmlReader> reader(made);
-    result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
-    if (SUCCEEDED(result)) {
-        result = reader->SetInput(input.get());
-    }
-    if (SUCCEEDED(result)) {
-        result = TreeReader(reader.get(), root).Run();
-    }
-    if (FAILED(result)) {
-        root.reset();
-    }
-    return result;
+    std::string bytes;
+    const DWORD error = ReadWhole(file.Get(), bytes);
+    return error != ERROR_SUCCESS ? Unreadable(L"cannot be read, error ", error) : ReadXmlText(bytes);
 }
 
 }  // namespace suite

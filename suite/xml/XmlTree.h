@@ -1,26 +1,42 @@
 #pragma once
-// The elements of one XML text, as the document class keeps them, and the reading of the text by the system's reader.
+// The way in for XML: judges a text (XmlGate.h), reads what is sound of it through the system's reader, and keeps the
+// elements as a tree, each with the line of its start tag.
 //
-// What comes from outside is judged first (XmlGate.h); the reader only ever sees sound text.
-// Texts between the elements are left out: no caller asks for them. Nothing of the system's reader stays alive.
-// Any thread; XmlLite needs no COM initialisation.
+// Why a tree: layouts, string tables and configuration files are small, and the ones who read them want to look at an
+// element's attributes more than once. What is sound before a fault is read too; callers that take whole files only
+// look at `code`. Nothing of the system's reader stays alive. Any thread; needs no COM initialisation.
 #include <windows.h>
 
-#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace suite {
 
-struct XmlTree {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> attributes;
-    std::vector<std::unique_ptr<XmlTree>> children;
+struct XmlElement {
+    std::wstring name;
+    std::vector<std::pair<std::wstring, std::wstring>> attributes;  // in the order of the file
+    std::wstring text;                                              // directly within it, without that of children
+    std::vector<XmlElement> children;
+    unsigned line = 0;  // of the start tag, from 1
+
+    // Null when there is no such attribute.
+    const std::wstring* Attribute(std::wstring_view attributeName) const;
 };
 
-// S_OK with the root element, or with none for a text that lacks only that; else why the text was refused.
-// May throw std::bad_alloc.
-HRESULT ReadXml(const std::string& bytes, std::unique_ptr<XmlTree>& root);
+struct XmlDocument {
+    std::optional<XmlElement> root;  // elements that were open at a fault are closed there
+    std::wstring fault;              // what is wrong, for a log line; empty: nothing
+    unsigned faultLine = 0;          // from 1; 0: the file as a whole
+    // ERROR_SUCCESS also for a text that lacks a root element only; else the system's error, ERROR_XML_PARSE_ERROR for
+    // what is not well-formed, ERROR_NOT_SUPPORTED for document types and beyond the limits.
+    DWORD code = ERROR_SUCCESS;
+};
+
+// `path`: a file, by its full path. Both may throw std::bad_alloc.
+XmlDocument ReadXmlFile(const std::wstring& path);
+XmlDocument ReadXmlText(std::string_view bytes);
 
 }  // namespace suite

@@ -12,6 +12,7 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 import art
 import art_proof
+import attributes
 import binaries
 import clang_tools
 import docs
@@ -19,6 +20,7 @@ import facts
 import facts_proof
 import headers
 import layers
+import owners
 import plain
 import texts
 import texts_proof
@@ -26,6 +28,8 @@ import tidy
 
 CHECKS = {
     "layers": layers.main,
+    "owners": owners.main,
+    "attributes": attributes.main,
     "standalone": headers.main,
     "words": plain.words,
     "usings": plain.usings,

@@ -24,6 +24,44 @@ ALLOWED = {
 }
 ROOMS = (LIBRARY, PICTURES)
 
+# The rooms of the UI library, what each may see. A public header belongs to the room that its class is written in, but
+# for PaintManagerUI.h: controls call their window through it, so it is declared with them and written in the window.
+UI_ROOMS = {
+    "markup": set(),
+    "text": {"markup"},
+    "paint": {"markup", "text"},
+    "layout": {"markup", "text", "paint"},
+    "controls": {"markup", "text", "paint", "layout"},
+    "accessibility": {"layout"},
+    "window": {"markup", "text", "paint", "layout", "controls", "accessibility"},
+}
+UI_PUBLIC = {
+    None: ("Export", "Geometry"),
+    "text": ("FontSpec", "UICulture"),
+    "layout": ("ContainerUI", "ControlUI", "Event", "Layouts", "Notify", "PaintManagerUI"),
+    "controls": ("ButtonUI", "LabelUI", "OptionUI", "ProgressUI", "SliderUI", "TextUI"),
+    "window": ("DialogBuilder", "NotifyPump", "RenderEngine", "UIMainQueue", "WindowImplBase", "WindowWnd"),
+}
+
+
+def room_of(path):
+    """The room of a file of the UI library; None for what all rooms see, and for files from elsewhere."""
+    if path.startswith("duilib/src/"):
+        return path.split("/")[2]
+    if path.startswith(LIBRARY + "/"):
+        name = path.split("/")[-1][:-2]
+        return next(room for room, names in UI_PUBLIC.items() if name in names)
+    return None
+
+
+def room_breaches(path):
+    own = room_of(path)
+    if own is None:
+        return []
+    others = {(included, room_of(included)) for included in tree.includes(path)}
+    return [f"{path} includes {included}: the room {own} may not see {room}"
+            for included, room in sorted(others, key=str) if room not in UI_ROOMS[own] | {own, None}]
+
 
 def layer_of(path):
     for room in ROOMS:
@@ -40,6 +78,7 @@ def main():
         allowed = ALLOWED.get("duilib" if own == LIBRARY else own)
         if allowed is None:
             continue
+        breaches += room_breaches(path)
         for included in tree.includes(path):
             target = layer_of(included)
             if target not in allowed:

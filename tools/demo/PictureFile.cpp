@@ -4,26 +4,27 @@
 
 #include <wincodec.h>
 
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/ComReference.h"
 
 namespace {
 
 HRESULT Decode(IWICImagingFactory* factory, const std::wstring& path, democamera::Picture& picture) {
-    IWICBitmapDecoder* decoder = nullptr;
-    IWICBitmapFrameDecode* frame = nullptr;
-    IWICFormatConverter* converter = nullptr;
+    suite::ComReference<IWICBitmapDecoder> decoder;
+    suite::ComReference<IWICBitmapFrameDecode> frame;
+    suite::ComReference<IWICFormatConverter> converter;
     UINT width = 0;
     UINT height = 0;
     HRESULT result = factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                                        WICDecodeMetadataCacheOnDemand, &decoder);
+                                                        WICDecodeMetadataCacheOnDemand, decoder.Put());
     if (SUCCEEDED(result)) {
-        result = decoder->GetFrame(0, &frame);
+        result = decoder->GetFrame(0, frame.Put());
     }
     if (SUCCEEDED(result)) {
-        result = factory->CreateFormatConverter(&converter);
+        result = factory->CreateFormatConverter(converter.Put());
     }
     if (SUCCEEDED(result)) {
-        result = converter->Initialize(frame, GUID_WICPixelFormat32bppBGR, WICBitmapDitherTypeNone, nullptr, 0,
+        result = converter->Initialize(frame.Get(), GUID_WICPixelFormat32bppBGR, WICBitmapDitherTypeNone, nullptr, 0,
                                        WICBitmapPaletteTypeCustom);
     }
     if (SUCCEEDED(result)) {
@@ -36,26 +37,19 @@ HRESULT Decode(IWICImagingFactory* factory, const std::wstring& path, democamera
         result = converter->CopyPixels(nullptr, 4 * width, 4 * width * height,
                                        reinterpret_cast<BYTE*>(picture.pixels.data()));
     }
-    ComRelease(converter);
-    ComRelease(frame);
-    ComRelease(decoder);
     return result;
 }
 
 }  // namespace
 
 std::shared_ptr<const democamera::Picture> LoadPicture(const std::wstring& path) {
-    const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);
     auto picture = std::make_shared<democamera::Picture>();
-    IWICImagingFactory* factory = nullptr;
+    suite::ComReference<IWICImagingFactory> factory;
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                      reinterpret_cast<void**>(&factory));
+                                      factory.PutVoid());
     if (SUCCEEDED(result)) {
-        result = Decode(factory, path, *picture);
-    }
-    ComRelease(factory);
-    if (SUCCEEDED(com)) {
-        CoUninitialize();
+        result = Decode(factory.Get(), path, *picture);
     }
     if (FAILED(result) || picture->pixels.empty()) {
         return nullptr;

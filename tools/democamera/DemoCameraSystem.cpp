@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "preview/CameraSystem.h"
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComReference.h"
 #include "tools/democamera/ComObject.h"
 
 namespace democamera {
@@ -44,9 +44,8 @@ HRESULT MakeDevice(const std::shared_ptr<DemoCamera>& camera, IMFActivate** devi
     if (FAILED(result)) {
         return result;
     }
-    auto* holder = new CameraHolder(camera);
-    result = (*device)->SetUnknown(kCameraAttribute, holder);
-    holder->Release();
+    const suite::ComReference<CameraHolder> holder(new CameraHolder(camera));
+    result = (*device)->SetUnknown(kCameraAttribute, holder.Get());
     if (SUCCEEDED(result)) {
         result = (*device)->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE, MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID);
     }
@@ -119,14 +118,10 @@ HRESULT EnumDeviceSources(IMFAttributes* attributes, IMFActivate*** devices, UIN
 }
 
 HRESULT CreateDeviceSource(IMFActivate* device, IMFMediaSource** source) {
-    IUnknown* holder = nullptr;
-    HRESULT result =
-        device->GetUnknown(democamera::kCameraAttribute, __uuidof(IUnknown), reinterpret_cast<void**>(&holder));
-    if (SUCCEEDED(result)) {
-        result = static_cast<democamera::CameraHolder*>(holder)->Camera().OpenSource(source);
-    }
-    ComRelease(holder);
-    return result;
+    suite::ComReference<IUnknown> holder;
+    const HRESULT result = device->GetUnknown(democamera::kCameraAttribute, __uuidof(IUnknown), holder.PutVoid());
+    return SUCCEEDED(result) ? static_cast<democamera::CameraHolder*>(holder.Get())->Camera().OpenSource(source)
+                             : result;
 }
 
 }  // namespace camera_system

@@ -7,6 +7,7 @@
 #include <new>
 #include <vector>
 
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 #include "tools/democamera/DemoMediaStream.h"
@@ -16,17 +17,16 @@ namespace democamera {
 
 HRESULT DemoMediaSource::Make(std::shared_ptr<DemoCamera> camera, IMFMediaSource** source) {
     *source = nullptr;
-    auto* made = new (std::nothrow) DemoMediaSource(std::move(camera));
-    if (made == nullptr) {
+    suite::ComReference<DemoMediaSource> made(new (std::nothrow) DemoMediaSource(std::move(camera)));
+    if (!made) {
         return E_OUTOFMEMORY;
     }
     const HRESULT result = made->Initialize();
     if (FAILED(result)) {
         made->Shutdown();
-        made->Release();
         return result;
     }
-    *source = made;
+    *source = made.Detach();
     return S_OK;
 }
 

@@ -5,6 +5,7 @@
 
 #include <new>
 
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 #include "tools/democamera/DemoMediaSource.h"
 #include "tools/democamera/FrameEncoder.h"
@@ -40,18 +41,17 @@ HRESULT CopyToBuffer(const std::uint8_t* bytes, DWORD size, IMFMediaBuffer** buf
 
 HRESULT DemoMediaStream::Make(std::shared_ptr<DemoCamera> camera, DemoMediaSource* source,
                               IMFStreamDescriptor* descriptor, DemoMediaStream** stream) {
-    auto* made = new (std::nothrow) DemoMediaStream(std::move(camera), source);
-    if (made == nullptr) {
+    suite::ComReference<DemoMediaStream> made(new (std::nothrow) DemoMediaStream(std::move(camera), source));
+    if (!made) {
         return E_OUTOFMEMORY;
     }
     const HRESULT result = MFCreateEventQueue(&made->events_);
     if (FAILED(result)) {
-        made->Release();
         return result;
     }
     made->descriptor_ = descriptor;
     descriptor->AddRef();
-    *stream = made;
+    *stream = made.Detach();
     return S_OK;
 }
 

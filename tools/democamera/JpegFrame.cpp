@@ -3,31 +3,17 @@
 #include <objbase.h>
 #include <wincodec.h>
 
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/ComReference.h"
 
 namespace democamera {
 
 namespace {
 
-class ComScope {
-  public:
-    ComScope() : result_(CoInitializeEx(nullptr, COINIT_MULTITHREADED)) {}
-    ~ComScope() {
-        if (SUCCEEDED(result_)) {
-            CoUninitialize();
-        }
-    }
-    ComScope(const ComScope&) = delete;
-    ComScope& operator=(const ComScope&) = delete;
-
-  private:
-    const HRESULT result_;
-};
-
 HRESULT WriteFrame(IWICBitmapEncoder* encoder, const std::uint32_t* picture, std::uint32_t width,
                    std::uint32_t height) {
-    IWICBitmapFrameEncode* frame = nullptr;
-    HRESULT result = encoder->CreateNewFrame(&frame, nullptr);
+    suite::ComReference<IWICBitmapFrameEncode> frame;
+    HRESULT result = encoder->CreateNewFrame(frame.Put(), nullptr);
     if (SUCCEEDED(result)) {
         result = frame->Initialize(nullptr);
     }
@@ -50,7 +36,6 @@ HRESULT WriteFrame(IWICBitmapEncoder* encoder, const std::uint32_t* picture, std
     if (SUCCEEDED(result)) {
         result = frame->Commit();
     }
-    ComRelease(frame);
     return result;
 }
 
@@ -74,33 +59,30 @@ HRESULT CopyStream(IStream* stream, std::vector<std::uint8_t>* file) {
 
 HRESULT EncodeJpeg(const std::uint32_t* picture, std::uint32_t width, std::uint32_t height,
                    std::vector<std::uint8_t>* file) {
-    const ComScope com;
-    IWICImagingFactory* factory = nullptr;
-    IStream* stream = nullptr;
-    IWICBitmapEncoder* encoder = nullptr;
+    const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);
+    suite::ComReference<IWICImagingFactory> factory;
+    suite::ComReference<IStream> stream;
+    suite::ComReference<IWICBitmapEncoder> encoder;
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                      reinterpret_cast<void**>(&factory));
+                                      factory.PutVoid());
     if (SUCCEEDED(result)) {
-        result = CreateStreamOnHGlobal(nullptr, TRUE, &stream);
+        result = CreateStreamOnHGlobal(nullptr, TRUE, stream.Put());
     }
     if (SUCCEEDED(result)) {
-        result = factory->CreateEncoder(GUID_ContainerFormatJpeg, nullptr, &encoder);
+        result = factory->CreateEncoder(GUID_ContainerFormatJpeg, nullptr, encoder.Put());
     }
     if (SUCCEEDED(result)) {
-        result = encoder->Initialize(stream, WICBitmapEncoderNoCache);
+        result = encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache);
     }
     if (SUCCEEDED(result)) {
-        result = WriteFrame(encoder, picture, width, height);
+        result = WriteFrame(encoder.Get(), picture, width, height);
     }
     if (SUCCEEDED(result)) {
         result = encoder->Commit();
     }
     if (SUCCEEDED(result)) {
-        result = CopyStream(stream, file);
+        result = CopyStream(stream.Get(), file);
     }
-    ComRelease(encoder);
-    ComRelease(stream);
-    ComRelease(factory);
     return result;
 }
 

@@ -19,15 +19,7 @@ VARIANT ChildId(long id) {
 }  // namespace
 
 AccessibleWindow::AccessibleWindow(HWND window) {
-    void* object = nullptr;
-    if (SUCCEEDED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible, &object))) {
-        client_ = static_cast<IAccessible*>(object);
-    }
-}
-
-AccessibleWindow::~AccessibleWindow() {
-    if (client_)
-        client_->Release();
+    AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible, client_.PutVoid());
 }
 
 AccessibleControl AccessibleWindow::Read(long id) const {
@@ -71,7 +63,7 @@ std::vector<long> AccessibleWindow::Ids() const {
         return ids;
     std::vector<VARIANT> children(static_cast<std::size_t>(count));
     long got = 0;
-    if (FAILED(AccessibleChildren(client_, 0, count, children.data(), &got)))
+    if (FAILED(AccessibleChildren(client_.Get(), 0, count, children.data(), &got)))
         return ids;
     for (long i = 0; i < got; ++i) {
         VARIANT& child = children[static_cast<std::size_t>(i)];

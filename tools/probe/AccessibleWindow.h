@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "suite/common/ComReference.h"
+
 struct AccessibleControl {
     long id = 0;           // child id within the window
     std::wstring control;  // name in the layout; empty when it has none
@@ -26,11 +28,8 @@ class AccessibleWindow {
   public:
     // Null client object when the window has none (yet); IsOpen tells.
     explicit AccessibleWindow(HWND window);
-    ~AccessibleWindow();
-    AccessibleWindow(const AccessibleWindow&) = delete;
-    AccessibleWindow& operator=(const AccessibleWindow&) = delete;
 
-    bool IsOpen() const { return client_ != nullptr; }
+    bool IsOpen() const { return static_cast<bool>(client_); }
     std::vector<AccessibleControl> List() const;
     // The first control whose layout name, or else whose spoken name, is this.
     std::optional<AccessibleControl> Find(const std::wstring& name) const;
@@ -43,7 +42,7 @@ class AccessibleWindow {
     std::wstring LayoutName(long id) const;
     AccessibleControl Read(long id) const;
 
-    IAccessible* client_ = nullptr;
+    suite::ComReference<IAccessible> client_;
 };
 
 std::wstring AccessibleRoleName(long role);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "suite/common/ComApartment.h"
 #include "tools/probe/AccessibleWindow.h"
 #include "tools/probe/ScreenMotion.h"
 
@@ -116,13 +117,12 @@ int Run(std::vector<std::wstring> arguments) {
 
 int wmain(int argc, wchar_t** argv) {
     SetConsoleOutputCP(CP_UTF8);
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const suite::ComApartment com(suite::ComApartment::Kind::kSingleThreaded);
     int status = 64;
     try {
         status = Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n%s", error.what(), kHelp);
     }
-    CoUninitialize();
     return status;
 }

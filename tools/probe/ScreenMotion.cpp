@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "suite/common/GdiObject.h"
+
 namespace {
 
 // One change could be the picture's coming or going; a camera brings one with each frame.
@@ -16,18 +18,15 @@ std::vector<std::uint32_t> Grab(const RECT& r) {
     if (width <= 0 || height <= 0)
         return {};
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * height);
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    const HDC screen = GetDC(nullptr);
-    const HDC memory = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
-    const HGDIOBJ previous = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, screen, r.left, r.top, SRCCOPY);
-    SelectObject(memory, previous);
-    GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), pixels.data(), &info, DIB_RGB_COLORS);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
+    BITMAPINFO info = suite::PixelInfo(width, height);
+    const suite::WindowDc screen(nullptr);
+    const suite::MemoryDc memory(CreateCompatibleDC(screen.Get()));
+    const suite::GdiBitmap bitmap(CreateCompatibleBitmap(screen.Get(), width, height));
+    {
+        const suite::GdiSelection selection(memory.Get(), bitmap.Get());
+        BitBlt(memory.Get(), 0, 0, width, height, screen.Get(), r.left, r.top, SRCCOPY);
+    }
+    GetDIBits(memory.Get(), bitmap.Get(), 0, static_cast<UINT>(height), pixels.data(), &info, DIB_RGB_COLORS);
     return pixels;
 }
 

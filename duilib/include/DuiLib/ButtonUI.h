@@ -50,8 +50,6 @@ class DUILIB_API CButtonUI : public CLabelUI {
     // The image of the present state; empty for none.
     virtual const std::wstring& CurrentImage() const;
     virtual void PaintImages(Canvas& canvas);
-    // Itself and every ancestor.
-    bool IsUsable() const;
     // Sets an image and repaints where it is another one.
     void ChangeImage(std::wstring& image, const std::wstring& imageAttribute);
 

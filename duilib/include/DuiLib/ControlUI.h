@@ -124,6 +124,8 @@ class DUILIB_API CControlUI {
     bool IsShown() const;
     virtual void SetVisible(bool visible);
     bool IsEnabled() const { return (state_ & kStateDisabled) == 0; }
+    // Enabled, and every ancestor too.
+    bool IsEnabledInTree() const;
     virtual void SetEnabled(bool enabled);
     unsigned GetState() const { return state_; }
     void SetState(unsigned state);  // repaints when it changed

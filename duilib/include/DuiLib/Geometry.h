@@ -37,10 +37,12 @@ struct Rect {
     }
     // The smallest rectangle around both; an empty one adds nothing.
     Rect Union(const Rect& o) const {
-        if (IsEmpty())
+        if (IsEmpty()) {
             return o;
-        if (o.IsEmpty())
+        }
+        if (o.IsEmpty()) {
             return *this;
+        }
         return {std::min(left, o.left), std::min(top, o.top), std::max(right, o.right), std::max(bottom, o.bottom)};
     }
     // Made smaller by a margin on each side; never turned inside out.

@@ -4,11 +4,11 @@
 // Attributes beside those of Control:
 //   font: number, -1                      index of a font of the layout; -1 is its default font
 //   textcolor, disabledtextcolor: #AARRGGBB, the layout's defaults
-//   align: left | center | right, left    (left and right change places in right-to-left languages)
 //   valign: top | center | bottom, center
 //   textpadding: l,t,r,b, 0,0,0,0         left and right change places likewise
 //   wordwrap: true | false, false         breaks lines; the height follows the width
 //   endellipsis: true | false, false      cuts what does not fit with "…"
+// Control's align is that of the text; left and right change places in right-to-left languages.
 // Thread: UI thread.
 #include "DuiLib/ControlUI.h"
 

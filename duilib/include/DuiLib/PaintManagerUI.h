@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "DuiLib/ControlUI.h"
+#include "DuiLib/FontSpec.h"
 #include "DuiLib/Notify.h"
 
 namespace DuiLib {
@@ -21,15 +22,6 @@ namespace DuiLib {
 class FontTable;
 class ImageCache;
 struct TImageInfo;
-
-// A font of a layout, as its <Font> element gives it.
-struct FontSpec {
-    std::wstring face;  // empty: the system's message font
-    int sizeDip = 14;   // height of the em square
-    int weight = FW_NORMAL;
-    bool italic = false;
-    bool underline = false;
-};
 
 // What a layout's <Window> element says; sizes in 96-DPI units.
 struct WindowSpec {

@@ -17,21 +17,12 @@ HRESULT ToBstr(const std::wstring& text, BSTR* out) {
         return S_FALSE;
     }
     *out = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.size()));
-    return *out != nullptr ? S_OK : E_OUTOFMEMORY;
-}
-
-bool IsEnabledInTree(const CControlUI& control) {
-    for (const CControlUI* c = &control; c != nullptr; c = c->GetParent()) {
-        if (!c->IsEnabled()) {
-            return false;
-        }
-    }
-    return true;
+    return *out ? S_OK : E_OUTOFMEMORY;
 }
 
 bool IsScrolledAway(const CControlUI& control) {
     Rect seen = control.GetPos();
-    for (const CControlUI* c = control.GetParent(); c != nullptr; c = c->GetParent()) {
+    for (const CControlUI* c = control.GetParent(); c; c = c->GetParent()) {
         seen = seen.Intersect(c->GetPos());
     }
     return seen.IsEmpty();
@@ -39,7 +30,7 @@ bool IsScrolledAway(const CControlUI& control) {
 
 long StateOf(const CControlUI& control, const CPaintManagerUI& manager, long own) {
     long state = own;
-    const bool enabled = IsEnabledInTree(control);
+    const bool enabled = control.IsEnabledInTree();
     if (!enabled) {
         state |= STATE_SYSTEM_UNAVAILABLE;
     } else if (control.CanHaveFocus()) {
@@ -68,7 +59,7 @@ UINT DefaultActionMessage() {
 }
 
 HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
-    if (object == nullptr) {
+    if (!object) {
         return E_POINTER;
     }
     *object = nullptr;
@@ -80,7 +71,7 @@ HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
     if (iid != IID_IEnumVARIANT) {
         return E_NOINTERFACE;
     }
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     return Guarded([&] {
@@ -106,7 +97,7 @@ ULONG WindowAccessible::Release() {
 }
 
 HRESULT WindowAccessible::GetTypeInfoCount(UINT* count) {
-    if (count == nullptr) {
+    if (!count) {
         return E_POINTER;
     }
     *count = 0;
@@ -129,7 +120,7 @@ std::vector<CControlUI*> WindowAccessible::Elements() const {
 
 HRESULT WindowAccessible::Find(const VARIANT& id, CControlUI*& control) const {
     control = nullptr;
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     if (id.vt != VT_I4) {
@@ -140,7 +131,7 @@ HRESULT WindowAccessible::Find(const VARIANT& id, CControlUI*& control) const {
     }
     manager_->UpdateLayout();
     CControlUI* const found = manager_->FindControlById(id.lVal);
-    if (found == nullptr || !found->IsShown() || found->GetAccessibleInfo().role == 0) {
+    if (!found || !found->IsShown() || found->GetAccessibleInfo().role == 0) {
         return E_INVALIDARG;
     }
     control = found;
@@ -157,11 +148,11 @@ HRESULT WindowAccessible::WithElement(const VARIANT& id, const Operation& operat
 }
 
 HRESULT WindowAccessible::get_accParent(IDispatch** parent) {
-    if (parent == nullptr) {
+    if (!parent) {
         return E_POINTER;
     }
     *parent = nullptr;
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     return AccessibleObjectFromWindow(manager_->GetPaintWindow(), static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch,
@@ -169,11 +160,11 @@ HRESULT WindowAccessible::get_accParent(IDispatch** parent) {
 }
 
 HRESULT WindowAccessible::get_accChildCount(long* count) {
-    if (count == nullptr) {
+    if (!count) {
         return E_POINTER;
     }
     *count = 0;
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     return Guarded([&] {
@@ -184,22 +175,22 @@ HRESULT WindowAccessible::get_accChildCount(long* count) {
 
 // Every child is a simple element: it has no object of its own.
 HRESULT WindowAccessible::get_accChild(VARIANT id, IDispatch** child) {
-    if (child == nullptr) {
+    if (!child) {
         return E_POINTER;
     }
     *child = nullptr;
     return WithElement(id, [&](const CControlUI* control) {
-        return control == nullptr ? QueryInterface(IID_IDispatch, reinterpret_cast<void**>(child)) : S_FALSE;
+        return control ? S_FALSE : QueryInterface(IID_IDispatch, reinterpret_cast<void**>(child));
     });
 }
 
 HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
-    if (name == nullptr) {
+    if (!name) {
         return E_POINTER;
     }
     *name = nullptr;
     return WithElement(id, [&](CControlUI* control) {
-        if (control != nullptr) {
+        if (control) {
             return ToBstr(control->GetAccessibleInfo().name, name);
         }
         const HWND window = manager_->GetPaintWindow();
@@ -210,22 +201,21 @@ HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
 }
 
 HRESULT WindowAccessible::get_accValue(VARIANT id, BSTR* value) {
-    if (value == nullptr) {
+    if (!value) {
         return E_POINTER;
     }
     *value = nullptr;
-    return WithElement(id, [&](CControlUI* control) {
-        return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().value, value);
-    });
+    return WithElement(
+        id, [&](CControlUI* control) { return control ? ToBstr(control->GetAccessibleInfo().value, value) : S_FALSE; });
 }
 
 HRESULT WindowAccessible::get_accDescription(VARIANT id, BSTR* description) {
-    if (description == nullptr) {
+    if (!description) {
         return E_POINTER;
     }
     *description = nullptr;
     return WithElement(id, [&](CControlUI* control) {
-        if (control == nullptr) {
+        if (!control) {
             return S_FALSE;
         }
         // The tooltip, where it says more than the name.
@@ -235,23 +225,23 @@ HRESULT WindowAccessible::get_accDescription(VARIANT id, BSTR* description) {
 }
 
 HRESULT WindowAccessible::get_accRole(VARIANT id, VARIANT* role) {
-    if (role == nullptr) {
+    if (!role) {
         return E_POINTER;
     }
     VariantInit(role);
     return WithElement(id, [&](const CControlUI* control) {
-        *role = ToVariant(control != nullptr ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
+        *role = ToVariant(control ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
         return S_OK;
     });
 }
 
 HRESULT WindowAccessible::get_accState(VARIANT id, VARIANT* state) {
-    if (state == nullptr) {
+    if (!state) {
         return E_POINTER;
     }
     VariantInit(state);
     return WithElement(id, [&](CControlUI* control) {
-        if (control != nullptr) {
+        if (control) {
             *state = ToVariant(StateOf(*control, *manager_, control->GetAccessibleInfo().state));
             return S_OK;
         }
@@ -259,14 +249,14 @@ HRESULT WindowAccessible::get_accState(VARIANT id, VARIANT* state) {
         long own = STATE_SYSTEM_FOCUSABLE;
         own |= IsWindowVisible(window) ? 0 : STATE_SYSTEM_INVISIBLE;
         own |= IsWindowEnabled(window) ? 0 : STATE_SYSTEM_UNAVAILABLE;
-        own |= ::GetFocus() == window && manager_->GetFocus() == nullptr ? STATE_SYSTEM_FOCUSED : 0;
+        own |= ::GetFocus() == window && !manager_->GetFocus() ? STATE_SYSTEM_FOCUSED : 0;
         *state = ToVariant(own);
         return S_OK;
     });
 }
 
 HRESULT WindowAccessible::get_accHelp(VARIANT, BSTR* help) {
-    if (help == nullptr) {
+    if (!help) {
         return E_POINTER;
     }
     *help = nullptr;
@@ -274,13 +264,13 @@ HRESULT WindowAccessible::get_accHelp(VARIANT, BSTR* help) {
 }
 
 HRESULT WindowAccessible::get_accHelpTopic(BSTR* file, VARIANT id, long* topic) {
-    if (file == nullptr || topic == nullptr) {
+    if (!file || !topic) {
         return E_POINTER;
     }
     *file = nullptr;
     *topic = 0;
     return WithElement(id, [&](CControlUI* control) {
-        if (control == nullptr) {
+        if (!control) {
             return S_FALSE;
         }
         *topic = control->GetId();
@@ -289,7 +279,7 @@ HRESULT WindowAccessible::get_accHelpTopic(BSTR* file, VARIANT id, long* topic) 
 }
 
 HRESULT WindowAccessible::get_accKeyboardShortcut(VARIANT, BSTR* shortcut) {
-    if (shortcut == nullptr) {
+    if (!shortcut) {
         return E_POINTER;
     }
     *shortcut = nullptr;
@@ -297,27 +287,27 @@ HRESULT WindowAccessible::get_accKeyboardShortcut(VARIANT, BSTR* shortcut) {
 }
 
 HRESULT WindowAccessible::get_accFocus(VARIANT* child) {
-    if (child == nullptr) {
+    if (!child) {
         return E_POINTER;
     }
     VariantInit(child);
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     if (::GetFocus() != manager_->GetPaintWindow()) {
         return S_FALSE;
     }
     const CControlUI* const control = manager_->GetFocus();
-    *child = ToVariant(control != nullptr ? control->GetId() : CHILDID_SELF);
+    *child = ToVariant(control ? control->GetId() : CHILDID_SELF);
     return S_OK;
 }
 
 HRESULT WindowAccessible::get_accSelection(VARIANT* children) {
-    if (children == nullptr) {
+    if (!children) {
         return E_POINTER;
     }
     VariantInit(children);
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     return Guarded([&] {
@@ -341,18 +331,18 @@ HRESULT WindowAccessible::get_accSelection(VARIANT* children) {
 }
 
 HRESULT WindowAccessible::get_accDefaultAction(VARIANT id, BSTR* action) {
-    if (action == nullptr) {
+    if (!action) {
         return E_POINTER;
     }
     *action = nullptr;
     return WithElement(id, [&](CControlUI* control) {
-        return control == nullptr ? S_FALSE : ToBstr(control->GetAccessibleInfo().defaultAction, action);
+        return control ? ToBstr(control->GetAccessibleInfo().defaultAction, action) : S_FALSE;
     });
 }
 
 HRESULT WindowAccessible::accSelect(long flags, VARIANT id) {
     return WithElement(id, [&](CControlUI* control) {
-        if (control == nullptr || (flags & ~(SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION)) != 0) {
+        if (!control || (flags & ~(SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION)) != 0) {
             return E_INVALIDARG;
         }
         if ((flags & SELFLAG_TAKESELECTION) != 0) {
@@ -375,14 +365,14 @@ HRESULT WindowAccessible::accSelect(long flags, VARIANT id) {
 }
 
 HRESULT WindowAccessible::accLocation(long* left, long* top, long* width, long* height, VARIANT id) {
-    if (left == nullptr || top == nullptr || width == nullptr || height == nullptr) {
+    if (!left || !top || !width || !height) {
         return E_POINTER;
     }
     *left = *top = *width = *height = 0;
     return WithElement(id, [&](CControlUI* control) {
         const HWND window = manager_->GetPaintWindow();
         RECT px{};
-        if (control != nullptr) {
+        if (control) {
             const Rect& pos = control->GetPos();
             px = {pos.left, pos.top, pos.right, pos.bottom};
         } else {
@@ -398,7 +388,7 @@ HRESULT WindowAccessible::accLocation(long* left, long* top, long* width, long* 
 }
 
 HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* end) {
-    if (end == nullptr) {
+    if (!end) {
         return E_POINTER;
     }
     VariantInit(end);
@@ -409,7 +399,7 @@ HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* en
         switch (direction) {
             case NAVDIR_FIRSTCHILD:
             case NAVDIR_LASTCHILD:
-                if (control == nullptr && !elements.empty()) {
+                if (!control && !elements.empty()) {
                     target = direction == NAVDIR_FIRSTCHILD ? elements.front() : elements.back();
                 }
                 break;
@@ -430,7 +420,7 @@ HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* en
             default:
                 return E_INVALIDARG;
         }
-        if (target == nullptr) {
+        if (!target) {
             return S_FALSE;
         }
         *end = ToVariant(target->GetId());
@@ -439,11 +429,11 @@ HRESULT WindowAccessible::accNavigate(long direction, VARIANT start, VARIANT* en
 }
 
 HRESULT WindowAccessible::accHitTest(long left, long top, VARIANT* child) {
-    if (child == nullptr) {
+    if (!child) {
         return E_POINTER;
     }
     VariantInit(child);
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
     return Guarded([&] {
@@ -457,20 +447,20 @@ HRESULT WindowAccessible::accHitTest(long left, long top, VARIANT* child) {
         }
         // What lies under the point may be a mere decoration of an element.
         const CControlUI* control = manager_->FindControl(p);
-        while (control != nullptr && control->GetAccessibleInfo().role == 0) {
+        while (control && control->GetAccessibleInfo().role == 0) {
             control = control->GetParent();
         }
-        *child = ToVariant(control != nullptr ? control->GetId() : CHILDID_SELF);
+        *child = ToVariant(control ? control->GetId() : CHILDID_SELF);
         return S_OK;
     });
 }
 
 HRESULT WindowAccessible::accDoDefaultAction(VARIANT id) {
     return WithElement(id, [&](CControlUI* control) {
-        if (control == nullptr || control->GetAccessibleInfo().defaultAction.empty()) {
+        if (!control || control->GetAccessibleInfo().defaultAction.empty()) {
             return DISP_E_MEMBERNOTFOUND;
         }
-        if (!IsEnabledInTree(*control) || !IsWindowEnabled(manager_->GetPaintWindow())) {
+        if (!control->IsEnabledInTree() || !IsWindowEnabled(manager_->GetPaintWindow())) {
             return S_FALSE;
         }
         return PostMessageW(manager_->GetPaintWindow(), DefaultActionMessage(), 0, control->GetId()) ? S_OK : E_FAIL;
@@ -479,7 +469,7 @@ HRESULT WindowAccessible::accDoDefaultAction(VARIANT id) {
 
 HRESULT WindowAccessible::put_accValue(VARIANT id, BSTR value) {
     return WithElement(id, [&](CControlUI* control) {
-        if (control == nullptr || value == nullptr || !IsEnabledInTree(*control)) {
+        if (!control || !value || !control->IsEnabledInTree()) {
             return E_INVALIDARG;
         }
         return control->SetAccessibleValue(std::wstring(value, SysStringLen(value))) ? S_OK : E_INVALIDARG;

@@ -27,9 +27,9 @@ HRESULT Guarded(const Operation& operation) {
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     } catch (const std::exception& e) {
-        LogLine(4, L"WindowAccessible::Guarded", L"Unexpected exception: ", e.what());
+        LogLine(LogLevel::kError, L"WindowAccessible::Guarded", L"Unexpected exception: ", e.what());
     } catch (...) {
-        LogLine(4, L"WindowAccessible::Guarded", L"Unexpected exception");
+        LogLine(LogLevel::kError, L"WindowAccessible::Guarded", L"Unexpected exception");
     }
     return E_FAIL;
 }

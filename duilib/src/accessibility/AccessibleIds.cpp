@@ -7,7 +7,7 @@
 namespace DuiLib {
 
 HRESULT AccessibleIds::QueryInterface(REFIID iid, void** object) {
-    if (object == nullptr) {
+    if (!object) {
         return E_POINTER;
     }
     *object = nullptr;
@@ -32,14 +32,14 @@ ULONG AccessibleIds::Release() {
 }
 
 HRESULT AccessibleIds::Next(ULONG count, VARIANT* items, ULONG* fetched) {
-    if (items == nullptr) {
+    if (!items) {
         return E_POINTER;
     }
     ULONG given = 0;
     while (given < count && next_ < ids_.size()) {
         items[given++] = ToVariant(ids_[next_++]);
     }
-    if (fetched != nullptr) {
+    if (fetched) {
         *fetched = given;
     }
     return given == count ? S_OK : S_FALSE;
@@ -57,7 +57,7 @@ HRESULT AccessibleIds::Reset() {
 }
 
 HRESULT AccessibleIds::Clone(IEnumVARIANT** copy) {
-    if (copy == nullptr) {
+    if (!copy) {
         return E_POINTER;
     }
     return Guarded([&] {

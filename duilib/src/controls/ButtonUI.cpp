@@ -4,40 +4,23 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/PaintManagerUI.h"
-#include "controls/ImageSetting.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 
 namespace DuiLib {
 
 struct ButtonAttributes {
-    template <std::wstring CButtonUI::*image>
-    static bool Image(CButtonUI& c, std::wstring_view value) {
-        if (!IsImageSetting(value)) {
-            return false;
-        }
-        c.ChangeImage(c.*image, std::wstring(value));
-        return true;
-    }
-    template <DWORD CButtonUI::*color>
-    static bool Color(CButtonUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-            c.*color = argb;
-            c.Invalidate();
-        });
-    }
-
     static constexpr AttributeEntry<CButtonUI> kTable[] = {
-        {L"normalimage", Image<&CButtonUI::normalImage_>},
-        {L"hotimage", Image<&CButtonUI::hotImage_>},
-        {L"pushedimage", Image<&CButtonUI::pushedImage_>},
-        {L"focusedimage", Image<&CButtonUI::focusedImage_>},
-        {L"disabledimage", Image<&CButtonUI::disabledImage_>},
-        {L"hotbkcolor", Color<&CButtonUI::hotBkColor_>},
-        {L"pushedbkcolor", Color<&CButtonUI::pushedBkColor_>},
-        {L"disabledbkcolor", Color<&CButtonUI::disabledBkColor_>},
-        {L"hottextcolor", Color<&CButtonUI::hotTextColor_>},
-        {L"pushedtextcolor", Color<&CButtonUI::pushedTextColor_>},
+        {L"normalimage", ApplyImage<CButtonUI, &CButtonUI::normalImage_>},
+        {L"hotimage", ApplyImage<CButtonUI, &CButtonUI::hotImage_>},
+        {L"pushedimage", ApplyImage<CButtonUI, &CButtonUI::pushedImage_>},
+        {L"focusedimage", ApplyImage<CButtonUI, &CButtonUI::focusedImage_>},
+        {L"disabledimage", ApplyImage<CButtonUI, &CButtonUI::disabledImage_>},
+        {L"hotbkcolor", ApplyColor<CButtonUI, &CButtonUI::hotBkColor_>},
+        {L"pushedbkcolor", ApplyColor<CButtonUI, &CButtonUI::pushedBkColor_>},
+        {L"disabledbkcolor", ApplyColor<CButtonUI, &CButtonUI::disabledBkColor_>},
+        {L"hottextcolor", ApplyColor<CButtonUI, &CButtonUI::hotTextColor_>},
+        {L"pushedtextcolor", ApplyColor<CButtonUI, &CButtonUI::pushedTextColor_>},
     };
 };
 
@@ -64,23 +47,14 @@ AccessibleInfo CButtonUI::GetAccessibleInfo() const {
 void CButtonUI::SetChecked(bool checked) {
     if (checked_ != checked) {
         checked_ = checked;
-        if (GetManager() != nullptr) {
+        if (GetManager()) {
             GetManager()->NotifyAccessible(this, EVENT_OBJECT_STATECHANGE);
         }
     }
 }
 
-bool CButtonUI::IsUsable() const {
-    for (const CControlUI* control = this; control != nullptr; control = control->GetParent()) {
-        if (!control->IsEnabled()) {
-            return false;
-        }
-    }
-    return true;
-}
-
 void CButtonUI::Activate() {
-    if (IsUsable()) {
+    if (IsEnabledInTree()) {
         SendNotify(NotifyType::kClick);
     }
 }
@@ -89,7 +63,7 @@ void CButtonUI::SetEnabled(bool enabled) {
     if (!enabled) {
         const bool captured = (GetState() & kStateCaptured) != 0;
         SetState(GetState() & ~(kStateHot | kStatePushed | kStateCaptured));
-        if (captured && GetManager() != nullptr) {
+        if (captured && GetManager()) {
             GetManager()->ReleaseCapture();
         }
     }
@@ -121,7 +95,7 @@ void CButtonUI::DoEvent(const TEventUI& event) {
         case EventType::ButtonDown:
             if (IsEnabled()) {
                 SetState(GetState() | kStateHot | kStatePushed | kStateCaptured);
-                if (GetManager() != nullptr) {
+                if (GetManager()) {
                     GetManager()->SetCapture(this);
                 }
                 SendNotify(NotifyType::kButtonDown);
@@ -165,7 +139,7 @@ void CButtonUI::ButtonUp(Point mousePx) {
     }
     const bool inside = GetPos().Contains(mousePx);
     SetState(GetState() & ~(kStatePushed | kStateCaptured));
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->ReleaseCapture();
     }
     if (inside) {
@@ -221,7 +195,7 @@ void CButtonUI::SetDisabledImage(const std::wstring& imageAttribute) {
 
 const std::wstring& CButtonUI::CurrentImage() const {
     const unsigned state = GetState();
-    const bool focused = IsFocused() && GetManager() != nullptr && GetManager()->IsFocusRingShown();
+    const bool focused = IsFocused() && GetManager() && GetManager()->IsFocusRingShown();
     if (!IsEnabled()) {
         return disabledImage_.empty() ? normalImage_ : disabledImage_;
     }

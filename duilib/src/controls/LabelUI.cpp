@@ -121,10 +121,10 @@ UINT CLabelUI::GetTextStyle() const {
 
 DWORD CLabelUI::CurrentTextColor() const {
     if (!IsEnabled()) {
-        return disabledTextColor_ != 0 || GetManager() == nullptr ? disabledTextColor_
-                                                                  : GetManager()->GetWindowSpec().disabledTextColor;
+        return disabledTextColor_ != 0 || !GetManager() ? disabledTextColor_
+                                                        : GetManager()->GetWindowSpec().disabledTextColor;
     }
-    return textColor_ != 0 || GetManager() == nullptr ? textColor_ : GetManager()->GetWindowSpec().textColor;
+    return textColor_ != 0 || !GetManager() ? textColor_ : GetManager()->GetWindowSpec().textColor;
 }
 
 Rect CLabelUI::TextPaddingPx() const {
@@ -143,7 +143,7 @@ Rect CLabelUI::TextRectPx() const {
 Size CLabelUI::MeasureContent(Size availablePx) {
     const Rect padding = TextPaddingPx();
     Size size{padding.left + padding.right, padding.top + padding.bottom};
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         const Size text = MeasureText(GetManager()->GetPaintDC(), GetManager()->GetFont(font_), GetText(),
                                       availablePx.cx - size.cx, GetTextStyle());
         size = {size.cx + text.cx, size.cy + text.cy};
@@ -152,7 +152,7 @@ Size CLabelUI::MeasureContent(Size availablePx) {
 }
 
 void CLabelUI::PaintContent(Canvas& canvas, const Rect&) {
-    if (GetManager() != nullptr && !GetText().empty()) {
+    if (GetManager() && !GetText().empty()) {
         canvas.DrawText(GetText(), TextRectPx(), GetManager()->GetFont(font_), CurrentTextColor(), GetTextStyle());
     }
 }

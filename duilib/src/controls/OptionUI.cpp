@@ -7,8 +7,7 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/PaintManagerUI.h"
-#include "controls/ImageSetting.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 
 namespace DuiLib {
@@ -21,30 +20,15 @@ struct OptionAttributes {
     static bool Selected(COptionUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool selected) { c.SetSelected(selected); });
     }
-    template <std::wstring COptionUI::*image>
-    static bool Image(COptionUI& c, std::wstring_view value) {
-        if (!IsImageSetting(value)) {
-            return false;
-        }
-        c.ChangeImage(c.*image, std::wstring(value));
-        return true;
-    }
-    template <DWORD COptionUI::*color>
-    static bool Color(COptionUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-            c.*color = argb;
-            c.Invalidate();
-        });
-    }
 
     static constexpr AttributeEntry<COptionUI> kTable[] = {
         {L"group", Group},
         {L"selected", Selected},
-        {L"selectedimage", Image<&COptionUI::selectedImage_>},
-        {L"selectedhotimage", Image<&COptionUI::selectedHotImage_>},
-        {L"foreimage", Image<&COptionUI::foreImage_>},
-        {L"selectedbkcolor", Color<&COptionUI::selectedBkColor_>},
-        {L"selectedtextcolor", Color<&COptionUI::selectedTextColor_>},
+        {L"selectedimage", ApplyImage<COptionUI, &COptionUI::selectedImage_>},
+        {L"selectedhotimage", ApplyImage<COptionUI, &COptionUI::selectedHotImage_>},
+        {L"foreimage", ApplyImage<COptionUI, &COptionUI::foreImage_>},
+        {L"selectedbkcolor", ApplyColor<COptionUI, &COptionUI::selectedBkColor_>},
+        {L"selectedtextcolor", ApplyColor<COptionUI, &COptionUI::selectedTextColor_>},
     };
 };
 
@@ -64,13 +48,13 @@ AccessibleInfo COptionUI::GetAccessibleInfo() const {
 std::vector<COptionUI*> COptionUI::GroupMembers() const {
     std::vector<COptionUI*> members;
     CContainerUI* top = GetParent();
-    while (top != nullptr && top->GetParent() != nullptr) {
+    while (top && top->GetParent()) {
         top = top->GetParent();
     }
-    if (top != nullptr && !group_.empty()) {
+    if (top && !group_.empty()) {
         top->Visit([&](CControlUI& control) {
             auto* option = dynamic_cast<COptionUI*>(&control);
-            if (option != nullptr && option->group_ == group_) {
+            if (option && option->group_ == group_) {
                 members.push_back(option);
             }
             return true;
@@ -101,7 +85,7 @@ void COptionUI::SetSelected(bool selected) {
     SetState(selected ? GetState() | kStateSelected : GetState() & ~kStateSelected);
     changes.push_back({GetId(), selected});
     CPaintManagerUI* const manager = GetManager();
-    if (manager == nullptr) {
+    if (!manager) {
         return;
     }
     for (const Change& change : changes) {
@@ -113,13 +97,13 @@ void COptionUI::SetSelected(bool selected) {
 }
 
 void COptionUI::Activate() {
-    if (!IsUsable()) {
+    if (!IsEnabledInTree()) {
         return;
     }
     CPaintManagerUI* const manager = GetManager();
     const long id = GetId();
     SetSelected(group_.empty() ? !IsSelected() : true);
-    if (manager != nullptr && manager->FindControlById(id) == this) {
+    if (manager && manager->FindControlById(id) == this) {
         SendNotify(NotifyType::kClick);
     }
 }
@@ -138,9 +122,9 @@ bool COptionUI::IsTabStop() const {
         if (member->IsSelected()) {
             return member == this;
         }
-        first = first != nullptr ? first : member;
+        first = first ? first : member;
     }
-    return first == nullptr || first == this;
+    return !first || first == this;
 }
 
 COptionUI* COptionUI::NeighbourFor(WORD key) const {
@@ -161,11 +145,11 @@ COptionUI* COptionUI::NeighbourFor(WORD key) const {
         for (COptionUI* member : members) {
             const bool beyond =
                 forward ? member->GetPos().top >= GetPos().bottom : member->GetPos().bottom <= GetPos().top;
-            if (beyond && (best == nullptr || distance(member) < distance(best))) {
+            if (beyond && (!best || distance(member) < distance(best))) {
                 best = member;
             }
         }
-        if (best != nullptr) {
+        if (best) {
             return best;
         }
     }
@@ -175,7 +159,7 @@ COptionUI* COptionUI::NeighbourFor(WORD key) const {
 
 void COptionUI::DoEvent(const TEventUI& event) {
     const bool arrow = event.key == VK_LEFT || event.key == VK_RIGHT || event.key == VK_UP || event.key == VK_DOWN;
-    if (event.type != EventType::KeyDown || !arrow || group_.empty() || GetManager() == nullptr) {
+    if (event.type != EventType::KeyDown || !arrow || group_.empty() || !GetManager()) {
         CButtonUI::DoEvent(event);
         return;
     }

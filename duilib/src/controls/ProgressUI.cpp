@@ -5,8 +5,7 @@
 #include <algorithm>
 
 #include "DuiLib/PaintManagerUI.h"
-#include "controls/ImageSetting.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 
 namespace DuiLib {
@@ -29,30 +28,15 @@ struct ProgressAttributes {
             c.NeedUpdate();
         });
     }
-    template <DWORD CProgressUI::*color>
-    static bool Color(CProgressUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-            c.*color = argb;
-            c.Invalidate();
-        });
-    }
-    static bool ForeImage(CProgressUI& c, std::wstring_view value) {
-        if (!IsImageSetting(value)) {
-            return false;
-        }
-        c.foreImage_ = value;
-        c.Invalidate();
-        return true;
-    }
 
     static constexpr AttributeEntry<CProgressUI> kTable[] = {
         {L"min", Limit<&CProgressUI::min_>},
         {L"max", Limit<&CProgressUI::max_>},
         {L"value", Value},
         {L"barheight", BarHeight},
-        {L"barcolor", Color<&CProgressUI::barColor_>},
-        {L"forecolor", Color<&CProgressUI::foreColor_>},
-        {L"foreimage", ForeImage},
+        {L"barcolor", ApplyColor<CProgressUI, &CProgressUI::barColor_>},
+        {L"forecolor", ApplyColor<CProgressUI, &CProgressUI::foreColor_>},
+        {L"foreimage", ApplyImage<CProgressUI, &CProgressUI::foreImage_>},
     };
 };
 
@@ -76,7 +60,7 @@ void CProgressUI::SetValue(int value) {
     }
     value_ = value;
     Invalidate();
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->NotifyAccessible(this, EVENT_OBJECT_VALUECHANGE);
     }
 }

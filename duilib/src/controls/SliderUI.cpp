@@ -5,8 +5,7 @@
 #include <algorithm>
 
 #include "DuiLib/PaintManagerUI.h"
-#include "controls/ImageSetting.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 
 namespace DuiLib {
@@ -22,23 +21,14 @@ struct SliderAttributes {
             c.NeedUpdate();
         });
     }
-    template <std::wstring CSliderUI::*image>
-    static bool Image(CSliderUI& c, std::wstring_view value) {
-        if (!IsImageSetting(value)) {
-            return false;
-        }
-        c.*image = value;
-        c.Invalidate();
-        return true;
-    }
 
     static constexpr AttributeEntry<CSliderUI> kTable[] = {
         {L"step", Step},
         {L"thumbsize", ThumbSize},
-        {L"thumbimage", Image<&CSliderUI::thumbImage_>},
-        {L"thumbhotimage", Image<&CSliderUI::thumbHotImage_>},
-        {L"thumbpushedimage", Image<&CSliderUI::thumbPushedImage_>},
-        {L"thumbdisabledimage", Image<&CSliderUI::thumbDisabledImage_>},
+        {L"thumbimage", ApplyImage<CSliderUI, &CSliderUI::thumbImage_>},
+        {L"thumbhotimage", ApplyImage<CSliderUI, &CSliderUI::thumbHotImage_>},
+        {L"thumbpushedimage", ApplyImage<CSliderUI, &CSliderUI::thumbPushedImage_>},
+        {L"thumbdisabledimage", ApplyImage<CSliderUI, &CSliderUI::thumbDisabledImage_>},
     };
 };
 
@@ -156,7 +146,7 @@ void CSliderUI::DoEvent(const TEventUI& event) {
 }
 
 void CSliderUI::BeginDrag(Point mousePx) {
-    if (!IsEnabled() || GetManager() == nullptr) {
+    if (!IsEnabled() || !GetManager()) {
         return;
     }
     const Rect thumb = ThumbRectPx();
@@ -174,7 +164,7 @@ void CSliderUI::EndDrag() {
         return;
     }
     SetState(GetState() & ~(kStatePushed | kStateCaptured));
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->ReleaseCapture();
     }
     if (movedInDrag_) {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "DuiLib/PaintManagerUI.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 #include "text/FontTable.h"
 #include "text/HtmlLayout.h"
@@ -18,18 +18,11 @@ struct TextAttributes {
     static bool ShowHtml(CTextUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool show) { c.SetShowHtml(show); });
     }
-    template <DWORD CTextUI::*color>
-    static bool Color(CTextUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-            c.*color = argb;
-            c.Invalidate();
-        });
-    }
 
     static constexpr AttributeEntry<CTextUI> kTable[] = {
         {L"showhtml", ShowHtml},
-        {L"linkcolor", Color<&CTextUI::linkColor_>},
-        {L"hotlinkcolor", Color<&CTextUI::hotLinkColor_>},
+        {L"linkcolor", ApplyColor<CTextUI, &CTextUI::linkColor_>},
+        {L"hotlinkcolor", ApplyColor<CTextUI, &CTextUI::hotLinkColor_>},
     };
 };
 
@@ -95,7 +88,7 @@ AttributeResult CTextUI::ApplyAttribute(std::wstring_view name, std::wstring_vie
 
 AccessibleInfo CTextUI::GetAccessibleInfo() const {
     AccessibleInfo info = CLabelUI::GetAccessibleInfo();
-    if (html_ != nullptr && info.name == GetText()) {
+    if (html_ && info.name == GetText()) {
         info.name = SpokenText(html_->Text());
     }
     if (GetLinkCount() > 0) {
@@ -132,7 +125,7 @@ void CTextUI::SetShowHtml(bool show) {
 
 void CTextUI::ParseText() {
     hotLink_ = pressedLink_ = followedLink_ = focusedLink_ = -1;
-    if (html_ != nullptr) {
+    if (html_) {
         html_ = std::make_unique<HtmlLayout>(ParseHtml(GetText()));
         arranged_ = {};
         if (IsFocused() && GetLinkCount() > 0) {
@@ -142,7 +135,7 @@ void CTextUI::ParseText() {
 }
 
 int CTextUI::GetLinkCount() const {
-    return html_ != nullptr ? static_cast<int>(html_->Text().links.size()) : 0;
+    return html_ ? static_cast<int>(html_->Text().links.size()) : 0;
 }
 
 std::wstring CTextUI::GetLinkContent(int index) const {
@@ -185,7 +178,7 @@ Point CTextUI::TextOriginPx() const {
 }
 
 Size CTextUI::MeasureContent(Size availablePx) {
-    if (html_ == nullptr || GetManager() == nullptr) {
+    if (!html_ || !GetManager()) {
         return CLabelUI::MeasureContent(availablePx);
     }
     const Rect padding = TextPaddingPx();
@@ -195,7 +188,7 @@ Size CTextUI::MeasureContent(Size availablePx) {
 }
 
 int CTextUI::LinkAt(Point px) const {
-    if (html_ == nullptr || GetManager() == nullptr || !TextRectPx().Contains(px)) {
+    if (!html_ || !GetManager() || !TextRectPx().Contains(px)) {
         return -1;
     }
     const Point origin = TextOriginPx();
@@ -215,7 +208,7 @@ void CTextUI::FocusLink(int link) {
     if (focusedLink_ != link) {
         focusedLink_ = link;
         Invalidate();
-        if (GetManager() != nullptr && link >= 0) {
+        if (GetManager() && link >= 0) {
             GetManager()->NotifyAccessible(this, EVENT_OBJECT_VALUECHANGE);
         }
     }
@@ -240,7 +233,7 @@ void CTextUI::DoEvent(const TEventUI& event) {
             break;
         case EventType::ButtonDown:
             pressedLink_ = LinkAt(event.mousePx);
-            if (pressedLink_ >= 0 && GetManager() != nullptr) {
+            if (pressedLink_ >= 0 && GetManager()) {
                 GetManager()->SetCapture(this);
                 return;
             }
@@ -248,7 +241,7 @@ void CTextUI::DoEvent(const TEventUI& event) {
         case EventType::ButtonUp:
             if (pressedLink_ >= 0) {
                 const int link = std::exchange(pressedLink_, -1);
-                if (GetManager() != nullptr) {
+                if (GetManager()) {
                     GetManager()->ReleaseCapture();
                 }
                 if (link == LinkAt(event.mousePx)) {
@@ -319,7 +312,7 @@ DWORD CTextUI::ColorOf(const HtmlRun& run) const {
 }
 
 void CTextUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
-    if (html_ == nullptr || GetManager() == nullptr) {
+    if (!html_ || !GetManager()) {
         CLabelUI::PaintContent(canvas, dirtyPx);
         return;
     }
@@ -338,7 +331,7 @@ void CTextUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
 }
 
 void CTextUI::PaintFocusRing(Canvas& canvas) const {
-    if (focusedLink_ < 0 || GetManager() == nullptr) {
+    if (focusedLink_ < 0 || !GetManager()) {
         CLabelUI::PaintFocusRing(canvas);
         return;
     }

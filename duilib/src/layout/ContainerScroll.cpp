@@ -75,15 +75,15 @@ void CContainerUI::SetScrollPos(Point px) {
 }
 
 bool CContainerUI::ScrollTo(Point px) {
-    const Point wanted{std::clamp(px.x, 0, horizontal_ != nullptr ? horizontal_->MaxScroll() : 0),
-                       std::clamp(px.y, 0, vertical_ != nullptr ? vertical_->MaxScroll() : 0)};
+    const Point wanted{std::clamp(px.x, 0, horizontal_ ? horizontal_->MaxScroll() : 0),
+                       std::clamp(px.y, 0, vertical_ ? vertical_->MaxScroll() : 0)};
     if (wanted == scrollPx_) {
         return false;
     }
     scrollPx_ = wanted;
     Arrange();
     Invalidate();
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->NeedUpdate();  // another control may lie under the pointer now
     }
     SendNotify(NotifyType::kScroll);
@@ -91,14 +91,14 @@ bool CContainerUI::ScrollTo(Point px) {
 }
 
 bool CContainerUI::ScrollsNow() const {
-    return (vertical_ != nullptr && vertical_->IsShown()) || (horizontal_ != nullptr && horizontal_->IsShown());
+    return (vertical_ && vertical_->IsShown()) || (horizontal_ && horizontal_->IsShown());
 }
 
 void CContainerUI::EnsureVisible(const CControlUI& descendant) {
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->UpdateLayout();
     }
-    if (vertical_ != nullptr || horizontal_ != nullptr) {
+    if (vertical_ || horizontal_) {
         const Rect& wanted = descendant.GetPos();
         const Rect inside = GetPos().Deflate(InsetPx());
         const int start =
@@ -106,7 +106,7 @@ void CContainerUI::EnsureVisible(const CControlUI& descendant) {
         ScrollTo({ScrollToSee(scrollPx_.x, inside.Width(), start, wanted.Width()),
                   ScrollToSee(scrollPx_.y, inside.Height(), wanted.top - contentRectPx_.top, wanted.Height())});
     }
-    if (GetParent() != nullptr) {
+    if (GetParent()) {
         GetParent()->EnsureVisible(descendant);
     }
 }
@@ -131,21 +131,29 @@ void CContainerUI::ArrangeScrollBars(const Rect& insidePx) {
     const Rect& pos = GetPos();
     const int thickness = ToPx(kBarDip);
     const bool rightToLeft = mirror_ && IsRightToLeft();
-    const bool both = vertical_ != nullptr && horizontal_ != nullptr && contentRectPx_.Height() > insidePx.Height() &&
+    const bool both = vertical_ && horizontal_ && contentRectPx_.Height() > insidePx.Height() &&
                       contentRectPx_.Width() > insidePx.Width();
     const int corner = both ? thickness : 0;
-    if (vertical_ != nullptr) {
+    if (vertical_) {
         const int left = rightToLeft ? pos.left : pos.right - thickness;
-        vertical_->Arrange({left, pos.top, left + thickness, pos.bottom - corner}, contentRectPx_.Height(),
-                           insidePx.Height(), scrollPx_.y, ToPx(kMinThumbDip), false);
+        vertical_->Arrange({.trackPx = {left, pos.top, left + thickness, pos.bottom - corner},
+                            .contentPx = contentRectPx_.Height(),
+                            .pagePx = insidePx.Height(),
+                            .scrollPx = scrollPx_.y,
+                            .minThumbPx = ToPx(kMinThumbDip),
+                            .fromRight = false});
     }
-    if (horizontal_ != nullptr) {
-        horizontal_->Arrange({pos.left + (rightToLeft ? corner : 0), pos.bottom - thickness,
-                              pos.right - (rightToLeft ? 0 : corner), pos.bottom},
-                             contentRectPx_.Width(), insidePx.Width(), scrollPx_.x, ToPx(kMinThumbDip), rightToLeft);
+    if (horizontal_) {
+        horizontal_->Arrange({.trackPx = {pos.left + (rightToLeft ? corner : 0), pos.bottom - thickness,
+                                          pos.right - (rightToLeft ? 0 : corner), pos.bottom},
+                              .contentPx = contentRectPx_.Width(),
+                              .pagePx = insidePx.Width(),
+                              .scrollPx = scrollPx_.x,
+                              .minThumbPx = ToPx(kMinThumbDip),
+                              .fromRight = rightToLeft});
     }
     // Nothing else repaints a bar that comes, goes or moves while the container keeps its rectangle.
-    if (const Rect now = ThumbsPx(); now != earlier && GetManager() != nullptr) {
+    if (const Rect now = ThumbsPx(); now != earlier && GetManager()) {
         GetManager()->Invalidate(earlier.Union(now).Intersect(pos));
     }
 }
@@ -153,7 +161,7 @@ void CContainerUI::ArrangeScrollBars(const Rect& insidePx) {
 Rect CContainerUI::ThumbsPx() const {
     Rect thumbs;
     for (const ScrollBar* bar : {vertical_.get(), horizontal_.get()}) {
-        if (bar != nullptr && bar->IsShown()) {
+        if (bar && bar->IsShown()) {
             thumbs = thumbs.Union(bar->ThumbPx());
         }
     }
@@ -162,7 +170,7 @@ Rect CContainerUI::ThumbsPx() const {
 
 ScrollBar* CContainerUI::ScrollBarAt(Point px) const {
     for (ScrollBar* bar : {vertical_.get(), horizontal_.get()}) {
-        if (bar != nullptr && bar->Contains(px)) {
+        if (bar && bar->Contains(px)) {
             return bar;
         }
     }
@@ -177,7 +185,7 @@ void CContainerUI::PaintChild(CControlUI& child, Canvas& canvas, const Rect& dir
 
 void CContainerUI::PaintScrollBars(Canvas& canvas) const {
     for (const ScrollBar* bar : {vertical_.get(), horizontal_.get()}) {
-        if (bar == nullptr || !bar->IsShown() || GetManager() == nullptr) {
+        if (!bar || !bar->IsShown() || !GetManager()) {
             continue;
         }
         const int margin = (ToPx(kBarDip) - ToPx(kThumbDip)) / 2;
@@ -200,18 +208,18 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
         case EventType::MouseWheel: {
             // A whole notch is 48 units; finer wheels send parts of one.
             const int way = -ScaleBy(ToPx(kNotchDip), event.wheelDelta, WHEEL_DELTA);
-            const bool sideways = event.shift || vertical_ == nullptr;
+            const bool sideways = event.shift || !vertical_;
             return ScrollTo({scrollPx_.x + (sideways ? way : 0), scrollPx_.y + (sideways ? 0 : way)});
         }
         case EventType::KeyDown:
             return ScrollByKey(event.key);
         case EventType::ButtonDown: {
             ScrollBar* bar = ScrollBarAt(event.mousePx);
-            if (bar == nullptr) {
+            if (!bar) {
                 return false;
             }
             const int position = bar->Press(event.mousePx);
-            if (bar->IsDragging() && GetManager() != nullptr) {
+            if (bar->IsDragging() && GetManager()) {
                 GetManager()->SetCapture(this);
                 Invalidate();
             }
@@ -219,11 +227,11 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
             return true;
         }
         case EventType::MouseMove:
-            if (vertical_ != nullptr && vertical_->IsDragging()) {
+            if (vertical_ && vertical_->IsDragging()) {
                 ScrollTo({scrollPx_.x, vertical_->DragTo(event.mousePx)});
                 return true;
             }
-            if (horizontal_ != nullptr && horizontal_->IsDragging()) {
+            if (horizontal_ && horizontal_->IsDragging()) {
                 ScrollTo({horizontal_->DragTo(event.mousePx), scrollPx_.y});
                 return true;
             }
@@ -239,14 +247,14 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
 bool CContainerUI::EndDrag(bool releaseCapture) {
     bool dragged = false;
     for (ScrollBar* bar : {vertical_.get(), horizontal_.get()}) {
-        if (bar != nullptr && bar->IsDragging()) {
+        if (bar && bar->IsDragging()) {
             bar->EndDrag();
             dragged = true;
         }
     }
     if (dragged) {
         Invalidate();
-        if (releaseCapture && GetManager() != nullptr) {
+        if (releaseCapture && GetManager()) {
             GetManager()->ReleaseCapture();
         }
     }
@@ -257,7 +265,7 @@ bool CContainerUI::ScrollByKey(WORD key) {
     const int notch = ToPx(kNotchDip);
     const int forward = mirror_ && IsRightToLeft() ? VK_LEFT : VK_RIGHT;
     const int backward = mirror_ && IsRightToLeft() ? VK_RIGHT : VK_LEFT;
-    const int page = vertical_ != nullptr ? GetPos().Deflate(InsetPx()).Height() : 0;
+    const int page = vertical_ ? GetPos().Deflate(InsetPx()).Height() : 0;
     Point to = scrollPx_;
     if (key == VK_UP) {
         to.y -= notch;

@@ -34,7 +34,7 @@ bool CContainerUI::Add(std::unique_ptr<CControlUI> item) {
 }
 
 bool CContainerUI::AddAt(std::unique_ptr<CControlUI> item, int index) {
-    if (item == nullptr || index < 0 || index > GetCount()) {
+    if (!item || index < 0 || index > GetCount()) {
         return false;
     }
     CControlUI& added = *item;
@@ -70,7 +70,7 @@ void CContainerUI::Discard(std::unique_ptr<CControlUI> item) {
     item->SetManager(nullptr, nullptr);
     NeedUpdate();
     // It may be the sender of the notification that brought us here.
-    if (GetManager() != nullptr) {
+    if (GetManager()) {
         GetManager()->Retire(std::move(item));
     }
 }
@@ -131,11 +131,11 @@ void CContainerUI::Arrange() {
     const Rect inside = GetPos().Deflate(InsetPx());
     const bool rightToLeft = mirror_ && IsRightToLeft();
     Size content{inside.Width(), inside.Height()};
-    if (vertical_ != nullptr || horizontal_ != nullptr) {
-        const Size wanted = MeasureChildren(
-            {horizontal_ != nullptr ? kUnlimitedPx : content.cx, vertical_ != nullptr ? kUnlimitedPx : content.cy});
-        content.cx = horizontal_ != nullptr ? std::max(content.cx, wanted.cx) : content.cx;
-        content.cy = vertical_ != nullptr ? std::max(content.cy, wanted.cy) : content.cy;
+    if (vertical_ || horizontal_) {
+        const Size wanted =
+            MeasureChildren({horizontal_ ? kUnlimitedPx : content.cx, vertical_ ? kUnlimitedPx : content.cy});
+        content.cx = horizontal_ ? std::max(content.cx, wanted.cx) : content.cx;
+        content.cy = vertical_ ? std::max(content.cy, wanted.cy) : content.cy;
     }
     scrollPx_ = {std::clamp(scrollPx_.x, 0, content.cx - inside.Width()),
                  std::clamp(scrollPx_.y, 0, content.cy - inside.Height())};
@@ -224,7 +224,7 @@ CControlUI* CContainerUI::FindControlAt(Point px) {
     if (!IsVisible() || IsCollapsed() || !GetPos().Contains(px)) {
         return nullptr;
     }
-    if (ScrollBarAt(px) != nullptr) {
+    if (ScrollBarAt(px)) {
         return this;
     }
     for (auto child = children_.rbegin(); child != children_.rend(); ++child) {

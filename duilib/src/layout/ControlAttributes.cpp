@@ -2,9 +2,8 @@
 #include <iterator>
 
 #include "DuiLib/ControlUI.h"
+#include "layout/LookAttributes.h"
 #include "markup/AttributeParser.h"
-#include "markup/AttributeTable.h"
-#include "markup/ImageAttribute.h"
 
 namespace DuiLib {
 
@@ -107,12 +106,6 @@ struct ControlAttributes {
     static bool BorderColor(CControlUI& c, std::wstring_view value) {
         return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetBorderColor(argb); });
     }
-    static bool FocusBorderColor(CControlUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-            c.focusBorderColor_ = argb;
-            c.Invalidate();
-        });
-    }
     static bool BorderSize(CControlUI& c, std::wstring_view value) {
         return ApplyNumber(value, 0, [&](int dip) {
             c.borderSizeDip_ = dip;
@@ -124,13 +117,6 @@ struct ControlAttributes {
             c.borderRoundDip_ = dip;
             c.Invalidate();
         });
-    }
-    static bool BkImage(CControlUI& c, std::wstring_view value) {
-        if (!value.empty() && !ParseImageAttribute(value)) {
-            return false;
-        }
-        c.SetBkImage(std::wstring(value));
-        return true;
     }
     static bool NcHit(CControlUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool ncHit) { c.ncHit_ = ncHit; });
@@ -176,10 +162,10 @@ struct ControlAttributes {
         {L"accname", AccName},
         {L"bkcolor", BkColor},
         {L"bordercolor", BorderColor},
-        {L"focusbordercolor", FocusBorderColor},
+        {L"focusbordercolor", ApplyColor<CControlUI, &CControlUI::focusBorderColor_>},
         {L"bordersize", BorderSize},
         {L"borderround", BorderRound},
-        {L"bkimage", BkImage},
+        {L"bkimage", ApplyImage<CControlUI, &CControlUI::bkImage_>},
         {L"IsNcHit", NcHit},
         {L"virtualwnd", VirtualWnd},
         {L"keyboard", Keyboard},

@@ -33,13 +33,13 @@ long NextId() {
 CControlUI::CControlUI() : id_(NextId()), maxSizeDip_{kNoLimitDip, kNoLimitDip} {}
 
 CControlUI::~CControlUI() {
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->ControlRemoved(this);
     }
 }
 
 void CControlUI::SetManager(CPaintManagerUI* manager, CContainerUI* parent) {
-    if (manager_ != nullptr && manager_ != manager) {
+    if (manager_ && manager_ != manager) {
         manager_->ControlRemoved(this);
     }
     if (manager_ != manager) {
@@ -52,7 +52,7 @@ void CControlUI::SetManager(CPaintManagerUI* manager, CContainerUI* parent) {
 void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyAttribute(name, value);
     if (result != AttributeResult::Ok) {
-        LogLine(4, L"CControlUI::SetAttribute",
+        LogLine(LogLevel::kError, L"CControlUI::SetAttribute",
                 result == AttributeResult::Unknown ? L"unknown attribute " : L"bad value ", name, L"=\"", value,
                 L"\" of ", GetClass(), L" ", name_);
     }
@@ -69,13 +69,13 @@ void CControlUI::SetText(const std::wstring& text) {
     if (width_.kind != LengthDip::Kind::Fixed || height_.kind != LengthDip::Kind::Fixed) {
         NeedUpdate();
     }
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->NotifyAccessible(this, EVENT_OBJECT_NAMECHANGE);
     }
 }
 
 std::wstring CControlUI::ResolveText(std::wstring_view text) const {
-    if (manager_ != nullptr) {
+    if (manager_) {
         return manager_->ResolveText(text);
     }
     return text.starts_with(L"IDS_") ? UICulture::GetInstance()->GetString(std::wstring(text)) : std::wstring(text);
@@ -84,7 +84,7 @@ std::wstring CControlUI::ResolveText(std::wstring_view text) const {
 // --- state
 
 bool CControlUI::IsShown() const {
-    for (const CControlUI* control = this; control != nullptr; control = control->parent_) {
+    for (const CControlUI* control = this; control; control = control->parent_) {
         if (!control->visible_ || control->IsCollapsed() || control->posPx_.IsEmpty()) {
             return false;
         }
@@ -99,9 +99,18 @@ void CControlUI::SetVisible(bool visible) {
     visible_ = visible;
     Invalidate();
     NeedUpdate();
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->NotifyAccessible(this, visible ? EVENT_OBJECT_SHOW : EVENT_OBJECT_HIDE);
     }
+}
+
+bool CControlUI::IsEnabledInTree() const {
+    for (const CControlUI* control = this; control; control = control->parent_) {
+        if (!control->IsEnabled()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void CControlUI::SetEnabled(bool enabled) {
@@ -109,7 +118,7 @@ void CControlUI::SetEnabled(bool enabled) {
         return;
     }
     SetState(enabled ? state_ & ~kStateDisabled : state_ | kStateDisabled);
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->NeedUpdate();  // the focus must leave a disabled control
         manager_->NotifyAccessible(this, EVENT_OBJECT_STATECHANGE);
     }
@@ -123,21 +132,13 @@ void CControlUI::SetState(unsigned state) {
 }
 
 void CControlUI::SetFocus() {
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->SetFocus(this);
     }
 }
 
 bool CControlUI::CanHaveFocus() const {
-    if (!keyboard_.value_or(FocusableByDefault())) {
-        return false;
-    }
-    for (const CControlUI* control = this; control != nullptr; control = control->parent_) {
-        if (!control->IsEnabled()) {
-            return false;
-        }
-    }
-    return IsShown();
+    return keyboard_.value_or(FocusableByDefault()) && IsEnabledInTree() && IsShown();
 }
 
 // --- size
@@ -190,7 +191,7 @@ void CControlUI::SetPadding(const Rect& dip) {
 }
 
 int CControlUI::Dpi() const {
-    return manager_ != nullptr ? manager_->GetDPI() : 96;
+    return manager_ ? manager_->GetDPI() : 96;
 }
 
 // --- measure and arrange
@@ -203,15 +204,15 @@ Size CControlUI::EstimateSize(Size availablePx) {
     if (!fixedWidth || !fixedHeight) {
         const Size room{Limit(fixedWidth ? size.cx : availablePx.cx, limits.minPx.cx, limits.maxPx.cx),
                         Limit(fixedHeight ? size.cy : availablePx.cy, limits.minPx.cy, limits.maxPx.cy)};
-        const unsigned fontGeneration = manager_ != nullptr ? manager_->GetFontGeneration() : 0u;
+        const unsigned fontGeneration = manager_ ? manager_->GetFontGeneration() : 0u;
         const Measured* known = nullptr;
         for (const Measured& measured : measured_) {
             if (measured.fontGeneration == fontGeneration && measured.availablePx == room) {
                 known = &measured;
             }
         }
-        const Size content = known != nullptr ? known->contentPx : MeasureContent(room);
-        if (known == nullptr) {
+        const Size content = known ? known->contentPx : MeasureContent(room);
+        if (!known) {
             measured_[measuredNext_] = {room, content, fontGeneration};
             measuredNext_ = (measuredNext_ + 1) % kMeasuredCount;
         }
@@ -239,20 +240,20 @@ void CControlUI::ForgetMeasured() {
 }
 
 void CControlUI::NeedUpdate() {
-    for (CControlUI* control = this; control != nullptr; control = control->parent_) {
+    for (CControlUI* control = this; control; control = control->parent_) {
         control->ForgetMeasured();
     }
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->NeedUpdate();
     }
 }
 
 void CControlUI::Invalidate() {
-    if (manager_ == nullptr) {
+    if (!manager_) {
         return;
     }
     Rect visible = posPx_;
-    for (const CControlUI* ancestor = parent_; ancestor != nullptr; ancestor = ancestor->parent_) {
+    for (const CControlUI* ancestor = parent_; ancestor; ancestor = ancestor->parent_) {
         visible = visible.Intersect(ancestor->posPx_);
     }
     if (!visible.IsEmpty()) {
@@ -291,7 +292,7 @@ void CControlUI::Paint(Canvas& canvas, const Rect& dirtyPx) {
         canvas.StrokeRect(posPx_, IsFocused() && focusBorderColor_ != 0 ? focusBorderColor_ : borderColor_,
                           std::max(1, ToPx(borderSizeDip_)), ToPx(borderRoundDip_));
     }
-    if (IsFocused() && manager_ != nullptr && manager_->IsFocusRingShown()) {
+    if (IsFocused() && manager_ && manager_->IsFocusRingShown()) {
         PaintFocusRing(canvas);
     }
 }
@@ -313,7 +314,7 @@ void CControlUI::PaintImage(Canvas& canvas, const std::wstring& imageAttribute) 
 }
 
 void CControlUI::PaintImage(Canvas& canvas, const std::wstring& imageAttribute, const Rect& px) const {
-    if (imageAttribute.empty() || manager_ == nullptr) {
+    if (imageAttribute.empty() || !manager_) {
         return;
     }
     const std::optional<ImageAttribute> image = ParseImageAttribute(imageAttribute);
@@ -334,7 +335,7 @@ void CControlUI::PaintImage(Canvas& canvas, const std::wstring& imageAttribute, 
     }
     const ScaledImage* scaled =
         manager_->Images().Get(*image, {place.Width(), place.Height()}, image->reverse && rightToLeft);
-    if (scaled != nullptr) {
+    if (scaled) {
         canvas.DrawImage(*scaled, place, static_cast<BYTE>(image->fade), ToPx(borderRoundDip_));
     }
 }
@@ -350,7 +351,7 @@ void CControlUI::DoEvent(const TEventUI& event) {
         case EventType::SetFocus:
             SetState(state_ | kStateFocused);
             // A click leaves the scroll position: what is pressed must not move away from under the pointer.
-            if (parent_ != nullptr && manager_ != nullptr && manager_->IsFocusRingShown()) {
+            if (parent_ && manager_ && manager_->IsFocusRingShown()) {
                 parent_->EnsureVisible(*this);
             }
             SendNotify(NotifyType::kSetFocus);
@@ -365,7 +366,7 @@ void CControlUI::DoEvent(const TEventUI& event) {
         case EventType::MouseWheel:
         case EventType::KeyDown:
         case EventType::KeyUp:
-            if (parent_ != nullptr) {
+            if (parent_) {
                 parent_->DoEvent(event);
             }
             break;
@@ -387,7 +388,7 @@ bool CControlUI::Visit(const std::function<bool(CControlUI&)>& visit) {
 }
 
 void CControlUI::SendNotify(const wchar_t* type, WPARAM wParam, LPARAM lParam) {
-    if (manager_ != nullptr) {
+    if (manager_) {
         manager_->SendNotify(this, type, wParam, lParam);
     }
 }

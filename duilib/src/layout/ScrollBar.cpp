@@ -4,13 +4,8 @@
 
 namespace DuiLib {
 
-void ScrollBar::Arrange(const Rect& trackPx, int contentPx, int pagePx, int scrollPx, int minThumbPx, bool fromRight) {
-    track_ = trackPx;
-    contentPx_ = contentPx;
-    pagePx_ = pagePx;
-    scrollPx_ = scrollPx;
-    minThumbPx_ = minThumbPx;
-    fromRight_ = fromRight;
+void ScrollBar::Arrange(const Place& place) {
+    place_ = place;
     if (!IsShown()) {
         EndDrag();
     }
@@ -18,35 +13,38 @@ void ScrollBar::Arrange(const Rect& trackPx, int contentPx, int pagePx, int scro
 
 int ScrollBar::Along(Point px) const {
     if (vertical_) {
-        return px.y - track_.top;
+        return px.y - place_.trackPx.top;
     }
-    return fromRight_ ? track_.right - 1 - px.x : px.x - track_.left;
+    return place_.fromRight ? place_.trackPx.right - 1 - px.x : px.x - place_.trackPx.left;
 }
 
 Rect ScrollBar::ThumbPx() const {
     const LineSpan thumb = Thumb();
     if (vertical_) {
-        return {track_.left, track_.top + thumb.startPx, track_.right, track_.top + thumb.startPx + thumb.sizePx};
+        return {place_.trackPx.left, place_.trackPx.top + thumb.startPx, place_.trackPx.right,
+                place_.trackPx.top + thumb.startPx + thumb.sizePx};
     }
-    const int left = fromRight_ ? track_.right - thumb.startPx - thumb.sizePx : track_.left + thumb.startPx;
-    return {left, track_.top, left + thumb.sizePx, track_.bottom};
+    const int left =
+        place_.fromRight ? place_.trackPx.right - thumb.startPx - thumb.sizePx : place_.trackPx.left + thumb.startPx;
+    return {left, place_.trackPx.top, left + thumb.sizePx, place_.trackPx.bottom};
 }
 
 int ScrollBar::Press(Point px) {
     const LineSpan thumb = Thumb();
     const int along = Along(px);
     if (along < thumb.startPx) {
-        return std::max(0, scrollPx_ - pagePx_);
+        return std::max(0, place_.scrollPx - place_.pagePx);
     }
     if (along >= thumb.startPx + thumb.sizePx) {
-        return std::min(MaxScroll(), scrollPx_ + pagePx_);
+        return std::min(MaxScroll(), place_.scrollPx + place_.pagePx);
     }
     grabPx_ = along - thumb.startPx;
-    return scrollPx_;
+    return place_.scrollPx;
 }
 
 int ScrollBar::DragTo(Point px) const {
-    return ScrollAtThumb(Along(px) - grabPx_.value_or(0), TrackLength(), contentPx_, pagePx_, minThumbPx_);
+    return ScrollAtThumb(Along(px) - grabPx_.value_or(0), TrackLength(), place_.contentPx, place_.pagePx,
+                         place_.minThumbPx);
 }
 
 }  // namespace DuiLib

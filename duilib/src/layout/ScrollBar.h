@@ -15,12 +15,19 @@ class ScrollBar {
   public:
     explicit ScrollBar(bool vertical) : vertical_(vertical) {}
 
-    // What the container's arrangement says. `fromRight`: see above.
-    void Arrange(const Rect& trackPx, int contentPx, int pagePx, int scrollPx, int minThumbPx, bool fromRight);
-    bool IsShown() const { return contentPx_ > pagePx_; }
-    int MaxScroll() const { return IsShown() ? contentPx_ - pagePx_ : 0; }
-    bool Contains(Point px) const { return IsShown() && track_.Contains(px); }
-    const Rect& TrackPx() const { return track_; }
+    // What the container's arrangement says.
+    struct Place {
+        Rect trackPx;
+        int contentPx = 0;  // length of the content, and of what of it is seen at a time
+        int pagePx = 0;
+        int scrollPx = 0;
+        int minThumbPx = 0;
+        bool fromRight = false;  // see above
+    };
+    void Arrange(const Place& place);
+    bool IsShown() const { return place_.contentPx > place_.pagePx; }
+    int MaxScroll() const { return IsShown() ? place_.contentPx - place_.pagePx : 0; }
+    bool Contains(Point px) const { return IsShown() && place_.trackPx.Contains(px); }
     Rect ThumbPx() const;
 
     // The left button went down on the bar: the new scroll position. On the thumb a drag begins, and it is the old one.
@@ -33,13 +40,13 @@ class ScrollBar {
   private:
     // Distance from the track's start.
     int Along(Point px) const;
-    int TrackLength() const { return vertical_ ? track_.Height() : track_.Width(); }
-    LineSpan Thumb() const { return ThumbSpan(TrackLength(), contentPx_, pagePx_, scrollPx_, minThumbPx_); }
+    int TrackLength() const { return vertical_ ? place_.trackPx.Height() : place_.trackPx.Width(); }
+    LineSpan Thumb() const {
+        return ThumbSpan(TrackLength(), place_.contentPx, place_.pagePx, place_.scrollPx, place_.minThumbPx);
+    }
 
     const bool vertical_;
-    bool fromRight_ = false;
-    Rect track_;
-    int contentPx_ = 0, pagePx_ = 0, scrollPx_ = 0, minThumbPx_ = 0;
+    Place place_;
     std::optional<int> grabPx_;  // where the thumb is held, from its start
 };
 

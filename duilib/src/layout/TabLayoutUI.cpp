@@ -55,7 +55,7 @@ bool CTabLayoutUI::RemoveAt(int index) {
 
 bool CTabLayoutUI::SelectItem(int index) {
     CControlUI* item = GetItemAt(index);
-    if (item == nullptr) {
+    if (!item) {
         return false;
     }
     wanted_ = -1;

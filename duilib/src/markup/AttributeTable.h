@@ -32,7 +32,7 @@ auto ApplyFromTable(const AttributeEntry<Control> (&table)[Count], Control& cont
                     std::wstring_view value) {
     using Result = decltype(control.ApplyAttribute(name, value));
     const AttributeEntry<Control>* entry = FindAttribute(table, name);
-    if (entry == nullptr) {
+    if (!entry) {
         return Result::Unknown;
     }
     return entry->apply(control, value) ? Result::Ok : Result::BadValue;

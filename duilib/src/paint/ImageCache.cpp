@@ -7,6 +7,7 @@
 
 #include "paint/ImageScale.h"
 #include "paint/PictureFile.h"
+#include "suite/common/GdiObject.h"
 #include "suite/logger/QxLogger.h"
 
 namespace DuiLib {
@@ -53,22 +54,34 @@ struct Scaled {
     unsigned long long lastUse = 0;
 };
 
-// One axis of a nine-grid: where its three parts begin and end, in the source and in the target.
+// One axis of a nine-grid: a part of the source and a length of the target, each with the margins at its ends that keep
+// their size.
+struct Axis {
+    int begin, end;  // of the source's part
+    int nearSource, farSource;
+    int target;
+    int nearTarget, farTarget;
+};
+
+// Where the three parts of an axis begin and end.
 struct Cuts {
     int source[4];
     int target[4];
 };
 
 // Margins that do not leave a middle are made smaller; a target that is too small shows smaller corners.
-Cuts CutAxis(int begin, int end, int nearSource, int farSource, int target, int nearTarget, int farTarget) {
-    const int length = end - begin;
-    nearSource = std::clamp(nearSource, 0, std::max(0, length - 1));
-    farSource = std::clamp(farSource, 0, std::max(0, length - 1 - nearSource));
-    if (nearTarget + farTarget > target) {
-        nearTarget = ScaleBy(target, nearTarget, nearTarget + farTarget);
-        farTarget = target - nearTarget;
+Cuts CutAxis(const Axis& axis) {
+    const int length = axis.end - axis.begin;
+    const int nearSource = std::clamp(axis.nearSource, 0, std::max(0, length - 1));
+    const int farSource = std::clamp(axis.farSource, 0, std::max(0, length - 1 - nearSource));
+    int nearTarget = axis.nearTarget;
+    int farTarget = axis.farTarget;
+    if (nearTarget + farTarget > axis.target) {
+        nearTarget = ScaleBy(axis.target, nearTarget, nearTarget + farTarget);
+        farTarget = axis.target - nearTarget;
     }
-    return {{begin, begin + nearSource, end - farSource, end}, {0, nearTarget, target - farTarget, target}};
+    return {{axis.begin, axis.begin + nearSource, axis.end - farSource, axis.end},
+            {0, nearTarget, axis.target - farTarget, axis.target}};
 }
 
 // Bitmaps with alpha are premultiplied by convention; one that is not is made to look as if it were.
@@ -124,7 +137,7 @@ class ImageCache::Impl {
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {
         BITMAP header{};
-        if (bitmap == nullptr || ::GetObjectW(bitmap, sizeof(header), &header) == 0 || header.bmWidth <= 0 ||
+        if (!bitmap || ::GetObjectW(bitmap, sizeof(header), &header) == 0 || header.bmWidth <= 0 ||
             header.bmHeight == 0 || header.bmWidth > kMaxBitmapPx || std::abs(header.bmHeight) > kMaxBitmapPx) {
             return false;
         }
@@ -132,13 +145,10 @@ class ImageCache::Impl {
         picture.sizePx = {static_cast<int>(header.bmWidth), static_cast<int>(std::abs(header.bmHeight))};
         picture.sizeDip = sizeDip.cx > 0 && sizeDip.cy > 0 ? sizeDip : picture.sizePx;
         picture.pixels.resize(static_cast<size_t>(picture.sizePx.cx) * static_cast<size_t>(picture.sizePx.cy));
-        BITMAPINFO info{};
-        info.bmiHeader = {
-            sizeof(BITMAPINFOHEADER), picture.sizePx.cx, -picture.sizePx.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        const HDC dc = ::CreateCompatibleDC(nullptr);
-        const int rows = ::GetDIBits(dc, bitmap, 0, static_cast<UINT>(picture.sizePx.cy), picture.pixels.data(), &info,
-                                     DIB_RGB_COLORS);
-        ::DeleteDC(dc);
+        BITMAPINFO info = suite::PixelInfo(picture.sizePx.cx, picture.sizePx.cy);
+        const suite::MemoryDc dc(::CreateCompatibleDC(nullptr));
+        const int rows = ::GetDIBits(dc.Get(), bitmap, 0, static_cast<UINT>(picture.sizePx.cy), picture.pixels.data(),
+                                     &info, DIB_RGB_COLORS);
         if (rows != picture.sizePx.cy) {
             return false;
         }
@@ -183,7 +193,8 @@ class ImageCache::Impl {
         picture.failed = true;
         picture.pixels.clear();
         if (logged_.insert(key).second) {
-            LogLine(4, L"ImageCache::Get", L"The image ", picture.file, L" cannot be read: ", static_cast<long>(hr));
+            LogLine(LogLevel::kError, L"ImageCache::Get", L"The image ", picture.file, L" cannot be read: ",
+                    static_cast<long>(hr));
         }
     }
 
@@ -222,10 +233,20 @@ class ImageCache::Impl {
         const PixelView target{result.data(), sizePx.cx, sizePx.cy, sizePx.cx};
         const Rect& corner = image.cornerDip;
         const Rect cornerPx = InPixels(picture, corner);
-        const Cuts x = CutAxis(part.left, part.right, cornerPx.left, cornerPx.right, sizePx.cx,
-                               DipToPx(corner.left, dpi_), DipToPx(corner.right, dpi_));
-        const Cuts y = CutAxis(part.top, part.bottom, cornerPx.top, cornerPx.bottom, sizePx.cy,
-                               DipToPx(corner.top, dpi_), DipToPx(corner.bottom, dpi_));
+        const Cuts x = CutAxis({.begin = part.left,
+                                .end = part.right,
+                                .nearSource = cornerPx.left,
+                                .farSource = cornerPx.right,
+                                .target = sizePx.cx,
+                                .nearTarget = DipToPx(corner.left, dpi_),
+                                .farTarget = DipToPx(corner.right, dpi_)});
+        const Cuts y = CutAxis({.begin = part.top,
+                                .end = part.bottom,
+                                .nearSource = cornerPx.top,
+                                .farSource = cornerPx.bottom,
+                                .target = sizePx.cy,
+                                .nearTarget = DipToPx(corner.top, dpi_),
+                                .farTarget = DipToPx(corner.bottom, dpi_)});
         for (int row = 0; row < 3; ++row) {
             for (int column = 0; column < 3; ++column) {
                 ScalePart(source, {x.source[column], y.source[row], x.source[column + 1], y.source[row + 1]}, target,

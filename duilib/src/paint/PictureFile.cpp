@@ -5,8 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "DuiLib/PaintManagerUI.h"
-#include "suite/common/Held.h"
+#include "markup/ResourceFiles.h"
 
 namespace DuiLib {
 namespace {
@@ -15,21 +14,9 @@ constexpr UINT kMaxSidePx = 8192;
 constexpr std::wstring_view kDrawable = L"drawable\\";
 constexpr std::array kRenditions{100, 125, 150, 200, 300};
 
-bool IsFullPath(const std::wstring& name) {
-    return (name.size() > 2 && name[1] == L':') || name.starts_with(L"\\\\");
-}
-
 bool Exists(const std::wstring& file) {
     const DWORD attributes = ::GetFileAttributesW(file.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-}
-
-std::wstring ResourceFolder() {
-    std::wstring folder = CPaintManagerUI::GetResourcePath();
-    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/') {
-        folder += L'\\';
-    }
-    return folder;
 }
 
 // The best first: the smallest that is large enough, the next larger ones, then the smaller ones from the largest down.
@@ -48,7 +35,7 @@ PicturePath FindPicture(const std::wstring& name, int dpi) {
     if (IsFullPath(path)) {
         return {path, 100};
     }
-    const std::wstring folder = ResourceFolder();
+    const std::wstring& folder = GetResourceFolder();
     if (!path.starts_with(kDrawable)) {
         return {folder + path, 100};
     }
@@ -62,31 +49,31 @@ PicturePath FindPicture(const std::wstring& name, int dpi) {
     return {folder + path, 100};
 }
 
+PictureDecoder::PictureDecoder() = default;
+
 PictureDecoder::~PictureDecoder() {
-    if (factory_ != nullptr) {
-        factory_->Release();
-    }
-    if (apartment_ != nullptr) {
+    factory_.Reset();
+    if (apartment_) {
         ::CoDecrementMTAUsage(apartment_);
     }
 }
 
 HRESULT PictureDecoder::MakeFactory() {
-    if (factory_ != nullptr) {
+    if (factory_) {
         return S_OK;
     }
-    if (apartment_ == nullptr) {
+    if (!apartment_) {
         ::CoIncrementMTAUsage(&apartment_);
     }
     return ::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                              reinterpret_cast<void**>(&factory_));
+                              factory_.PutVoid());
 }
 
 HRESULT PictureDecoder::Open(const std::wstring& file,
                              const std::function<HRESULT(Size sizePx, const RowReader& read)>& use) {
-    Held<IWICBitmapDecoder> decoder;
-    Held<IWICBitmapFrameDecode> frame;
-    Held<IWICFormatConverter> converter;
+    suite::ComReference<IWICBitmapDecoder> decoder;
+    suite::ComReference<IWICBitmapFrameDecode> frame;
+    suite::ComReference<IWICFormatConverter> converter;
     UINT width = 0, height = 0;
     HRESULT hr = MakeFactory();
     if (SUCCEEDED(hr)) {

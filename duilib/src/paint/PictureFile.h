@@ -10,6 +10,7 @@
 
 #include "DuiLib/Geometry.h"
 #include "paint/ImageScale.h"
+#include "suite/common/ComReference.h"
 
 struct IWICImagingFactory;
 
@@ -25,7 +26,7 @@ PicturePath FindPicture(const std::wstring& name, int dpi);
 // Owns the imaging factory, which is made with the first picture.
 class PictureDecoder {
   public:
-    PictureDecoder() = default;
+    PictureDecoder();
     ~PictureDecoder();
     PictureDecoder(const PictureDecoder&) = delete;
     PictureDecoder& operator=(const PictureDecoder&) = delete;
@@ -37,7 +38,7 @@ class PictureDecoder {
   private:
     HRESULT MakeFactory();
 
-    IWICImagingFactory* factory_ = nullptr;
+    suite::ComReference<IWICImagingFactory> factory_;
     CO_MTA_USAGE_COOKIE apartment_ = nullptr;  // keeps COM usable on a thread that has not entered an apartment
 };
 

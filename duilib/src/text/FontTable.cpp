@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "DuiLib/Geometry.h"
+
 namespace DuiLib {
 namespace {
 
@@ -18,19 +20,8 @@ const std::wstring& MessageFontFace() {
 
 }  // namespace
 
-FontTable::~FontTable() {
-    DropHandles();
-}
-
-void FontTable::DropHandles() {
-    for (const auto& [key, font] : handles_) {
-        ::DeleteObject(font);
-    }
-    handles_.clear();
-}
-
 void FontTable::Add(int index, const FontSpec& font, bool isDefault) {
-    DropHandles();
+    handles_.clear();
     specs_[index] = font;
     if (isDefault) {
         defaultIndex_ = index;
@@ -39,7 +30,7 @@ void FontTable::Add(int index, const FontSpec& font, bool isDefault) {
 
 void FontTable::SetDpi(int dpi) {
     if (dpi_ != dpi) {
-        DropHandles();
+        handles_.clear();
         dpi_ = dpi;
     }
 }
@@ -59,9 +50,9 @@ HFONT FontTable::Get(int index) const {
 HFONT FontTable::GetVariant(int index, bool bold, bool italic, bool underline) const {
     // All unknown indexes share the default font's handle.
     const int shared = specs_.contains(index) ? index : defaultIndex_;
-    const auto [known, isNew] = handles_.try_emplace({shared, bold, italic, underline}, nullptr);
+    const auto [known, isNew] = handles_.try_emplace({shared, bold, italic, underline});
     if (!isNew) {
-        return known->second;
+        return known->second.Get();
     }
     const FontSpec& spec = SpecOf(index);
     const std::wstring& face = spec.face.empty() ? MessageFontFace() : spec.face;
@@ -72,8 +63,8 @@ HFONT FontTable::GetVariant(int index, bool bold, bool italic, bool underline) c
     font.lfUnderline = spec.underline || underline;
     font.lfCharSet = DEFAULT_CHARSET;
     face.copy(font.lfFaceName, LF_FACESIZE - 1);
-    known->second = ::CreateFontIndirectW(&font);
-    return known->second;
+    known->second = suite::GdiFont(::CreateFontIndirectW(&font));
+    return known->second.Get();
 }
 
 }  // namespace DuiLib

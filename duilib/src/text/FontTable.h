@@ -4,17 +4,13 @@
 
 #include <map>
 
-#include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/FontSpec.h"
+#include "suite/common/GdiObject.h"
 
 namespace DuiLib {
 
 class FontTable {
   public:
-    FontTable() = default;
-    ~FontTable();
-    FontTable(const FontTable&) = delete;
-    FontTable& operator=(const FontTable&) = delete;
-
     void Add(int index, const FontSpec& font, bool isDefault);
     void SetDpi(int dpi);        // drops the handles
     HFONT Get(int index) const;  // unknown: the default font
@@ -23,7 +19,6 @@ class FontTable {
 
   private:
     const FontSpec& SpecOf(int index) const;
-    void DropHandles();
 
     struct Key {
         int index;
@@ -35,7 +30,7 @@ class FontTable {
     FontSpec fallback_;
     int defaultIndex_ = -1;
     int dpi_ = 96;
-    mutable std::map<Key, HFONT> handles_;
+    mutable std::map<Key, suite::GdiFont> handles_;
 };
 
 }  // namespace DuiLib

@@ -101,7 +101,7 @@ class Shaped {
   private:
     static int RunWidthPx(SCRIPT_STRING_ANALYSIS run) {
         const SIZE* const size = ::ScriptString_pSize(run);
-        return size != nullptr ? static_cast<int>(size->cx) : 0;
+        return size ? static_cast<int>(size->cx) : 0;
     }
 
     std::vector<SCRIPT_STRING_ANALYSIS> runs_;  // owned

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "suite/common/GdiObject.h"
 #include "text/TextBlock.h"
 
 namespace DuiLib {
@@ -22,7 +23,7 @@ class TextSetup {
   public:
     TextSetup(HDC dc, HFONT font, COLORREF color)
         : dc_(dc),
-          font_(::SelectObject(dc, font != nullptr ? font : ::GetStockObject(DEFAULT_GUI_FONT))),
+          font_(::SelectObject(dc, font ? font : ::GetStockObject(DEFAULT_GUI_FONT))),
           color_(::SetTextColor(dc, color)),
           mode_(::SetBkMode(dc, TRANSPARENT)) {}
     ~TextSetup() {
@@ -89,28 +90,18 @@ TextMask MakeTextMask(HDC dc, HFONT font, std::wstring_view text, Size sizePx, U
     if (sizePx.cx <= 0 || sizePx.cy <= 0 || text.empty()) {
         return mask;
     }
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), sizePx.cx, -sizePx.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HBITMAP bitmap = ::CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const HDC memory = ::CreateCompatibleDC(dc);
-    if (bitmap != nullptr && memory != nullptr) {
-        const HGDIOBJ original = ::SelectObject(memory, bitmap);
+    std::uint32_t* pixels = nullptr;
+    const suite::GdiBitmap bitmap = suite::MakePixelBitmap(sizePx.cx, sizePx.cy, pixels);
+    const suite::MemoryDc memory(::CreateCompatibleDC(dc));
+    if (bitmap && memory) {
+        const suite::GdiSelection selection(memory.Get(), bitmap.Get());
         {
-            const TextSetup setup(memory, font, RGB(255, 255, 255));
-            DrawPrepared(memory, text, {0, 0, sizePx.cx, sizePx.cy}, Cleaned(style));
+            const TextSetup setup(memory.Get(), font, RGB(255, 255, 255));
+            DrawPrepared(memory.Get(), text, {0, 0, sizePx.cx, sizePx.cy}, Cleaned(style));
         }
         ::GdiFlush();
-        const auto* pixels = static_cast<const std::uint32_t*>(bits);
         mask.pixels.assign(pixels, pixels + static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy));
         mask.sizePx = sizePx;
-        ::SelectObject(memory, original);
-    }
-    if (memory != nullptr) {
-        ::DeleteDC(memory);
-    }
-    if (bitmap != nullptr) {
-        ::DeleteObject(bitmap);
     }
     return mask;
 }

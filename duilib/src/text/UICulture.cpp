@@ -6,8 +6,9 @@
 #include <mutex>
 #include <vector>
 
-#include "markup/XmlReader.h"
+#include "suite/common/FolderListing.h"
 #include "suite/logger/QxLogger.h"
+#include "suite/xml/XmlTree.h"
 #include "text/LanguageFallback.h"
 
 namespace DuiLib {
@@ -24,35 +25,28 @@ std::vector<std::wstring> SubFolders(const std::wstring& folder) {
     if (folder.empty()) {
         return names;
     }
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW((folder + L"*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return names;
-    }
-    do {
-        const std::wstring name = found.cFileName;
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && name != L"." && name != L"..") {
-            names.push_back(name);
+    for (suite::FolderListing entry(folder + L"*"); entry; entry.Next()) {
+        if (entry.IsFolder()) {
+            names.push_back(entry.Name());
         }
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+    }
     return names;
 }
 
 void Complain(const std::wstring& path, unsigned line, const std::wstring& what) {
-    LogLine(4, L"UICulture::ReadTable", path, L":", line, L": ", what);
+    LogLine(LogLevel::kError, L"UICulture::ReadTable", path, L":", line, L": ", what);
 }
 
 StringTable ReadTable(const std::wstring& path) {
     StringTable table;
-    const XmlDocument document = ReadXmlFile(path);
-    if (!document.error.empty()) {
-        Complain(path, document.errorLine, document.error);
+    const suite::XmlDocument document = suite::ReadXmlFile(path);
+    if (!document.fault.empty()) {
+        Complain(path, document.faultLine, document.fault);
     }
     if (!document.root) {
         return table;
     }
-    const XmlElement& root = *document.root;
+    const suite::XmlElement& root = *document.root;
     if (root.name != L"Strings") {
         Complain(path, root.line, L"The root is not Strings but " + root.name);
         return table;
@@ -64,9 +58,9 @@ StringTable ReadTable(const std::wstring& path) {
             Complain(path, root.line, L"Unknown direction " + *direction);
         }
     }
-    for (const XmlElement& element : root.children) {
+    for (const suite::XmlElement& element : root.children) {
         const std::wstring* const id = element.Attribute(L"id");
-        if (element.name != L"String" || id == nullptr || id->empty()) {
+        if (element.name != L"String" || !id || id->empty()) {
             Complain(path, element.line, L"No string with an id: " + element.name);
             continue;
         }
@@ -85,7 +79,7 @@ StringTable ReadTable(const std::wstring& path) {
 class UICulture::Impl {
   public:
     void SetFolder(const std::wstring& folder) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         folder_ = folder;
         if (!folder_.empty() && folder_.back() != L'\\' && folder_.back() != L'/') {
             folder_ += L'\\';
@@ -94,11 +88,11 @@ class UICulture::Impl {
     }
 
     bool Select(const std::wstring& wanted, bool load) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         language_ = ChooseLanguage(wanted, SubFolders(folder_));
         loaded_ = false;
         if (language_.empty()) {
-            LogLine(4, L"UICulture::SelectLanguage", L"No string tables for ", wanted, L" in ", folder_);
+            LogLine(LogLevel::kError, L"UICulture::SelectLanguage", L"No string tables for ", wanted, L" in ", folder_);
             return false;
         }
         if (!load) {
@@ -109,18 +103,18 @@ class UICulture::Impl {
     }
 
     std::wstring Language() const {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         return language_;
     }
 
     bool IsRightToLeft() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         Load();
         return own_.rightToLeft;
     }
 
     std::wstring Text(const std::wstring& key) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         Load();
         for (const StringTable* table : {&own_, &fallback_}) {
             const auto it = table->texts.find(key);

@@ -11,8 +11,9 @@
 #include "DuiLib/ProgressUI.h"
 #include "DuiLib/SliderUI.h"
 #include "DuiLib/TextUI.h"
-#include "markup/XmlReader.h"
+#include "markup/ResourceFiles.h"
 #include "suite/logger/QxLogger.h"
+#include "suite/xml/XmlTree.h"
 #include "window/WindowAttributes.h"
 
 namespace DuiLib {
@@ -46,18 +47,6 @@ constexpr ClassEntry kClasses[] = {
     {L"Slider", Make<CSliderUI>},
 };
 
-// The path of a file of the resource folder; full paths stay as they are.
-std::wstring ResourceFile(const std::wstring& file) {
-    if (file.starts_with(L"\\\\") || (file.size() > 1 && file[1] == L':')) {
-        return file;
-    }
-    std::wstring folder = CPaintManagerUI::GetResourcePath();
-    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/') {
-        folder += L'\\';
-    }
-    return folder + file;
-}
-
 bool IsText(std::wstring_view attribute) {
     return attribute == L"text" || attribute == L"tooltip" || attribute == L"accname";
 }
@@ -68,13 +57,13 @@ class TreeBuilder {
     TreeBuilder(std::wstring file, IDialogBuilderCallback* callback, CPaintManagerUI* manager, int includes)
         : file_(std::move(file)), callback_(callback), manager_(manager), includes_(includes) {}
 
-    std::unique_ptr<CControlUI> Build(const XmlDocument& document, const wchar_t* type) {
-        if (!document.error.empty()) {
-            Log(document.errorLine, document.error);
+    std::unique_ptr<CControlUI> Build(const suite::XmlDocument& document, const wchar_t* type) {
+        if (!document.fault.empty()) {
+            Log(document.faultLine, document.fault);
             return nullptr;
         }
-        const XmlElement& root = *document.root;
-        if (type != nullptr && root.name != type) {
+        const suite::XmlElement& root = *document.root;
+        if (type && root.name != type) {
             Log(root.line, L"<", root.name, L"> where <", type, L"> is expected");
             return nullptr;
         }
@@ -82,40 +71,40 @@ class TreeBuilder {
     }
 
   private:
-    std::unique_ptr<CControlUI> BuildWindow(const XmlElement& element) {
-        if (manager_ != nullptr) {
+    std::unique_ptr<CControlUI> BuildWindow(const suite::XmlElement& element) {
+        if (manager_) {
             for (const auto& [name, value] : element.attributes) {
                 Report(element, name, value, ApplyWindowAttribute(manager_->GetWindowSpec(), name, value));
             }
         }
         std::unique_ptr<CControlUI> root;
-        for (const XmlElement& child : element.children) {
+        for (const suite::XmlElement& child : element.children) {
             if (TakeResource(child)) {
                 continue;
             }
-            if (root != nullptr) {
+            if (root) {
                 Log(child.line, L"<", child.name, L"> is a second root of the window");
                 continue;
             }
             root = BuildControl(child);
         }
-        if (root == nullptr) {
+        if (!root) {
             Log(element.line, L"the window has no control");
         }
         return root;
     }
 
-    std::unique_ptr<CControlUI> BuildControl(const XmlElement& element) {
+    std::unique_ptr<CControlUI> BuildControl(const suite::XmlElement& element) {
         if (element.name == L"Include") {
             return Include(element);
         }
         std::unique_ptr<CControlUI> control = MakeControl(element.name);
-        if (control == nullptr) {
+        if (!control) {
             Log(element.line, L"unknown element <", element.name, L">");
             return nullptr;
         }
         // A page's fonts and styles count for the page itself.
-        for (const XmlElement& child : element.children) {
+        for (const suite::XmlElement& child : element.children) {
             TakeResource(child);
         }
         ApplyAttributes(*control, element);
@@ -129,16 +118,16 @@ class TreeBuilder {
                 return entry.make();
             }
         }
-        return callback_ != nullptr ? callback_->CreateControl(className) : nullptr;
+        return callback_ ? callback_->CreateControl(className) : nullptr;
     }
 
-    void AddChildren(CControlUI& control, const XmlElement& element) {
+    void AddChildren(CControlUI& control, const suite::XmlElement& element) {
         CContainerUI* container = dynamic_cast<CContainerUI*>(&control);
-        for (const XmlElement& child : element.children) {
+        for (const suite::XmlElement& child : element.children) {
             if (IsResource(child)) {
                 continue;
             }
-            if (container == nullptr) {
+            if (!container) {
                 Log(child.line, L"<", element.name, L"> cannot hold <", child.name, L">");
                 continue;
             }
@@ -149,12 +138,12 @@ class TreeBuilder {
     }
 
     // What all controls of the class have, then what the style says, then the control's own word.
-    void ApplyAttributes(CControlUI& control, const XmlElement& element) {
-        if (manager_ != nullptr) {
+    void ApplyAttributes(CControlUI& control, const suite::XmlElement& element) {
+        if (manager_) {
             ApplyList(control, element, manager_->GetDefaultAttributes(element.name));
         }
         if (const std::wstring* style = element.Attribute(L"style")) {
-            const std::wstring attributes = manager_ != nullptr ? manager_->GetStyle(*style) : std::wstring();
+            const std::wstring attributes = manager_ ? manager_->GetStyle(*style) : std::wstring();
             if (attributes.empty()) {
                 Log(element.line, L"unknown style \"", *style, L"\"");
             }
@@ -167,29 +156,30 @@ class TreeBuilder {
         }
     }
 
-    void ApplyList(CControlUI& control, const XmlElement& element, const std::wstring& attributes) {
+    void ApplyList(CControlUI& control, const suite::XmlElement& element, const std::wstring& attributes) {
         // It was parsed once when it was defined; what is malformed was not taken.
         for (const auto& [name, value] : ParseAttributeList(attributes).value_or(AttributeList{})) {
             Apply(control, element, name, value);
         }
     }
 
-    void Apply(CControlUI& control, const XmlElement& element, const std::wstring& name, const std::wstring& value) {
+    void Apply(CControlUI& control, const suite::XmlElement& element, const std::wstring& name,
+               const std::wstring& value) {
         // The control does not know its manager yet, and with it the one who has the texts.
-        const bool lookUp = manager_ != nullptr && IsText(name);
+        const bool lookUp = manager_ && IsText(name);
         Report(element, name, value, control.ApplyAttribute(name, lookUp ? manager_->ResolveText(value) : value));
     }
 
-    static bool IsResource(const XmlElement& element) {
+    static bool IsResource(const suite::XmlElement& element) {
         return element.name == L"Font" || element.name == L"Default" || element.name == L"Style";
     }
 
     // True when the element is a font, the defaults of a class, or a style.
-    bool TakeResource(const XmlElement& element) {
+    bool TakeResource(const suite::XmlElement& element) {
         if (!IsResource(element)) {
             return false;
         }
-        if (manager_ == nullptr) {
+        if (!manager_) {
             return true;
         }
         if (element.name == L"Font") {
@@ -198,7 +188,7 @@ class TreeBuilder {
         }
         const std::wstring* name = element.Attribute(L"name");
         const std::wstring* value = element.Attribute(L"value");
-        if (name == nullptr || name->empty() || value == nullptr || !ParseAttributeList(*value)) {
+        if (!name || name->empty() || !value || !ParseAttributeList(*value)) {
             Log(element.line, L"<", element.name, L"> needs a name, and a value like text=\"a\" font=\"1\"");
         } else if (element.name == L"Default") {
             manager_->AddDefaultAttributes(*name, *value);
@@ -208,7 +198,7 @@ class TreeBuilder {
         return true;
     }
 
-    void TakeFont(const XmlElement& element) {
+    void TakeFont(const suite::XmlElement& element) {
         FontElement font;
         for (const auto& [name, value] : element.attributes) {
             Report(element, name, value, ApplyFontAttribute(font, name, value));
@@ -220,17 +210,17 @@ class TreeBuilder {
         }
     }
 
-    std::unique_ptr<CControlUI> Include(const XmlElement& element) {
+    std::unique_ptr<CControlUI> Include(const suite::XmlElement& element) {
         const std::wstring* source = element.Attribute(L"source");
-        if (source == nullptr || includes_ >= kMaxIncludes) {
-            Log(element.line, source == nullptr ? L"<Include> needs a source" : L"too many includes within includes");
+        if (!source || includes_ >= kMaxIncludes) {
+            Log(element.line, source ? L"too many includes within includes" : L"<Include> needs a source");
             return nullptr;
         }
         return TreeBuilder(*source, callback_, manager_, includes_ + 1)
-            .Build(ReadXmlFile(ResourceFile(*source)), nullptr);
+            .Build(suite::ReadXmlFile(ResourceFile(*source)), nullptr);
     }
 
-    void Report(const XmlElement& element, const std::wstring& name, const std::wstring& value,
+    void Report(const suite::XmlElement& element, const std::wstring& name, const std::wstring& value,
                 AttributeResult result) const {
         if (result == AttributeResult::Unknown) {
             Log(element.line, L"<", element.name, L"> has no attribute ", name);
@@ -241,7 +231,7 @@ class TreeBuilder {
 
     template <typename... Parts>
     void Log(unsigned line, const Parts&... parts) const {
-        LogLine(4, L"CDialogBuilder::Create", file_, L", line ", line, L": ", parts...);
+        LogLine(LogLevel::kError, L"CDialogBuilder::Create", file_, L", line ", line, L": ", parts...);
     }
 
     const std::wstring file_;  // as it stands in log lines
@@ -254,12 +244,12 @@ class TreeBuilder {
 
 std::unique_ptr<CControlUI> CDialogBuilder::Create(const std::wstring& layoutFile, const wchar_t* type,
                                                    IDialogBuilderCallback* callback, CPaintManagerUI* manager) {
-    return TreeBuilder(layoutFile, callback, manager, 0).Build(ReadXmlFile(ResourceFile(layoutFile)), type);
+    return TreeBuilder(layoutFile, callback, manager, 0).Build(suite::ReadXmlFile(ResourceFile(layoutFile)), type);
 }
 
 std::unique_ptr<CControlUI> CDialogBuilder::CreateFromText(std::string_view utf8Xml, const std::wstring& sourceName,
                                                            IDialogBuilderCallback* callback, CPaintManagerUI* manager) {
-    return TreeBuilder(sourceName, callback, manager, 0).Build(ReadXmlText(utf8Xml), nullptr);
+    return TreeBuilder(sourceName, callback, manager, 0).Build(suite::ReadXmlText(utf8Xml), nullptr);
 }
 
 }  // namespace DuiLib

@@ -26,7 +26,7 @@ Point CursorIn(HWND window) {
 
 std::vector<CControlUI*> PathTo(CControlUI* control) {
     std::vector<CControlUI*> path;
-    for (; control != nullptr; control = control->GetParent()) {
+    for (; control; control = control->GetParent()) {
         path.push_back(control);
     }
     std::reverse(path.begin(), path.end());
@@ -34,7 +34,7 @@ std::vector<CControlUI*> PathTo(CControlUI* control) {
 }
 
 bool IsWithin(const CControlUI* control, const CControlUI* ancestor) {
-    for (; control != nullptr; control = control->GetParent()) {
+    for (; control; control = control->GetParent()) {
         if (control == ancestor) {
             return true;
         }
@@ -110,10 +110,10 @@ void InputRouter::OnWindowGone() {
 
 void InputRouter::OnTreeChanged() {
     const RetiredControls::Scope scope(retired_);
-    if (capture_ != nullptr && !IsUsable(capture_)) {
+    if (capture_ && !IsUsable(capture_)) {
         CancelCapture();
     }
-    if (focus_ != nullptr && !focus_->IsShown()) {
+    if (focus_ && !focus_->IsShown()) {
         CControlUI* const origin = focus_;
         SetFocus(nullptr, false);
         if (IsInTree(origin)) {
@@ -159,15 +159,7 @@ TEventUI InputRouter::MakeEvent(EventType type) const {
 }
 
 bool InputRouter::IsUsable(const CControlUI* control) const {
-    if (!IsInTree(control) || !control->IsShown()) {
-        return false;
-    }
-    for (const CControlUI* c = control; c != nullptr; c = c->GetParent()) {
-        if (!c->IsEnabled()) {
-            return false;
-        }
-    }
-    return true;
+    return IsInTree(control) && control->IsShown() && control->IsEnabledInTree();
 }
 
 CControlUI* InputRouter::HitTest(Point px) const {
@@ -176,7 +168,7 @@ CControlUI* InputRouter::HitTest(Point px) const {
 
 void InputRouter::HoverAt(Point px) {
     CControlUI* control = HitTest(px);
-    if (capture_ != nullptr && !IsWithin(control, capture_)) {
+    if (capture_ && !IsWithin(control, capture_)) {
         control = nullptr;
     }
     Hover(control);
@@ -214,7 +206,7 @@ void InputRouter::Hover(CControlUI* control) {
 }
 
 void InputRouter::UpdateToolTip() {
-    if (capture_ == nullptr) {
+    if (!capture_) {
         for (auto it = hotPath_.rbegin(); it != hotPath_.rend(); ++it) {
             const CControlUI& control = **it;
             if (!control.GetToolTip().empty()) {
@@ -238,12 +230,12 @@ void InputRouter::OnMouseMove(Point px) {
     mouseInside_ = true;
     TrackLeave();
     HoverAt(px);
-    Send(capture_ != nullptr ? capture_ : GetHot(), MakeEvent(EventType::MouseMove));
+    Send(capture_ ? capture_ : GetHot(), MakeEvent(EventType::MouseMove));
 }
 
 void InputRouter::OnMouseLeave() {
     mouseInside_ = false;
-    if (capture_ == nullptr) {
+    if (!capture_) {
         Hover(nullptr);
     }
 }
@@ -259,7 +251,7 @@ void InputRouter::OnButtonDown(Point px) {
     if (!IsUsable(hit)) {
         return;
     }
-    for (CControlUI* c = hit; c != nullptr; c = c->GetParent()) {
+    for (CControlUI* c = hit; c; c = c->GetParent()) {
         if (c->CanHaveFocus()) {
             SetFocus(c, false);
             break;
@@ -276,9 +268,9 @@ void InputRouter::OnButtonUp(Point px) {
     ReleaseSystemCapture();
     HoverAt(px);
     CControlUI* const captured = capture_;
-    if (captured != nullptr && !IsUsable(captured)) {
+    if (captured && !IsUsable(captured)) {
         CancelCapture();
-    } else if (captured != nullptr) {
+    } else if (captured) {
         Send(captured, MakeEvent(EventType::ButtonUp));
         if (capture_ == captured) {
             ReleaseCapture();
@@ -287,7 +279,7 @@ void InputRouter::OnButtonUp(Point px) {
         Send(GetHot(), MakeEvent(EventType::ButtonUp));
     }
     // Without the capture the pointer may be over another control than before.
-    if (manager_.GetPaintWindow() != nullptr && mouseInside_) {
+    if (manager_.GetPaintWindow() && mouseInside_) {
         HoverAt(mousePx_);
     }
 }
@@ -298,10 +290,10 @@ bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
     const RetiredControls::Scope scope(retired_);
     // Over a control that is disabled the list around it scrolls all the same.
     CControlUI* target = manager_.FindControl(p);
-    while (target != nullptr && !IsUsable(target)) {
+    while (target && !IsUsable(target)) {
         target = target->GetParent();
     }
-    if (target == nullptr) {
+    if (!target) {
         return false;
     }
     TEventUI event = MakeEvent(EventType::MouseWheel);
@@ -317,7 +309,7 @@ bool InputRouter::OnSetCursor(LPARAM lParam) {
     }
     TEventUI event = MakeEvent(EventType::SetCursor);
     event.mousePx = CursorIn(manager_.GetPaintWindow());
-    CControlUI* const target = capture_ != nullptr ? capture_ : HitTest(event.mousePx);
+    CControlUI* const target = capture_ ? capture_ : HitTest(event.mousePx);
     if (IsUsable(target)) {
         Send(target, event);
     } else {
@@ -333,7 +325,7 @@ void InputRouter::SetCapture(CControlUI* control) {
     CancelCapture();
     capture_ = control;
     toolTip_.Clear();
-    if (manager_.GetPaintWindow() != nullptr) {
+    if (manager_.GetPaintWindow()) {
         ::SetCapture(manager_.GetPaintWindow());
     }
 }
@@ -345,7 +337,7 @@ void InputRouter::ReleaseCapture() {
 
 void InputRouter::CancelCapture() {
     CControlUI* const captured = capture_;
-    if (captured != nullptr) {
+    if (captured) {
         ReleaseCapture();
         Send(captured, MakeEvent(EventType::CaptureLost));
     }
@@ -353,7 +345,7 @@ void InputRouter::CancelCapture() {
 
 void InputRouter::ReleaseSystemCapture() {
     const HWND window = manager_.GetPaintWindow();
-    if (window != nullptr && ::GetCapture() == window) {
+    if (window && ::GetCapture() == window) {
         releasingSystemCapture_ = true;
         ::ReleaseCapture();
         releasingSystemCapture_ = false;

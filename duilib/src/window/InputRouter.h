@@ -54,7 +54,7 @@ class InputRouter {
   private:
     // Nothing when the control is null or has left the tree.
     void Send(CControlUI* control, const TEventUI& event);
-    bool IsInTree(const CControlUI* control) const { return control != nullptr && control->GetManager() == &manager_; }
+    bool IsInTree(const CControlUI* control) const { return control && control->GetManager() == &manager_; }
     // In the tree, shown, and enabled with all its ancestors.
     bool IsUsable(const CControlUI* control) const;
     TEventUI MakeEvent(EventType type) const;

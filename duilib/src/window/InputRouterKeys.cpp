@@ -5,7 +5,7 @@
 namespace DuiLib {
 
 void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
-    if (control != nullptr) {
+    if (control) {
         manager_.UpdateLayout();
         if (!IsInTree(control) || !control->CanHaveFocus()) {
             return;
@@ -23,7 +23,7 @@ void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
     tabOrigin_ = control;
     if (!windowInactive_) {
         Send(former, MakeEvent(EventType::KillFocus));
-        if (control == nullptr || focus_ != control) {
+        if (!control || focus_ != control) {
             return;  // nobody, or the handler gave the focus to another
         }
         Send(control, MakeEvent(EventType::SetFocus));
@@ -32,7 +32,7 @@ void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
         }
         manager_.NotifyAccessible(control, EVENT_OBJECT_FOCUS);
     }
-    if (focusRing_ && control != nullptr && control->GetParent() != nullptr) {
+    if (focusRing_ && control && control->GetParent()) {
         control->GetParent()->EnsureVisible(*control);
     }
 }
@@ -40,7 +40,7 @@ void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
 void InputRouter::ShowFocusRing(bool show) {
     if (show != focusRing_) {
         focusRing_ = show;
-        if (focus_ != nullptr) {
+        if (focus_) {
             focus_->Invalidate();
         }
     }
@@ -49,7 +49,7 @@ void InputRouter::ShowFocusRing(bool show) {
 bool InputRouter::SetNextTabControl(bool forward) {
     manager_.UpdateLayout();
     CControlUI* const root = manager_.GetRoot();
-    if (root == nullptr) {
+    if (!root) {
         return false;
     }
     const RetiredControls::Scope scope(retired_);
@@ -159,7 +159,7 @@ bool InputRouter::OnReturn(bool repeat) {
 }
 
 bool InputRouter::OnEscape() {
-    if (capture_ != nullptr) {
+    if (capture_) {
         CancelCapture();
         return true;
     }
@@ -181,7 +181,7 @@ void InputRouter::OnWindowFocus(bool has) {
         return;
     }
     windowInactive_ = !has;
-    if (focus_ != nullptr) {
+    if (focus_) {
         CControlUI* const control = focus_;
         Send(control, MakeEvent(has ? EventType::SetFocus : EventType::KillFocus));
         if (has && focus_ == control) {

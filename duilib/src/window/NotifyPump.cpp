@@ -6,7 +6,7 @@ namespace DuiLib {
 namespace {
 
 const std::wstring* VirtualWndOf(const CControlUI* control) {
-    for (; control != nullptr; control = control->GetParent()) {
+    for (; control; control = control->GetParent()) {
         if (!control->GetVirtualWnd().empty()) {
             return &control->GetVirtualWnd();
         }
@@ -17,7 +17,7 @@ const std::wstring* VirtualWndOf(const CControlUI* control) {
 }  // namespace
 
 bool CNotifyPump::AddVirtualWnd(const std::wstring& name, CNotifyPump* pump) {
-    return !name.empty() && pump != nullptr && virtualWnds_.emplace(name, pump).second;
+    return !name.empty() && pump && virtualWnds_.emplace(name, pump).second;
 }
 
 bool CNotifyPump::RemoveVirtualWnd(const std::wstring& name) {
@@ -39,7 +39,7 @@ bool CNotifyPump::DispatchNotify(TNotifyUI& msg) {
     }
     for (const Entry& entry : target->GetMessageMap()) {
         if (msg.type == entry.type &&
-            (entry.controlName == nullptr || (msg.sender != nullptr && msg.sender->GetName() == entry.controlName))) {
+            (!entry.controlName || (msg.sender && msg.sender->GetName() == entry.controlName))) {
             (target->*entry.handler)(msg);
             return true;
         }

@@ -12,6 +12,8 @@
 #include "paint/BackBuffer.h"
 #include "paint/DirtyRegion.h"
 #include "paint/ImageCache.h"
+#include "suite/common/ComReference.h"
+#include "suite/common/GdiObject.h"
 #include "text/FontTable.h"
 #include "window/InputRouter.h"
 #include "window/RetiredControls.h"
@@ -40,7 +42,7 @@ class CPaintManagerUI::Impl {
 
     CPaintManagerUI& owner;
     HWND window = nullptr;
-    HDC measureDc;
+    const suite::MemoryDc measureDc;
     int dpi = USER_DEFAULT_SCREEN_DPI;
     WindowSpec spec;
     FontTable fonts;
@@ -51,7 +53,7 @@ class CPaintManagerUI::Impl {
     RetiredControls retired;
     std::unique_ptr<CControlUI> root;
     InputRouter input;
-    WindowAccessible* accessible = nullptr;  // one reference; made when a screen reader first asks
+    suite::ComReference<WindowAccessible> accessible;  // made when a screen reader first asks
 
     Size sizePx;  // the client area's, as it was when the window was last not minimised
     BackBuffer buffer;

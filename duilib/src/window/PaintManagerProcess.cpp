@@ -3,17 +3,13 @@
 
 #include "DuiLib/PaintManagerUI.h"
 #include "DuiLib/UIMainQueue.h"
+#include "markup/ResourceFiles.h"
 #include "suite/logger/QxLogger.h"
 
 namespace DuiLib {
 namespace {
 
 HINSTANCE processInstance = nullptr;
-
-std::wstring& ResourceFolder() {
-    static std::wstring folder;
-    return folder;
-}
 
 }  // namespace
 
@@ -22,13 +18,13 @@ void CPaintManagerUI::SetInstance(HINSTANCE instance) {
     // Screen readers reach a window's objects through COM, on the thread of the window. It stays for the process.
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     if (FAILED(com)) {
-        LogLine(4, L"CPaintManagerUI::SetInstance", L"No COM apartment for the UI thread, code: ", com);
+        LogLine(LogLevel::kError, L"CPaintManagerUI::SetInstance", L"No COM apartment for the UI thread, code: ", com);
     }
     UIMainQueue::getInstance()->bindToCurrentThread();
 }
 
 HINSTANCE CPaintManagerUI::GetInstance() {
-    return processInstance != nullptr ? processInstance : GetModuleHandleW(nullptr);
+    return processInstance ? processInstance : GetModuleHandleW(nullptr);
 }
 
 std::wstring CPaintManagerUI::GetInstancePath() {
@@ -36,7 +32,8 @@ std::wstring CPaintManagerUI::GetInstancePath() {
     for (;;) {
         const DWORD length = GetModuleFileNameW(GetInstance(), path.data(), static_cast<DWORD>(path.size()));
         if (length == 0) {
-            LogLine(4, L"CPaintManagerUI::GetInstancePath", L"No module path, error code: ", GetLastError());
+            LogLine(LogLevel::kError, L"CPaintManagerUI::GetInstancePath", L"No module path, error code: ",
+                    GetLastError());
             return {};
         }
         if (length < path.size()) {
@@ -49,14 +46,11 @@ std::wstring CPaintManagerUI::GetInstancePath() {
 }
 
 void CPaintManagerUI::SetResourcePath(const std::wstring& folder) {
-    ResourceFolder() = folder;
-    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/') {
-        ResourceFolder() += L'\\';
-    }
+    SetResourceFolder(folder);
 }
 
 const std::wstring& CPaintManagerUI::GetResourcePath() {
-    return ResourceFolder();
+    return GetResourceFolder();
 }
 
 int CPaintManagerUI::MessageLoop() {
@@ -67,7 +61,8 @@ int CPaintManagerUI::MessageLoop() {
             return static_cast<int>(msg.wParam);
         }
         if (got == -1) {
-            LogLine(4, L"CPaintManagerUI::MessageLoop", L"GetMessage failed, error code: ", GetLastError());
+            LogLine(LogLevel::kError, L"CPaintManagerUI::MessageLoop", L"GetMessage failed, error code: ",
+                    GetLastError());
             return -1;
         }
         TranslateMessage(&msg);

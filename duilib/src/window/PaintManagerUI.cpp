@@ -11,7 +11,7 @@ namespace {
 
 template <typename Item>
 void AddOnce(std::vector<Item*>& list, Item* item) {
-    if (item != nullptr && std::find(list.begin(), list.end(), item) == list.end()) {
+    if (item && std::find(list.begin(), list.end(), item) == list.end()) {
         list.push_back(item);
     }
 }
@@ -31,13 +31,12 @@ CPaintManagerUI::Impl::Impl(CPaintManagerUI& manager)
 
 CPaintManagerUI::Impl::~Impl() {
     OnWindowGone();
-    DeleteDC(measureDc);
 }
 
 CPaintManagerUI::CPaintManagerUI() : impl_(std::make_unique<Impl>(*this)) {}
 
 CPaintManagerUI::~CPaintManagerUI() {
-    if (impl_->root != nullptr) {
+    if (impl_->root) {
         impl_->root->SetManager(nullptr, nullptr);
         impl_->root.reset();
     }
@@ -57,7 +56,7 @@ HWND CPaintManagerUI::GetPaintWindow() const {
 }
 
 HDC CPaintManagerUI::GetPaintDC() const {
-    return impl_->measureDc;
+    return impl_->measureDc.Get();
 }
 
 void CPaintManagerUI::AttachDialog(std::unique_ptr<CControlUI> root) {
@@ -67,7 +66,7 @@ void CPaintManagerUI::AttachDialog(std::unique_ptr<CControlUI> root) {
         Retire(std::move(former));
     }
     impl_->root = std::move(root);
-    if (impl_->root != nullptr) {
+    if (impl_->root) {
         impl_->root->SetManager(this, nullptr);
     }
     NeedUpdate();
@@ -83,11 +82,11 @@ WindowSpec& CPaintManagerUI::GetWindowSpec() {
 }
 
 CControlUI* CPaintManagerUI::FindControl(std::wstring_view name) const {
-    return impl_->root != nullptr && !name.empty() ? impl_->root->FindControlByName(name) : nullptr;
+    return impl_->root && !name.empty() ? impl_->root->FindControlByName(name) : nullptr;
 }
 
 CControlUI* CPaintManagerUI::FindControl(POINT clientPx) const {
-    if (impl_->root == nullptr) {
+    if (!impl_->root) {
         return nullptr;
     }
     impl_->UpdateLayout();
@@ -96,12 +95,12 @@ CControlUI* CPaintManagerUI::FindControl(POINT clientPx) const {
 
 CControlUI* CPaintManagerUI::FindControlById(long id) const {
     CControlUI* found = nullptr;
-    if (impl_->root != nullptr) {
+    if (impl_->root) {
         impl_->root->Visit([&](CControlUI& control) {
             if (control.GetId() == id) {
                 found = &control;
             }
-            return found == nullptr;
+            return !found;
         });
     }
     return found;
@@ -147,14 +146,13 @@ void CPaintManagerUI::ControlRemoved(CControlUI* control) {
 
 void CPaintManagerUI::NotifyAccessible(const CControlUI* control, DWORD event) const {
     // Without the question the system would be called for each step of a slider that is being dragged.
-    if (control != nullptr && impl_->window != nullptr && IsWinEventHookInstalled(event) &&
-        control->GetAccessibleInfo().role != 0) {
+    if (control && impl_->window && IsWinEventHookInstalled(event) && control->GetAccessibleInfo().role != 0) {
         NotifyWinEvent(event, impl_->window, OBJID_CLIENT, control->GetId());
     }
 }
 
 void CPaintManagerUI::Retire(std::unique_ptr<CControlUI> control) {
-    if (control != nullptr) {
+    if (control) {
         impl_->retired.Add(std::move(control));
     }
 }
@@ -197,7 +195,7 @@ std::wstring CPaintManagerUI::ResolveText(std::wstring_view text) const {
     if (!text.starts_with(L"IDS_")) {
         return key;
     }
-    return impl_->query != nullptr ? impl_->query->QueryControlText(key) : UICulture::GetInstance()->GetString(key);
+    return impl_->query ? impl_->query->QueryControlText(key) : UICulture::GetInstance()->GetString(key);
 }
 
 void CPaintManagerUI::AddFont(int index, const FontSpec& font, bool isDefault) {
@@ -236,10 +234,8 @@ std::wstring CPaintManagerUI::GetStyle(const std::wstring& name) const {
 
 bool CPaintManagerUI::AddImage(const std::wstring& name, HBITMAP bitmap, int widthDip, int heightDip, bool alpha,
                                bool shared) {
-    const bool added = bitmap != nullptr && impl_->images.Add(name, bitmap, {widthDip, heightDip}, alpha);
-    if (bitmap != nullptr && !shared) {
-        DeleteObject(bitmap);
-    }
+    const suite::GdiBitmap taken(shared ? nullptr : bitmap);
+    const bool added = bitmap && impl_->images.Add(name, bitmap, {widthDip, heightDip}, alpha);
     if (added) {
         impl_->InvalidateAll();
     }

@@ -64,7 +64,7 @@ Rect CPaintManagerUI::Impl::ClientRectPx() const {
 }
 
 void CPaintManagerUI::Impl::UpdateLayout() {
-    if (!layoutNeeded || arranging || root == nullptr || sizePx.cx <= 0 || sizePx.cy <= 0) {
+    if (!layoutNeeded || arranging || !root || sizePx.cx <= 0 || sizePx.cy <= 0) {
         return;
     }
     const FlagScope scope(arranging);
@@ -90,7 +90,7 @@ bool CPaintManagerUI::Impl::Render() {
     for (const Rect& px : dirty.Take()) {
         Canvas canvas(buffer.GetDC(), buffer.Bits(), sizePx, px);
         canvas.FillRect(px, spec.bkColor | kOpaque);
-        if (root != nullptr && root->IsVisible() && !root->GetPos().Intersect(px).IsEmpty()) {
+        if (root && root->IsVisible() && !root->GetPos().Intersect(px).IsEmpty()) {
             root->Paint(canvas, root->GetPos().Intersect(px));
         }
         if (spec.borderColor != 0) {
@@ -139,17 +139,16 @@ LRESULT CPaintManagerUI::Impl::OnGetObject(WPARAM wParam, LPARAM lParam) {
     if (static_cast<LONG>(lParam) != OBJID_CLIENT) {
         return 0;
     }
-    if (accessible == nullptr) {
-        accessible = new WindowAccessible(owner);
+    if (!accessible) {
+        accessible = suite::ComReference<WindowAccessible>(new WindowAccessible(owner));
     }
-    return LresultFromObject(IID_IAccessible, wParam, accessible);
+    return LresultFromObject(IID_IAccessible, wParam, accessible.Get());
 }
 
 void CPaintManagerUI::Impl::OnWindowGone() {
-    if (accessible != nullptr) {
+    if (accessible) {
         accessible->Disconnect();
-        accessible->Release();
-        accessible = nullptr;
+        accessible.Reset();
     }
     input.OnWindowGone();
     window = nullptr;
@@ -157,7 +156,7 @@ void CPaintManagerUI::Impl::OnWindowGone() {
 
 bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
     Impl& impl = *impl_;
-    if (impl.window == nullptr) {
+    if (!impl.window) {
         return false;
     }
     const RetiredControls::Scope scope(impl.retired);
@@ -217,7 +216,7 @@ bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam,
 
 void CPaintManagerUI::OnWM_PAINT() {
     Impl& impl = *impl_;
-    if (impl.window == nullptr) {
+    if (!impl.window) {
         return;
     }
     const RetiredControls::Scope scope(impl.retired);
@@ -257,7 +256,7 @@ void CPaintManagerUI::SetDPI(int dpi) {
 
 void CPaintManagerUI::OnDpiChanged(WPARAM wParam, LPARAM lParam) {
     const HWND window = impl_->window;
-    if (window == nullptr) {
+    if (!window) {
         return;
     }
     const int former = impl_->dpi;
@@ -281,7 +280,7 @@ void CPaintManagerUI::Invalidate(const Rect& px) {
         return;
     }
     impl_->dirty.Add(seen);
-    if (impl_->window != nullptr) {
+    if (impl_->window) {
         const RECT rect{seen.left, seen.top, seen.right, seen.bottom};
         InvalidateRect(impl_->window, &rect, FALSE);
     }
@@ -292,7 +291,7 @@ void CPaintManagerUI::NeedUpdate() {
         return;
     }
     impl_->layoutNeeded = true;
-    if (impl_->window != nullptr && !impl_->arranging) {
+    if (impl_->window && !impl_->arranging) {
         // A paint message without an update region: what the arrangement moves invalidates itself.
         RedrawWindow(impl_->window, nullptr, nullptr, RDW_INTERNALPAINT);
     }

@@ -24,8 +24,8 @@ bool ToolTip::Create(HWND window, bool rightToLeft) {
     toolTip_ = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TRANSPARENT | (rightToLeft ? WS_EX_LAYOUTRTL : 0), TOOLTIPS_CLASSW,
                                nullptr, WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
                                CW_USEDEFAULT, CW_USEDEFAULT, window, nullptr, CPaintManagerUI::GetInstance(), nullptr);
-    if (toolTip_ == nullptr) {
-        LogLine(4, L"ToolTip::Create", L"No tooltip control, error code: ", GetLastError());
+    if (!toolTip_) {
+        LogLine(LogLevel::kError, L"ToolTip::Create", L"No tooltip control, error code: ", GetLastError());
         return false;
     }
     window_ = window;
@@ -41,7 +41,7 @@ void ToolTip::Set(HWND window, const Rect& px, const std::wstring& text, bool ri
         Clear();
         return;
     }
-    if (toolTip_ == nullptr && !Create(window, rightToLeft)) {
+    if (!toolTip_ && !Create(window, rightToLeft)) {
         return;
     }
     if (text == text_ && px == px_) {
@@ -60,7 +60,7 @@ void ToolTip::Set(HWND window, const Rect& px, const std::wstring& text, bool ri
 }
 
 void ToolTip::Clear() {
-    if (toolTip_ == nullptr || text_.empty()) {
+    if (!toolTip_ || text_.empty()) {
         return;
     }
     text_.clear();
@@ -68,7 +68,7 @@ void ToolTip::Clear() {
 }
 
 void ToolTip::Relay(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (toolTip_ == nullptr || text_.empty() || window != window_) {
+    if (!toolTip_ || text_.empty() || window != window_) {
         return;
     }
     MSG msg{window, message, wParam, lParam, static_cast<DWORD>(GetMessageTime()), {}};

@@ -30,9 +30,9 @@ void Run(const std::function<void()>& task) {
     try {
         task();
     } catch (const std::exception& e) {
-        LogLine(4, L"UIMainQueue::Run", L"A task ended with an exception: ", e.what());
+        LogLine(LogLevel::kError, L"UIMainQueue::Run", L"A task ended with an exception: ", e.what());
     } catch (...) {
-        LogLine(4, L"UIMainQueue::Run", L"A task ended with an exception");
+        LogLine(LogLevel::kError, L"UIMainQueue::Run", L"A task ended with an exception");
     }
 }
 
@@ -41,12 +41,12 @@ void Run(const std::function<void()>& task) {
 class UIMainQueue::Impl {
   public:
     void Bind() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         const DWORD thread = GetCurrentThreadId();
-        if (window_ != nullptr && thread_ == thread && IsWindow(window_)) {
+        if (window_ && thread_ == thread && IsWindow(window_)) {
             return;
         }
-        if (window_ != nullptr) {
+        if (window_) {
             // A window ends only on its own thread; where that is gone, so is the window.
             PostMessageW(window_, WM_CLOSE, 0, 0);
         }
@@ -58,8 +58,8 @@ class UIMainQueue::Impl {
         RegisterClassExW(&wc);
         thread_ = thread;
         window_ = CreateWindowExW(0, kClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, wc.hInstance, nullptr);
-        if (window_ == nullptr) {
-            LogLine(4, L"UIMainQueue::bindToCurrentThread", L"No window, error code: ", GetLastError());
+        if (!window_) {
+            LogLine(LogLevel::kError, L"UIMainQueue::bindToCurrentThread", L"No window, error code: ", GetLastError());
             return;
         }
         SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
@@ -69,16 +69,16 @@ class UIMainQueue::Impl {
     }
 
     void Dispatch(std::function<void()> task) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         tasks_.push_back(std::move(task));
         PostIfNeeded();
     }
 
     void DispatchAfter(unsigned delayMs, std::function<void()> task) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         delayed_.push_back({GetTickCount64() + delayMs, order_++, std::move(task)});
         std::push_heap(delayed_.begin(), delayed_.end());
-        if (window_ != nullptr) {
+        if (window_) {
             PostMessageW(window_, kRearm, 0, 0);  // a timer belongs to the thread of its window
         }
     }
@@ -95,7 +95,7 @@ class UIMainQueue::Impl {
 
     static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         Impl* const queue = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        if (queue != nullptr) {
+        if (queue) {
             switch (message) {
                 case kRunTask:
                     queue->RunOne(false);
@@ -121,7 +121,7 @@ class UIMainQueue::Impl {
 
     // One message is under way for all the tasks that wait: the message queue cannot overflow. Guarded by mutex_.
     void PostIfNeeded() {
-        if (!posted_ && !tasks_.empty() && window_ != nullptr) {
+        if (!posted_ && !tasks_.empty() && window_) {
             posted_ = PostMessageW(window_, kRunTask, 0, 0) != FALSE;
         }
     }
@@ -129,7 +129,7 @@ class UIMainQueue::Impl {
     void RunOne(bool afterInput) {
         std::function<void()> task;
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             posted_ = false;
             if (tasks_.empty()) {
                 return;
@@ -149,7 +149,7 @@ class UIMainQueue::Impl {
     }
 
     void MoveDue() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         const ULONGLONG now = GetTickCount64();
         while (!delayed_.empty() && delayed_.front().dueTick <= now) {
             std::pop_heap(delayed_.begin(), delayed_.end());
@@ -160,7 +160,7 @@ class UIMainQueue::Impl {
     }
 
     void Rearm(HWND window) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         if (delayed_.empty() || window != window_) {
             return;
         }

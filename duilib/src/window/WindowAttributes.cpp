@@ -103,7 +103,7 @@ template <typename Target, std::size_t Count>
 AttributeResult Apply(const AttributeEntry<Target> (&table)[Count], Target& target, std::wstring_view name,
                       std::wstring_view value) {
     const AttributeEntry<Target>* entry = FindAttribute(table, name);
-    if (entry == nullptr) {
+    if (!entry) {
         return AttributeResult::Unknown;
     }
     return entry->apply(target, value) ? AttributeResult::Ok : AttributeResult::BadValue;

@@ -18,7 +18,7 @@ constexpr UINT kDrawThemedFrame = 0x00AF;
 }  // namespace
 
 WindowImplBase::~WindowImplBase() {
-    if (GetHWND() != nullptr) {
+    if (GetHWND()) {
         DestroyWindow(GetHWND());
     }
 }
@@ -159,7 +159,7 @@ LRESULT WindowImplBase::OnNcHitTest(WPARAM wParam, LPARAM lParam, bool&) {
     POINT p{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     ScreenToClient(GetHWND(), &p);
     const CControlUI* const control = paintManager_.FindControl(p);
-    return control != nullptr && control->IsNcHit() ? HTCAPTION : HTCLIENT;
+    return control && control->IsNcHit() ? HTCAPTION : HTCLIENT;
 }
 
 LRESULT WindowImplBase::OnNcPreHitTest(WPARAM, LPARAM lParam) {

@@ -22,7 +22,7 @@ bool SystemRounds() {
                 : nullptr;
         OSVERSIONINFOW version{};
         version.dwOSVersionInfoSize = sizeof(version);
-        return getVersion != nullptr && getVersion(&version) == 0 && version.dwBuildNumber >= kFirstBuildThatRounds;
+        return getVersion && getVersion(&version) == 0 && version.dwBuildNumber >= kFirstBuildThatRounds;
     }();
     return rounds;
 }

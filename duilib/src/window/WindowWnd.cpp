@@ -16,7 +16,7 @@ struct CWindowWnd::ModalLoop {
 };
 
 CWindowWnd::~CWindowWnd() {
-    if (hwnd_ != nullptr) {
+    if (hwnd_) {
         DestroyWindow(hwnd_);
     }
     DestroyIcons();
@@ -36,17 +36,17 @@ bool CWindowWnd::RegisterWindowClass() {
 
 HWND CWindowWnd::Create(HWND parent, const std::wstring& title, DWORD style, DWORD exStyle, int x, int y, int cx,
                         int cy, HMENU menu) {
-    if (hwnd_ != nullptr) {
+    if (hwnd_) {
         DestroyWindow(hwnd_);
     }
     if (!RegisterWindowClass()) {
-        LogLine(4, L"CWindowWnd::Create", L"No window class, error code: ", GetLastError());
+        LogLine(LogLevel::kError, L"CWindowWnd::Create", L"No window class, error code: ", GetLastError());
         return nullptr;
     }
     const HWND created = CreateWindowExW(exStyle, GetWindowClassName(), title.c_str(), style, x, y, cx, cy, parent,
                                          menu, CPaintManagerUI::GetInstance(), this);
-    if (created == nullptr) {
-        LogLine(4, L"CWindowWnd::Create", L"No window, error code: ", GetLastError());
+    if (!created) {
+        LogLine(LogLevel::kError, L"CWindowWnd::Create", L"No window, error code: ", GetLastError());
     }
     return created;
 }
@@ -59,7 +59,7 @@ LRESULT CALLBACK CWindowWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, 
         SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(created));
     }
     auto* const self = reinterpret_cast<CWindowWnd*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA));
-    if (self == nullptr) {
+    if (!self) {
         return DefWindowProcW(hwnd, message, wParam, lParam);
     }
     ++self->depth_;
@@ -79,7 +79,7 @@ LRESULT CALLBACK CWindowWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, 
         try {
             self->OnFinalMessage(hwnd);
         } catch (...) {
-            LogLine(4, L"CWindowWnd::WindowProc", L"Unexpected exception in OnFinalMessage");
+            LogLine(LogLevel::kError, L"CWindowWnd::WindowProc", L"Unexpected exception in OnFinalMessage");
         }
     }
     return result;
@@ -87,16 +87,17 @@ LRESULT CALLBACK CWindowWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, 
 
 LRESULT CWindowWnd::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
     try {
-        if (message == WM_CLOSE && modal_ != nullptr) {
+        if (message == WM_CLOSE && modal_) {
             modal_->result = static_cast<UINT>(wParam);
         } else if (message == WM_DESTROY) {
             EnableOwner();
         }
         return HandleMessage(message, wParam, lParam);
     } catch (const std::exception& e) {
-        LogLine(4, L"CWindowWnd::WindowProc", L"Unexpected exception in message ", message, L": ", e.what());
+        LogLine(LogLevel::kError, L"CWindowWnd::WindowProc", L"Unexpected exception in message ", message, L": ",
+                e.what());
     } catch (...) {
-        LogLine(4, L"CWindowWnd::WindowProc", L"Unexpected exception in message ", message);
+        LogLine(LogLevel::kError, L"CWindowWnd::WindowProc", L"Unexpected exception in message ", message);
     }
     return 0;
 }
@@ -116,15 +117,15 @@ void CWindowWnd::ShowWindow(bool show, bool takeFocus) {
 }
 
 UINT CWindowWnd::ShowModal() {
-    if (hwnd_ == nullptr || modal_ != nullptr) {
-        LogLine(4, L"CWindowWnd::ShowModal", L"No window, or modal already");
+    if (!hwnd_ || modal_) {
+        LogLine(LogLevel::kError, L"CWindowWnd::ShowModal", L"No window, or modal already");
         return 0;
     }
     // The object may be gone when the loop ends, so the loop looks at its own state only.
     ModalLoop modal;
     modal_ = &modal;
     const HWND owner = GetWindow(hwnd_, GW_OWNER);
-    if (owner != nullptr && IsWindowEnabled(owner)) {
+    if (owner && IsWindowEnabled(owner)) {
         modal.owner = owner;
         EnableWindow(owner, FALSE);
     }
@@ -149,7 +150,7 @@ UINT CWindowWnd::ShowModal() {
 }
 
 void CWindowWnd::EnableOwner() {
-    if (modal_ == nullptr || modal_->owner == nullptr) {
+    if (!modal_ || !modal_->owner) {
         return;
     }
     const HWND owner = std::exchange(modal_->owner, nullptr);
@@ -160,7 +161,7 @@ void CWindowWnd::EnableOwner() {
 }
 
 void CWindowWnd::Close(UINT result) {
-    if (hwnd_ != nullptr) {
+    if (hwnd_) {
         ::PostMessageW(hwnd_, WM_CLOSE, result, 0);
     }
 }
@@ -196,7 +197,7 @@ void CWindowWnd::Center2ParentWindow() {
     const HWND owner = GetWindow(hwnd_, GW_OWNER);
     RECT around{};
     RECT window{};
-    if (owner == nullptr || !IsWindowVisible(owner) || IsIconic(owner) || !GetWindowRect(owner, &around) ||
+    if (!owner || !IsWindowVisible(owner) || IsIconic(owner) || !GetWindowRect(owner, &around) ||
         !GetWindowRect(hwnd_, &window)) {
         CenterWindow();
         return;
@@ -215,8 +216,8 @@ void CWindowWnd::SetIcon(UINT resourceId) {
     };
     const HICON big = load(SM_CXICON);
     const HICON small = load(SM_CXSMICON);
-    if (big == nullptr || small == nullptr) {
-        LogLine(4, L"CWindowWnd::SetIcon", L"No icon ", resourceId, L", error code: ", GetLastError());
+    if (!big || !small) {
+        LogLine(LogLevel::kError, L"CWindowWnd::SetIcon", L"No icon ", resourceId, L", error code: ", GetLastError());
     }
     ::SendMessageW(hwnd_, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(big));
     ::SendMessageW(hwnd_, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small));
@@ -227,7 +228,7 @@ void CWindowWnd::SetIcon(UINT resourceId) {
 
 void CWindowWnd::DestroyIcons() {
     for (HICON* icon : {&bigIcon_, &smallIcon_}) {
-        if (*icon != nullptr) {
+        if (*icon) {
             DestroyIcon(*icon);
             *icon = nullptr;
         }

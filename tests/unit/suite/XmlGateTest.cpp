@@ -149,6 +149,119 @@ TEST(XmlGateTest, SoundTextIsGivenAsUtf8) {
     EXPECT_EQ(suite::JudgeXml("<a>").utf8, "");
 }
 
+TEST(XmlGateTest, CommentsAndInstructionsLeaveTheirLineBreaks) {
+    const auto judged = suite::JudgeXml("<?p?>\n<!-- <a> \n > --><a>x<!--\n\n-->y<?q\n?></a><!-- -->\n");
+    EXPECT_EQ(judged.utf8, "<a>x\n\ny\n</a>\n");
+    EXPECT_EQ(judged.linesBefore, 2u);
+    // The declaration is left to the reader, and what stands behind it with it.
+    const auto declared = suite::JudgeXml("<?xml version='1.0'\n?>\n<!-- \n --><a/>");
+    EXPECT_EQ(declared.utf8, "<?xml version='1.0'\n?>\n\n<a/>");
+    EXPECT_EQ(declared.linesBefore, 0u);
+    EXPECT_EQ(suite::JudgeXml("\n\n \n<a/>").linesBefore, 3u);
+}
+
+TEST(XmlGateTest, CDataBecomesText) {
+    EXPECT_EQ(suite::JudgeXml("<a>x<![CDATA[<b> & \xC3\xA4\n]]>y</a>").utf8, "<a>x&lt;b&gt; &amp; \xC3\xA4\ny</a>");
+    EXPECT_EQ(suite::JudgeXml("<a>]]<!-- -->></a>").utf8, "<a>]]&gt;</a>");
+    EXPECT_EQ(suite::JudgeXml("<a b='>'>&lt;</a>").utf8, "<a b='>'>&lt;</a>");
+}
+
+// A piece of input for the reader must end somewhere.
+TEST(XmlGateTest, LongTextsHaveAnAsciiCharacterNowAndThen) {
+    const std::string run = Repeat("\xE6\x97\xA5", 499);
+    const std::string letter = "\xE6\x97\xA5", reference = "&#26085;";
+    EXPECT_EQ(suite::JudgeXml("<a b='" + run + "'/>").utf8, "<a b='" + run + "'/>");
+    EXPECT_EQ(suite::JudgeXml("<a>" + run + letter + letter + "x</a>").utf8,
+              "<a>" + run + reference + letter + "x</a>");
+    EXPECT_EQ(suite::JudgeXml("<a b='" + run + letter + run + letter + "'/>").utf8,
+              "<a b='" + run + reference + run + reference + "'/>");
+    const std::string beyond16Bits = "\xF0\x9F\x98\x80";
+    EXPECT_EQ(suite::JudgeXml("<a>" + run + beyond16Bits + letter + "</a>").utf8,
+              "<a>" + run + beyond16Bits + reference + "</a>");
+    const std::string name = "<" + Repeat("\xC3\xA4", 499) + "/>";
+    EXPECT_EQ(suite::JudgeXml(name).utf8, name);
+    const auto longer = suite::JudgeXml("<" + Repeat("\xC3\xA4", 500) + "/>");
+    EXPECT_EQ(longer.verdict, XmlVerdict::kRefused);
+    EXPECT_EQ(longer.fault, L"more than 499 characters in a name");
+}
+
+TEST(XmlGateTest, ADamagedTextIsReadAsFarAsItIsSound) {
+    const struct {
+        const char* text;
+        const char* beginning;
+        const wchar_t* fault;
+        unsigned line;
+    } cases[] = {
+        {"<a><b>good</b><b>half", "<a><b>good</b><b></b></a>", L"unexpected end", 1},
+        {"<a>\n<b/>\n<c", "<a>\n<b/>\n</a>", L"unexpected end", 3},
+        {"<a>\n<b/>\n<c d='1\n\n", "<a>\n<b/>\n</a>", L"unexpected end", 5},
+        {"<a><b/>x<!-- \n", "<a><b/>x</a>", L"unexpected end", 2},
+        {"<a>x\n<b></c></a>", "<a>x\n<b></b></a>", L"not well-formed XML", 2},
+        {"<a>x</a\n b>", "<a>x</a>", L"not well-formed XML", 2},
+        {"<a/>\njunk", "<a/>", L"not well-formed XML", 1},
+        {"<a/>\n<![CDATA[junk]]>", "<a/>\n", L"not well-formed XML", 2},
+        {"<a/><b/>", "<a/>", L"not well-formed XML", 1},
+        {"<a>&x;<b/></a>", "<a></a>", L"not well-formed XML", 1},
+        {"<a b='1'><c>\n1</c><d\ne='1' e='2'/></a>", "<a b='1'><c>\n1</c></a>", L"not well-formed XML", 3},
+        {"<a>x<b>\xFF</b></a>", "<a>x<b></b></a>", L"bytes that are no characters of XML", 1},
+        {"<a>x<b c='\n\xFF'/></a>", "<a>x</a>", L"bytes that are no characters of XML", 2},
+        {"<a>\n<!DOCTYPE b></a>", "<a>\n</a>", L"a document type", 2},
+        {" \n<!-- --><a><b>", "<a><b></b></a>", L"unexpected end", 2},
+        {"<?xml version='1.0'?><a>", "<?xml version='1.0'?><a></a>", L"unexpected end", 1},
+    };
+    for (const auto& c : cases) {
+        const suite::XmlJudgement judged = suite::JudgeXml(c.text);
+        EXPECT_EQ(judged.beginning, c.beginning) << c.text;
+        EXPECT_EQ(judged.fault, c.fault) << c.text;
+        EXPECT_EQ(judged.faultLine, c.line) << c.text;
+        EXPECT_EQ(judged.utf8, "") << c.text;
+    }
+    EXPECT_EQ(suite::JudgeXml(" \n<!-- --><a><b>").linesBefore, 1u);
+}
+
+TEST(XmlGateTest, NothingSoundIsNoBeginning) {
+    for (const char* text : {"<a", "<", "x", "<?xml version='1.0'?>", "<!-- -->", "<!DOCTYPE a><a/>", "</a>", "\xFF",
+                             "<?xml version='1.0'?><", "<a b='<'/>"}) {
+        EXPECT_EQ(suite::JudgeXml(text).beginning, "") << text;
+    }
+    EXPECT_EQ(suite::JudgeXml("<a/>").beginning, "");
+    EXPECT_EQ(suite::JudgeXml("<a/>").fault, L"");
+    EXPECT_EQ(suite::JudgeXml("<a/>").faultLine, 0u);
+    EXPECT_EQ(suite::JudgeXml("<!-- -->").fault, L"no root element");
+    EXPECT_EQ(suite::JudgeXml("<!-- -->").faultLine, 0u);
+}
+
+TEST(XmlGateTest, ALimitKeepsWhatIsBeforeIt) {
+    const auto deep = suite::JudgeXml(Repeat("<a>", 65));
+    EXPECT_EQ(deep.beginning, Repeat("<a>", 64) + Repeat("</a>", 64));
+    EXPECT_EQ(deep.fault, L"more than 64 levels");
+    const auto wide = suite::JudgeXml("<r>" + Repeat("<a/>", 10'000) + "</r>");
+    EXPECT_EQ(wide.beginning, "<r>" + Repeat("<a/>", 9'999) + "</r>");
+    EXPECT_EQ(wide.fault, L"more than 10000 elements");
+    std::string attributes;
+    for (int i = 0; i < 257; ++i) {
+        attributes += " a" + std::to_string(i) + "=''";
+    }
+    EXPECT_EQ(suite::JudgeXml("<a><b" + attributes + "/></a>").fault, L"more than 256 attributes");
+    EXPECT_EQ(suite::JudgeXml("<a><b" + attributes + "/></a>").beginning, "<a></a>");
+    const auto large = suite::JudgeXml("<a/>" + std::string(1024 * 1024, ' '));
+    EXPECT_EQ(large.fault, L"larger than 1 MiB");
+    EXPECT_EQ(large.beginning, "");
+}
+
+// Cut off anywhere, what is kept is sound again, and says no more than the whole.
+TEST(XmlGateTest, EveryBeginningIsSound) {
+    for (std::size_t length = 0; length < kWhole.size(); ++length) {
+        const suite::XmlJudgement judged = suite::JudgeXml(kWhole.substr(0, length));
+        if (!judged.beginning.empty()) {
+            const suite::XmlJudgement again = suite::JudgeXml(judged.beginning);
+            EXPECT_EQ(again.verdict, XmlVerdict::kSound) << judged.beginning;
+            EXPECT_EQ(again.utf8, judged.beginning);
+            EXPECT_NE(judged.beginning.find("</a>"), std::string::npos);
+        }
+    }
+}
+
 TEST(XmlGateTest, EveryTruncationIsTold) {
     const std::size_t begin = kWhole.find("<a");
     const std::size_t end = kWhole.find("</a>") + 4;

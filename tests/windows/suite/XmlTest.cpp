@@ -7,6 +7,7 @@
 #include "suite/common/Utf8.h"
 #include "suite/xml/FileInfo.h"
 #include "suite/xml/QxXMLDocument.h"
+#include "suite/xml/XmlTree.h"
 #include "tests/windows/suite/TestFolder.h"
 
 namespace {
@@ -206,6 +207,73 @@ TEST_F(XmlTest, LoadingAgainForgetsTheFirstFile) {
     ASSERT_EQ(Load("<b/>"), 0);
     EXPECT_EQ(document_.RootElement().Name(), "b");
     ExpectRefused("<c>");
+}
+
+TEST(XmlTreeTest, TextsAndLinesAreThoseOfTheFile) {
+    const suite::XmlDocument document = suite::ReadXmlText(
+        "\xEF\xBB\xBF\n<!-- one\n -->\n<a x='1' y='&#xE4;'>\n  <b>t<![CDATA[<b>]]>&amp;<c/>\xC3\xA4<!-- --> d</b>\n "
+        "<e> "
+        "</e>\n</a>");
+    ASSERT_TRUE(document.root);
+    EXPECT_EQ(document.fault, L"");
+    EXPECT_EQ(document.code, static_cast<DWORD>(ERROR_SUCCESS));
+    const suite::XmlElement& root = *document.root;
+    EXPECT_EQ(root.line, 4u);
+    ASSERT_EQ(root.attributes.size(), 2u);
+    EXPECT_EQ(root.attributes[0].first, L"x");
+    ASSERT_NE(root.Attribute(L"y"), nullptr);
+    EXPECT_EQ(*root.Attribute(L"y"), L"\u00e4");
+    EXPECT_EQ(root.Attribute(L"z"), nullptr);
+    ASSERT_EQ(root.children.size(), 2u);
+    EXPECT_EQ(root.children[0].name, L"b");
+    EXPECT_EQ(root.children[0].line, 5u);
+    EXPECT_EQ(root.children[0].text, L"t<b>&\u00e4 d");
+    EXPECT_EQ(root.children[0].children.at(0).name, L"c");
+    EXPECT_EQ(root.children[1].line, 6u);
+}
+
+TEST(XmlTreeTest, WhatIsSoundBeforeAFaultIsRead) {
+    const suite::XmlDocument document = suite::ReadXmlText("<a>\n<b>1</b>\n<c><d e='2'/>\n<f");
+    ASSERT_TRUE(document.root);
+    EXPECT_EQ(document.fault, L"unexpected end");
+    EXPECT_EQ(document.faultLine, 4u);
+    EXPECT_EQ(document.code, static_cast<DWORD>(ERROR_XML_PARSE_ERROR));
+    ASSERT_EQ(document.root->children.size(), 2u);
+    EXPECT_EQ(document.root->children[0].text, L"1");
+    EXPECT_EQ(*document.root->children[1].children.at(0).Attribute(L"e"), L"2");
+    EXPECT_EQ(suite::ReadXmlText("<!DOCTYPE a><a/>").code, static_cast<DWORD>(ERROR_NOT_SUPPORTED));
+    EXPECT_FALSE(suite::ReadXmlText("<!DOCTYPE a><a/>").root);
+    EXPECT_EQ(suite::ReadXmlText("<!-- -->").fault, L"no root element");
+    EXPECT_EQ(suite::ReadXmlText("<!-- -->").code, static_cast<DWORD>(ERROR_SUCCESS));
+}
+
+// The gate takes names more widely than XML has them; the reader is asked, and its answer is told with its line.
+TEST(XmlTreeTest, WhatTheReaderRefusesIsTold) {
+    const suite::XmlDocument document = suite::ReadXmlText("<?xml version='1.0' encoding='no-such-encoding'?>\n<a/>");
+    EXPECT_FALSE(document.root);
+    EXPECT_TRUE(document.fault.starts_with(L"refused by the system's XML reader, 0x")) << suite::ToUtf8(document.fault);
+    EXPECT_NE(document.code, static_cast<DWORD>(ERROR_SUCCESS));
+}
+
+TEST(XmlTreeTest, AFileThatCannotBeReadIsTold) {
+    const TestFolder folder;
+    const suite::XmlDocument missing = suite::ReadXmlFile((folder.Path() / L"none.xml").wstring());
+    EXPECT_EQ(missing.fault, L"cannot be opened, error 2");
+    EXPECT_EQ(missing.faultLine, 0u);
+    EXPECT_EQ(missing.code, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+// A text may have no ASCII character for longer than a reader's buffer.
+TEST(XmlTreeTest, LongTextBeyondAsciiIsReadWhole) {
+    for (const char* letter : {"\xC3\xA4", "\xE6\x97\xA5", "\xE6\x97\xA5\xF0\x9F\x98\x80"}) {
+        for (int shift = 0; shift < 8; ++shift) {
+            const std::string text = std::string(static_cast<std::size_t>(shift), 'x') + Repeat(letter, 20'000);
+            const suite::XmlDocument document = suite::ReadXmlText("<a b='" + text + "'>" + text + "</a>");
+            ASSERT_TRUE(document.root) << shift;
+            EXPECT_TRUE(suite::ToUtf8(document.root->text) == text) << letter << shift;
+            EXPECT_TRUE(suite::ToUtf8(*document.root->Attribute(L"b")) == text) << letter << shift;
+        }
+    }
 }
 
 TEST(FileInfoTest, NamesFilesBesideTheProgram) {
