@@ -88,8 +88,8 @@ void AddListed(Report& report, const PersonalData& personal) {
     report.Note("cameras: " + std::to_string(count));
     bool taken = false;
     for (UINT32 i = 0; i < count; ++i) {
-        taken = AddCamera(report, devices[i], taken, personal) || taken;
-        ComRelease(devices[i]);
+        const suite::ComReference<IMFActivate> device(devices[i]);
+        taken = AddCamera(report, device.Get(), taken, personal) || taken;
     }
     CoTaskMemFree(devices);
     if (FAILED(result)) {

@@ -10,7 +10,7 @@
 #include "diagnostics/Sections.h"
 #include "diagnostics/Version.h"
 #include "preview/MediaFoundation.h"
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
 #include "suite/common/Utf8.h"
@@ -120,14 +120,13 @@ void AddMediaSystem(Report& report) {
         report.Wrong("Media Foundation does not start, so there is no camera picture",
                      "Install the Media Feature Pack of Windows.");
     }
-    IDirect3D9* direct3d = Direct3DCreate9(D3D_SDK_VERSION);
+    const suite::ComReference<IDirect3D9> direct3d(Direct3DCreate9(D3D_SDK_VERSION));
     D3DADAPTER_IDENTIFIER9 adapter{};
     if (direct3d && SUCCEEDED(direct3d->GetAdapterIdentifier(D3DADAPTER_DEFAULT, 0, &adapter))) {
         report.Fine("Direct3D 9 on " + std::string(adapter.Description));
     } else {
         report.Wrong("Direct3D 9 is not available, so there is no camera picture", "Install the graphics driver.");
     }
-    ComRelease(direct3d);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "pages/GalleryThumbnails.h"
 
-#include <objbase.h>
-
 #include <cstdint>
 #include <deque>
 #include <exception>
@@ -13,6 +11,8 @@
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/UIMainQueue.h"
 #include "service/pictures/PictureThumbnail.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/GdiObject.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {
@@ -34,15 +34,14 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
 
     explicit State(DuiLib::CPaintManagerUI* paintManager) : manager(paintManager) {}
 
-    // The bitmap stays the caller's.
-    void Register(const std::wstring& path, HBITMAP bitmap) const {
+    void Register(const std::wstring& path, const suite::GdiBitmap& bitmap) const {
         if (bitmap) {
-            manager->AddImage(path, bitmap, kWidthDip, kHeightDip, false, true);
+            manager->AddImage(path, bitmap.Get(), kWidthDip, kHeightDip, false, true);
         }
     }
 
     // UI thread. A picture that came too late, for a cell that shows another by now, is dropped.
-    void Take(const Job& job, HBITMAP bitmap) {
+    void Take(const Job& job, const suite::GdiBitmap& bitmap) {
         const auto shown = latest.find(job.control);
         if (alive && shown != latest.end() && shown->second.number == job.number && bitmap) {
             Register(job.path, bitmap);
@@ -50,15 +49,12 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
                 control->Invalidate();
             }
         }
-        if (bitmap) {
-            DeleteObject(bitmap);
-        }
     }
 
     // The reading thread.
     void Run() {
         SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
-        const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        const suite::ComApartment apartment(suite::ComApartment::Kind::kMultiThreaded);
         for (;;) {
             Job job;
             {
@@ -71,15 +67,13 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
                 jobs.pop_front();
             }
             try {
-                const HBITMAP bitmap = LoadPictureThumbnail(job.path);
+                // Shared, because a queued task is copied.
+                const auto bitmap = std::make_shared<suite::GdiBitmap>(LoadPictureThumbnail(job.path));
                 DuiLib::UIMainQueue::getInstance()->dispatch(
-                    [state = shared_from_this(), job, bitmap] { state->Take(job, bitmap); });
+                    [state = shared_from_this(), job, bitmap] { state->Take(job, *bitmap); });
             } catch (const std::exception& error) {
                 LogLine(LogLevel::kError, kFunction, L"No thumbnail: ", error.what());
             }
-        }
-        if (SUCCEEDED(com)) {
-            CoUninitialize();
         }
     }
 
@@ -149,9 +143,7 @@ GalleryThumbnails::~GalleryThumbnails() {
 void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& control) {
     const State::Job job{path, control, ++state_->lastNumber};
     state_->latest[control] = job;
-    const HBITMAP plain = CreateBitmap(1, 1, 1, 32, &kPlainColor);
-    state_->Register(path, plain);
-    DeleteObject(plain);
+    state_->Register(path, suite::GdiBitmap(CreateBitmap(1, 1, 1, 32, &kPlainColor)));
     {
         const std::scoped_lock lock(state_->mutex);
         state_->jobs.push_back(job);

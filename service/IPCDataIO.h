@@ -44,7 +44,7 @@ class IPCDataIO final : public IIPCDataIO {
     // Bytes written or read so far.
     std::int32_t Position() const { return position_; }
     // The block from its start; null when there is none. Valid until the next write or Reserve.
-    const std::uint8_t* Data() const { return buffer_ != nullptr ? buffer_->bytes.get() : nullptr; }
+    const std::uint8_t* Data() const { return buffer_ ? buffer_->bytes.get() : nullptr; }
 
   private:
     bool Attached() const { return Data() != nullptr; }

@@ -1,7 +1,5 @@
 #include "service/OlderLayout.h"
 
-#include <windows.h>
-
 #include <vector>
 
 #include "service/FeatureTables.h"
@@ -11,6 +9,7 @@
 #include "service/pictures/BackgroundPicture.h"
 #include "service/pictures/CustomFolder.h"
 #include "service/pictures/PaintingWait.h"
+#include "suite/common/FolderListing.h"
 #include "suite/logger/QxLogger.h"
 
 namespace service {
@@ -19,22 +18,18 @@ namespace service {
 // there: those are newer.
 bool OlderLayout::CopyPictures(const std::set<std::wstring>& newer) const {
     const std::wstring base = CustomFolder::kBase;
-    WIN32_FIND_DATAW found = {};
-    const HANDLE search = FindFirstFileW((base + L"\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return false;
-    }
-    do {
-        const std::wstring destination = CustomFolder::OfUser(userSid_) + L"\\" + found.cFileName;
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || newer.contains(destination)) {
+    suite::FolderListing entry(base + L"\\*");
+    const bool canBeListed = entry || entry.IsComplete();
+    for (; entry; entry.Next()) {
+        const std::wstring destination = CustomFolder::OfUser(userSid_) + L"\\" + entry.Name();
+        if (entry.IsFolder() || newer.contains(destination)) {
             continue;
         }
-        if (!FileUtil::GetInstance().CopyFileToDest(base + L"\\" + found.cFileName, destination)) {
-            LogLine(LogLevel::kError, L"HomeService::SyncCustomImg", L"copyFile error:", found.cFileName);
+        if (!FileUtil::GetInstance().CopyFileToDest(base + L"\\" + entry.Name(), destination)) {
+            LogLine(LogLevel::kError, L"HomeService::SyncCustomImg", L"copyFile error:", entry.Name());
         }
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
-    return true;
+    }
+    return canBeListed;
 }
 
 bool OlderLayout::MoveIntoUserFolder() const {

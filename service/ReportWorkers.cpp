@@ -62,9 +62,9 @@ DWORD WINAPI ReportWorkers::ThreadEntry(void* state) {
         try {
             mine.report();
         } catch (const std::exception& error) {
-            LogLine(4, L"ReportWorkers::ThreadEntry", L"a report failed: ", error.what());
+            LogLine(LogLevel::kError, L"ReportWorkers::ThreadEntry", L"a report failed: ", error.what());
         } catch (...) {
-            LogLine(4, L"ReportWorkers::ThreadEntry", L"a report failed");
+            LogLine(LogLevel::kError, L"ReportWorkers::ThreadEntry", L"a report failed");
         }
         const std::scoped_lock lock(mine.mutex);
         if (!std::exchange(mine.runAgain, false)) {

@@ -8,34 +8,23 @@
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "suite/common/Handle.h"
+#include "suite/common/RegistryKey.h"
 
 namespace service {
 
 namespace {
 
-class WatchedKey {
-  public:
-    WatchedKey() {
-        if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, 0, KEY_NOTIFY, &key_) != ERROR_SUCCESS) {
-            key_ = nullptr;
-        }
-    }
-    ~WatchedKey() {
-        if (key_) {
-            RegCloseKey(key_);
-        }
-    }
-    WatchedKey(const WatchedKey&) = delete;
-    WatchedKey& operator=(const WatchedKey&) = delete;
+suite::RegistryKey OpenSettings() {
+    HKEY key = nullptr;
+    return RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, 0, KEY_NOTIFY, &key) == ERROR_SUCCESS
+               ? suite::RegistryKey(key)
+               : suite::RegistryKey();
+}
 
-    bool Arm(HANDLE event) const {
-        constexpr DWORD kFilter = REG_NOTIFY_CHANGE_NAME | REG_NOTIFY_CHANGE_ATTRIBUTES | REG_NOTIFY_CHANGE_LAST_SET;
-        return key_ && RegNotifyChangeKeyValue(key_, TRUE, kFilter, event, TRUE) == ERROR_SUCCESS;
-    }
-
-  private:
-    HKEY key_ = nullptr;
-};
+bool Arm(const suite::RegistryKey& key, HANDLE event) {
+    constexpr DWORD kFilter = REG_NOTIFY_CHANGE_NAME | REG_NOTIFY_CHANGE_ATTRIBUTES | REG_NOTIFY_CHANGE_LAST_SET;
+    return key && RegNotifyChangeKeyValue(key.Get(), TRUE, kFilter, event, TRUE) == ERROR_SUCCESS;
+}
 
 }  // namespace
 
@@ -48,8 +37,8 @@ bool WatchSettingsRound(const std::function<void()>& callback) {
         return false;
     }
     suite::Handle event(rawEvent);
-    const WatchedKey key;
-    const bool woken = key.Arm(event.Get()) && WaitForSingleObject(event.Get(), INFINITE) != WAIT_FAILED;
+    const suite::RegistryKey key = OpenSettings();
+    const bool woken = Arm(key, event.Get()) && WaitForSingleObject(event.Get(), INFINITE) != WAIT_FAILED;
     if (woken) {
         DuiLib::UIMainQueue::getInstance()->dispatch(callback);
         int initialised = 1;

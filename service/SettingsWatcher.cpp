@@ -11,6 +11,7 @@
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
 #include "service/WatchPacing.h"
+#include "suite/common/RegistryKey.h"
 #include "suite/logger/QxLogger.h"
 #include "suite/registry/Registry.h"
 
@@ -29,29 +30,15 @@ suite::Handle HoldChangedEvent() {
 
 // Signals the event when the settings key is deleted or made. Not every system tells that to who watches the key
 // itself, and a round would wait for a key that is gone for good. A key is deleted before its parent, so this catches
-// it all.
-class KeyGuard {
-  public:
-    explicit KeyGuard(HANDLE event) {
-        if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemParentPath, 0, KEY_NOTIFY, &parent_) !=
-            ERROR_SUCCESS) {
-            parent_ = nullptr;
-            return;
-        }
-        RegNotifyChangeKeyValue(parent_, FALSE, REG_NOTIFY_CHANGE_NAME, event, TRUE);
+// it all. Closing the result signals the event too, if that did not happen before.
+suite::RegistryKey GuardKey(HANDLE event) {
+    HKEY parent = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemParentPath, 0, KEY_NOTIFY, &parent) != ERROR_SUCCESS) {
+        return {};
     }
-    // Signals the event if that did not happen before.
-    ~KeyGuard() {
-        if (parent_ != nullptr) {
-            RegCloseKey(parent_);
-        }
-    }
-    KeyGuard(const KeyGuard&) = delete;
-    KeyGuard& operator=(const KeyGuard&) = delete;
-
-  private:
-    HKEY parent_ = nullptr;
-};
+    RegNotifyChangeKeyValue(parent, FALSE, REG_NOTIFY_CHANGE_NAME, event, TRUE);
+    return suite::RegistryKey(parent);
+}
 
 bool KeyExists() {
     return DE::Registry(HKEY_CURRENT_USER).KeyExists(SettingNames::kKeyPath);
@@ -121,14 +108,14 @@ class SettingsWatcher::Refresher : public std::enable_shared_from_this<Refresher
 
 SettingsWatcher::SettingsWatcher(HomeService& model)
     : refresher_(std::make_shared<Refresher>(model)), stop_(MakeEvent(true)), ended_(MakeEvent(true)) {
-    if (!stop_ || !ended_ || refresher_->Done() == nullptr) {
-        LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no event: ", GetLastError());
+    if (!stop_ || !ended_ || !refresher_->Done()) {
+        LogLine(LogLevel::kError, L"SettingsWatcher::SettingsWatcher", L"no event: ", GetLastError());
         return;
     }
     try {
         thread_ = std::thread([this] { Run(); });
     } catch (const std::exception& error) {
-        LogLine(4, L"SettingsWatcher::SettingsWatcher", L"no thread: ", error.what());
+        LogLine(LogLevel::kError, L"SettingsWatcher::SettingsWatcher", L"no thread: ", error.what());
     }
 }
 
@@ -161,10 +148,10 @@ void SettingsWatcher::Run() {
         try {
             WatchUntilStopped();
         } catch (const std::exception& error) {
-            LogLine(4, L"SettingsWatcher::Run", L"watching failed: ", error.what());
+            LogLine(LogLevel::kError, L"SettingsWatcher::Run", L"watching failed: ", error.what());
             WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::kBackOff));
         } catch (...) {
-            LogLine(4, L"SettingsWatcher::Run", L"watching failed");
+            LogLine(LogLevel::kError, L"SettingsWatcher::Run", L"watching failed");
             WaitForSingleObject(stop_.Get(), WaitMs(WatchPacing::kBackOff));
         }
     }
@@ -194,7 +181,7 @@ void SettingsWatcher::WatchUntilStopped() {
 }
 
 bool SettingsWatcher::Round(HANDLE changed) {
-    const KeyGuard guard(changed);
+    const suite::RegistryKey guard = GuardKey(changed);
     const bool existed = std::exchange(keyExists_, KeyExists());
     if (existed || keyExists_) {
         // For what changed since the last refresh while no round was armed.

@@ -1,12 +1,14 @@
 #include "windows/VideoThumbnail.h"
 
-#include <objbase.h>
+#include <windows.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 
 #include "service/pictures/ShellPicture.h"
+#include "suite/common/ComApartment.h"
+#include "suite/common/Handle.h"
 
 namespace {
 
@@ -17,13 +19,9 @@ constexpr std::array<std::wstring_view, 7> kVideoExtensions = {L".mp4", L".avi",
 
 // What std::ifstream would ask, in the system's words: shared for reading and writing.
 bool CanBeRead(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
-        return false;
-    }
-    CloseHandle(file);
-    return true;
+    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(file);
 }
 
 }  // namespace
@@ -44,13 +42,10 @@ void VideoThumbnail::Register(DuiLib::CPaintManagerUI& manager, const std::wstri
     if (!CanBeRead(path) || !IsVideoPath(path)) {
         return;
     }
-    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    const suite::ComApartment apartment(suite::ComApartment::Kind::kSingleThreaded);
     // The extractor's own size: the image is scaled when it is registered.
-    const HBITMAP cover = ExtractShellPicture(path);
-    if (!cover || !manager.AddImage(path, cover, kWidthDip, kHeightDip, false, false)) {
+    suite::GdiBitmap cover = ExtractShellPicture(path);
+    if (!cover || !manager.AddImage(path, cover.Detach(), kWidthDip, kHeightDip, false, false)) {
         withoutCover_ = path;
-    }
-    if (SUCCEEDED(com)) {
-        CoUninitialize();
     }
 }

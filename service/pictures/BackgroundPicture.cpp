@@ -9,6 +9,8 @@
 #include "service/pictures/CustomItemNames.h"
 #include "service/pictures/JpegPicture.h"
 #include "service/pictures/VideoCover.h"
+#include "suite/common/FolderListing.h"
+#include "suite/common/GdiObject.h"
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
 
@@ -61,21 +63,19 @@ bool WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes
 Result WriteImage(const std::wstring& source, const std::wstring& path) {
     std::vector<std::uint8_t> bytes;
     if (const HRESULT result = EncodeAsJpeg(source, bytes); FAILED(result)) {
-        LogLine(3, kFunction, L"The file cannot be made a picture: ", result);
+        LogLine(LogLevel::kInfo, kFunction, L"The file cannot be made a picture: ", result);
         return Result::kNothingToShow;
     }
     return WriteBytes(path, bytes) ? Result::kMade : Result::kNotWritten;
 }
 
 Result WriteCover(const std::wstring& video, const std::wstring& path) {
-    const HBITMAP cover = LoadVideoCover(video);
+    const suite::GdiBitmap cover = LoadVideoCover(video);
     if (!cover) {
-        LogLine(3, kFunction, L"The video has no cover");
+        LogLine(LogLevel::kInfo, kFunction, L"The video has no cover");
         return Result::kNothingToShow;
     }
-    const bool written = SaveBitmapToFile(cover, path);
-    DeleteObject(cover);
-    return written ? Result::kMade : Result::kNotWritten;
+    return SaveBitmapToFile(cover.Get(), path) ? Result::kMade : Result::kNotWritten;
 }
 
 // The source, or else what stands for one that cannot be read.
@@ -100,7 +100,7 @@ Result Make(const std::wstring& source, bool isVideo, const std::wstring& target
     }
     if (result != Result::kMade) {
         const DWORD error = GetLastError();
-        LogLine(4, kFunction, L"No picture is stored: ", error);
+        LogLine(LogLevel::kError, kFunction, L"No picture is stored: ", error);
         DeleteFileW(unfinished.c_str());
     }
     return result;
@@ -112,16 +112,10 @@ void Remove(const std::wstring& picture) {
 }
 
 void RemoveUnfinished(const std::wstring& folder) {
-    WIN32_FIND_DATAW found = {};
     const std::wstring pattern = folder + L"\\" + std::wstring(CustomItemNames::kPrefix) + L"*" + kUnfinishedSuffix;
-    const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return;
+    for (suite::FolderListing entry(pattern); entry; entry.Next()) {
+        DeleteFileW((folder + L"\\" + entry.Name()).c_str());
     }
-    do {
-        DeleteFileW((folder + L"\\" + found.cFileName).c_str());
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
 }
 
 }  // namespace BackgroundPicture

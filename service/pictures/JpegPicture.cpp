@@ -11,29 +11,27 @@
 #include "service/pictures/ExifOrientation.h"
 #include "service/pictures/JpegThumbnail.h"
 #include "service/pictures/ThumbnailMaker.h"
+#include "service/pictures/WicPicture.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
-#include "suite/common/Held.h"
 
 namespace {
 
+using suite::ComReference;
+
 constexpr float kQuality = 0.92F;
 constexpr UINT kBandRows = 64;
-// What decoder and encoder take at most; beyond it sizes in bytes would no longer fit 32 bits.
-constexpr UINT kMaxSidePx = 16384;
 // A camera's notes stand at the beginning of the file; each of them is at most 64 KiB.
 constexpr DWORD kNotesBytes = 256 * 1024;
 
 struct Picture {
-    UINT width = 0;
-    UINT height = 0;
     int orientation = ExifOrientation::kUpright;
     bool isPlain = false;  // its own pixels are three bytes, blue, green, red
-    Held<IWICBitmapDecoder> decoder;
-    Held<IWICBitmapFrameDecode> frame;
-    Held<IWICFormatConverter> pixels;  // 32 bits each, alpha last
+    ComReference<IWICBitmapDecoder> decoder;
+    WicPicture file;
 
-    UINT UprightWidth() const { return ExifOrientation::SwapsSides(orientation) ? height : width; }
-    UINT UprightHeight() const { return ExifOrientation::SwapsSides(orientation) ? width : height; }
+    UINT UprightWidth() const { return ExifOrientation::SwapsSides(orientation) ? file.Height() : file.Width(); }
+    UINT UprightHeight() const { return ExifOrientation::SwapsSides(orientation) ? file.Width() : file.Height(); }
 };
 
 int OrientationOf(const std::wstring& path) {
@@ -48,36 +46,15 @@ int OrientationOf(const std::wstring& path) {
 }
 
 HRESULT Open(IWICImagingFactory* factory, const std::wstring& path, Picture& picture) {
-    HRESULT result = factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                                        WICDecodeMetadataCacheOnDemand, picture.decoder.Put());
+    HRESULT result = MakeWicDecoder(factory, path.c_str(), picture.decoder);
     if (SUCCEEDED(result)) {
-        result = picture.decoder->GetFrame(0, picture.frame.Put());
-    }
-    if (SUCCEEDED(result)) {
-        result = picture.frame->GetSize(&picture.width, &picture.height);
-    }
-    if (SUCCEEDED(result) &&
-        (picture.width == 0 || picture.height == 0 || picture.width > kMaxSidePx || picture.height > kMaxSidePx)) {
-        result = WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
+        result = picture.file.Open(factory, picture.decoder.Get());
     }
     WICPixelFormatGUID format = {};
-    picture.isPlain = SUCCEEDED(result) && SUCCEEDED(picture.frame->GetPixelFormat(&format)) &&
+    picture.isPlain = SUCCEEDED(result) && SUCCEEDED(picture.file.Frame()->GetPixelFormat(&format)) &&
                       IsEqualGUID(format, GUID_WICPixelFormat24bppBGR);
-    if (SUCCEEDED(result)) {
-        result = factory->CreateFormatConverter(picture.pixels.Put());
-    }
-    if (SUCCEEDED(result)) {
-        result = picture.pixels->Initialize(picture.frame.Get(), GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,
-                                            nullptr, 0.0, WICBitmapPaletteTypeCustom);
-    }
     picture.orientation = OrientationOf(path);
     return result;
-}
-
-HRESULT ReadRows(const Picture& picture, UINT top, UINT rows, std::uint32_t* pixels) {
-    const WICRect band{0, static_cast<INT>(top), static_cast<INT>(picture.width), static_cast<INT>(rows)};
-    const UINT stride = picture.width * 4;
-    return picture.pixels->CopyPixels(&band, stride, stride * rows, reinterpret_cast<BYTE*>(pixels));
 }
 
 // Lays what is transparent on white.
@@ -131,13 +108,13 @@ HRESULT WriteBands(IWICBitmapFrameEncode* frame, UINT width, UINT height, Thumbn
 
 // As WriteBands, for pixels that need nothing done to them: saves a pass over all of them.
 HRESULT CopyBands(IWICBitmapFrameEncode* frame, const Picture& picture, ThumbnailMaker& thumbnail) {
-    const UINT stride = (picture.width * 3 + 3) / 4 * 4;
+    const UINT stride = (picture.file.Width() * 3 + 3) / 4 * 4;
     std::vector<BYTE> bgr(std::size_t{stride} * kBandRows);
     HRESULT result = S_OK;
-    for (UINT top = 0; SUCCEEDED(result) && top < picture.height; top += kBandRows) {
-        const UINT rows = std::min(kBandRows, picture.height - top);
-        const WICRect band{0, static_cast<INT>(top), static_cast<INT>(picture.width), static_cast<INT>(rows)};
-        result = picture.frame->CopyPixels(&band, stride, stride * rows, bgr.data());
+    for (UINT top = 0; SUCCEEDED(result) && top < picture.file.Height(); top += kBandRows) {
+        const UINT rows = std::min(kBandRows, picture.file.Height() - top);
+        const WICRect band{0, static_cast<INT>(top), static_cast<INT>(picture.file.Width()), static_cast<INT>(rows)};
+        result = picture.file.Frame()->CopyPixels(&band, stride, stride * rows, bgr.data());
         if (SUCCEEDED(result)) {
             thumbnail.AddRows(top, rows, bgr.data(), 3, stride);
             result = frame->WritePixels(rows, stride, stride * rows, bgr.data());
@@ -165,22 +142,23 @@ HRESULT WritePicture(const Picture& picture, IWICBitmapFrameEncode* frame, Thumb
         return CopyBands(frame, picture, thumbnail);
     }
     if (picture.orientation == ExifOrientation::kUpright) {
-        return WriteBands(
-            frame, picture.width, picture.height, thumbnail,
-            [&picture](UINT top, UINT rows, std::uint32_t* pixels) { return ReadRows(picture, top, rows, pixels); });
+        return WriteBands(frame, picture.file.Width(), picture.file.Height(), thumbnail,
+                          [&picture](UINT top, UINT rows, std::uint32_t* pixels) {
+                              return picture.file.ReadRows(top, rows, pixels);
+                          });
     }
-    std::vector<std::uint32_t> stored(std::size_t{picture.width} * picture.height);
-    for (UINT top = 0; SUCCEEDED(result) && top < picture.height; top += kBandRows) {
-        result = ReadRows(picture, top, std::min(kBandRows, picture.height - top),
-                          stored.data() + std::size_t{top} * picture.width);
+    std::vector<std::uint32_t> stored(std::size_t{picture.file.Width()} * picture.file.Height());
+    for (UINT top = 0; SUCCEEDED(result) && top < picture.file.Height(); top += kBandRows) {
+        result = picture.file.ReadRows(top, std::min(kBandRows, picture.file.Height() - top),
+                                       stored.data() + std::size_t{top} * picture.file.Width());
     }
     if (FAILED(result)) {
         return result;
     }
     return WriteBands(frame, picture.UprightWidth(), picture.UprightHeight(), thumbnail,
                       [&](UINT top, UINT rows, std::uint32_t* pixels) {
-                          ExifOrientation::TurnRows(stored.data(), picture.width, picture.height, picture.orientation,
-                                                    top, rows, pixels);
+                          ExifOrientation::TurnRows(stored.data(), picture.file.Width(), picture.file.Height(),
+                                                    picture.orientation, top, rows, pixels);
                           return S_OK;
                       });
 }
@@ -214,10 +192,10 @@ std::vector<std::uint8_t> BytesOf(IStream* stream) {
 // `write` gives the frame its size, format and rows.
 HRESULT Encode(IWICImagingFactory* factory, const std::function<HRESULT(IWICBitmapFrameEncode* frame)>& write,
                std::vector<std::uint8_t>& file) {
-    Held<IStream> stream;
-    Held<IWICBitmapEncoder> encoder;
-    Held<IWICBitmapFrameEncode> frame;
-    Held<IPropertyBag2> options;
+    ComReference<IStream> stream;
+    ComReference<IWICBitmapEncoder> encoder;
+    ComReference<IWICBitmapFrameEncode> frame;
+    ComReference<IPropertyBag2> options;
     HRESULT result = CreateStreamOnHGlobal(nullptr, TRUE, stream.Put());
     if (SUCCEEDED(result)) {
         result = factory->CreateEncoder(GUID_ContainerFormatJpeg, nullptr, encoder.Put());
@@ -271,9 +249,8 @@ std::vector<std::uint8_t> EncodeThumbnail(IWICImagingFactory* factory, const Thu
 }  // namespace
 
 HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file) {
-    Held<IWICImagingFactory> factory;
-    HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                      reinterpret_cast<void**>(factory.Put()));
+    ComReference<IWICImagingFactory> factory;
+    HRESULT result = MakeWicFactory(factory);
     Picture picture;
     if (SUCCEEDED(result)) {
         result = Open(factory.Get(), source, picture);

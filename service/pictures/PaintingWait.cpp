@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <exception>
@@ -11,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "suite/common/ComApartment.h"
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
 
@@ -19,17 +18,13 @@ namespace {
 constexpr wchar_t kFunction[] = L"RunWhilePainting";
 
 bool RunInApartment(const std::function<bool()>& work) {
-    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-    bool result = false;
+    const suite::ComApartment apartment(suite::ComApartment::Kind::kSingleThreaded);
     try {
-        result = work();
+        return work();
     } catch (const std::exception& error) {
-        LogLine(4, kFunction, L"The work ended with an exception: ", error.what());
+        LogLine(LogLevel::kError, kFunction, L"The work ended with an exception: ", error.what());
+        return false;
     }
-    if (SUCCEEDED(com)) {
-        CoUninitialize();
-    }
-    return result;
 }
 
 // False when the time is over.
@@ -75,14 +70,14 @@ bool RunWhilePainting(std::function<bool()> work, std::chrono::milliseconds atMo
             SetEvent(job->done.Get());
         });
         if (!PaintUntil(job->done.Get(), atMost)) {
-            LogLine(4, kFunction, L"The work takes too long");
+            LogLine(LogLevel::kError, kFunction, L"The work takes too long");
             worker.detach();
             return false;
         }
         worker.join();
         return job->result;
     } catch (const std::exception& error) {
-        LogLine(4, kFunction, L"No thread for the work: ", error.what());
+        LogLine(LogLevel::kError, kFunction, L"No thread for the work: ", error.what());
         return false;
     }
 }

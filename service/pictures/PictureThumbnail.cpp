@@ -1,21 +1,20 @@
 #include "service/pictures/PictureThumbnail.h"
 
-#include <wincodec.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include "service/pictures/JpegThumbnail.h"
 #include "service/pictures/ThumbnailMaker.h"
+#include "service/pictures/WicPicture.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
-#include "suite/common/Held.h"
 
 namespace {
 
+using suite::ComReference;
+
 constexpr UINT kBandRows = 64;
-// Beyond it sizes in bytes would no longer fit 32 bits.
-constexpr UINT kMaxSidePx = 16384;
 
 // What the file begins with; the thumbnail is in there if it has one.
 std::vector<std::uint8_t> BeginningOf(const std::wstring& path) {
@@ -30,72 +29,48 @@ std::vector<std::uint8_t> BeginningOf(const std::wstring& path) {
     return bytes;
 }
 
-HRESULT ToBitmap(IWICImagingFactory* factory, IWICBitmapDecoder* decoder, HBITMAP& bitmap) {
-    Held<IWICBitmapFrameDecode> frame;
-    Held<IWICFormatConverter> converter;
-    UINT width = 0;
-    UINT height = 0;
-    HRESULT result = decoder->GetFrame(0, frame.Put());
-    if (SUCCEEDED(result)) {
-        result = frame->GetSize(&width, &height);
+// Null when the decoder's picture cannot be read.
+suite::GdiBitmap Shrink(IWICImagingFactory* factory, IWICBitmapDecoder* decoder) {
+    WicPicture picture;
+    if (FAILED(picture.Open(factory, decoder))) {
+        return {};
     }
-    if (SUCCEEDED(result) && (width == 0 || height == 0 || width > kMaxSidePx || height > kMaxSidePx)) {
-        result = WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
-    }
-    if (SUCCEEDED(result)) {
-        result = factory->CreateFormatConverter(converter.Put());
-    }
-    if (SUCCEEDED(result)) {
-        result = converter->Initialize(frame.Get(), GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone, nullptr, 0.0,
-                                       WICBitmapPaletteTypeCustom);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    ThumbnailMaker maker(width, height);
-    std::vector<std::uint32_t> band(std::size_t{width} * kBandRows);
-    for (UINT top = 0; SUCCEEDED(result) && top < height; top += kBandRows) {
-        const UINT rows = std::min(kBandRows, height - top);
-        const WICRect rect{0, static_cast<INT>(top), static_cast<INT>(width), static_cast<INT>(rows)};
-        result = converter->CopyPixels(&rect, width * 4, width * 4 * rows, reinterpret_cast<BYTE*>(band.data()));
-        if (SUCCEEDED(result)) {
-            maker.AddRows(top, rows, band.data());
+    ThumbnailMaker maker(picture.Width(), picture.Height());
+    std::vector<std::uint32_t> band(std::size_t{picture.Width()} * kBandRows);
+    for (UINT top = 0; top < picture.Height(); top += kBandRows) {
+        const UINT rows = std::min(kBandRows, picture.Height() - top);
+        if (FAILED(picture.ReadRows(top, rows, band.data()))) {
+            return {};
         }
+        maker.AddRows(top, rows, band.data());
     }
-    if (SUCCEEDED(result)) {
-        const std::vector<std::uint32_t> pixels = maker.Pixels();
-        bitmap = CreateBitmap(static_cast<int>(maker.Width()), static_cast<int>(maker.Height()), 1, 32, pixels.data());
-    }
-    return result;
+    const std::vector<std::uint32_t> pixels = maker.Pixels();
+    return suite::GdiBitmap(
+        CreateBitmap(static_cast<int>(maker.Width()), static_cast<int>(maker.Height()), 1, 32, pixels.data()));
 }
 
 }  // namespace
 
-HBITMAP LoadPictureThumbnail(const std::wstring& path) {
-    Held<IWICImagingFactory> factory;
-    if (FAILED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                reinterpret_cast<void**>(factory.Put())))) {
-        return nullptr;
+suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path) {
+    ComReference<IWICImagingFactory> factory;
+    if (FAILED(MakeWicFactory(factory))) {
+        return {};
     }
-    HBITMAP bitmap = nullptr;
     std::vector<std::uint8_t> beginning = BeginningOf(path);
     if (const JpegThumbnail::Bytes small = JpegThumbnail::Find(beginning); !small.empty()) {
-        Held<IWICStream> stream;
-        Held<IWICBitmapDecoder> decoder;
+        ComReference<IWICStream> stream;
+        ComReference<IWICBitmapDecoder> decoder;
         BYTE* data = beginning.data() + (small.data() - beginning.data());
         const bool decoded = SUCCEEDED(factory->CreateStream(stream.Put())) &&
                              SUCCEEDED(stream->InitializeFromMemory(data, static_cast<DWORD>(small.size()))) &&
-                             SUCCEEDED(factory->CreateDecoderFromStream(
-                                 stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand, decoder.Put())) &&
-                             SUCCEEDED(ToBitmap(factory.Get(), decoder.Get(), bitmap));
-        if (decoded && bitmap) {
+                             SUCCEEDED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
+                                                                        WICDecodeMetadataCacheOnDemand, decoder.Put()));
+        suite::GdiBitmap bitmap = decoded ? Shrink(factory.Get(), decoder.Get()) : suite::GdiBitmap();
+        if (bitmap) {
             return bitmap;
         }
     }
-    Held<IWICBitmapDecoder> decoder;
-    if (SUCCEEDED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                                     WICDecodeMetadataCacheOnDemand, decoder.Put()))) {
-        ToBitmap(factory.Get(), decoder.Get(), bitmap);
-    }
-    return bitmap;
+    ComReference<IWICBitmapDecoder> decoder;
+    return SUCCEEDED(MakeWicDecoder(factory.Get(), path.c_str(), decoder)) ? Shrink(factory.Get(), decoder.Get())
+                                                                           : suite::GdiBitmap();
 }

@@ -1,9 +1,9 @@
 #pragma once
 // The gallery's thumbnail of a picture file of the user's own backgrounds. Threads: any that has entered a COM
-// apartment. The caller owns the bitmap (DeleteObject).
-#include <windows.h>
-
+// apartment.
 #include <string>
 
+#include "suite/common/GdiObject.h"
+
 // The thumbnail that the file carries, or else one made of the whole picture; null when the file cannot be read.
-HBITMAP LoadPictureThumbnail(const std::wstring& path);
+suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path);

@@ -2,9 +2,11 @@
 
 #include <shlobj.h>
 
-#include "suite/common/ComRelease.h"
+#include "suite/common/ComReference.h"
 
 namespace {
+
+using suite::ComReference;
 
 // The item list of a name within a folder; null when the folder does not know it. Freed with CoTaskMemFree.
 PIDLIST_RELATIVE Parse(IShellFolder* folder, std::wstring name) {
@@ -13,53 +15,46 @@ PIDLIST_RELATIVE Parse(IShellFolder* folder, std::wstring name) {
                                                                                                         : nullptr;
 }
 
-IExtractImage* Extractor(IShellFolder* desktop, const std::wstring& folderPath, const std::wstring& fileName) {
+ComReference<IExtractImage> Extractor(IShellFolder* desktop, const std::wstring& folderPath,
+                                      const std::wstring& fileName) {
     PIDLIST_RELATIVE folderItems = Parse(desktop, folderPath);
     if (!folderItems) {
-        return nullptr;
+        return {};
     }
-    void* folderObject = nullptr;
-    desktop->BindToObject(folderItems, nullptr, IID_IShellFolder, &folderObject);
+    ComReference<IShellFolder> folder;
+    desktop->BindToObject(folderItems, nullptr, IID_IShellFolder, folder.PutVoid());
     CoTaskMemFree(folderItems);
-    auto* folder = static_cast<IShellFolder*>(folderObject);
     if (!folder) {
-        return nullptr;
+        return {};
     }
-    void* extractor = nullptr;
-    if (PIDLIST_RELATIVE file = Parse(folder, fileName)) {
+    ComReference<IExtractImage> extractor;
+    if (PIDLIST_RELATIVE file = Parse(folder.Get(), fileName)) {
         PCUITEMID_CHILD child = reinterpret_cast<PCUITEMID_CHILD>(file);
-        folder->GetUIObjectOf(nullptr, 1, &child, IID_IExtractImage, nullptr, &extractor);
+        folder->GetUIObjectOf(nullptr, 1, &child, IID_IExtractImage, nullptr, extractor.PutVoid());
         CoTaskMemFree(file);
     }
-    ComRelease(folder);
-    return static_cast<IExtractImage*>(extractor);
+    return extractor;
 }
 
 }  // namespace
 
-HBITMAP ExtractShellPicture(const std::wstring& path, const SIZE* sizePx) {
+suite::GdiBitmap ExtractShellPicture(const std::wstring& path, const SIZE* sizePx) {
     const std::size_t slash = path.rfind(L'\\');
-    if (slash == std::wstring::npos) {
-        return nullptr;
+    ComReference<IShellFolder> desktop;
+    if (slash == std::wstring::npos || FAILED(SHGetDesktopFolder(desktop.Put()))) {
+        return {};
     }
-    IShellFolder* desktop = nullptr;
-    if (FAILED(SHGetDesktopFolder(&desktop))) {
-        return nullptr;
+    const auto extractor = Extractor(desktop.Get(), path.substr(0, slash), path.substr(slash + 1));
+    if (!extractor) {
+        return {};
+    }
+    if (sizePx) {
+        // An extractor that cannot be told a size makes a picture of its own.
+        wchar_t location[MAX_PATH] = {};
+        DWORD priority = 0;
+        DWORD flags = IEIFLAG_SCREEN | IEIFLAG_OFFLINE;
+        extractor->GetLocation(location, MAX_PATH, &priority, sizePx, 32, &flags);
     }
     HBITMAP picture = nullptr;
-    if (IExtractImage* extractor = Extractor(desktop, path.substr(0, slash), path.substr(slash + 1))) {
-        if (sizePx != nullptr) {
-            // An extractor that cannot be told a size makes a picture of its own.
-            wchar_t location[MAX_PATH] = {};
-            DWORD priority = 0;
-            DWORD flags = IEIFLAG_SCREEN | IEIFLAG_OFFLINE;
-            extractor->GetLocation(location, MAX_PATH, &priority, sizePx, 32, &flags);
-        }
-        if (FAILED(extractor->Extract(&picture))) {
-            picture = nullptr;
-        }
-        ComRelease(extractor);
-    }
-    ComRelease(desktop);
-    return picture;
+    return SUCCEEDED(extractor->Extract(&picture)) ? suite::GdiBitmap(picture) : suite::GdiBitmap();
 }

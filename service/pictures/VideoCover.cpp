@@ -14,21 +14,18 @@ constexpr SIZE kCoverPx = {480, 270};
 
 }  // namespace
 
-HBITMAP LoadVideoCover(const std::wstring& path) {
-    struct Cover {
-        HBITMAP bitmap = nullptr;
-        ~Cover() { DeleteObject(bitmap); }
-    };
-    const auto cover = std::make_shared<Cover>();
+suite::GdiBitmap LoadVideoCover(const std::wstring& path) {
+    const auto cover = std::make_shared<suite::GdiBitmap>();
     const bool loaded = RunWhilePainting(
         [path, cover] {
-            cover->bitmap = ExtractShellPicture(path, &kCoverPx);
+            *cover = ExtractShellPicture(path, &kCoverPx);
             VideoReader reader;
-            if (!cover->bitmap && reader.Open(path)) {
-                cover->bitmap = reader.ReadCover(static_cast<UINT>(kCoverPx.cx), static_cast<UINT>(kCoverPx.cy));
+            if (!*cover && reader.Open(path)) {
+                *cover =
+                    suite::GdiBitmap(reader.ReadCover(static_cast<UINT>(kCoverPx.cx), static_cast<UINT>(kCoverPx.cy)));
             }
-            return cover->bitmap != nullptr;
+            return static_cast<bool>(*cover);
         },
         kVideoPatience);
-    return loaded ? std::exchange(cover->bitmap, nullptr) : nullptr;
+    return loaded ? std::move(*cover) : suite::GdiBitmap();
 }

@@ -86,7 +86,7 @@ TEST_F(OwnFormatTest, APhotoIsPutUpright) {
 
 TEST_F(OwnFormatTest, ThePictureCarriesItsThumbnail) {
     Add(Media(L"corner.jpg"));
-    const HBITMAP small = LoadPictureThumbnail(Picture(0));
+    const HBITMAP small = LoadPictureThumbnail(Picture(0)).Detach();
     BITMAP size = {};
     ASSERT_NE(GetObjectW(small, sizeof(size), &size), 0);
     EXPECT_EQ(size.bmWidth, 156);
@@ -97,7 +97,7 @@ TEST_F(OwnFormatTest, ThePictureCarriesItsThumbnail) {
     ASSERT_GT(content.size(), 1024u);
     const fs::path beginning = OwnFolder() / L"beginning.jpg";
     std::ofstream(beginning, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size() - 64));
-    const HBITMAP again = LoadPictureThumbnail(beginning);
+    const HBITMAP again = LoadPictureThumbnail(beginning).Detach();
     EXPECT_NE(again, nullptr);
     DeleteObject(again);
 }

@@ -16,7 +16,7 @@ class OwnThumbnailTest : public OwnBackgroundsTest {
         }
     };
     static Thumbnail Load(const std::wstring& path) {
-        const HBITMAP bitmap = LoadPictureThumbnail(path);
+        const HBITMAP bitmap = LoadPictureThumbnail(path).Detach();
         BITMAP info = {};
         if (!bitmap || GetObjectW(bitmap, sizeof(info), &info) == 0) {
             return {};
