@@ -13,32 +13,30 @@
 #include "fuzz/support/Input.h"
 #include "fuzz/support/Require.h"
 #include "service/CustomImageGroup.h"
-#include "service/pictures/CustomItemNames.h"
+#include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/HomeService.h"
 #include "service/SettingNames.h"
+#include "service/pictures/CustomItemNames.h"
 
 using namespace SettingNames;
 
 namespace {
 
-constexpr std::array<const wchar_t*, 17> kNames{kCameraSwitch,
-                                                kBackgroundReplacement,
-                                                kPreBackgroundReplacement,
-                                                kBackgroundImagePath,
-                                                kCustomImageGroup,
-                                                kSelectedButtonName,
-                                                kSyncCustom,
-                                                kEyeCorrection,
-                                                kPersonTrack,
-                                                kBeautyPerson,
-                                                kBeautySmooth,
-                                                kBeautyWhite,
-                                                kBeautyEye,
-                                                kBeautyThin,
-                                                kInitAlgorithm,
-                                                kSupportHardSwitch,
-                                                L"of somebody else"};
+// Of the settings, and one of somebody else.
+std::vector<std::wstring> MakeNames() {
+    std::vector<std::wstring> names{kBackgroundReplacement, kPreBackgroundReplacement, kBackgroundImagePath,
+                                    kCustomImageGroup,      kSelectedButtonName,       kSyncCustom,
+                                    kInitAlgorithm,         kSupportHardSwitch,        L"of somebody else"};
+    for (const service::Effect& effect : service::kEffects) {
+        names.emplace_back(effect.value);
+    }
+    for (const service::BeautyLevel& level : service::kBeautyLevels) {
+        names.emplace_back(level.value);
+    }
+    return names;
+}
+const std::vector<std::wstring> kNames = MakeNames();
 
 struct Value {
     DWORD type;
