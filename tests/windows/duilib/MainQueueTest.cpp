@@ -47,7 +47,7 @@ TEST_F(MainQueue, ManyMoreTasksThanAMessageQueueHolds) {
 }
 
 TEST_F(MainQueue, ExceptionIsLoggedAndTheNextTaskRuns) {
-    const LogWatch log;
+    LogWatch log;
     bool ran = false;
     queue.dispatch([] { throw std::runtime_error("from a task"); });
     queue.dispatch([&] { ran = true; });
