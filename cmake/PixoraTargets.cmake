@@ -81,8 +81,8 @@ function(pixora_test_options name)
     if(WIN32)
         target_compile_options(${name} PRIVATE -O1)
         if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-            # GCC 12 gives this warning for short wide strings of the precompiled header's std::wstring.
-            target_compile_options(${name} PRIVATE -Wno-array-bounds)
+            # GCC 12 gives these warnings for short wide strings of the precompiled header's std::wstring.
+            target_compile_options(${name} PRIVATE -Wno-array-bounds -Wno-stringop-overread -Wno-stringop-overflow)
         endif()
     endif()
     if(NOT ${name} STREQUAL pixora_test_headers)

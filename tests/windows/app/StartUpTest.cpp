@@ -34,17 +34,18 @@ void SetCommandLine(const wchar_t* text) {
 
 }  // namespace
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+// Not inlined: the compiler would see memory of malloc in the hands of delete.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return g_noMemory ? nullptr : std::malloc(size);
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
-void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* const memory = std::malloc(size > 0 ? size : 1)) {
         return memory;
     }

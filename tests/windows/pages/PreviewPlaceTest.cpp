@@ -48,6 +48,6 @@ INSTANTIATE_TEST_SUITE_P(Scales, PreviewPlaceTest,
                                          Place{144, {60, 60, 957, 591}, {60, 60, 836, 471}},
                                          Place{192, {80, 80, 1276, 788}, {80, 80, 1115, 629}},
                                          Place{100, {41, 41, 663, 409}, {41, 41, 580, 327}}),
-                         [](const auto& info) { return std::to_string(info.param.dpi); });
+                         [](const auto& place) { return std::to_string(place.param.dpi); });
 
 }  // namespace
