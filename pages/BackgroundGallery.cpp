@@ -15,12 +15,12 @@
 #include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 
-using CustomItemNames::kDeleteSuffix;
-using CustomItemNames::kItemSuffix;
-using CustomItemNames::kPictureSuffix;
 using DuiLib::CContainerUI;
 using DuiLib::CControlUI;
 using DuiLib::COptionUI;
+using pictures::CustomItemNames::kDeleteSuffix;
+using pictures::CustomItemNames::kItemSuffix;
+using pictures::CustomItemNames::kPictureSuffix;
 
 namespace {
 
@@ -208,7 +208,7 @@ void BackgroundGallery::ShowToolTip(CControlUI& sender, bool show) {
     if (const wchar_t* key = LabelKey(name)) {
         ShowHint(PageHost::Hint::kOption, sender, culture.GetString(key), show);
     }
-    if (CustomItemNames::IsDeleteButton(name)) {
+    if (pictures::CustomItemNames::IsDeleteButton(name)) {
         ShowHint(PageHost::Hint::kDeleteButton, sender, culture.GetString(L"IDS_LUMI_DELETE"), show);
     }
 }

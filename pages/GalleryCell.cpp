@@ -8,12 +8,12 @@
 #include "pages/CustomItemOption.h"
 #include "service/pictures/CustomItemNames.h"
 
-using CustomItemNames::kDeleteSuffix;
-using CustomItemNames::kItemSuffix;
-using CustomItemNames::kPictureSuffix;
 using DuiLib::CButtonUI;
 using DuiLib::CContainerUI;
 using DuiLib::CControlUI;
+using pictures::CustomItemNames::kDeleteSuffix;
+using pictures::CustomItemNames::kItemSuffix;
+using pictures::CustomItemNames::kPictureSuffix;
 
 namespace {
 
@@ -76,7 +76,7 @@ std::unique_ptr<CControlUI> MakeGalleryCell(const std::wstring& name, const std:
     item->Add(std::move(option));
 
     if (isVideo) {
-        auto badge = MakeBadge<CControlUI>(name + std::wstring(CustomItemNames::kVideoSuffix), L"4,16,16,28");
+        auto badge = MakeBadge<CControlUI>(name + std::wstring(pictures::CustomItemNames::kVideoSuffix), L"4,16,16,28");
         badge->SetBkImage(L"file='drawable/LumiCamera/video_icon.png' reverse='true'");
         badge->SetAttribute(L"mouse", L"false");
         item->Add(std::move(badge));

@@ -68,7 +68,7 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
             }
             try {
                 // Shared, because a queued task is copied.
-                const auto bitmap = std::make_shared<suite::GdiBitmap>(LoadPictureThumbnail(job.path));
+                const auto bitmap = std::make_shared<suite::GdiBitmap>(pictures::LoadPictureThumbnail(job.path));
                 DuiLib::UIMainQueue::getInstance()->dispatch(
                     [state = shared_from_this(), job, bitmap] { state->Take(job, *bitmap); });
             } catch (const std::exception& error) {

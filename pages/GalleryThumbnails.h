@@ -27,5 +27,5 @@ class GalleryThumbnails {
 
   private:
     struct State;
-    std::shared_ptr<State> state_;  // shared with what is under way in the main queue
+    std::shared_ptr<State> state_;  // shared with queued tasks
 };

@@ -7,7 +7,6 @@
 
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/UIMainQueue.h"
-#include "pages/PageNames.h"
 #include "pages/SwitchImages.h"
 #include "preview/MediaFoundation.h"
 #include "service/HomeService.h"
@@ -197,7 +196,7 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
         ClickPreview(msg.sender);
     } else if (name == L"show_introduction_btn") {
         OpenIntroduction(name);
-    } else if (CustomItemNames::IsDeleteButton(name)) {
+    } else if (pictures::CustomItemNames::IsDeleteButton(name)) {
         if (Owner()) {
             Owner()->AskForDeletion(CustomItemName(name));
         }

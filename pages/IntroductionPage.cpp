@@ -1,7 +1,6 @@
 #include "pages/IntroductionPage.h"
 
 #include "pages/IntroductionHeader.h"
-#include "pages/PageNames.h"
 
 namespace {
 

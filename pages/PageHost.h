@@ -12,6 +12,14 @@ namespace DuiLib {
 class CControlUI;
 }
 
+// The pages' names: what they are switched to by, and their virtual windows.
+namespace PageNames {
+
+inline constexpr wchar_t kHome[] = L"HomePage";
+inline constexpr wchar_t kIntroduction[] = L"IntroductionPage";
+
+}  // namespace PageNames
+
 // A hint popup; the calls come in the order SetAnchor, SetPosition, SetToolTipText, Show(true).
 class HintWindow {
   public:
@@ -33,7 +41,7 @@ class PageHost {
     // The window that pages are being made for; null when there is none.
     static PageHost* Current();
 
-    // Shows the page of that name; nothing when there is none. `flag` is passed on as it is.
+    // Shows the page of that name; nothing when there is none. Kept: the pages give a flag, which means nothing.
     virtual void ShowPage(const std::wstring& name, int flag) = 0;
     // Back to the page that is shown first.
     virtual void ShowFirstPage() = 0;

@@ -39,7 +39,8 @@ bool CustomFileChoice::AskForFile(std::wstring& path) const {
     dialog.nFilterIndex = 1;
     dialog.lpstrFile = buffer.data();
     dialog.nMaxFile = kPathSize;
-    // The last two: nothing is written to the file, and the process stays in its folder, lest it hold the user's.
+    // The last two flags: the file is not written to, and the process stays in its own folder, so that it does not keep
+    // the user's in use.
     dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (!GetOpenFileNameW(&dialog)) {
         const DWORD error = CommDlgExtendedError();
@@ -94,12 +95,12 @@ bool CustomFileChoice::CheckVideoFile(const std::wstring& path) {
         UINT height = 0;
     };
     const auto size = std::make_shared<Size>();
-    const bool opened = RunWhilePainting(
+    const bool opened = pictures::RunWhilePainting(
         [path, size] {
             VideoReader reader;
             return reader.Open(path) && reader.GetFrameSize(&size->width, &size->height);
         },
-        kVideoPatience);
+        pictures::kVideoPatience);
     if (!opened) {
         PublishMessage(MessageBoxKind::kFileUnreadable);
         return false;

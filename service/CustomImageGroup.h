@@ -1,14 +1,24 @@
 #pragma once
-// The registry string that lists the user's own backgrounds: records to text and back.
+// The user's own backgrounds as records, and the registry string that lists them: records to text and back.
 //
 // Why: the string is shared with the camera service and may be damaged or come from another version; what cannot be
 // read costs that record only. A record whose path holds a separator cannot be told from damage, for the format has no
 // escape. Threads: pure functions, any thread.
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "service/CustomImageRecord.h"
+// One background of the user's own, as the gallery and the registry know it.
+struct CustomImageRecord {
+    std::wstring name;         // item name, "custom_background_btn_" and a number
+    std::int32_t isVideo = 0;  // 1 for a video
+    std::int32_t index = 0;    // cell in the gallery's group
+    std::wstring thumbPath;    // the item's ".jpg" in the user's folder
+    std::wstring sourcePath;   // the file that the user chose
+
+    bool operator==(const CustomImageRecord&) const = default;
+};
 
 namespace CustomImageGroup {
 

@@ -11,7 +11,7 @@ class DataMessageSender {
     // The client is borrowed and must outlive this object.
     DataMessageSender(std::int32_t senderId, IPCMessageClient* client) : senderId_(senderId), client_(client) {}
 
-    // `value`: 1 switched on, 0 off. Whether it arrives is nobody's business: the receiver reads the registry as well.
+    // `value`: 1 switched on, 0 off. A message that is lost does no harm: the receiver reads the registry as well.
     void PostSwitchState(std::int32_t value) const;
 
   private:

@@ -33,11 +33,11 @@ FileUtil& FileUtil::GetInstance() {
 }
 
 bool FileUtil::IsVideoFile(const std::wstring& path) const {
-    return FileKinds::IsVideo(path);
+    return pictures::FileKinds::IsVideo(path);
 }
 
 bool FileUtil::IsImageFile(const std::wstring& path) const {
-    return FileKinds::IsImage(path);
+    return pictures::FileKinds::IsImage(path);
 }
 
 bool FileUtil::FileExists(const std::wstring& path) const {

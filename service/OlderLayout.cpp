@@ -17,11 +17,11 @@ namespace service {
 // Every file that lies in the shared folder itself goes into the user's folder, but for the pictures that were made
 // there: those are newer.
 bool OlderLayout::CopyPictures(const std::set<std::wstring>& newer) const {
-    const std::wstring base = CustomFolder::kBase;
+    const std::wstring base = pictures::CustomFolder::kBase;
     suite::FolderListing entry(base + L"\\*");
     const bool canBeListed = entry || entry.IsComplete();
     for (; entry; entry.Next()) {
-        const std::wstring destination = CustomFolder::OfUser(userSid_) + L"\\" + entry.Name();
+        const std::wstring destination = pictures::CustomFolder::OfUser(userSid_) + L"\\" + entry.Name();
         if (entry.IsFolder() || newer.contains(destination)) {
             continue;
         }
@@ -43,7 +43,7 @@ bool OlderLayout::MoveIntoUserFolder() const {
     std::vector<CustomImageRecord> records = SettingsStore::ReadCustomImages();
     std::set<std::wstring> newer;
     for (const CustomImageRecord& record : records) {
-        if (record.thumbPath == CustomFolder::PicturePath(userSid_, record.name) &&
+        if (record.thumbPath == pictures::CustomFolder::PicturePath(userSid_, record.name) &&
             FileUtil::GetInstance().FileExists(record.thumbPath)) {
             newer.insert(record.thumbPath);
         }
@@ -72,14 +72,15 @@ bool OlderLayout::MoveIntoUserFolder() const {
 
 // A picture that could not be brought over stays in use where it lies.
 void OlderLayout::MoveRecord(CustomImageRecord& record) const {
-    const std::wstring picture = CustomFolder::PicturePath(userSid_, record.name);
+    const std::wstring picture = pictures::CustomFolder::PicturePath(userSid_, record.name);
     if (record.thumbPath == picture) {
         return;
     }
     const FileUtil& files = FileUtil::GetInstance();
     if (record.isVideo != 0 && files.FileExists(record.sourcePath)) {
-        RunWhilePainting([&] {
-            return BackgroundPicture::Make(record.sourcePath, true, picture) == BackgroundPicture::Result::kMade;
+        pictures::RunWhilePainting([&] {
+            return pictures::BackgroundPicture::Make(record.sourcePath, true, picture) ==
+                   pictures::BackgroundPicture::Result::kMade;
         });
     }
     if (files.FileExists(picture) || !files.FileExists(record.thumbPath)) {

@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "service/CustomImageRecord.h"
+#include "service/CustomImageGroup.h"
 
 namespace service {
 

@@ -8,7 +8,7 @@
 namespace service {
 
 bool OwnBackgroundList::IsFull() const {
-    return records_.size() >= CustomItemNames::kLimit;
+    return records_.size() >= pictures::CustomItemNames::kLimit;
 }
 
 std::size_t OwnBackgroundList::Position(const std::wstring& itemName) const {
@@ -43,7 +43,7 @@ void OwnBackgroundList::SetPaths(const std::wstring& itemName, const std::wstrin
     }
     paths_[itemName] = record->thumbPath;
     if (record->isVideo != 0) {
-        paths_[itemName + std::wstring(CustomItemNames::kVideoSuffix)] = videoPath;
+        paths_[itemName + std::wstring(pictures::CustomItemNames::kVideoSuffix)] = videoPath;
     }
 }
 

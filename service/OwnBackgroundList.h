@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "service/CustomImageRecord.h"
+#include "service/CustomImageGroup.h"
 
 namespace service {
 

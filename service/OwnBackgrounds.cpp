@@ -34,7 +34,7 @@ constexpr DWORD kPathSize = 260;
 std::vector<CustomImageRecord> WithItemNamesOnce(std::vector<CustomImageRecord> records) {
     std::set<std::wstring> seen;
     std::erase_if(records, [&seen](const CustomImageRecord& record) {
-        return !CustomItemNames::IsItemName(record.name) || !seen.insert(record.name).second;
+        return !pictures::CustomItemNames::IsItemName(record.name) || !seen.insert(record.name).second;
     });
     return records;
 }
@@ -71,7 +71,8 @@ void OwnBackgrounds::SetList(OwnBackgroundList list) {
 
 bool OwnBackgrounds::MakeUserFolder() const {
     const FileUtil& files = FileUtil::GetInstance();
-    return files.CreateResDirectory(CustomFolder::kBase) && files.CreateResDirectory(CustomFolder::OfUser(userSid_));
+    return files.CreateResDirectory(pictures::CustomFolder::kBase) &&
+           files.CreateResDirectory(pictures::CustomFolder::OfUser(userSid_));
 }
 
 void OwnBackgrounds::Load(const std::wstring& userSid) {
@@ -82,13 +83,13 @@ void OwnBackgrounds::Load(const std::wstring& userSid) {
         return;
     }
     const FileUtil& files = FileUtil::GetInstance();
-    if (!files.CreateResDirectory(CustomFolder::kBase)) {
+    if (!files.CreateResDirectory(pictures::CustomFolder::kBase)) {
         LogLine(LogLevel::kError, kFunction, L"Create Res Folder Failed");
         return;
     }
-    const std::wstring userFolder = CustomFolder::OfUser(userSid_);
+    const std::wstring userFolder = pictures::CustomFolder::OfUser(userSid_);
     if (files.CreateResDirectory(userFolder)) {
-        BackgroundPicture::RemoveUnfinished(userFolder);
+        pictures::BackgroundPicture::RemoveUnfinished(userFolder);
         for (int attempt = 0; attempt < kMoveAttempts && !MoveOlderLayout(); ++attempt) {
         }
     }
@@ -119,21 +120,21 @@ void OwnBackgrounds::ShowStoredItems() {
 bool OwnBackgrounds::Add(const std::wstring& sourcePath) {
     const bool isVideo = FileUtil::GetInstance().IsVideoFile(sourcePath);
     const std::wstring listedPath = ListedPath(sourcePath);
-    const std::wstring name = CustomItemNames::NextFree(list_.FilePaths());
-    const std::wstring picture = CustomFolder::PicturePath(userSid_, name);
+    const std::wstring name = pictures::CustomItemNames::NextFree(list_.FilePaths());
+    const std::wstring picture = pictures::CustomFolder::PicturePath(userSid_, name);
     // A video is used where it lies, so its path must survive; an image's is a mere note.
     if (picture.empty() || (isVideo && listedPath.empty()) || !MakeUserFolder()) {
         PublishMessage(MessageBoxKind::kBackgroundNotSaved);
         return false;
     }
-    auto made = BackgroundPicture::Result::kNothingToShow;
-    RunWhilePainting([&] {
-        made = BackgroundPicture::Make(sourcePath, isVideo, picture);
+    auto made = pictures::BackgroundPicture::Result::kNothingToShow;
+    pictures::RunWhilePainting([&] {
+        made = pictures::BackgroundPicture::Make(sourcePath, isVideo, picture);
         return true;
     });
-    if (made != BackgroundPicture::Result::kMade) {
-        PublishMessage(made == BackgroundPicture::Result::kNotWritten ? MessageBoxKind::kBackgroundNotSaved
-                                                                      : MessageBoxKind::kFileUnreadable);
+    if (made != pictures::BackgroundPicture::Result::kMade) {
+        PublishMessage(made == pictures::BackgroundPicture::Result::kNotWritten ? MessageBoxKind::kBackgroundNotSaved
+                                                                                : MessageBoxKind::kFileUnreadable);
         return false;
     }
 
@@ -163,7 +164,7 @@ bool OwnBackgrounds::Select(const std::wstring& itemName) {
             Delete(itemName);
             return false;
         }
-        key += CustomItemNames::kVideoSuffix;
+        key += pictures::CustomItemNames::kVideoSuffix;
     }
     const std::wstring* path = list_.PathOf(key);
     if (!path) {
@@ -186,8 +187,8 @@ bool OwnBackgrounds::Delete(std::wstring itemName) {
     }
     const std::wstring picture = Forget(itemName);
     // A damaged list may name any file; only a picture of the program's own making is deleted.
-    if (CustomItemNames::IsPictureOf(itemName, picture)) {
-        BackgroundPicture::Remove(picture);
+    if (pictures::CustomItemNames::IsPictureOf(itemName, picture)) {
+        pictures::BackgroundPicture::Remove(picture);
     }
     SettingsStore::WriteCustomImages(list_.Records());
     return true;

@@ -1,7 +1,7 @@
 #include "service/SettingsStore.h"
 
-#include "service/CustomImageGroup.h"
-#include "service/EffectTable.h"
+#include <cstddef>
+
 #include "service/SettingNames.h"
 #include "suite/registry/Registry.h"
 
@@ -21,6 +21,16 @@ void Write(const wchar_t* name, int value) {
 
 void Write(const wchar_t* name, const std::wstring& value) {
     DE::Registry::SetValue(HKEY_CURRENT_USER, SettingNames::kKeyPath, name, value, KEY_ALL_ACCESS);
+}
+
+std::array<std::int32_t, service::kBeautyLevels.size()> ReadBeautyLevels() {
+    std::array<std::int32_t, service::kBeautyLevels.size()> levels{};
+    int level = service::kDefaultBeautyLevel;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        Read(service::kBeautyLevels[i].value, level);
+        levels[i] = level;
+    }
+    return levels;
 }
 
 std::vector<CustomImageRecord> ReadCustomImages() {

@@ -3,10 +3,13 @@
 //
 // Why: camera service and program share the key and both write it, so nothing is cached and every read asks the
 // registry. Threads: any; each operation is atomic by itself.
+#include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "service/CustomImageRecord.h"
+#include "service/CustomImageGroup.h"
+#include "service/EffectTable.h"
 
 namespace SettingsStore {
 
@@ -17,6 +20,10 @@ bool Read(const wchar_t* name, std::wstring& value);
 // A failure is ignored: the page does not learn of it, and the next read tells the truth.
 void Write(const wchar_t* name, int value);
 void Write(const wchar_t* name, const std::wstring& value);
+
+// In the order of kBeautyLevels. A level that is missing has the value of the one before it, the first the default.
+// Kept for compatibility.
+std::array<std::int32_t, service::kBeautyLevels.size()> ReadBeautyLevels();
 
 // The list of the user's own backgrounds; pieces that cannot be read are left out.
 std::vector<CustomImageRecord> ReadCustomImages();

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "service/BeautyLevels.h"
 #include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/SettingNames.h"
@@ -25,7 +24,7 @@ GlobalUtils::FeatureStatusTuple StatusReader::Read() {
     }
     SettingsStore::Read(SettingNames::kBackgroundReplacement, value);
 
-    const auto beauty = ReadBeautyLevels();
+    const auto beauty = SettingsStore::ReadBeautyLevels();
     for (std::size_t i = 0; i < beauty.size(); ++i) {
         levels[std::wstring(kBeautyLevels[i].control)] = beauty[i];
     }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "service/BeautyLevels.h"
 #include "service/EffectTable.h"
 #include "service/SettingsStore.h"
 #include "suite/report/EventDataReport.h"
@@ -24,7 +23,7 @@ void Report(const std::string& eventId, const std::string& text) {
 void ReportBeauty() {
     int status = 0;
     SettingsStore::Read(service::EffectOf(service::EffectId::kBeautyPerson).value, status);
-    const auto levels = service::ReadBeautyLevels();
+    const auto levels = SettingsStore::ReadBeautyLevels();
     TallyEvent event(kBeauty);
     event.PutInt(kBeautyStatus, status);
     for (std::size_t i = 0; i < levels.size(); ++i) {

@@ -22,5 +22,5 @@ class ModalQueue {
 
   private:
     struct State;
-    std::shared_ptr<State> state_;  // shared with what is under way in the main queue
+    std::shared_ptr<State> state_;  // shared with queued tasks
 };

@@ -13,7 +13,6 @@
 #include "pages/CaptureMessage.h"
 #include "pages/HomePage.h"
 #include "pages/IntroductionPage.h"
-#include "pages/PageNames.h"
 #include "service/EffectTable.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"

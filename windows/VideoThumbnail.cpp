@@ -44,7 +44,7 @@ void VideoThumbnail::Register(DuiLib::CPaintManagerUI& manager, const std::wstri
     }
     const suite::ComApartment apartment(suite::ComApartment::Kind::kSingleThreaded);
     // The extractor's own size: the image is scaled when it is registered.
-    suite::GdiBitmap cover = ExtractShellPicture(path);
+    suite::GdiBitmap cover = pictures::ExtractShellPicture(path);
     if (!cover || !manager.AddImage(path, cover.Detach(), kWidthDip, kHeightDip, false, false)) {
         withoutCover_ = path;
     }

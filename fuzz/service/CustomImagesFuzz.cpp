@@ -9,6 +9,8 @@
 #include "service/pictures/CustomItemNames.h"
 #include "service/pictures/FileKinds.h"
 
+namespace FileKinds = pictures::FileKinds;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::wstring text = WideText({data, size});
     const std::vector<CustomImageRecord> records = CustomImageGroup::Parse(text);

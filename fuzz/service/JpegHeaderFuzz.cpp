@@ -8,6 +8,9 @@
 #include "service/pictures/ExifOrientation.h"
 #include "service/pictures/JpegThumbnail.h"
 
+namespace ExifOrientation = pictures::ExifOrientation;
+namespace JpegThumbnail = pictures::JpegThumbnail;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const JpegThumbnail::Bytes file(data, size);
     const int orientation = ExifOrientation::Read(file);

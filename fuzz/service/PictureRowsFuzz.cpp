@@ -10,6 +10,9 @@
 #include "service/pictures/ExifOrientation.h"
 #include "service/pictures/ThumbnailMaker.h"
 
+namespace ExifOrientation = pictures::ExifOrientation;
+using pictures::ThumbnailMaker;
+
 namespace {
 
 struct Picture {

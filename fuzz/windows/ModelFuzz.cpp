@@ -19,6 +19,8 @@
 #include "service/SettingNames.h"
 #include "service/pictures/CustomItemNames.h"
 
+namespace CustomItemNames = pictures::CustomItemNames;
+
 using namespace SettingNames;
 
 namespace {

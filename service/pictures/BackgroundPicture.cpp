@@ -14,7 +14,7 @@
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
 
-namespace BackgroundPicture {
+namespace pictures::BackgroundPicture {
 
 namespace {
 
@@ -118,4 +118,4 @@ void RemoveUnfinished(const std::wstring& folder) {
     }
 }
 
-}  // namespace BackgroundPicture
+}  // namespace pictures::BackgroundPicture

@@ -6,7 +6,7 @@
 // Threads: any that has entered a COM apartment.
 #include <string>
 
-namespace BackgroundPicture {
+namespace pictures::BackgroundPicture {
 
 enum class Result {
     kMade,
@@ -25,4 +25,4 @@ void Remove(const std::wstring& picture);
 // Removes what a program that was ended left unfinished in that folder.
 void RemoveUnfinished(const std::wstring& folder);
 
-}  // namespace BackgroundPicture
+}  // namespace pictures::BackgroundPicture

@@ -2,7 +2,7 @@
 // Where the user's own backgrounds lie. Constant data and pure functions, any thread.
 #include <string>
 
-namespace CustomFolder {
+namespace pictures::CustomFolder {
 
 // Shared by all users of the machine; the pictures of each lie in a folder below it. Its parent is the installation's.
 inline constexpr const wchar_t* kBase = L"C:\\ProgramData\\Comms\\LumiCamera";
@@ -17,4 +17,4 @@ inline std::wstring PicturePath(const std::wstring& userSid, const std::wstring&
     return userSid.empty() ? std::wstring() : OfUser(userSid) + L"\\" + itemName + kPictureSuffix;
 }
 
-}  // namespace CustomFolder
+}  // namespace pictures::CustomFolder

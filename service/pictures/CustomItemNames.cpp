@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace CustomItemNames {
+namespace pictures::CustomItemNames {
 
 std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken) {
     std::wstring name;
@@ -33,15 +33,15 @@ bool IsDeleteButton(std::wstring_view partName) {
     return partName.find(kPrefix) != std::wstring_view::npos && partName.find(kDeleteSuffix) != std::wstring_view::npos;
 }
 
-}  // namespace CustomItemNames
+}  // namespace pictures::CustomItemNames
 
 std::wstring CustomItemName(std::wstring_view partName) {
-    if (partName.find(CustomItemNames::kPrefix) == std::wstring_view::npos) {
+    if (partName.find(pictures::CustomItemNames::kPrefix) == std::wstring_view::npos) {
         return {};
     }
-    for (const std::wstring_view suffix :
-         {std::wstring_view(CustomItemNames::kDeleteSuffix), std::wstring_view(CustomItemNames::kItemSuffix),
-          std::wstring_view(CustomItemNames::kPictureSuffix)}) {
+    for (const std::wstring_view suffix : {std::wstring_view(pictures::CustomItemNames::kDeleteSuffix),
+                                           std::wstring_view(pictures::CustomItemNames::kItemSuffix),
+                                           std::wstring_view(pictures::CustomItemNames::kPictureSuffix)}) {
         const std::size_t cut = partName.find(suffix);
         if (cut != std::wstring_view::npos) {
             return std::wstring(partName.substr(0, cut));

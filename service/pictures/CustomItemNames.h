@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace CustomItemNames {
+namespace pictures::CustomItemNames {
 
 inline constexpr std::wstring_view kPrefix = L"custom_background_btn_";
 inline constexpr std::wstring_view kVideoSuffix = L"_video";
@@ -28,7 +28,7 @@ bool IsPictureOf(std::wstring_view name, std::wstring_view path);
 // Whether a control of that name is the delete button of an item.
 bool IsDeleteButton(std::wstring_view partName);
 
-}  // namespace CustomItemNames
+}  // namespace pictures::CustomItemNames
 
 // From the name of any part of an item back to the item: cut before the first "_del", else "_item", else "_bk".
 // Empty for a name that belongs to no item. A video badge's name comes back whole; kept, its users count on it.

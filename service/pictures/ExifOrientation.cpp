@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace ExifOrientation {
+namespace pictures::ExifOrientation {
 
 namespace {
 
@@ -104,4 +104,4 @@ void TurnRows(const std::uint32_t* stored, std::size_t width, std::size_t height
     }
 }
 
-}  // namespace ExifOrientation
+}  // namespace pictures::ExifOrientation

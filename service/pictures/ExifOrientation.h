@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-namespace ExifOrientation {
+namespace pictures::ExifOrientation {
 
 // As numbered in the files: 1 is upright; 2 to 4 are mirrored or upside down, 5 to 8 lie on their side.
 inline constexpr int kUpright = 1;
@@ -25,4 +25,4 @@ constexpr bool SwapsSides(int orientation) {
 void TurnRows(const std::uint32_t* stored, std::size_t width, std::size_t height, int orientation, std::size_t top,
               std::size_t rows, std::uint32_t* upright);
 
-}  // namespace ExifOrientation
+}  // namespace pictures::ExifOrientation

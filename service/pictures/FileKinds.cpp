@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
-namespace FileKinds {
+namespace pictures::FileKinds {
 
 namespace {
 
@@ -34,4 +34,4 @@ bool IsImage(std::wstring_view path) {
     return ExtensionIsOneOf(path, {L".jpg", L".png", L".bmp", L".jpeg"});
 }
 
-}  // namespace FileKinds
+}  // namespace pictures::FileKinds

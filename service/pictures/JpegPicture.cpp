@@ -15,6 +15,8 @@
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
 
+namespace pictures {
+
 namespace {
 
 using suite::ComReference;
@@ -268,3 +270,5 @@ HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file
     }
     return result;
 }
+
+}  // namespace pictures

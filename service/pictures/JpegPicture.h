@@ -10,5 +10,9 @@
 #include <string>
 #include <vector>
 
+namespace pictures {
+
 // `file` gets the bytes of the JPEG file. `source` is only read.
 [[nodiscard]] HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file);
+
+}  // namespace pictures

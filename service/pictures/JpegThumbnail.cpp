@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace JpegThumbnail {
+namespace pictures::JpegThumbnail {
 
 namespace {
 
@@ -69,4 +69,4 @@ Bytes Find(Bytes beginning) {
     return {};
 }
 
-}  // namespace JpegThumbnail
+}  // namespace pictures::JpegThumbnail

@@ -1,7 +1,7 @@
 #pragma once
 // A small picture within a JPEG file, as the format's own extension has it ("JFXX", itself a JPEG file).
 //
-// Why: the gallery shows thirty-two cells of 52 x 32 units; nobody shall wait until as many full pictures are decoded.
+// Why: the gallery shows thirty-two cells of 52 x 32 units; decoding as many full pictures would take seconds.
 // Every other reader of the file passes over it.
 // Threads: pure functions, any thread.
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace JpegThumbnail {
+namespace pictures::JpegThumbnail {
 
 using Bytes = std::span<const std::uint8_t>;
 
@@ -21,4 +21,4 @@ std::vector<std::uint8_t> Embed(Bytes file, Bytes thumbnail);
 // The thumbnail's bytes within those; empty when there is none, or not all of it.
 Bytes Find(Bytes beginning);
 
-}  // namespace JpegThumbnail
+}  // namespace pictures::JpegThumbnail

@@ -13,6 +13,8 @@
 #include "suite/common/Handle.h"
 #include "suite/logger/QxLogger.h"
 
+namespace pictures {
+
 namespace {
 
 constexpr wchar_t kFunction[] = L"RunWhilePainting";
@@ -81,3 +83,5 @@ bool RunWhilePainting(std::function<bool()> work, std::chrono::milliseconds atMo
         return false;
     }
 }
+
+}  // namespace pictures

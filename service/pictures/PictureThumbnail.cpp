@@ -10,6 +10,8 @@
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
 
+namespace pictures {
+
 namespace {
 
 using suite::ComReference;
@@ -74,3 +76,5 @@ suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path) {
     return SUCCEEDED(MakeWicDecoder(factory.Get(), path.c_str(), decoder)) ? Shrink(factory.Get(), decoder.Get())
                                                                            : suite::GdiBitmap();
 }
+
+}  // namespace pictures

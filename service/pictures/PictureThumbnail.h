@@ -5,5 +5,9 @@
 
 #include "suite/common/GdiObject.h"
 
+namespace pictures {
+
 // The thumbnail that the file carries, or else one made of the whole picture; null when the file cannot be read.
 suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path);
+
+}  // namespace pictures

@@ -4,6 +4,8 @@
 
 #include "suite/common/ComReference.h"
 
+namespace pictures {
+
 namespace {
 
 using suite::ComReference;
@@ -58,3 +60,5 @@ suite::GdiBitmap ExtractShellPicture(const std::wstring& path, const SIZE* sizeP
     HBITMAP picture = nullptr;
     return SUCCEEDED(extractor->Extract(&picture)) ? suite::GdiBitmap(picture) : suite::GdiBitmap();
 }
+
+}  // namespace pictures

@@ -8,6 +8,10 @@
 
 #include "suite/common/GdiObject.h"
 
+namespace pictures {
+
 // About that large, in pixels; without a size the extractor decides. Null where there is no extractor for the type, or
 // when it fails.
 suite::GdiBitmap ExtractShellPicture(const std::wstring& path, const SIZE* sizePx = nullptr);
+
+}  // namespace pictures

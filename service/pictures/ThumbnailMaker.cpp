@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace pictures {
+
 ThumbnailMaker::ThumbnailMaker(std::size_t pictureWidth, std::size_t pictureHeight)
     : pictureWidth_(pictureWidth), cropWidth_(pictureWidth), cropHeight_(pictureHeight) {
     if (pictureWidth * kMaxHeight > pictureHeight * kMaxWidth) {
@@ -57,3 +59,5 @@ std::vector<std::uint32_t> ThumbnailMaker::Pixels() const {
     }
     return pixels;
 }
+
+}  // namespace pictures

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace pictures {
+
 class ThumbnailMaker {
   public:
     // A cell's 52 x 32 units at three pixels a unit, the most that a screen is drawn with.
@@ -42,3 +44,5 @@ class ThumbnailMaker {
     std::vector<std::uint32_t> columnOf_;  // thumbnail column of each column of the crop
     std::vector<Sum> sums_;
 };
+
+}  // namespace pictures

@@ -7,6 +7,8 @@
 #include "service/pictures/PaintingWait.h"
 #include "service/pictures/ShellPicture.h"
 
+namespace pictures {
+
 namespace {
 
 // A gallery's cell has 52 x 32 units, three pixels a unit at most.
@@ -29,3 +31,5 @@ suite::GdiBitmap LoadVideoCover(const std::wstring& path) {
         kVideoPatience);
     return loaded ? std::move(*cover) : suite::GdiBitmap();
 }
+
+}  // namespace pictures

@@ -1,5 +1,7 @@
 #include "service/pictures/WicPicture.h"
 
+namespace pictures {
+
 namespace {
 
 constexpr UINT kMaxSidePx = 16384;
@@ -41,3 +43,5 @@ HRESULT MakeWicDecoder(IWICImagingFactory* factory, const wchar_t* path,
     return factory->CreateDecoderFromFilename(path, nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
                                               decoder.Put());
 }
+
+}  // namespace pictures

@@ -10,6 +10,8 @@
 
 #include "suite/common/ComReference.h"
 
+namespace pictures {
+
 class WicPicture {
   public:
     // Fails for a picture without pixels, and for one so large that sizes in bytes would not fit 32 bits.
@@ -32,3 +34,5 @@ class WicPicture {
 [[nodiscard]] HRESULT MakeWicFactory(suite::ComReference<IWICImagingFactory>& factory);
 [[nodiscard]] HRESULT MakeWicDecoder(IWICImagingFactory* factory, const wchar_t* path,
                                      suite::ComReference<IWICBitmapDecoder>& decoder);
+
+}  // namespace pictures

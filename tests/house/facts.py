@@ -1,6 +1,6 @@
 """Facts that stand in one table, and the places that have to say the same: effects (service/EffectTable.h), backgrounds
 (service/FeatureTables.h), settings values (service/SettingNames.h), messages (service/ServiceMessages.h), languages
-(res/values/languages.txt).
+(res/values/languages.txt); and the pictures that layouts name.
 
 The program itself goes by the tables; installer, scripts, demo, layouts and documents cannot, so they are compared.
 """
@@ -158,6 +158,20 @@ def check_messages(tree):
                     tree.wrong(f"{place}: writes {literal} again, which is {name} of {owner}")
 
 
+def check_pictures(tree):
+    """What is named in layouts and code is drawn."""
+    art = tree.root / "res" / "art"
+    drawn = {path.stem for path in (art / "LumiCamera").glob("*.svg")} | {"app_icon"}
+    drawn |= {f"thumb_{path.stem}" for path in (art / "scenes").glob("*.svg")}
+    paths = sorted((tree.root / "res" / "layout").glob("*.xml"))
+    for folder in ("windows", "pages", "service"):
+        paths += sorted(p for p in (tree.root / folder).rglob("*") if p.suffix in (".cpp", ".h"))
+    for path in paths:
+        named = re.findall(r"drawable/LumiCamera/([^'\"]+)\.png", path.read_text(encoding="utf-8"))
+        for name in sorted(set(named) - drawn):
+            tree.wrong(f"{path.relative_to(tree.root)}: {name}.png is drawn nowhere")
+
+
 def check_languages(tree):
     table = languages.read(tree.root)
     installer = "packaging/Pixora.nsi"
@@ -189,5 +203,6 @@ def main(root=ROOT):
     check_backgrounds(tree, backgrounds)
     check_names_of_the_start(tree, names)
     check_messages(tree)
+    check_pictures(tree)
     check_languages(tree)
     return tree.breaches

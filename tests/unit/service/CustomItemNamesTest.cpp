@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace CustomItemNames = pictures::CustomItemNames;
+
 namespace {
 
 using NameMap = std::map<std::wstring, std::wstring>;

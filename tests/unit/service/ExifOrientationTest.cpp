@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace ExifOrientation = pictures::ExifOrientation;
+
 namespace {
 
 using testing::ElementsAre;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace FileKinds = pictures::FileKinds;
+
 namespace {
 
 TEST(FileKindsTest, KnowsPicturesInAnyCase) {

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+namespace JpegThumbnail = pictures::JpegThumbnail;
+
 namespace {
 
 using testing::IsEmpty;

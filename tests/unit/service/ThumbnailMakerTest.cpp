@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using pictures::ThumbnailMaker;
+
 namespace {
 
 using testing::Each;

@@ -4,6 +4,8 @@
 #include "service/pictures/CustomItemNames.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
+namespace CustomItemNames = pictures::CustomItemNames;
+
 namespace {
 
 using testing::ElementsAre;

@@ -4,6 +4,8 @@
 #include "service/pictures/PictureThumbnail.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
+using pictures::LoadPictureThumbnail;
+
 namespace {
 
 using testing::IsEmpty;

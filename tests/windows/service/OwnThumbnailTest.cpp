@@ -2,6 +2,8 @@
 #include "service/pictures/PictureThumbnail.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
+using pictures::LoadPictureThumbnail;
+
 namespace {
 
 class OwnThumbnailTest : public OwnBackgroundsTest {

@@ -17,6 +17,8 @@
 #include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
 
+namespace CustomItemNames = pictures::CustomItemNames;
+
 int wmain(int argc, wchar_t** argv) {
     QxLogger::GetInstance()->InitProcessLogger();
     HKEY registry = nullptr;
