@@ -119,10 +119,14 @@ def jpegs():
 def numbers():
     """For targets that take numbers: bytes of every size, many of them small ones."""
     source = random.Random(1)
-    for target in ("converter", "image_scale", "layout_arithmetic", "picture_geometry", "picture_rows", "raster"):
+    for target in ("converter", "image_scale", "layout_arithmetic", "model", "picture_geometry", "picture_rows",
+                   "raster"):
         for number in range(12):
             least = source.choice((0, 0, 200))
             write(target, f"numbers{number}", bytes(source.randint(0, least + 55) for _ in range(40 + 20 * number)))
+    for number in range(24):
+        # An odd byte at the beginning: elements and attributes by number.
+        write("builder", f"numbers{number}", b"\1" + bytes(source.randint(0, 255) for _ in range(100 + 40 * number)))
 
 
 layouts()
