@@ -15,9 +15,9 @@ foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
 endforeach()
 add_custom_target(pixora_runtime ALL DEPENDS ${PIXORA_RUNTIME_DLLS})
 
-# pixora_shipped(target): the module is part of the installation; its symbols go to symbols/<file>.debug.
-# -p keeps the linker's time stamp, where the tools would write that of now.
-function(pixora_shipped target)
+# pixora_stripped(target): its symbols go to symbols/<file>.debug. -p keeps the linker's time stamp, where the tools
+# would write that of now.
+function(pixora_stripped target)
     set(symbols ${CMAKE_BINARY_DIR}/symbols/$<TARGET_FILE_NAME:${target}>.debug)
     add_custom_command(TARGET ${target} POST_BUILD
         COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/symbols
@@ -25,6 +25,11 @@ function(pixora_shipped target)
         COMMAND ${CMAKE_STRIP} -p --strip-debug --strip-unneeded $<TARGET_FILE:${target}>
         COMMAND ${CMAKE_OBJCOPY} -p --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
         VERBATIM)
+endfunction()
+
+# pixora_shipped(target): the module is part of the installation.
+function(pixora_shipped target)
+    pixora_stripped(${target})
     add_dependencies(${target} pixora_runtime)
     set_property(GLOBAL APPEND PROPERTY PIXORA_SHIPPED_TARGETS ${target})
 endfunction()

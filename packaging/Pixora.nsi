@@ -2,7 +2,13 @@
 ;
 ; PixoraSetup-<version>.exe [/S]            installs, or replaces an installed version in place
 ; UninstallPixora.exe [/S] [/REMOVEDATA]    removes the program; with /REMOVEDATA also what users made with it
-; Exit codes: 0 done, 1 ended by the user, 2 a step failed, 3 Pixora runs and cannot be closed.
+; Exit codes: 0 done, 3010 done when Windows has been restarted. What follows leaves everything as it was:
+; 1 ended by the user, 2 a step failed, 3 Pixora runs and cannot be closed, 4 another program has a file open,
+; 5 a newer version is installed, 6 an MSI package installed Pixora, 7 a shared folder was prepared by somebody else,
+; 8 another installation is under way.
+;
+; Everything is unpacked into WORK first, below the program's folder. From there PixoraSetupHelper (setup/) exchanges it
+; for the installed version, in steps that the next run of either program can undo when the machine stops between two.
 ;
 ; The folder is fixed: the suite's programs share it, and paths in the users' settings name it. The state of the camera
 ; driver and of its algorithm is written by the driver's own installation and never touched here.
@@ -12,10 +18,13 @@ SetCompressor /SOLID lzma
 ManifestDPIAware true
 ManifestSupportedOS all
 RequestExecutionLevel admin
+; A file that cannot be written ends the installation; it is never left out.
+AllowSkipFiles off
 
 !include LogicLib.nsh
 !include FileFunc.nsh
 !include WinVer.nsh
+!include WordFunc.nsh
 !include WinMessages.nsh
 !include nsDialogs.nsh
 !include MUI2.nsh
@@ -29,9 +38,15 @@ RequestExecutionLevel admin
 !define PROGRAM_KEY "${SUITE_KEY}\Pixora"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Pixora"
 !define SETTINGS_KEY "SOFTWARE\Velmora\Quillon\LumiCamera"
-; Everybody may read and make folders here; what somebody makes is theirs; administrators and the system own the rest.
-!define COMMS_RIGHTS "D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)(A;;0x4;;;BU)(A;OICIIO;GA;;;CO)"
+!define WORK "$INSTDIR\Pixora.setup"
+!define EXIT_FAILED 2
 !define EXIT_RUNNING 3
+!define EXIT_IN_USE 4
+!define EXIT_NEWER 5
+!define EXIT_MSI 6
+!define EXIT_FOLDER 7
+!define EXIT_UNDER_WAY 8
+!define EXIT_RESTART 3010
 
 Name "${PROGRAM}"
 OutFile "${TARGET}"
@@ -46,8 +61,8 @@ VIAddVersionKey /LANG=0 "FileVersion" "${VERSION}"
 VIAddVersionKey /LANG=0 "LegalCopyright" "${PUBLISHER}"
 
 Var removeData
-Var upgrading
 Var removeDataBox
+Var lock
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
@@ -126,55 +141,168 @@ FunctionEnd
 !insertmacro CloseFunctions ""
 !insertmacro CloseFunctions "un."
 
+; Ends the run; what it has begun is taken back by .onInstFailed or un.onUninstFailed.
+!macro Fail code text
+    SetErrorLevel ${code}
+    Abort "${text}"
+!macroend
+
+; $0: exit code of the helper as text, $1: the path that a failure is about.
+!macro Helper command folder
+    nsExec::ExecToStack '"${WORK}\PixoraSetupHelper.exe" ${command} "${folder}"'
+    Pop $0
+    Pop $1
+!macroend
+
+; OpenWork: makes WORK with the helper in it. Its file "lock" is open as long as the run lasts: one at a time. What an
+; earlier run left half done is undone.
+; CloseWork: deletes WORK. What cannot go now goes when Windows restarts.
+!macro WorkFunctions un
+Function ${un}OpenWork
+    ClearErrors
+    SetOutPath "${WORK}"
+    FileOpen $lock "${WORK}\lock" w
+    ${If} ${Errors}
+        StrCpy $lock ""
+        ${If} ${FileExists} "${WORK}\lock"
+            MessageBox MB_OK|MB_ICONSTOP "$(TextUnderWay)" /SD IDOK
+            !insertmacro Fail ${EXIT_UNDER_WAY} "$(TextUnderWay)"
+        ${EndIf}
+        !insertmacro Fail ${EXIT_FAILED} "${WORK}"
+    ${EndIf}
+    File "${HELPER}"
+    ; A folder that is somebody's current one cannot be deleted.
+    SetOutPath "$SYSDIR"
+    !insertmacro Helper recover "$INSTDIR"
+    ${If} $0 != 0
+        !insertmacro Fail ${EXIT_FAILED} "$1"
+    ${EndIf}
+FunctionEnd
+
+; Ends what OpenWork began. An antivirus may look at the helper for a moment.
+Function ${un}LeaveWork
+    FileClose $lock
+    StrCpy $lock ""
+    Delete "${WORK}\lock"
+    StrCpy $R0 0
+    ${DoWhile} $R0 < 20
+        Delete "${WORK}\PixoraSetupHelper.exe"
+        RMDir "${WORK}"
+        ${IfNot} ${FileExists} "${WORK}\*.*"
+            ${Break}
+        ${EndIf}
+        Sleep 100
+        IntOp $R0 $R0 + 1
+    ${Loop}
+FunctionEnd
+
+Function ${un}CloseWork
+    SetOutPath "$SYSDIR"
+    !insertmacro Helper clean "$INSTDIR"
+    Call ${un}LeaveWork
+    ${If} ${FileExists} "${WORK}\*.*"
+        RMDir /r /REBOOTOK "${WORK}"
+    ${EndIf}
+FunctionEnd
+
+; What is half done is undone; where even that fails, the next run does it.
+Function ${un}TakeBack
+    SetOutPath "$SYSDIR"
+    ${If} $lock != ""
+        !insertmacro Helper recover "$INSTDIR"
+        Call ${un}LeaveWork
+    ${EndIf}
+FunctionEnd
+
+; Exchange: `command` of the helper until it succeeds; a file in use is told and tried again as long as somebody wants.
+Function ${un}Exchange
+    Exch $2
+    ${Do}
+        !insertmacro Helper $2 "$INSTDIR"
+        ${If} $0 == 0
+            ${Break}
+        ${EndIf}
+        ${If} $0 != ${EXIT_IN_USE}
+            !insertmacro Fail ${EXIT_FAILED} "$1"
+        ${EndIf}
+        MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$(TextInUse)$\n$\n$1" /SD IDCANCEL IDRETRY again
+        !insertmacro Fail ${EXIT_IN_USE} "$1"
+        again:
+    ${Loop}
+    Pop $2
+FunctionEnd
+!macroend
+!insertmacro WorkFunctions ""
+!insertmacro WorkFunctions "un."
+
+!macro Exchange un command
+    Push ${command}
+    Call ${un}Exchange
+!macroend
+
+!macro Refuse code text
+    MessageBox MB_OK|MB_ICONSTOP "${text}" /SD IDOK
+    SetErrorLevel ${code}
+    Quit
+!macroend
+
 Function .onInit
     SetRegView 64
     SetShellVarContext all
     StrCpy $INSTDIR "$PROGRAMFILES64\Velmora\Quillon"
     ${IfNot} ${AtLeastWin10}
-        MessageBox MB_OK|MB_ICONSTOP "$(TextWindows)" /SD IDOK
-        SetErrorLevel 2
-        Quit
+        !insertmacro Refuse ${EXIT_FAILED} "$(TextWindows)"
+    ${EndIf}
+    System::Call '$SYSDIR\msi.dll::MsiEnumRelatedProductsW(w "${UPGRADE_CODE}", i 0, i 0, w .R0) i .R1'
+    ${If} $R1 = 0
+        !insertmacro Refuse ${EXIT_MSI} "$(TextMsi)"
+    ${EndIf}
+    ReadRegStr $R0 HKLM "${PROGRAM_KEY}" "Version"
+    ${VersionCompare} "$R0" "${VERSION}" $R1
+    ${If} $R1 = 1
+        !insertmacro Refuse ${EXIT_NEWER} "$(TextNewer)$\n$\n$R0"
     ${EndIf}
 FunctionEnd
 
-; Makes the folder that the camera service and every user's Pixora share; one that is there keeps its rights.
-Function MakeCommsFolder
-    ${If} ${FileExists} "$APPDATA\Comms\*.*"
-        Return
-    ${EndIf}
-    System::Call 'advapi32::ConvertStringSecurityDescriptorToSecurityDescriptorW(w "${COMMS_RIGHTS}", i 1, *p .R0, p 0) i .R1'
-    ${If} $R1 = 0
-        SetErrorLevel 2
-        Abort "$APPDATA\Comms"
-    ${EndIf}
-    ; SECURITY_ATTRIBUTES as it lies in the memory of a 64-bit process
-    System::Call '*(i 24, i 0, p R0, i 0, i 0) p .R2'
-    System::Call 'kernel32::CreateDirectoryW(w "$APPDATA\Comms", p R2) i .R1'
-    System::Free $R2
-    System::Call 'kernel32::LocalFree(p R0)'
-    ${If} $R1 = 0
-        SetErrorLevel 2
-        Abort "$APPDATA\Comms"
-    ${EndIf}
+Function .onInstFailed
+    Call TakeBack
+    RMDir "$INSTDIR"
+    RMDir "$PROGRAMFILES64\Velmora"
 FunctionEnd
+
+Function un.onUninstFailed
+    Call un.TakeBack
+FunctionEnd
+
+!macro SharedFolders command
+    !insertmacro Helper ${command} "$APPDATA"
+    ${If} $0 == ${EXIT_FOLDER}
+        MessageBox MB_OK|MB_ICONSTOP "$(TextFolder)$\n$\n$1" /SD IDOK
+        !insertmacro Fail ${EXIT_FOLDER} "$1"
+    ${ElseIf} $0 != 0
+        !insertmacro Fail ${EXIT_FAILED} "${WORK}"
+    ${EndIf}
+!macroend
 
 Section "Pixora"
-    Call CloseProgram
-    ; What the older version installed and this one does not have is known to the older version's own uninstaller.
-    ${If} ${FileExists} "$INSTDIR\${UNINSTALLER}"
-        ExecWait '"$INSTDIR\${UNINSTALLER}" /S /UPGRADE _?=$INSTDIR' $0
-        ${If} $0 <> 0
-            SetErrorLevel 2
-            Abort "$INSTDIR\${UNINSTALLER}: $0"
-        ${EndIf}
+    Call OpenWork
+    !insertmacro SharedFolders check-folders
+    !insertmacro UnpackFiles
+    SetOutPath "$SYSDIR"
+    ClearErrors
+    WriteUninstaller "${WORK}\new\${UNINSTALLER}"
+    ${If} ${Errors}
+        !insertmacro Fail ${EXIT_FAILED} "${UNINSTALLER}"
     ${EndIf}
+    Call CloseProgram
+    !insertmacro SharedFolders make-folders
+    !insertmacro Exchange "" install
 
-    !insertmacro InstallFiles
-    WriteUninstaller "$INSTDIR\${UNINSTALLER}"
-    Call MakeCommsFolder
+    ; From here on the new version is installed. What the system cannot note now is noted by the next run.
+    ClearErrors
+    SetOutPath "$INSTDIR"
     CreateShortCut "$SMPROGRAMS\${PROGRAM}.lnk" "$INSTDIR\Pixora.exe" "run" "$INSTDIR\Pixora.exe" 0 SW_SHOWNORMAL "" \
         "$(TextShortcut)"
-
     WriteRegStr HKLM "${PROGRAM_KEY}" "InstallFolder" "$INSTDIR"
     WriteRegStr HKLM "${PROGRAM_KEY}" "Version" "${VERSION}"
     WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${PROGRAM}"
@@ -189,25 +317,25 @@ Section "Pixora"
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" "VersionMinor" ${VERSION_MINOR}
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoModify" 1
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoRepair" 1
+    ${If} ${Errors}
+        !insertmacro Fail ${EXIT_FAILED} "${UNINSTALL_KEY}"
+    ${EndIf}
+    Call CloseWork
+    ${If} ${RebootFlag}
+        SetErrorLevel ${EXIT_RESTART}
+    ${EndIf}
 SectionEnd
 
 Function un.onInit
     SetRegView 64
     SetShellVarContext all
     StrCpy $removeData 0
-    StrCpy $upgrading 0
     ${GetParameters} $R0
     ClearErrors
     ${GetOptions} $R0 "/REMOVEDATA" $R1
     ${IfNot} ${Errors}
         StrCpy $removeData 1
     ${EndIf}
-    ClearErrors
-    ${GetOptions} $R0 "/UPGRADE" $R1
-    ${IfNot} ${Errors}
-        StrCpy $upgrading 1
-    ${EndIf}
-    ClearErrors
 FunctionEnd
 
 Function un.AskWhatToRemove
@@ -257,23 +385,9 @@ FunctionEnd
     !undef settings
 !macroend
 
-; By their names and not the whole tree: every user may write here, and what stands behind a folder's name may be a link
-; to somewhere else.
-Function un.RemovePictures
-    Delete "$APPDATA\Comms\LumiCamera\custom_background_btn_*.jpg"
-    FindFirst $R0 $R1 "$APPDATA\Comms\LumiCamera\S-1-*"
-    ${DoWhile} $R1 != ""
-        Delete "$APPDATA\Comms\LumiCamera\$R1\custom_background_btn_*.jpg"
-        RMDir "$APPDATA\Comms\LumiCamera\$R1"
-        FindNext $R0 $R1
-    ${Loop}
-    FindClose $R0
-    RMDir "$APPDATA\Comms\LumiCamera"
-FunctionEnd
-
 ; The backgrounds of all users; the settings of those who are signed in; log and crash dumps of this one.
 Function un.RemoveData
-    Call un.RemovePictures
+    !insertmacro Helper remove-pictures "$APPDATA"
     StrCpy $R0 0
     ${Do}
         EnumRegKey $R1 HKU "" $R0
@@ -296,20 +410,35 @@ Function un.RemoveData
 FunctionEnd
 
 Section "un.Pixora"
+    Call un.OpenWork
     Call un.CloseProgram
-    !insertmacro RemoveFiles
-    ${If} $upgrading = 0
-        Delete "$SMPROGRAMS\${PROGRAM}.lnk"
-        DeleteRegKey HKLM "${UNINSTALL_KEY}"
-        DeleteRegKey HKLM "${PROGRAM_KEY}"
-        !insertmacro DeleteEmptyKey HKLM "${SUITE_KEY}"
-        !insertmacro DeleteEmptyKey HKLM "Software\Velmora"
-        ${If} $removeData = 1
-            Call un.RemoveData
-        ${EndIf}
-        RMDir "$APPDATA\Comms"
-        Delete "$INSTDIR\${UNINSTALLER}"
-        RMDir "$INSTDIR"
-        RMDir "$PROGRAMFILES64\Velmora"
+    !insertmacro Exchange "un." remove
+
+    ; From here on the program is gone; the uninstaller and its entry go last, so that a stopped run can be done again.
+    ${If} $removeData = 1
+        Call un.RemoveData
     ${EndIf}
+    ClearErrors
+    Delete "$SMPROGRAMS\${PROGRAM}.lnk"
+    ${If} ${Errors}
+        !insertmacro Fail ${EXIT_FAILED} "$SMPROGRAMS\${PROGRAM}.lnk"
+    ${EndIf}
+    Call un.CloseWork
+    RMDir "$APPDATA\Comms\LumiCamera"
+    RMDir "$APPDATA\Comms"
+    DeleteRegKey HKLM "${PROGRAM_KEY}"
+    !insertmacro DeleteEmptyKey HKLM "${SUITE_KEY}"
+    !insertmacro DeleteEmptyKey HKLM "Software\Velmora"
+    DeleteRegKey HKLM "${UNINSTALL_KEY}"
+    ; Started with _?= it runs from here, and whoever waits for it deletes it.
+    ${If} $EXEDIR != $INSTDIR
+        Delete /REBOOTOK "$INSTDIR\${UNINSTALLER}"
+    ${EndIf}
+    ${If} ${RebootFlag}
+        RMDir /REBOOTOK "$INSTDIR"
+        SetErrorLevel ${EXIT_RESTART}
+    ${Else}
+        RMDir "$INSTDIR"
+    ${EndIf}
+    RMDir "$PROGRAMFILES64\Velmora"
 SectionEnd

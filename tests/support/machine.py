@@ -70,6 +70,11 @@ class Wine:
         return subprocess.Popen([self.wine, *command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                 stderr=subprocess.DEVNULL, env=self.environment)
 
+    def output(self, *command, timeout=60):
+        """What it prints."""
+        return subprocess.run([self.wine, *command], stdin=subprocess.DEVNULL, capture_output=True, env=self.environment,
+                              timeout=timeout, check=False).stdout.decode("utf-8", "replace")
+
     def exists(self, path):
         return os.path.exists(os.path.join(self.prefix, path))
 
@@ -88,9 +93,7 @@ class Wine:
 
     def value(self, key, name):
         """The registry value as text; nothing when it is not there."""
-        text = subprocess.run([self.wine, "reg", "query", key, "/v", name], stdin=subprocess.DEVNULL,
-                              capture_output=True, env=self.environment, timeout=60, check=False).stdout
-        for line in text.decode("utf-8", "replace").splitlines():
+        for line in self.output("reg", "query", key, "/v", name).splitlines():
             parts = line.strip().split(None, 2)
             if len(parts) == 3 and parts[0] == name:
                 return parts[2]

@@ -5,23 +5,16 @@ of the test run, the prefix is this test's own."""
 import os
 import pwd
 import shutil
-import subprocess
 import sys
 import time
 import zipfile
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
+import made
+import support
+from support import COMMS, PROGRAM, PROGRAM_KEY, SHORTCUT, UNINSTALL_KEY, check, machine
 
-import machine
-from machine import check
-
-PROGRAM = "drive_c/Program Files/Velmora/Quillon"
-COMMS = "drive_c/ProgramData/Comms"
 LOCAL = f"drive_c/users/{pwd.getpwuid(os.getuid()).pw_name}/AppData/Local/Velmora/Quillon"
 OTHERS = {f"{PROGRAM}/Neighbour.exe", f"{LOCAL}/Report/events.jsonl"}
-SHORTCUT = "drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Pixora.lnk"
-UNINSTALL_KEY = r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Uninstall\Pixora"
-PROGRAM_KEY = r"HKEY_LOCAL_MACHINE\Software\Velmora\Quillon\Pixora"
 SETTINGS_KEY = r"HKEY_CURRENT_USER\Software\Velmora\Quillon\LumiCamera"
 OWN_SETTINGS = ["lumi_camera_switch", "lumi_camera_background_replacement", "lumi_camera_eye_correction"]
 DRIVER_SETTINGS = ["filter_driver_install", "init_algorithm"]
@@ -29,16 +22,12 @@ EXIT_RUNNING = 3
 LEFT_BY_NSIS = "/Temp/"  # the uninstaller's own copy, which the system deletes at its next start
 
 
-def pack(build, out, *options):
-    """The paths of what was made, the installer first."""
-    return subprocess.check_output([sys.executable, "packaging/make", build, out, *options], text=True).splitlines()
-
-
 def install(wine, setup):
     return wine.run(setup, "/S", timeout=120)
 
 
 def uninstall(wine, *options):
+    """As Windows does it: the uninstaller makes a copy of itself, which goes on when it has ended."""
     wine.run("cmd", "/c", r"C:\Program Files\Velmora\Quillon\UninstallPixora.exe", "/S", *options, timeout=120)
     gone = lambda: not wine.exists(f"{PROGRAM}/UninstallPixora.exe") and not wine.value(UNINSTALL_KEY, "DisplayName")
     check(machine.wait_until(gone), "the uninstaller has ended its work")
@@ -58,6 +47,7 @@ def check_installed(wine, staged, version):
 
 def check_symbols(archive, program):
     modules = [name for name in os.listdir(program) if name.startswith(("Pixora", "Qx", "DuiLib"))]
+    modules += ["PixoraSetupHelper.exe", "PixoraSetupActions.dll"]
     packed = {os.path.basename(name) for name in zipfile.ZipFile(archive).namelist()}
     check(packed == {f"{name}.debug" for name in modules}, f"the symbols of {len(modules)} modules are packed")
 
@@ -125,7 +115,7 @@ def use_as_people_do(wine):
 def check_diagnostics(wine):
     code, report = diagnose(wine)
     check(code == 1, "the diagnostics program misses the camera")
-    check("installed version 0.9.0" in report, "and knows the installation")
+    check(f"installed version {made.OLD}" in report, "and knows the installation")
     check("layouts, texts, pictures and libraries are there" in report, "and finds the program whole")
     check("this user can make folders" in report, "and can make folders where own backgrounds belong")
 
@@ -165,25 +155,28 @@ def check_data_removed(wine, files_before, registry_before):
     check(not foreign, f"nothing else stays in the registry: {sorted(foreign)}")
 
 
+def check_versions(wine):
+    """Windows asks the files themselves."""
+    for name in sorted(os.listdir(made.program(wine.build))):
+        if name.endswith((".exe", ".dll")) and not name.startswith("lib"):
+            told = wine.output(wine.tool("SetupTool.exe"), "version", f"{wine.prefix}/{PROGRAM}/{name}").strip()
+            check(told.startswith(f"{made.version(wine.build)}.0 {name} ") and len(told.split()) > 2, f"{name} tells {told}")
+
+
 def main(build):
-    os.chdir(os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)))))
-    out = os.path.join(os.path.dirname(build), "package-test")
-    os.makedirs(out, exist_ok=True)
-    extra = os.path.join(out, "extra.txt")
-    with open(extra, "w", encoding="utf-8") as file:
-        file.write("of the old version\n")
-    [old] = pack(build, os.path.join(out, "old"), "--installer-only", "--version", "0.9.0", "--add",
-                 f"{extra}=res/of-the-old-version.txt")
-    new, portable, symbols = pack(build, os.path.join(out, "new"))
-    check_symbols(symbols, os.path.join(out, "new", "program"))
-    version = os.path.basename(new)[len("PixoraSetup-"):-len(".exe")]
+    os.chdir(support.ROOT)
+    out = os.path.join(os.path.dirname(build), "package-test", "installer")
+    shutil.rmtree(out, ignore_errors=True)
+    os.makedirs(out)
+    old, new = made.old_setup(build), made.path(build, "setup")
+    check_symbols(made.path(build, "symbols"), made.program(build))
 
     with machine.Wine(build, os.path.join(out, "prefix")) as wine:
         shutil.rmtree(f"{wine.prefix}/{COMMS}", ignore_errors=True)
         start_files, start_registry = machine.contents(wine.prefix), wine.registry()
 
         check(install(wine, old) == 0, "the silent installation succeeds")
-        check_installed(wine, os.path.join(out, "old", "program"), "0.9.0")
+        check_installed(wine, made.old_program(build), made.OLD)
         check(run_start_scenarios(wine, r"C:\Program Files\Velmora\Quillon", "*") == 0,
               "the start scenarios pass from the installed place")
         check(run_start_scenarios(wine, r"C:\Nowhere", "StartTest.*") == 1, "and from nowhere else")
@@ -191,16 +184,17 @@ def main(build):
         use_as_people_do(wine)
         check_diagnostics(wine)
         upgrade_running(wine, new)
-        check_installed(wine, os.path.join(out, "new", "program"), version)
+        check_installed(wine, made.program(build), made.version(build))
+        check_versions(wine)
         refuse_when_hanging(wine, new)
         uninstall(wine)
         check_kept(wine, start_files, start_registry)
 
-        try_portable(wine, portable)
+        try_portable(wine, made.path(build, "portable"))
         check(install(wine, new) == 0, "it can be installed again")
         uninstall(wine, "/REMOVEDATA")
         check_data_removed(wine, start_files, start_registry)
-    print("package: all passed")
+    print("package_installer: all passed")
 
 
 if __name__ == "__main__":
