@@ -6,7 +6,7 @@
 
 void CCustomItemOption::DoEvent(const DuiLib::TEventUI& event) {
     DuiLib::CPaintManagerUI* const manager = GetManager();
-    if (event.type == DuiLib::EventType::KeyDown && event.key == VK_DELETE && manager) {
+    if (event.type == DuiLib::EventType::kKeyDown && event.key == VK_DELETE && manager) {
         if (DuiLib::CControlUI* button = manager->FindControl(GetName() + pictures::CustomItemNames::kDeleteSuffix)) {
             manager->SendNotify(button, DuiLib::NotifyType::kClick);
         }

@@ -80,9 +80,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     REQUIRE(length <= markup.size());
     REQUIRE(SpokenText(html).size() <= length + html.runs.size());
     for (const int width : {0, 1, 40, 300, 1 << 24}) {
-        CheckLayout(html, width, true, HtmlLayout::Align::Near, false);
+        CheckLayout(html, width, true, HtmlLayout::Align::kNear, false);
     }
-    CheckLayout(html, 120, true, HtmlLayout::Align::Center, true);
-    CheckLayout(html, 120, false, HtmlLayout::Align::Far, true);
+    CheckLayout(html, 120, true, HtmlLayout::Align::kCenter, true);
+    CheckLayout(html, 120, false, HtmlLayout::Align::kFar, true);
     return 0;
 }

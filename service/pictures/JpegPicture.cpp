@@ -11,9 +11,9 @@
 #include "service/pictures/ExifOrientation.h"
 #include "service/pictures/JpegThumbnail.h"
 #include "service/pictures/ThumbnailMaker.h"
-#include "service/pictures/WicPicture.h"
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
+#include "suite/common/WicPicture.h"
 
 namespace pictures {
 
@@ -30,7 +30,7 @@ struct Picture {
     int orientation = ExifOrientation::kUpright;
     bool isPlain = false;  // its own pixels are three bytes, blue, green, red
     ComReference<IWICBitmapDecoder> decoder;
-    WicPicture file;
+    suite::WicPicture file;
 
     UINT UprightWidth() const { return ExifOrientation::SwapsSides(orientation) ? file.Height() : file.Width(); }
     UINT UprightHeight() const { return ExifOrientation::SwapsSides(orientation) ? file.Width() : file.Height(); }
@@ -48,7 +48,7 @@ int OrientationOf(const std::wstring& path) {
 }
 
 HRESULT Open(IWICImagingFactory* factory, const std::wstring& path, Picture& picture) {
-    HRESULT result = MakeWicDecoder(factory, path.c_str(), picture.decoder);
+    HRESULT result = suite::MakeWicDecoder(factory, path.c_str(), picture.decoder);
     if (SUCCEEDED(result)) {
         result = picture.file.Open(factory, picture.decoder.Get());
     }
@@ -252,7 +252,7 @@ std::vector<std::uint8_t> EncodeThumbnail(IWICImagingFactory* factory, const Thu
 
 HRESULT EncodeAsJpeg(const std::wstring& source, std::vector<std::uint8_t>& file) {
     ComReference<IWICImagingFactory> factory;
-    HRESULT result = MakeWicFactory(factory);
+    HRESULT result = suite::MakeWicFactory(factory);
     Picture picture;
     if (SUCCEEDED(result)) {
         result = Open(factory.Get(), source, picture);

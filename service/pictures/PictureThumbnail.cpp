@@ -6,9 +6,9 @@
 
 #include "service/pictures/JpegThumbnail.h"
 #include "service/pictures/ThumbnailMaker.h"
-#include "service/pictures/WicPicture.h"
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
+#include "suite/common/WicPicture.h"
 
 namespace pictures {
 
@@ -33,7 +33,7 @@ std::vector<std::uint8_t> BeginningOf(const std::wstring& path) {
 
 // Null when the decoder's picture cannot be read.
 suite::GdiBitmap Shrink(IWICImagingFactory* factory, IWICBitmapDecoder* decoder) {
-    WicPicture picture;
+    suite::WicPicture picture;
     if (FAILED(picture.Open(factory, decoder))) {
         return {};
     }
@@ -55,7 +55,7 @@ suite::GdiBitmap Shrink(IWICImagingFactory* factory, IWICBitmapDecoder* decoder)
 
 suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path) {
     ComReference<IWICImagingFactory> factory;
-    if (FAILED(MakeWicFactory(factory))) {
+    if (FAILED(suite::MakeWicFactory(factory))) {
         return {};
     }
     std::vector<std::uint8_t> beginning = BeginningOf(path);
@@ -73,8 +73,8 @@ suite::GdiBitmap LoadPictureThumbnail(const std::wstring& path) {
         }
     }
     ComReference<IWICBitmapDecoder> decoder;
-    return SUCCEEDED(MakeWicDecoder(factory.Get(), path.c_str(), decoder)) ? Shrink(factory.Get(), decoder.Get())
-                                                                           : suite::GdiBitmap();
+    return SUCCEEDED(suite::MakeWicDecoder(factory.Get(), path.c_str(), decoder)) ? Shrink(factory.Get(), decoder.Get())
+                                                                                  : suite::GdiBitmap();
 }
 
 }  // namespace pictures

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "suite/common/LocalFolder.h"
+#include "suite/common/MutexLock.h"
 
 namespace suite {
 
@@ -12,27 +13,6 @@ namespace {
 
 constexpr DWORD kLockWaitMs = 500;
 constexpr std::uint64_t kRotationRetryBytes = 64 * 1024;
-
-class MutexLock {
-  public:
-    explicit MutexLock(HANDLE mutex) : mutex_(mutex) {
-        const DWORD result = WaitForSingleObject(mutex_, kLockWaitMs);
-        held_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
-    }
-    ~MutexLock() {
-        if (held_) {
-            ReleaseMutex(mutex_);
-        }
-    }
-    MutexLock(const MutexLock&) = delete;
-    MutexLock& operator=(const MutexLock&) = delete;
-
-    bool Held() const { return held_; }
-
-  private:
-    HANDLE mutex_;
-    bool held_;
-};
 
 Handle MakeMutex(const std::wstring& path) {
     Handle mutex(CreateMutexW(nullptr, FALSE, SharedAppendFile::MutexName(path).c_str()));
@@ -75,21 +55,21 @@ std::wstring SharedAppendFile::MutexName(const std::wstring& path) {
 }
 
 bool SharedAppendFile::Open() {
-    MutexLock lock(mutex_.Get());
-    return lock.Held() && Reopen();
+    const MutexLock lock(mutex_.Get(), kLockWaitMs);
+    return lock.IsHeld() && Reopen();
 }
 
 bool SharedAppendFile::Append(std::string_view line) {
-    MutexLock lock(mutex_.Get());
-    if (!lock.Held()) {
+    const MutexLock lock(mutex_.Get(), kLockWaitMs);
+    if (!lock.IsHeld()) {
         return Write(OpenForAppend().Get(), line);
     }
     return EnsureRoom() && Write(file_.Get(), line);
 }
 
 void SharedAppendFile::Close() {
-    MutexLock lock(mutex_.Get());
-    if (lock.Held()) {
+    const MutexLock lock(mutex_.Get(), kLockWaitMs);
+    if (lock.IsHeld()) {
         file_.Reset();
     }
 }

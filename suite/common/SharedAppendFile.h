@@ -32,7 +32,7 @@ class SharedAppendFile {
     bool Open();
     // Writes `line` as it is. False when it could not be written or the file is full.
     bool Append(std::string_view line);
-    // Lets go of the file until the next Append.
+    // Closes the file until the next Append.
     void Close();
 
   private:

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <memory>
 
+#include "suite/common/MutexLock.h"
 #include "suite/crashdump/DumpFolder.h"
 #include "suite/logger/QxLogger.h"
 
@@ -15,36 +16,14 @@ namespace {
 
 constexpr const wchar_t* kFunction = L"DumpWriter::WaitAndWrite";
 
-// A thread that died inside leaves the turn to the next one.
-class Turn {
-  public:
-    explicit Turn(HANDLE mutex) : mutex_(mutex) {
-        const DWORD result = WaitForSingleObject(mutex_, kPatienceMs);
-        mine_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
-    }
-    ~Turn() {
-        if (mine_) {
-            ReleaseMutex(mutex_);
-        }
-    }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-
-    bool IsMine() const { return mine_; }
-
-  private:
-    HANDLE mutex_;
-    bool mine_;
-};
-
 using MiniDumpWriteDumpFunction = decltype(&MiniDumpWriteDump);
 
 // The debugging library is loaded when it is needed: at every start it would cost milliseconds.
 MiniDumpWriteDumpFunction FindMiniDumpWriteDump() {
     const HMODULE library = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return !library ? nullptr
-                    : reinterpret_cast<MiniDumpWriteDumpFunction>(
-                          reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
+    return library ? reinterpret_cast<MiniDumpWriteDumpFunction>(
+                         reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")))
+                   : nullptr;
 }
 
 // " 0xC0000005 at Pixora.exe+0x1234".
@@ -83,8 +62,8 @@ DumpWriter* DumpWriter::Start(std::wstring folder, std::wstring program) {
 }
 
 void DumpWriter::WriteOnce(EXCEPTION_POINTERS* exception, const wchar_t* reason) {
-    const Turn turn(turn_.Get());
-    if (!turn.IsMine() || requestedOnce_) {
+    const MutexLock turn(turn_.Get(), kPatienceMs);
+    if (!turn.IsHeld() || requestedOnce_) {
         return;
     }
     requestedOnce_ = true;

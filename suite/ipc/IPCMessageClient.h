@@ -18,7 +18,7 @@
 #include <memory>
 #include <string>
 
-#include "suite/ipc/Export.h"
+#include "suite/common/Export.h"
 #include "suite/ipc/TagIPCMessageItem.h"
 
 class SUITE_IPC_API IPCMessageClient {

@@ -10,7 +10,7 @@
 #include <sstream>
 #include <string>
 
-#include "suite/logger/Export.h"
+#include "suite/common/Export.h"
 
 // The levels in use; the numbers belong to the suite.
 namespace LogLevel {

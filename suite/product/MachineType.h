@@ -2,7 +2,7 @@
 // Which machine this is, by the name that configuration files are keyed with. Any thread. Nothing throws.
 #include <string>
 
-#include "suite/product/Export.h"
+#include "suite/common/Export.h"
 
 namespace ProductAdapt {
 

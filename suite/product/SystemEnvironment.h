@@ -7,7 +7,7 @@
 // Any thread. Nothing throws.
 #include <string>
 
-#include "suite/product/Export.h"
+#include "suite/common/Export.h"
 
 class SUITE_PRODUCT_API SystemEnvironment {
   public:

@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include "suite/registry/Export.h"
+#include "suite/common/Export.h"
 
 namespace DE {
 

@@ -6,7 +6,7 @@
 // read-only folder or a lock held by somebody else changes nothing for the caller. Any thread. Nothing throws.
 #include <string>
 
-#include "suite/report/Export.h"
+#include "suite/common/Export.h"
 
 class SUITE_REPORT_API EventDataReport {
   public:

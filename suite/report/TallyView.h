@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "suite/report/Export.h"
+#include "suite/common/Export.h"
 
 class SUITE_REPORT_API TallyEvent {
   public:

@@ -2,7 +2,7 @@
 // Opens web addresses in the user's browser. Any thread. Nothing throws.
 #include <string>
 
-#include "suite/url/Export.h"
+#include "suite/common/Export.h"
 
 namespace ntx::util {
 

@@ -2,7 +2,7 @@
 // The suite's file utility, as far as this program uses it. Any thread. Nothing throws.
 #include <string>
 
-#include "suite/xml/Export.h"
+#include "suite/common/Export.h"
 
 class SUITE_XML_API FileInfo {
   public:

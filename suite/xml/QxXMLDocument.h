@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "suite/xml/Export.h"
+#include "suite/common/Export.h"
 
 namespace suite {
 struct XmlElement;

@@ -4,31 +4,6 @@
 
 namespace suite {
 
-HRESULT Utf8Stream::QueryInterface(REFIID id, void** object) {
-    if (!object) {
-        return E_POINTER;
-    }
-    if (id != __uuidof(IUnknown) && id != __uuidof(ISequentialStream)) {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<ISequentialStream*>(this);
-    AddRef();
-    return S_OK;
-}
-
-ULONG Utf8Stream::AddRef() {
-    return static_cast<ULONG>(InterlockedIncrement(&references_));
-}
-
-ULONG Utf8Stream::Release() {
-    const LONG left = InterlockedDecrement(&references_);
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
-}
-
 HRESULT Utf8Stream::Read(void* bytes, ULONG size, ULONG* read) {
     if (!bytes) {
         return STG_E_INVALIDPOINTER;

@@ -11,28 +11,22 @@
 
 #include <string_view>
 
+#include "suite/common/ComObject.h"
+
 namespace suite {
 
-// COM's interfaces have no virtual destructor; nothing is deleted through one.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-class Utf8Stream final : public ISequentialStream {
+class Utf8Stream final : public ComObject<ISequentialStream> {
   public:
     // Begins with one reference, the caller's.
     explicit Utf8Stream(std::string_view text) : rest_(text) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE Read(void* bytes, ULONG size, ULONG* read) override;
     HRESULT STDMETHODCALLTYPE Write(const void* bytes, ULONG size, ULONG* written) override;
 
   private:
-    ~Utf8Stream() = default;
+    ~Utf8Stream() override = default;
 
-    LONG references_ = 1;
     std::string_view rest_;
 };
-#pragma GCC diagnostic pop
 
 }  // namespace suite

@@ -186,7 +186,7 @@ class Walk {
             rest_.remove_prefix(1);
         }
         const std::u32string_view name = TakenSince(all);
-        // A reference is no part of a name, so none may be in need of one.
+        // Names hold no references, so a name must not need one (AsUtf8).
         if (name.size() >= kLongestRunBeyondAscii) {
             Fail(XmlVerdict::kRefused, MoreThan(kLongestRunBeyondAscii - 1, L"characters in a name"));
             return {};

@@ -106,22 +106,16 @@ class TreeReader {
         return result;
     }
 
-    HRESULT TakeName(std::wstring& name) {
-        const wchar_t* text = nullptr;
-        UINT length = 0;
-        const HRESULT result = reader_.GetQualifiedName(&text, &length);
-        if (SUCCEEDED(result) && text) {
-            name.assign(text, length);
-        }
-        return result;
-    }
+    HRESULT TakeName(std::wstring& name) { return Take(&IXmlReader::GetQualifiedName, name); }
+    HRESULT TakeValue(std::wstring& value) { return Take(&IXmlReader::GetValue, value); }
 
-    HRESULT TakeValue(std::wstring& value) {
+    template <typename Question>
+    HRESULT Take(Question question, std::wstring& answer) {
         const wchar_t* text = nullptr;
         UINT length = 0;
-        const HRESULT result = reader_.GetValue(&text, &length);
+        const HRESULT result = (reader_.*question)(&text, &length);
         if (SUCCEEDED(result) && text) {
-            value.assign(text, length);
+            answer.assign(text, length);
         }
         return result;
     }
@@ -164,7 +158,7 @@ void ReadSound(std::string_view utf8, unsigned linesBefore, XmlDocument& documen
     }
 }
 
-// The whole file, or one byte more than the largest that is read. May be asked for less than there is.
+// The whole file, or one byte more than the largest that is read.
 DWORD ReadWhole(HANDLE file, std::string& bytes) {
     bytes.resize(kMostXmlBytes + 1);
     std::size_t filled = 0;
@@ -204,7 +198,7 @@ XmlDocument ReadXmlText(std::string_view bytes) {
     if (!readable.empty()) {
         ReadSound(readable, judgement.linesBefore, document);
     }
-    // What the reader says is in front of what the gate found.
+    // A fault that the reader finds lies before the gate's.
     if (document.fault.empty() && judgement.verdict != XmlVerdict::kSound) {
         document.fault = judgement.fault;
         document.faultLine = judgement.faultLine;

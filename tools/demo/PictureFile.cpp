@@ -2,40 +2,27 @@
 
 #include <windows.h>
 
-#include <wincodec.h>
-
 #include "suite/common/ComApartment.h"
-#include "suite/common/ComReference.h"
+#include "suite/common/WicPicture.h"
 
 namespace {
 
-HRESULT Decode(IWICImagingFactory* factory, const std::wstring& path, democamera::Picture& picture) {
+HRESULT Decode(const std::wstring& path, democamera::Picture& picture) {
+    suite::ComReference<IWICImagingFactory> factory;
     suite::ComReference<IWICBitmapDecoder> decoder;
-    suite::ComReference<IWICBitmapFrameDecode> frame;
-    suite::ComReference<IWICFormatConverter> converter;
-    UINT width = 0;
-    UINT height = 0;
-    HRESULT result = factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                                        WICDecodeMetadataCacheOnDemand, decoder.Put());
+    suite::WicPicture file;
+    HRESULT result = suite::MakeWicFactory(factory);
     if (SUCCEEDED(result)) {
-        result = decoder->GetFrame(0, frame.Put());
+        result = suite::MakeWicDecoder(factory.Get(), path.c_str(), decoder);
     }
     if (SUCCEEDED(result)) {
-        result = factory->CreateFormatConverter(converter.Put());
+        result = file.Open(factory.Get(), decoder.Get(), GUID_WICPixelFormat32bppBGR);
     }
     if (SUCCEEDED(result)) {
-        result = converter->Initialize(frame.Get(), GUID_WICPixelFormat32bppBGR, WICBitmapDitherTypeNone, nullptr, 0,
-                                       WICBitmapPaletteTypeCustom);
-    }
-    if (SUCCEEDED(result)) {
-        result = converter->GetSize(&width, &height);
-    }
-    if (SUCCEEDED(result)) {
-        picture.width = static_cast<int>(width);
-        picture.height = static_cast<int>(height);
-        picture.pixels.resize(std::size_t{width} * height);
-        result = converter->CopyPixels(nullptr, 4 * width, 4 * width * height,
-                                       reinterpret_cast<BYTE*>(picture.pixels.data()));
+        picture.width = static_cast<int>(file.Width());
+        picture.height = static_cast<int>(file.Height());
+        picture.pixels.resize(std::size_t{file.Width()} * file.Height());
+        result = file.ReadRows(0, file.Height(), picture.pixels.data());
     }
     return result;
 }
@@ -45,12 +32,7 @@ HRESULT Decode(IWICImagingFactory* factory, const std::wstring& path, democamera
 std::shared_ptr<const democamera::Picture> LoadPicture(const std::wstring& path) {
     const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);
     auto picture = std::make_shared<democamera::Picture>();
-    suite::ComReference<IWICImagingFactory> factory;
-    HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                      factory.PutVoid());
-    if (SUCCEEDED(result)) {
-        result = Decode(factory.Get(), path, *picture);
-    }
+    const HRESULT result = Decode(path, *picture);
     if (FAILED(result) || picture->pixels.empty()) {
         return nullptr;
     }

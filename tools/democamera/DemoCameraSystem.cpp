@@ -5,8 +5,8 @@
 #include <mutex>
 
 #include "preview/CameraSystem.h"
+#include "suite/common/ComObject.h"
 #include "suite/common/ComReference.h"
-#include "tools/democamera/ComObject.h"
 
 namespace democamera {
 
@@ -17,7 +17,7 @@ constexpr GUID kCameraAttribute = {0x5d3f5c11, 0x0c2e, 0x4b7a, {0x8e, 0x66, 0x19
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // deleted by Release alone
-class CameraHolder : public ComObject<IUnknown> {
+class CameraHolder : public suite::ComObject<IUnknown> {
   public:
     explicit CameraHolder(std::shared_ptr<DemoCamera> camera) : camera_(std::move(camera)) {}
     DemoCamera& Camera() const { return *camera_; }

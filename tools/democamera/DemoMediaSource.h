@@ -12,7 +12,7 @@
 #include <memory>
 #include <mutex>
 
-#include "tools/democamera/ComObject.h"
+#include "suite/common/ComObject.h"
 #include "tools/democamera/DemoCamera.h"
 
 namespace democamera {
@@ -21,7 +21,7 @@ class DemoMediaStream;
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // deleted by Release alone
-class DemoMediaSource : public ComObject<IMFMediaSource, IMFMediaEventGenerator> {
+class DemoMediaSource : public suite::ComObject<IMFMediaSource, IMFMediaEventGenerator> {
   public:
     static HRESULT Make(std::shared_ptr<DemoCamera> camera, IMFMediaSource** source);
 

@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-#include "tools/democamera/ComObject.h"
+#include "suite/common/ComObject.h"
 #include "tools/democamera/DemoCamera.h"
 
 namespace democamera {
@@ -24,7 +24,7 @@ class DemoMediaSource;
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // deleted by Release alone
-class DemoMediaStream : public ComObject<IMFMediaStream, IMFMediaEventGenerator> {
+class DemoMediaStream : public suite::ComObject<IMFMediaStream, IMFMediaEventGenerator> {
   public:
     // `source`: borrowed until Halt with `forGood`.
     static HRESULT Make(std::shared_ptr<DemoCamera> camera, DemoMediaSource* source, IMFStreamDescriptor* descriptor,

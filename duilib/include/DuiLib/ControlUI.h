@@ -61,9 +61,10 @@ inline constexpr unsigned kStateHot = 0x08;
 inline constexpr unsigned kStatePushed = 0x10;
 inline constexpr unsigned kStateCaptured = 0x40;
 
-enum class AttributeResult { Ok, Unknown, BadValue };
+enum class AttributeResult { kOk, kUnknown, kBadValue };
 
-enum class HAlign { Left, Center, Right };
+enum class HAlign { kLeft, kCenter, kRight };
+enum class VAlign { kTop, kCenter, kBottom };
 
 // What a control is to a screen reader.
 struct AccessibleInfo {
@@ -76,8 +77,8 @@ struct AccessibleInfo {
 
 // A length that a layout gives: a number of units, or one of the two words.
 struct LengthDip {
-    enum class Kind { Fill, Auto, Fixed };
-    Kind kind = Kind::Fill;
+    enum class Kind { kFill, kAuto, kFixed };
+    Kind kind = Kind::kFill;
     int value = 0;
     bool operator==(const LengthDip&) const = default;
 };
@@ -237,7 +238,7 @@ class DUILIB_API CControlUI {
     std::wstring name_, text_, toolTip_, accName_, virtualWnd_, userData_, bkImage_;
     bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false;
     std::optional<bool> keyboard_;
-    HAlign align_ = HAlign::Left;
+    HAlign align_ = HAlign::kLeft;
     LengthDip width_, height_;
     Size minSizeDip_{0, 0};
     Size maxSizeDip_;

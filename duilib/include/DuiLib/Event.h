@@ -7,18 +7,18 @@
 namespace DuiLib {
 
 enum class EventType {
-    MouseEnter,  // also for each ancestor: the pointer came onto the control or something in it
-    MouseLeave,
-    MouseMove,
-    MouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
-    ButtonDown,  // left button; the second press of a double click is one more
-    ButtonUp,
-    KeyDown,  // `key`
-    KeyUp,
-    SetFocus,
-    KillFocus,
-    CaptureLost,  // the capture went to somebody else; whatever is being dragged ends
-    SetCursor
+    kMouseEnter,  // also for each ancestor: the pointer came onto the control or something in it
+    kMouseLeave,
+    kMouseMove,
+    kMouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
+    kButtonDown,  // left button; the second press of a double click is one more
+    kButtonUp,
+    kKeyDown,  // `key`
+    kKeyUp,
+    kSetFocus,
+    kKillFocus,
+    kCaptureLost,  // the capture went to somebody else; whatever is being dragged ends
+    kSetCursor
 };
 
 struct TEventUI {

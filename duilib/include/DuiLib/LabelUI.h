@@ -30,8 +30,6 @@ class DUILIB_API CLabelUI : public CControlUI {
     UINT GetTextStyle() const;
 
   protected:
-    enum class VAlign { Top, Center, Bottom };
-
     Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     // Colour of the text in the present state.
@@ -47,7 +45,7 @@ class DUILIB_API CLabelUI : public CControlUI {
 
     int font_ = -1;
     DWORD textColor_ = 0, disabledTextColor_ = 0;
-    VAlign valign_ = VAlign::Center;
+    VAlign valign_ = VAlign::kCenter;
     Rect textPaddingDip_;
     bool wordWrap_ = false, endEllipsis_ = false;
 };

@@ -34,11 +34,10 @@ class DUILIB_API CHorizontalLayoutUI : public CContainerUI {
 
   private:
     friend struct HorizontalLayoutAttributes;  // the attribute table
-    enum class VAlign { Top, Center, Bottom };
 
     std::vector<LineItem> Items(Size availablePx) const;
 
-    VAlign valign_ = VAlign::Top;
+    VAlign valign_ = VAlign::kTop;
 };
 
 // Rows of cells of one size, filled in reading order.

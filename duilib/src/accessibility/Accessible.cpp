@@ -59,18 +59,10 @@ UINT DefaultActionMessage() {
 }
 
 HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
-    if (!object) {
-        return E_POINTER;
+    if (iid != IID_IEnumVARIANT || !object) {
+        return ComObject::QueryInterface(iid, object);
     }
     *object = nullptr;
-    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID_IAccessible) {
-        *object = static_cast<IAccessible*>(this);
-        AddRef();
-        return S_OK;
-    }
-    if (iid != IID_IEnumVARIANT) {
-        return E_NOINTERFACE;
-    }
     if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
@@ -82,18 +74,6 @@ HRESULT WindowAccessible::QueryInterface(REFIID iid, void** object) {
         *object = static_cast<IEnumVARIANT*>(new AccessibleIds(std::move(ids), 0));
         return S_OK;
     });
-}
-
-ULONG WindowAccessible::AddRef() {
-    return static_cast<ULONG>(InterlockedIncrement(&references_));
-}
-
-ULONG WindowAccessible::Release() {
-    const LONG left = InterlockedDecrement(&references_);
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
 }
 
 HRESULT WindowAccessible::GetTypeInfoCount(UINT* count) {

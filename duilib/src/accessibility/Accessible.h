@@ -13,6 +13,8 @@
 
 #include <vector>
 
+#include "suite/common/ComObject.h"
+
 namespace DuiLib {
 
 class CControlUI;
@@ -21,20 +23,14 @@ class CPaintManagerUI;
 // Posted to the window with a control's id in lParam: run its default action.
 UINT DefaultActionMessage();
 
-// COM interfaces have no virtual destructor; their implementations are final and destroyed by their own Release.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
-class WindowAccessible final : public IAccessible {
+class WindowAccessible final : public suite::ComObject<IAccessible, IDispatch> {
   public:
     // `manager` is borrowed until Disconnect. The caller holds the first reference.
     explicit WindowAccessible(CPaintManagerUI& manager) : manager_(&manager) {}
     void Disconnect() { manager_ = nullptr; }
 
-    // IUnknown, IDispatch
+    // IUnknown: beside its own interfaces a list of the children. IDispatch
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
@@ -66,7 +62,7 @@ class WindowAccessible final : public IAccessible {
     HRESULT STDMETHODCALLTYPE put_accValue(VARIANT id, BSTR value) override;
 
   private:
-    ~WindowAccessible() = default;
+    ~WindowAccessible() override = default;
     std::vector<CControlUI*> Elements() const;
     // S_OK: `control` is the element, or null for the window itself.
     HRESULT Find(const VARIANT& id, CControlUI*& control) const;
@@ -74,10 +70,7 @@ class WindowAccessible final : public IAccessible {
     template <typename Operation>
     HRESULT WithElement(const VARIANT& id, const Operation& operation) const;
 
-    LONG references_ = 1;
     CPaintManagerUI* manager_;  // null: the window is gone
 };
-
-#pragma GCC diagnostic pop
 
 }  // namespace DuiLib

@@ -6,31 +6,6 @@
 
 namespace DuiLib {
 
-HRESULT AccessibleIds::QueryInterface(REFIID iid, void** object) {
-    if (!object) {
-        return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IEnumVARIANT*>(this);
-    AddRef();
-    return S_OK;
-}
-
-ULONG AccessibleIds::AddRef() {
-    return static_cast<ULONG>(InterlockedIncrement(&references_));
-}
-
-ULONG AccessibleIds::Release() {
-    const LONG left = InterlockedDecrement(&references_);
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
-}
-
 HRESULT AccessibleIds::Next(ULONG count, VARIANT* items, ULONG* fetched) {
     if (!items) {
         return E_POINTER;

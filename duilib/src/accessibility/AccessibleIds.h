@@ -9,33 +9,25 @@
 #include <utility>
 #include <vector>
 
+#include "suite/common/ComObject.h"
+
 namespace DuiLib {
 
-// COM interfaces have no virtual destructor; their implementations are final and destroyed by their own Release.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
-class AccessibleIds final : public IEnumVARIANT {
+class AccessibleIds final : public suite::ComObject<IEnumVARIANT> {
   public:
     // `next`: index of the one that is given next. The caller holds the first reference.
     AccessibleIds(std::vector<long> ids, std::size_t next) : ids_(std::move(ids)), next_(next) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override;
     HRESULT STDMETHODCALLTYPE Skip(ULONG count) override;
     HRESULT STDMETHODCALLTYPE Reset() override;
     HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) override;
 
   private:
-    ~AccessibleIds() = default;
+    ~AccessibleIds() override = default;
 
-    LONG references_ = 1;
     const std::vector<long> ids_;
     std::size_t next_;
 };
-
-#pragma GCC diagnostic pop
 
 }  // namespace DuiLib

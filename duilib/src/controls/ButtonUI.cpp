@@ -25,16 +25,16 @@ struct ButtonAttributes {
 };
 
 CButtonUI::CButtonUI() {
-    SetAlign(HAlign::Center);
+    SetAlign(HAlign::kCenter);
 }
 
 AttributeResult CButtonUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(ButtonAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CLabelUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CLabelUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo CButtonUI::GetAccessibleInfo() const {
-    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    // A label that is pressed or filled is no static text. NOLINTNEXTLINE(bugprone-parent-virtual-call)
     AccessibleInfo info = CControlUI::GetAccessibleInfo();
     info.role = checked_ ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_PUSHBUTTON;
     info.defaultAction = !checked_ ? L"Press" : *checked_ ? L"Uncheck" : L"Check";
@@ -74,7 +74,7 @@ void CButtonUI::SetEnabled(bool enabled) {
 
 void CButtonUI::DoEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::MouseEnter:
+        case EventType::kMouseEnter:
             if (IsEnabled()) {
                 FollowPointer(event.mousePx);
                 SetState(GetState() | kStateHot);
@@ -82,17 +82,17 @@ void CButtonUI::DoEvent(const TEventUI& event) {
                 SendNotify(NotifyType::kMouseEnter);
             }
             return;
-        case EventType::MouseLeave:
+        case EventType::kMouseLeave:
             SetState(GetState() & ~(kStateHot | ((GetState() & kStateCaptured) != 0 ? kStatePushed : 0)));
             if (entered_) {
                 entered_ = false;
                 SendNotify(NotifyType::kMouseLeave);
             }
             return;
-        case EventType::MouseMove:
+        case EventType::kMouseMove:
             FollowPointer(event.mousePx);
             return;
-        case EventType::ButtonDown:
+        case EventType::kButtonDown:
             if (IsEnabled()) {
                 SetState(GetState() | kStateHot | kStatePushed | kStateCaptured);
                 if (GetManager()) {
@@ -101,19 +101,19 @@ void CButtonUI::DoEvent(const TEventUI& event) {
                 SendNotify(NotifyType::kButtonDown);
             }
             return;
-        case EventType::ButtonUp:
+        case EventType::kButtonUp:
             ButtonUp(event.mousePx);
             return;
-        case EventType::CaptureLost:
+        case EventType::kCaptureLost:
             SetState(GetState() & ~(kStatePushed | kStateCaptured));
             return;
-        case EventType::KeyDown:
-        case EventType::KeyUp:
+        case EventType::kKeyDown:
+        case EventType::kKeyUp:
             if (HandleKey(event)) {
                 return;
             }
             break;
-        case EventType::KillFocus:
+        case EventType::kKillFocus:
             if ((GetState() & kStateCaptured) == 0) {
                 SetState(GetState() & ~kStatePushed);
             }
@@ -156,10 +156,10 @@ bool CButtonUI::HandleKey(const TEventUI& event) {
         return true;
     }
     if (event.key == VK_RETURN) {
-        if (event.type == EventType::KeyDown) {
+        if (event.type == EventType::kKeyDown) {
             Activate();
         }
-    } else if (event.type == EventType::KeyDown) {
+    } else if (event.type == EventType::kKeyDown) {
         SetState(GetState() | kStatePushed);
     } else if ((GetState() & kStatePushed) != 0) {
         SetState(GetState() & ~kStatePushed);

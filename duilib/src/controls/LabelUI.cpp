@@ -3,7 +3,7 @@
 #include <oleacc.h>
 
 #include "DuiLib/PaintManagerUI.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 #include "text/TextRenderer.h"
 
@@ -18,19 +18,6 @@ struct LabelAttributes {
     }
     static bool DisabledTextColor(CLabelUI& c, std::wstring_view value) {
         return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetDisabledTextColor(argb); });
-    }
-    static bool VerticalAlign(CLabelUI& c, std::wstring_view value) {
-        if (value == L"top") {
-            c.valign_ = CLabelUI::VAlign::Top;
-        } else if (value == L"center") {
-            c.valign_ = CLabelUI::VAlign::Center;
-        } else if (value == L"bottom") {
-            c.valign_ = CLabelUI::VAlign::Bottom;
-        } else {
-            return false;
-        }
-        c.Invalidate();
-        return true;
     }
     static bool TextPadding(CLabelUI& c, std::wstring_view value) {
         return ApplyParsed(ParseRect(value), [&](const Rect& dip) {
@@ -59,7 +46,7 @@ struct LabelAttributes {
         {L"font", Font},
         {L"textcolor", TextColor},
         {L"disabledtextcolor", DisabledTextColor},
-        {L"valign", VerticalAlign},
+        {L"valign", ApplyVAlign<CLabelUI, &CLabelUI::valign_>},
         {L"textpadding", TextPadding},
         {L"wordwrap", WordWrap},
         {L"endellipsis", EndEllipsis},
@@ -68,7 +55,7 @@ struct LabelAttributes {
 
 AttributeResult CLabelUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(LabelAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CControlUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CControlUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo CLabelUI::GetAccessibleInfo() const {
@@ -109,11 +96,11 @@ UINT CLabelUI::GetTextStyle() const {
         style |= DT_SINGLELINE;
     }
     style |= endEllipsis_ ? DT_END_ELLIPSIS : 0;
-    style |= valign_ == VAlign::Center ? DT_VCENTER : valign_ == VAlign::Bottom ? DT_BOTTOM : DT_TOP;
+    style |= valign_ == VAlign::kCenter ? DT_VCENTER : valign_ == VAlign::kBottom ? DT_BOTTOM : DT_TOP;
     const bool rightToLeft = IsRightToLeft();
-    if (GetAlign() == HAlign::Center) {
+    if (GetAlign() == HAlign::kCenter) {
         style |= DT_CENTER;
-    } else if ((GetAlign() == HAlign::Right) != rightToLeft) {
+    } else if ((GetAlign() == HAlign::kRight) != rightToLeft) {
         style |= DT_RIGHT;
     }
     return style | (rightToLeft ? DT_RTLREADING : 0);

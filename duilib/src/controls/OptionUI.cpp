@@ -34,7 +34,7 @@ struct OptionAttributes {
 
 AttributeResult COptionUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(OptionAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CButtonUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CButtonUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo COptionUI::GetAccessibleInfo() const {
@@ -159,7 +159,7 @@ COptionUI* COptionUI::NeighbourFor(WORD key) const {
 
 void COptionUI::DoEvent(const TEventUI& event) {
     const bool arrow = event.key == VK_LEFT || event.key == VK_RIGHT || event.key == VK_UP || event.key == VK_DOWN;
-    if (event.type != EventType::KeyDown || !arrow || group_.empty() || !GetManager()) {
+    if (event.type != EventType::kKeyDown || !arrow || group_.empty() || !GetManager()) {
         CButtonUI::DoEvent(event);
         return;
     }

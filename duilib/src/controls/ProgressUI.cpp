@@ -42,11 +42,11 @@ struct ProgressAttributes {
 
 AttributeResult CProgressUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(ProgressAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CLabelUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CLabelUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo CProgressUI::GetAccessibleInfo() const {
-    // Not the label's: its text is no value of its own here. NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    // A label that is pressed or filled is no static text. NOLINTNEXTLINE(bugprone-parent-virtual-call)
     AccessibleInfo info = CControlUI::GetAccessibleInfo();
     info.role = ROLE_SYSTEM_PROGRESSBAR;
     info.state |= STATE_SYSTEM_READONLY;

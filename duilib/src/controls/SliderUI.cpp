@@ -34,7 +34,7 @@ struct SliderAttributes {
 
 AttributeResult CSliderUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(SliderAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CProgressUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CProgressUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo CSliderUI::GetAccessibleInfo() const {
@@ -105,27 +105,27 @@ bool CSliderUI::MoveTo(int value, const wchar_t* notification) {
 
 void CSliderUI::DoEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::MouseEnter:
+        case EventType::kMouseEnter:
             SetState(IsEnabled() ? GetState() | kStateHot : GetState());
             return;
-        case EventType::MouseLeave:
+        case EventType::kMouseLeave:
             SetState(GetState() & ~kStateHot);
             return;
-        case EventType::ButtonDown:
+        case EventType::kButtonDown:
             BeginDrag(event.mousePx);
             return;
-        case EventType::MouseMove:
+        case EventType::kMouseMove:
             if (IsDragged()) {
                 const int value = ValueAt(event.mousePx.x - grabOffsetPx_);
                 movedInDrag_ = movedInDrag_ || value != GetValue();
                 MoveTo(value, NotifyType::kMoveValueChanged);
             }
             return;
-        case EventType::ButtonUp:
-        case EventType::CaptureLost:
+        case EventType::kButtonUp:
+        case EventType::kCaptureLost:
             EndDrag();
             return;
-        case EventType::MouseWheel:
+        case EventType::kMouseWheel:
             if (IsEnabled() && !IsDragged()) {
                 wheelRest_ += event.wheelDelta;
                 const int notches = wheelRest_ / WHEEL_DELTA;
@@ -134,7 +134,7 @@ void CSliderUI::DoEvent(const TEventUI& event) {
                        NotifyType::kValueChanged);
             }
             return;
-        case EventType::KeyDown:
+        case EventType::kKeyDown:
             if (HandleKey(event)) {
                 return;
             }

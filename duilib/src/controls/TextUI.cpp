@@ -83,7 +83,7 @@ CTextUI::~CTextUI() = default;
 
 AttributeResult CTextUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(TextAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CLabelUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CLabelUI::ApplyAttribute(name, value) : result;
 }
 
 AccessibleInfo CTextUI::GetAccessibleInfo() const {
@@ -164,17 +164,17 @@ void CTextUI::Arrange(int widthPx) const {
     }
     arranged_ = wanted;
     GdiMeasurer measurer(GetManager()->GetPaintDC(), GetManager()->Fonts(), GetFont(), wanted.rightToLeft);
-    const auto align = GetAlign() == HAlign::Left     ? HtmlLayout::Align::Near
-                       : GetAlign() == HAlign::Center ? HtmlLayout::Align::Center
-                                                      : HtmlLayout::Align::Far;
+    const auto align = GetAlign() == HAlign::kLeft     ? HtmlLayout::Align::kNear
+                       : GetAlign() == HAlign::kCenter ? HtmlLayout::Align::kCenter
+                                                       : HtmlLayout::Align::kFar;
     html_->Arrange(widthPx, WordWrap(), align, wanted.rightToLeft, measurer);
 }
 
 Point CTextUI::TextOriginPx() const {
     const Rect rect = TextRectPx();
     Arrange(rect.Width());
-    const int spare = GetVAlign() == VAlign::Top ? 0 : rect.Height() - html_->SizePx().cy;
-    return {rect.left, rect.top + std::max(0, GetVAlign() == VAlign::Center ? spare / 2 : spare)};
+    const int spare = GetVAlign() == VAlign::kTop ? 0 : rect.Height() - html_->SizePx().cy;
+    return {rect.left, rect.top + std::max(0, GetVAlign() == VAlign::kCenter ? spare / 2 : spare)};
 }
 
 Size CTextUI::MeasureContent(Size availablePx) {
@@ -225,20 +225,20 @@ bool CTextUI::MoveFocusWithin(bool forward) {
 
 void CTextUI::DoEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::MouseMove:
+        case EventType::kMouseMove:
             SetHotLink(IsEnabled() ? LinkAt(event.mousePx) : -1);
             break;
-        case EventType::MouseLeave:
+        case EventType::kMouseLeave:
             SetHotLink(-1);
             break;
-        case EventType::ButtonDown:
+        case EventType::kButtonDown:
             pressedLink_ = LinkAt(event.mousePx);
             if (pressedLink_ >= 0 && GetManager()) {
                 GetManager()->SetCapture(this);
                 return;
             }
             break;
-        case EventType::ButtonUp:
+        case EventType::kButtonUp:
             if (pressedLink_ >= 0) {
                 const int link = std::exchange(pressedLink_, -1);
                 if (GetManager()) {
@@ -251,23 +251,23 @@ void CTextUI::DoEvent(const TEventUI& event) {
                 return;
             }
             break;
-        case EventType::CaptureLost:
+        case EventType::kCaptureLost:
             pressedLink_ = -1;
             break;
-        case EventType::SetCursor:
+        case EventType::kSetCursor:
             // Not the hot link: the cursor is asked for before the pointer's move arrives.
             if (IsEnabled() && LinkAt(event.mousePx) >= 0) {
                 ::SetCursor(::LoadCursorW(nullptr, IDC_HAND));
                 return;
             }
             break;
-        case EventType::SetFocus:
+        case EventType::kSetFocus:
             FocusLink(event.shift ? GetLinkCount() - 1 : std::min(0, GetLinkCount() - 1));
             break;
-        case EventType::KillFocus:
+        case EventType::kKillFocus:
             FocusLink(-1);
             break;
-        case EventType::KeyDown:
+        case EventType::kKeyDown:
             if (focusedLink_ >= 0 && (event.repeat ? event.key == VK_RETURN : HandleKey(event.key))) {
                 return;
             }

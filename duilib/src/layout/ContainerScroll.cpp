@@ -65,7 +65,7 @@ struct ContainerAttributes {
 
 AttributeResult CContainerUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(ContainerAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CControlUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CControlUI::ApplyAttribute(name, value) : result;
 }
 
 // --- position
@@ -205,15 +205,15 @@ void CContainerUI::DoEvent(const TEventUI& event) {
 
 bool CContainerUI::ScrollByEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::MouseWheel: {
+        case EventType::kMouseWheel: {
             // A whole notch is 48 units; finer wheels send parts of one.
             const int way = -ScaleBy(ToPx(kNotchDip), event.wheelDelta, WHEEL_DELTA);
             const bool sideways = event.shift || !vertical_;
             return ScrollTo({scrollPx_.x + (sideways ? way : 0), scrollPx_.y + (sideways ? 0 : way)});
         }
-        case EventType::KeyDown:
+        case EventType::kKeyDown:
             return ScrollByKey(event.key);
-        case EventType::ButtonDown: {
+        case EventType::kButtonDown: {
             ScrollBar* bar = ScrollBarAt(event.mousePx);
             if (!bar) {
                 return false;
@@ -226,7 +226,7 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
             ScrollTo(bar == vertical_.get() ? Point{scrollPx_.x, position} : Point{position, scrollPx_.y});
             return true;
         }
-        case EventType::MouseMove:
+        case EventType::kMouseMove:
             if (vertical_ && vertical_->IsDragging()) {
                 ScrollTo({scrollPx_.x, vertical_->DragTo(event.mousePx)});
                 return true;
@@ -236,9 +236,9 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
                 return true;
             }
             return false;
-        case EventType::ButtonUp:
-        case EventType::CaptureLost:
-            return EndDrag(event.type == EventType::ButtonUp);
+        case EventType::kButtonUp:
+        case EventType::kCaptureLost:
+            return EndDrag(event.type == EventType::kButtonUp);
         default:
             return false;
     }

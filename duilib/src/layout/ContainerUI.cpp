@@ -69,7 +69,7 @@ void CContainerUI::Discard(std::unique_ptr<CControlUI> item) {
     item->Invalidate();
     item->SetManager(nullptr, nullptr);
     NeedUpdate();
-    // It may be the sender of the notification that brought us here.
+    // The item may be the sender of the notification that is being handled.
     if (GetManager()) {
         GetManager()->Retire(std::move(item));
     }
@@ -157,8 +157,8 @@ void CContainerUI::ArrangeChildren(const Rect& insidePx) {
 
 Rect CContainerUI::RectInCell(CControlUI& child, const Rect& cellPx) const {
     const Rect room = cellPx.Deflate(PaddingPx(child));
-    const bool fillWidth = child.GetWidth().kind == LengthDip::Kind::Fill;
-    const bool fillHeight = child.GetHeight().kind == LengthDip::Kind::Fill;
+    const bool fillWidth = child.GetWidth().kind == LengthDip::Kind::kFill;
+    const bool fillHeight = child.GetHeight().kind == LengthDip::Kind::kFill;
     const Limits limits = LimitsPx(child, Dpi());
     const Size wanted = fillWidth && fillHeight ? Size{} : child.EstimateSize({room.Width(), room.Height()});
     const int cx = fillWidth ? Limit(room.Width(), limits.minPx.cx, limits.maxPx.cx) : wanted.cx;
@@ -170,9 +170,9 @@ Rect CContainerUI::RectInCell(CControlUI& child, const Rect& cellPx) const {
 int CContainerUI::AlignedLeft(const CControlUI& child, const Rect& roomPx, int widthPx) {
     const int rest = std::max(0, roomPx.Width() - widthPx);
     switch (child.GetAlign()) {
-        case HAlign::Center:
+        case HAlign::kCenter:
             return roomPx.left + rest / 2;
-        case HAlign::Right:
+        case HAlign::kRight:
             return roomPx.left + rest;
         default:
             return roomPx.left;

@@ -10,11 +10,11 @@ namespace DuiLib {
 struct ControlAttributes {
     static bool Length(LengthDip& length, std::wstring_view value) {
         if (value == L"fill") {
-            length = {LengthDip::Kind::Fill, 0};
+            length = {LengthDip::Kind::kFill, 0};
         } else if (value == L"auto") {
-            length = {LengthDip::Kind::Auto, 0};
+            length = {LengthDip::Kind::kAuto, 0};
         } else if (const auto number = ParseInt(value); number && *number >= 0) {
-            length = {LengthDip::Kind::Fixed, *number};
+            length = {LengthDip::Kind::kFixed, *number};
         } else {
             return false;
         }
@@ -70,11 +70,11 @@ struct ControlAttributes {
     }
     static bool Align(CControlUI& c, std::wstring_view value) {
         if (value == L"left") {
-            c.align_ = HAlign::Left;
+            c.align_ = HAlign::kLeft;
         } else if (value == L"center") {
-            c.align_ = HAlign::Center;
+            c.align_ = HAlign::kCenter;
         } else if (value == L"right") {
-            c.align_ = HAlign::Right;
+            c.align_ = HAlign::kRight;
         } else {
             return false;
         }

@@ -51,9 +51,9 @@ void CControlUI::SetManager(CPaintManagerUI* manager, CContainerUI* parent) {
 
 void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyAttribute(name, value);
-    if (result != AttributeResult::Ok) {
+    if (result != AttributeResult::kOk) {
         LogLine(LogLevel::kError, L"CControlUI::SetAttribute",
-                result == AttributeResult::Unknown ? L"unknown attribute " : L"bad value ", name, L"=\"", value,
+                result == AttributeResult::kUnknown ? L"unknown attribute " : L"bad value ", name, L"=\"", value,
                 L"\" of ", GetClass(), L" ", name_);
     }
 }
@@ -66,7 +66,7 @@ void CControlUI::SetText(const std::wstring& text) {
     }
     text_ = text;
     Invalidate();
-    if (width_.kind != LengthDip::Kind::Fixed || height_.kind != LengthDip::Kind::Fixed) {
+    if (width_.kind != LengthDip::Kind::kFixed || height_.kind != LengthDip::Kind::kFixed) {
         NeedUpdate();
     }
     if (manager_) {
@@ -160,11 +160,11 @@ void CControlUI::ChangeLimit(int& limit, int dip) {
 }
 
 void CControlUI::SetFixedWidth(int dip) {
-    ChangeLength(width_, {LengthDip::Kind::Fixed, std::max(0, dip)});
+    ChangeLength(width_, {LengthDip::Kind::kFixed, std::max(0, dip)});
 }
 
 void CControlUI::SetFixedHeight(int dip) {
-    ChangeLength(height_, {LengthDip::Kind::Fixed, std::max(0, dip)});
+    ChangeLength(height_, {LengthDip::Kind::kFixed, std::max(0, dip)});
 }
 
 void CControlUI::SetMinWidth(int dip) {
@@ -198,8 +198,8 @@ int CControlUI::Dpi() const {
 
 Size CControlUI::EstimateSize(Size availablePx) {
     const Limits limits = LimitsPx(*this, Dpi());
-    const bool fixedWidth = width_.kind == LengthDip::Kind::Fixed;
-    const bool fixedHeight = height_.kind == LengthDip::Kind::Fixed;
+    const bool fixedWidth = width_.kind == LengthDip::Kind::kFixed;
+    const bool fixedHeight = height_.kind == LengthDip::Kind::kFixed;
     Size size{fixedWidth ? ToPx(width_.value) : 0, fixedHeight ? ToPx(height_.value) : 0};
     if (!fixedWidth || !fixedHeight) {
         const Size room{Limit(fixedWidth ? size.cx : availablePx.cx, limits.minPx.cx, limits.maxPx.cx),
@@ -348,7 +348,7 @@ bool CControlUI::IsRightToLeft() const {
 
 void CControlUI::DoEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::SetFocus:
+        case EventType::kSetFocus:
             SetState(state_ | kStateFocused);
             // A click leaves the scroll position: what is pressed must not move away from under the pointer.
             if (parent_ && manager_ && manager_->IsFocusRingShown()) {
@@ -356,16 +356,16 @@ void CControlUI::DoEvent(const TEventUI& event) {
             }
             SendNotify(NotifyType::kSetFocus);
             break;
-        case EventType::KillFocus:
+        case EventType::kKillFocus:
             SetState(state_ & ~kStateFocused);
             SendNotify(NotifyType::kKillFocus);
             break;
-        case EventType::SetCursor:
+        case EventType::kSetCursor:
             ::SetCursor(::LoadCursorW(nullptr, handCursor_ ? IDC_HAND : IDC_ARROW));
             break;
-        case EventType::MouseWheel:
-        case EventType::KeyDown:
-        case EventType::KeyUp:
+        case EventType::kMouseWheel:
+        case EventType::kKeyDown:
+        case EventType::kKeyUp:
             if (parent_) {
                 parent_->DoEvent(event);
             }
@@ -398,7 +398,7 @@ void CControlUI::SendNotify(const wchar_t* type, WPARAM wParam, LPARAM lParam) {
 AccessibleInfo CControlUI::GetAccessibleInfo() const {
     AccessibleInfo info;
     info.name = !accName_.empty() ? accName_ : !text_.empty() ? text_ : toolTip_;
-    // A picture is told of only where the layout gives it a name.
+    // Screen readers get a picture only where the layout names it.
     info.role = accName_.empty() ? 0 : ROLE_SYSTEM_GRAPHIC;
     return info;
 }

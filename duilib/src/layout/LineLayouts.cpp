@@ -4,13 +4,13 @@
 #include "DuiLib/Layouts.h"
 #include "layout/ControlLimits.h"
 #include "layout/LayoutArithmetic.h"
-#include "markup/AttributeTable.h"
+#include "layout/LookAttributes.h"
 
 namespace DuiLib {
 namespace {
 
 bool Fills(const LengthDip& length) {
-    return length.kind == LengthDip::Kind::Fill;
+    return length.kind == LengthDip::Kind::kFill;
 }
 
 }  // namespace
@@ -68,27 +68,13 @@ void CVerticalLayoutUI::ArrangeChildren(const Rect& insidePx) {
 // --- horizontal
 
 struct HorizontalLayoutAttributes {
-    static bool VAlign(CHorizontalLayoutUI& c, std::wstring_view value) {
-        using Kind = CHorizontalLayoutUI::VAlign;
-        if (value == L"top") {
-            c.valign_ = Kind::Top;
-        } else if (value == L"center") {
-            c.valign_ = Kind::Center;
-        } else if (value == L"bottom") {
-            c.valign_ = Kind::Bottom;
-        } else {
-            return false;
-        }
-        c.NeedUpdate();
-        return true;
-    }
-
-    static constexpr AttributeEntry<CHorizontalLayoutUI> kTable[] = {{L"valign", VAlign}};
+    static constexpr AttributeEntry<CHorizontalLayoutUI> kTable[] = {
+        {L"valign", ApplyVAlign<CHorizontalLayoutUI, &CHorizontalLayoutUI::valign_>}};
 };
 
 AttributeResult CHorizontalLayoutUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(HorizontalLayoutAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CContainerUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CContainerUI::ApplyAttribute(name, value) : result;
 }
 
 std::vector<LineItem> CHorizontalLayoutUI::Items(Size availablePx) const {
@@ -109,7 +95,7 @@ std::vector<LineItem> CHorizontalLayoutUI::Items(Size availablePx) const {
                          .beforePx = padding.left,
                          .afterPx = padding.right});
         rest -= static_cast<long long>(padding.left) + padding.right;
-        if (width.kind == LengthDip::Kind::Fixed) {
+        if (width.kind == LengthDip::Kind::kFixed) {
             rest -= Limit(ToPx(width.value), limits.minPx.cx, limits.maxPx.cx);
         }
     }
@@ -122,7 +108,7 @@ std::vector<LineItem> CHorizontalLayoutUI::Items(Size availablePx) const {
             continue;
         }
         LineItem& item = items[index++];
-        if (child->GetWidth().kind != LengthDip::Kind::Fixed) {
+        if (child->GetWidth().kind != LengthDip::Kind::kFixed) {
             const int room = static_cast<int>(std::clamp<long long>(rest, 0, kUnlimitedPx));
             item.wantedPx = child->EstimateSize({room, availablePx.cy}).cx;
             if (ScrollsHorizontally()) {
@@ -169,9 +155,9 @@ void CHorizontalLayoutUI::ArrangeChildren(const Rect& insidePx) {
                                                      : child->EstimateSize({span.sizePx, room}).cy;
         const int rest = std::max(0, room - height);
         const int top = insidePx.top + padding.top +
-                        (valign_ == VAlign::Center   ? rest / 2
-                         : valign_ == VAlign::Bottom ? rest
-                                                     : 0);
+                        (valign_ == VAlign::kCenter   ? rest / 2
+                         : valign_ == VAlign::kBottom ? rest
+                                                      : 0);
         const int left = insidePx.left + span.startPx;
         PlaceChild(*child, {left, top, left + span.sizePx, top + height});
     }

@@ -1,11 +1,12 @@
 #pragma once
-// Setters for attribute tables that only change how a control looks: colours, and images, which are checked while the
-// layout is read. Thread: UI thread.
+// Setters for attribute tables that several controls need: colours, images, which are checked while the layout is read,
+// and places. Thread: UI thread.
 #include <windows.h>
 
 #include <string>
 #include <string_view>
 
+#include "DuiLib/ControlUI.h"
 #include "markup/AttributeTable.h"
 #include "markup/ImageAttribute.h"
 
@@ -30,6 +31,18 @@ bool ApplyImage(Control& control, std::wstring_view value) {
         control.Invalidate();
     }
     return true;
+}
+
+// "top" and so on, for members of that type; the control is measured and painted again.
+template <typename Control, VAlign Control::*kAlign>
+bool ApplyVAlign(Control& control, std::wstring_view value) {
+    const bool known = value == L"top" || value == L"center" || value == L"bottom";
+    if (known) {
+        control.*kAlign = value == L"top" ? VAlign::kTop : value == L"center" ? VAlign::kCenter : VAlign::kBottom;
+        control.Invalidate();
+        control.NeedUpdate();
+    }
+    return known;
 }
 
 }  // namespace DuiLib

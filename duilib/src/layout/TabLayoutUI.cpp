@@ -17,7 +17,7 @@ struct TabLayoutAttributes {
 
 AttributeResult CTabLayoutUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(TabLayoutAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CContainerUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CContainerUI::ApplyAttribute(name, value) : result;
 }
 
 bool CTabLayoutUI::AddAt(std::unique_ptr<CControlUI> item, int index) {

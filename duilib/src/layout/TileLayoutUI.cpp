@@ -32,7 +32,7 @@ struct TileLayoutAttributes {
 
 AttributeResult CTileLayoutUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
     const AttributeResult result = ApplyFromTable(TileLayoutAttributes::kTable, *this, name, value);
-    return result == AttributeResult::Unknown ? CContainerUI::ApplyAttribute(name, value) : result;
+    return result == AttributeResult::kUnknown ? CContainerUI::ApplyAttribute(name, value) : result;
 }
 
 // The cells for a width, in pixels.
@@ -58,7 +58,7 @@ CTileLayoutUI::Grid CTileLayoutUI::GridFor(int roomPx) const {
             continue;
         }
         ++count;
-        shared = shared || child->GetWidth().kind == LengthDip::Kind::Fill;
+        shared = shared || child->GetWidth().kind == LengthDip::Kind::kFill;
         if (itemSizeDip_.cx == 0 || itemSizeDip_.cy == 0) {
             const Rect padding = PaddingPx(*child);
             const Size wanted =

@@ -33,9 +33,9 @@ auto ApplyFromTable(const AttributeEntry<Control> (&table)[Count], Control& cont
     using Result = decltype(control.ApplyAttribute(name, value));
     const AttributeEntry<Control>* entry = FindAttribute(table, name);
     if (!entry) {
-        return Result::Unknown;
+        return Result::kUnknown;
     }
-    return entry->apply(control, value) ? Result::Ok : Result::BadValue;
+    return entry->apply(control, value) ? Result::kOk : Result::kBadValue;
 }
 
 // Hands a parsed value on; false when there is none.

@@ -8,7 +8,7 @@ namespace DuiLib {
 
 Canvas::Canvas(HDC dc, std::uint32_t* bits, Size sizePx, const Rect& clipPx)
     : dc_(dc), bits_(bits), size_(sizePx), clip_(clipPx.Intersect({0, 0, sizePx.cx, sizePx.cy})) {
-    ::GdiFlush();  // what the system drew before must not come after our pixels
+    ::GdiFlush();  // batched GDI calls would draw over the pixels later
 }
 
 Rect Canvas::PushClip(const Rect& px) {

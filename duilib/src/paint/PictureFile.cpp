@@ -1,11 +1,10 @@
 #include "paint/PictureFile.h"
 
-#include <wincodec.h>
-
 #include <algorithm>
 #include <array>
 
 #include "markup/ResourceFiles.h"
+#include "suite/common/WicPicture.h"
 
 namespace DuiLib {
 namespace {
@@ -65,49 +64,29 @@ HRESULT PictureDecoder::MakeFactory() {
     if (!apartment_) {
         ::CoIncrementMTAUsage(&apartment_);
     }
-    return ::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                              factory_.PutVoid());
+    return suite::MakeWicFactory(factory_);
 }
 
 HRESULT PictureDecoder::Open(const std::wstring& file,
                              const std::function<HRESULT(Size sizePx, const RowReader& read)>& use) {
     suite::ComReference<IWICBitmapDecoder> decoder;
-    suite::ComReference<IWICBitmapFrameDecode> frame;
-    suite::ComReference<IWICFormatConverter> converter;
-    UINT width = 0, height = 0;
+    suite::WicPicture picture;
     HRESULT hr = MakeFactory();
     if (SUCCEEDED(hr)) {
-        hr = factory_->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
-                                                 decoder.Put());
+        hr = suite::MakeWicDecoder(factory_.Get(), file.c_str(), decoder);
     }
     if (SUCCEEDED(hr)) {
-        hr = decoder->GetFrame(0, frame.Put());
-    }
-    if (SUCCEEDED(hr)) {
-        hr = frame->GetSize(&width, &height);
-    }
-    if (SUCCEEDED(hr) && (width == 0 || height == 0 || width > kMaxSidePx || height > kMaxSidePx)) {
-        hr = WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
-    }
-    if (SUCCEEDED(hr)) {
-        hr = factory_->CreateFormatConverter(converter.Put());
-    }
-    if (SUCCEEDED(hr)) {
-        hr = converter->Initialize(frame.Get(), GUID_WICPixelFormat32bppPBGRA, WICBitmapDitherTypeNone, nullptr, 0.0,
-                                   WICBitmapPaletteTypeCustom);
+        hr = picture.Open(factory_.Get(), decoder.Get(), GUID_WICPixelFormat32bppPBGRA, kMaxSidePx);
     }
     if (FAILED(hr)) {
         return hr;
     }
     HRESULT readResult = S_OK;
     const RowReader read = [&](int top, int rows, std::uint32_t* pixels) {
-        const WICRect rect{0, top, static_cast<INT>(width), rows};
-        const UINT stride = width * 4;
-        readResult =
-            converter->CopyPixels(&rect, stride, stride * static_cast<UINT>(rows), reinterpret_cast<BYTE*>(pixels));
+        readResult = picture.ReadRows(static_cast<UINT>(top), static_cast<UINT>(rows), pixels);
         return SUCCEEDED(readResult);
     };
-    hr = use({static_cast<int>(width), static_cast<int>(height)}, read);
+    hr = use({static_cast<int>(picture.Width()), static_cast<int>(picture.Height())}, read);
     return FAILED(readResult) ? readResult : hr;
 }
 

@@ -13,7 +13,7 @@ bool IsBlank(wchar_t c) {
     return c == L' ' || c == L'\u3000';
 }
 
-// Half a character: text comes in 16-bit units.
+// Half of a surrogate pair: texts are 16-bit units.
 bool IsLowSurrogate(wchar_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
@@ -215,7 +215,7 @@ class HtmlLayout::Breaker {
 
     void PlaceLine(size_t firstPiece, int lineWidth, int ascent) {
         const int spare = width_ - lineWidth;
-        const int indent = align_ == Align::Near ? 0 : align_ == Align::Far ? spare : spare / 2;
+        const int indent = align_ == Align::kNear ? 0 : align_ == Align::kFar ? spare : spare / 2;
         for (size_t i = firstPiece; i < layout_.pieces_.size(); ++i) {
             Piece& piece = layout_.pieces_[i];
             const HtmlRun& look = layout_.text_.runs[piece.run];

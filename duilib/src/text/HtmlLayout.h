@@ -25,7 +25,7 @@ class TextMeasurer {
 
 class HtmlLayout {
   public:
-    enum class Align { Near, Center, Far };
+    enum class Align { kNear, kCenter, kFar };
 
     // A piece of a run on one line; coordinates from the top left of the box.
     struct Piece {

@@ -12,13 +12,13 @@ constexpr size_t kMaxCharacters = 65536;
 constexpr size_t kMaxOpenTags = 32;
 constexpr size_t kMaxEntityLength = 10;
 
-enum class Tag { Bold, Italic, Underline, Font, Link, LineBreak };
+enum class Tag { kBold, kItalic, kUnderline, kFont, kLink, kLineBreak };
 constexpr size_t kPairedTags = 5;
 
 struct Token {
-    enum class Kind { Text, Open, Close, Break };
-    Kind kind = Kind::Text;
-    Tag tag = Tag::Bold;
+    enum class Kind { kText, kOpen, kClose, kBreak };
+    Kind kind = Kind::kText;
+    Tag tag = Tag::kBold;
     std::wstring_view raw;
     std::wstring address;     // of a link
     std::uint32_t color = 0;  // of a font
@@ -134,12 +134,12 @@ class TagReader {
         while (at_ < text_.size() && IsLetter(text_[at_]) && name.size() < 5) {
             name += Lower(text_[at_++]);
         }
-        if (!SetTag(token, name) || (close && token.tag == Tag::LineBreak)) {
+        if (!SetTag(token, name) || (close && token.tag == Tag::kLineBreak)) {
             return std::nullopt;
         }
         if (close) {
             SkipBlanks();
-            token.kind = Token::Kind::Close;
+            token.kind = Token::Kind::kClose;
         } else if (!ReadAttributes(token)) {
             return std::nullopt;
         }
@@ -156,16 +156,16 @@ class TagReader {
             std::wstring_view name;
             Tag tag;
         };
-        static constexpr std::array<Named, 6> kTags{{{L"b", Tag::Bold},
-                                                     {L"i", Tag::Italic},
-                                                     {L"u", Tag::Underline},
-                                                     {L"font", Tag::Font},
-                                                     {L"a", Tag::Link},
-                                                     {L"br", Tag::LineBreak}}};
+        static constexpr std::array<Named, 6> kTags{{{L"b", Tag::kBold},
+                                                     {L"i", Tag::kItalic},
+                                                     {L"u", Tag::kUnderline},
+                                                     {L"font", Tag::kFont},
+                                                     {L"a", Tag::kLink},
+                                                     {L"br", Tag::kLineBreak}}};
         for (const Named& known : kTags) {
             if (known.name == name) {
                 token.tag = known.tag;
-                token.kind = known.tag == Tag::LineBreak ? Token::Kind::Break : Token::Kind::Open;
+                token.kind = known.tag == Tag::kLineBreak ? Token::Kind::kBreak : Token::Kind::kOpen;
                 return true;
             }
         }
@@ -174,10 +174,10 @@ class TagReader {
 
     // Up to the closing '>'. False where the tag is malformed or lacks what it needs.
     bool ReadAttributes(Token& token) {
-        bool complete = token.tag != Tag::Link && token.tag != Tag::Font;
+        bool complete = token.tag != Tag::kLink && token.tag != Tag::kFont;
         for (;;) {
             const bool blank = SkipBlanks();
-            if (at_ < text_.size() && text_[at_] == L'/' && token.tag == Tag::LineBreak) {
+            if (at_ < text_.size() && text_[at_] == L'/' && token.tag == Tag::kLineBreak) {
                 ++at_;
                 return true;
             }
@@ -200,10 +200,10 @@ class TagReader {
             }
             const std::wstring value = DecodeEntities(text_.substr(at_ + 1, end - at_ - 1));
             at_ = end + 1;
-            if (token.tag == Tag::Link && name == L"href") {
+            if (token.tag == Tag::kLink && name == L"href") {
                 token.address = value;
                 complete = true;
-            } else if (token.tag == Tag::Font && name == L"color") {
+            } else if (token.tag == Tag::kFont && name == L"color") {
                 const auto color = ParseColor(value);
                 if (!color) {
                     return false;
@@ -261,10 +261,10 @@ void MatchTags(std::vector<Token>& tokens) {
     size_t openCount = 0;
     for (size_t i = 0; i < tokens.size(); ++i) {
         Token& token = tokens[i];
-        if (token.kind == Token::Kind::Open && openCount < kMaxOpenTags) {
+        if (token.kind == Token::Kind::kOpen && openCount < kMaxOpenTags) {
             open[static_cast<size_t>(token.tag)].push_back(i);
             ++openCount;
-        } else if (token.kind == Token::Kind::Close) {
+        } else if (token.kind == Token::Kind::kClose) {
             auto& candidates = open[static_cast<size_t>(token.tag)];
             if (!candidates.empty()) {
                 tokens[candidates.back()].matched = token.matched = true;
@@ -279,21 +279,21 @@ void MatchTags(std::vector<Token>& tokens) {
 class RunBuilder {
   public:
     void Apply(const Token& token) {
-        const bool open = token.kind == Token::Kind::Open;
+        const bool open = token.kind == Token::Kind::kOpen;
         switch (token.tag) {
-            case Tag::Bold:
+            case Tag::kBold:
                 bold_ += open ? 1 : -1;
                 break;
-            case Tag::Italic:
+            case Tag::kItalic:
                 italic_ += open ? 1 : -1;
                 break;
-            case Tag::Underline:
+            case Tag::kUnderline:
                 underline_ += open ? 1 : -1;
                 break;
-            case Tag::Font:
+            case Tag::kFont:
                 open ? colors_.push_back(token.color) : colors_.pop_back();
                 break;
-            case Tag::Link:
+            case Tag::kLink:
                 if (open) {
                     links_.push_back(static_cast<int>(result_.links.size()));
                     result_.links.push_back(token.address);
@@ -301,7 +301,7 @@ class RunBuilder {
                     links_.pop_back();
                 }
                 break;
-            case Tag::LineBreak:
+            case Tag::kLineBreak:
                 break;
         }
     }
@@ -371,12 +371,12 @@ HtmlText ParseHtml(std::wstring_view markup) {
     MatchTags(tokens);
     RunBuilder builder;
     for (const Token& token : tokens) {
-        if (token.kind == Token::Kind::Break) {
+        if (token.kind == Token::Kind::kBreak) {
             builder.BreakLine();
         } else if (token.matched) {
             builder.Apply(token);
         } else {
-            builder.AddText(token.raw, token.kind == Token::Kind::Text);
+            builder.AddText(token.raw, token.kind == Token::Kind::kText);
         }
     }
     return builder.Take();

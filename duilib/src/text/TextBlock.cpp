@@ -145,9 +145,9 @@ bool IsRightToLeft(UINT style) {
 
 HtmlLayout Arranged(HDC dc, std::wstring_view text, int widthPx, UINT style) {
     const bool rightToLeft = IsRightToLeft(style);
-    const auto align = (style & DT_CENTER) != 0                   ? HtmlLayout::Align::Center
-                       : ((style & DT_RIGHT) != 0) == rightToLeft ? HtmlLayout::Align::Near
-                                                                  : HtmlLayout::Align::Far;
+    const auto align = (style & DT_CENTER) != 0                   ? HtmlLayout::Align::kCenter
+                       : ((style & DT_RIGHT) != 0) == rightToLeft ? HtmlLayout::Align::kNear
+                                                                  : HtmlLayout::Align::kFar;
     LineMeasurer measurer(dc, rightToLeft);
     HtmlLayout layout(PlainText(text));
     layout.Arrange(widthPx, (style & DT_WORDBREAK) != 0, align, rightToLeft, measurer);

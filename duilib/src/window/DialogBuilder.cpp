@@ -137,7 +137,7 @@ class TreeBuilder {
         }
     }
 
-    // What all controls of the class have, then what the style says, then the control's own word.
+    // In this order: defaults of the class, the style, the element's own attributes.
     void ApplyAttributes(CControlUI& control, const suite::XmlElement& element) {
         if (manager_) {
             ApplyList(control, element, manager_->GetDefaultAttributes(element.name));
@@ -165,7 +165,7 @@ class TreeBuilder {
 
     void Apply(CControlUI& control, const suite::XmlElement& element, const std::wstring& name,
                const std::wstring& value) {
-        // The control does not know its manager yet, and with it the one who has the texts.
+        // The control has no manager yet that could look the text up.
         const bool lookUp = manager_ && IsText(name);
         Report(element, name, value, control.ApplyAttribute(name, lookUp ? manager_->ResolveText(value) : value));
     }
@@ -222,9 +222,9 @@ class TreeBuilder {
 
     void Report(const suite::XmlElement& element, const std::wstring& name, const std::wstring& value,
                 AttributeResult result) const {
-        if (result == AttributeResult::Unknown) {
+        if (result == AttributeResult::kUnknown) {
             Log(element.line, L"<", element.name, L"> has no attribute ", name);
-        } else if (result == AttributeResult::BadValue) {
+        } else if (result == AttributeResult::kBadValue) {
             Log(element.line, L"<", element.name, L">: bad value ", name, L"=\"", value, L"\"");
         }
     }

@@ -186,7 +186,7 @@ void InputRouter::Hover(CControlUI* control) {
     while (hotPath_.size() > common) {
         CControlUI* const left = hotPath_.back();
         hotPath_.pop_back();
-        Send(left, MakeEvent(EventType::MouseLeave));
+        Send(left, MakeEvent(EventType::kMouseLeave));
         if (round != hoverRound_) {
             return;
         }
@@ -197,7 +197,7 @@ void InputRouter::Hover(CControlUI* control) {
             break;  // removed by a handler
         }
         hotPath_.push_back(path[i]);
-        Send(path[i], MakeEvent(EventType::MouseEnter));
+        Send(path[i], MakeEvent(EventType::kMouseEnter));
         if (round != hoverRound_) {
             return;
         }
@@ -230,7 +230,7 @@ void InputRouter::OnMouseMove(Point px) {
     mouseInside_ = true;
     TrackLeave();
     HoverAt(px);
-    Send(capture_ ? capture_ : GetHot(), MakeEvent(EventType::MouseMove));
+    Send(capture_ ? capture_ : GetHot(), MakeEvent(EventType::kMouseMove));
 }
 
 void InputRouter::OnMouseLeave() {
@@ -258,7 +258,7 @@ void InputRouter::OnButtonDown(Point px) {
         }
     }
     if (IsUsable(hit)) {
-        Send(hit, MakeEvent(EventType::ButtonDown));
+        Send(hit, MakeEvent(EventType::kButtonDown));
     }
 }
 
@@ -271,12 +271,12 @@ void InputRouter::OnButtonUp(Point px) {
     if (captured && !IsUsable(captured)) {
         CancelCapture();
     } else if (captured) {
-        Send(captured, MakeEvent(EventType::ButtonUp));
+        Send(captured, MakeEvent(EventType::kButtonUp));
         if (capture_ == captured) {
             ReleaseCapture();
         }
     } else if (IsUsable(GetHot())) {
-        Send(GetHot(), MakeEvent(EventType::ButtonUp));
+        Send(GetHot(), MakeEvent(EventType::kButtonUp));
     }
     // Without the capture the pointer may be over another control than before.
     if (manager_.GetPaintWindow() && mouseInside_) {
@@ -296,7 +296,7 @@ bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
     if (!target) {
         return false;
     }
-    TEventUI event = MakeEvent(EventType::MouseWheel);
+    TEventUI event = MakeEvent(EventType::kMouseWheel);
     event.mousePx = {static_cast<int>(p.x), static_cast<int>(p.y)};
     event.wheelDelta = GET_WHEEL_DELTA_WPARAM(wParam);
     Send(target, event);
@@ -307,7 +307,7 @@ bool InputRouter::OnSetCursor(LPARAM lParam) {
     if (LOWORD(lParam) != HTCLIENT) {
         return false;
     }
-    TEventUI event = MakeEvent(EventType::SetCursor);
+    TEventUI event = MakeEvent(EventType::kSetCursor);
     event.mousePx = CursorIn(manager_.GetPaintWindow());
     CControlUI* const target = capture_ ? capture_ : HitTest(event.mousePx);
     if (IsUsable(target)) {
@@ -339,7 +339,7 @@ void InputRouter::CancelCapture() {
     CControlUI* const captured = capture_;
     if (captured) {
         ReleaseCapture();
-        Send(captured, MakeEvent(EventType::CaptureLost));
+        Send(captured, MakeEvent(EventType::kCaptureLost));
     }
 }
 

@@ -83,7 +83,7 @@ class InputRouter {
     CControlUI* tabOrigin_ = nullptr;  // where Tab goes on when nobody has the focus
     CControlUI* capture_ = nullptr;
     std::vector<CControlUI*> hotPath_;  // outermost first
-    unsigned hoverRound_ = 0;           // changes with each Hover: an outer one that is still under way gives up
+    unsigned hoverRound_ = 0;           // number of Hover calls; an outer call that finds another number stops
     Point mousePx_;
     bool mouseInside_ = false;
     bool focusRing_ = false;

@@ -22,11 +22,11 @@ void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
     focus_ = control;
     tabOrigin_ = control;
     if (!windowInactive_) {
-        Send(former, MakeEvent(EventType::KillFocus));
+        Send(former, MakeEvent(EventType::kKillFocus));
         if (!control || focus_ != control) {
             return;  // nobody, or the handler gave the focus to another
         }
-        Send(control, MakeEvent(EventType::SetFocus));
+        Send(control, MakeEvent(EventType::kSetFocus));
         if (focus_ != control) {
             return;
         }
@@ -82,7 +82,7 @@ bool InputRouter::SetNextTabControl(bool forward) {
     if (next == focus_) {
         // The only stop: it begins anew, which counts for a text with several links.
         ShowFocusRing(true);
-        TEventUI event = MakeEvent(EventType::SetFocus);
+        TEventUI event = MakeEvent(EventType::kSetFocus);
         event.shift = !forward;
         Send(next, event);
         return true;
@@ -119,7 +119,7 @@ bool InputRouter::OnKeyDown(WORD key, bool repeat) {
     if (!IsUsable(focus_)) {
         return false;
     }
-    TEventUI event = MakeEvent(EventType::KeyDown);
+    TEventUI event = MakeEvent(EventType::kKeyDown);
     event.key = key;
     event.repeat = repeat;
     Send(focus_, event);
@@ -130,7 +130,7 @@ bool InputRouter::OnKeyUp(WORD key) {
     if (!IsUsable(focus_)) {
         return false;
     }
-    TEventUI event = MakeEvent(EventType::KeyUp);
+    TEventUI event = MakeEvent(EventType::kKeyUp);
     event.key = key;
     Send(focus_, event);
     return true;
@@ -151,7 +151,7 @@ bool InputRouter::OnReturn(bool repeat) {
     if (!usable) {
         return false;
     }
-    TEventUI event = MakeEvent(EventType::KeyDown);
+    TEventUI event = MakeEvent(EventType::kKeyDown);
     event.key = VK_RETURN;
     event.repeat = repeat;
     Send(focus_, event);
@@ -183,7 +183,7 @@ void InputRouter::OnWindowFocus(bool has) {
     windowInactive_ = !has;
     if (focus_) {
         CControlUI* const control = focus_;
-        Send(control, MakeEvent(has ? EventType::SetFocus : EventType::KillFocus));
+        Send(control, MakeEvent(has ? EventType::kSetFocus : EventType::kKillFocus));
         if (has && focus_ == control) {
             manager_.NotifyAccessible(control, EVENT_OBJECT_FOCUS);
         }

@@ -60,7 +60,7 @@ class CPaintManagerUI::Impl {
     DirtyRegion dirty;
     bool layoutNeeded = false;
     bool arranging = false;
-    bool treeChanged = false;  // arranged since the input was last told
+    bool treeChanged = false;  // arranged; the input router was not told yet
 
     std::vector<INotifyUI*> notifiers;
     std::vector<IMessageFilterUI*> filters;

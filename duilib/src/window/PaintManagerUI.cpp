@@ -145,7 +145,8 @@ void CPaintManagerUI::ControlRemoved(CControlUI* control) {
 }
 
 void CPaintManagerUI::NotifyAccessible(const CControlUI* control, DWORD event) const {
-    // Without the question the system would be called for each step of a slider that is being dragged.
+    // IsWinEventHookInstalled first: NotifyWinEvent is a system call, and a dragged slider would make one for each
+    // step.
     if (control && impl_->window && IsWinEventHookInstalled(event) && control->GetAccessibleInfo().role != 0) {
         NotifyWinEvent(event, impl_->window, OBJID_CLIENT, control->GetId());
     }

@@ -44,7 +44,7 @@ constexpr AttributeEntry<WindowSpec> kWindowTable[] = {
     {L"focuscolor", ColorOf<&WindowSpec::focusColor>},
 };
 
-// A font larger than this is a slip of the pen.
+// A larger font is taken for a mistake.
 constexpr int kMaxFontDip = 1000;
 constexpr int kMaxWeight = 1000;
 
@@ -104,9 +104,9 @@ AttributeResult Apply(const AttributeEntry<Target> (&table)[Count], Target& targ
                       std::wstring_view value) {
     const AttributeEntry<Target>* entry = FindAttribute(table, name);
     if (!entry) {
-        return AttributeResult::Unknown;
+        return AttributeResult::kUnknown;
     }
-    return entry->apply(target, value) ? AttributeResult::Ok : AttributeResult::BadValue;
+    return entry->apply(target, value) ? AttributeResult::kOk : AttributeResult::kBadValue;
 }
 
 }  // namespace

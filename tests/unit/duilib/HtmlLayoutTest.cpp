@@ -18,7 +18,7 @@ class GridMeasurer final : public TextMeasurer {
 };
 
 HtmlLayout Arranged(std::wstring_view markup, int width, bool wrap = true,
-                    HtmlLayout::Align align = HtmlLayout::Align::Near, bool rightToLeft = false) {
+                    HtmlLayout::Align align = HtmlLayout::Align::kNear, bool rightToLeft = false) {
     GridMeasurer measurer;
     HtmlLayout layout(ParseHtml(markup));
     layout.Arrange(width, wrap, align, rightToLeft, measurer);
@@ -92,17 +92,17 @@ TEST(HtmlLayout, PiecesOfALineShareABaseline) {
 
 TEST(HtmlLayout, LinesAreAlignedWithoutTheirHangingBlanks) {
     using Align = HtmlLayout::Align;
-    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::Center).Pieces()[0].rectPx.left, 10);
-    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::Far).Pieces()[0].rectPx.left, 20);
-    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::Far).Pieces()[1].rectPx.left, 10);
+    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::kCenter).Pieces()[0].rectPx.left, 10);
+    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::kFar).Pieces()[0].rectPx.left, 20);
+    EXPECT_EQ(Arranged(L"ab cde", 40, true, Align::kFar).Pieces()[1].rectPx.left, 10);
 }
 
 TEST(HtmlLayout, RightToLeftLinesRunFromTheRight) {
     using Align = HtmlLayout::Align;
-    const HtmlLayout near = Arranged(L"ab<b>c</b>", 100, true, Align::Near, true);
+    const HtmlLayout near = Arranged(L"ab<b>c</b>", 100, true, Align::kNear, true);
     EXPECT_EQ(near.Pieces()[0].rectPx.left, 80);
     EXPECT_EQ(near.Pieces()[1].rectPx.left, 68);
-    EXPECT_EQ(Arranged(L"ab", 100, true, Align::Far, true).Pieces()[0].rectPx.left, 0);
+    EXPECT_EQ(Arranged(L"ab", 100, true, Align::kFar, true).Pieces()[0].rectPx.left, 0);
 }
 
 TEST(HtmlLayout, LinksAreFoundOnEveryLine) {
@@ -122,9 +122,9 @@ TEST(HtmlLayout, LinksAreFoundOnEveryLine) {
 TEST(HtmlLayout, ArrangingAgainReplacesTheEarlierLines) {
     GridMeasurer measurer;
     HtmlLayout layout(ParseHtml(L"one two"));
-    layout.Arrange(30, true, HtmlLayout::Align::Near, false, measurer);
+    layout.Arrange(30, true, HtmlLayout::Align::kNear, false, measurer);
     EXPECT_EQ(layout.SizePx(), (Size{30, 40}));
-    layout.Arrange(300, true, HtmlLayout::Align::Near, false, measurer);
+    layout.Arrange(300, true, HtmlLayout::Align::kNear, false, measurer);
     EXPECT_EQ(layout.SizePx(), (Size{70, 20}));
 }
 

@@ -61,8 +61,8 @@ TEST_F(DialogBuilder, EveryAttributeOfEveryControl) {
         hscrollbar="false" mirror="false"/>)");
     ASSERT_NE(root, nullptr);
     log.ExpectNone();
-    EXPECT_EQ(root->GetWidth(), (LengthDip{LengthDip::Kind::Fixed, 10}));
-    EXPECT_EQ(root->GetHeight().kind, LengthDip::Kind::Auto);
+    EXPECT_EQ(root->GetWidth(), (LengthDip{LengthDip::Kind::kFixed, 10}));
+    EXPECT_EQ(root->GetHeight().kind, LengthDip::Kind::kAuto);
     EXPECT_EQ(root->GetMinWidth(), 1);
     EXPECT_EQ(root->GetMaxWidth(), 2);
     EXPECT_EQ(root->GetMinHeight(), 3);
@@ -70,7 +70,7 @@ TEST_F(DialogBuilder, EveryAttributeOfEveryControl) {
     EXPECT_EQ(root->GetPadding(), (Rect{1, 2, 3, 4}));
     EXPECT_TRUE(root->IsFloat());
     EXPECT_EQ(root->GetFloatPos(), (Rect{5, 6, 7, 8}));
-    EXPECT_EQ(root->GetAlign(), HAlign::Center);
+    EXPECT_EQ(root->GetAlign(), HAlign::kCenter);
     EXPECT_FALSE(root->IsVisible());
     EXPECT_FALSE(root->IsEnabled());
     EXPECT_EQ(root->GetText(), L"t");

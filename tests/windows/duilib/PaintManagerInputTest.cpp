@@ -121,14 +121,14 @@ TEST_F(PaintManagerInput, EnterAndLeaveComeOncePerStay) {
     const Rect px = (manager.UpdateLayout(), probe.GetPos());
     window.Mouse(WM_MOUSEMOVE, {px.left + 5, px.top + 5});   // onto the child
     window.Mouse(WM_MOUSEMOVE, {px.right - 5, px.top + 5});  // beside the child, still within
-    EXPECT_EQ(probe.Count(EventType::MouseEnter), 1);
-    EXPECT_EQ(probe.Count(EventType::MouseLeave), 0);
+    EXPECT_EQ(probe.Count(EventType::kMouseEnter), 1);
+    EXPECT_EQ(probe.Count(EventType::kMouseLeave), 0);
     window.Mouse(WM_MOUSEMOVE, {px.left + 5, px.bottom + 5});
-    EXPECT_EQ(probe.Count(EventType::MouseLeave), 1);
+    EXPECT_EQ(probe.Count(EventType::kMouseLeave), 1);
     window.Mouse(WM_MOUSEMOVE, {px.left + 5, px.top + 5});
     window.SendMessage(WM_MOUSELEAVE);
-    EXPECT_EQ(probe.Count(EventType::MouseEnter), 2);
-    EXPECT_EQ(probe.Count(EventType::MouseLeave), 2);
+    EXPECT_EQ(probe.Count(EventType::kMouseEnter), 2);
+    EXPECT_EQ(probe.Count(EventType::kMouseLeave), 2);
     EXPECT_EQ(manager.GetHot(), nullptr);
 }
 
@@ -253,7 +253,7 @@ TEST_F(PaintManagerInput, ARemovedControlLivesUntilItsEventIsOver) {
       public:
         ~Doomed() override { destroyed = true; }
         void DoEvent(const TEventUI& event) override {
-            if (event.type == EventType::ButtonDown) {
+            if (event.type == EventType::kButtonDown) {
                 GetParent()->Remove(this);
                 destroyedTooEarly = destroyed;
             }

@@ -153,7 +153,7 @@ TEST_P(Texts, ALinkUnderThePointerIsHot) {
     EXPECT_FALSE(hot.IsEmpty());
     EXPECT_LT(hot.right, cold.left);
     TEventUI cursor{};
-    cursor.type = EventType::SetCursor;
+    cursor.type = EventType::kSetCursor;
     cursor.mousePx = {links.left + Px(4), Middle(links).y};
     window.Find(L"t").DoEvent(cursor);
     EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_HAND));

@@ -43,14 +43,14 @@ class ContainerUIExTest : public PageTest, public DuiLib::INotifyUI {
 };
 
 TEST_F(ContainerUIExTest, TellsWhenThePointerComesAndGoes) {
-    Send(EventType::MouseEnter);
-    Send(EventType::MouseLeave);
+    Send(EventType::kMouseEnter);
+    Send(EventType::kMouseLeave);
     EXPECT_THAT(told_, ElementsAre(L"mouseenter item", L"mouseleave item"));
 }
 
 TEST_F(ContainerUIExTest, OtherEventsTellNothing) {
     for (const EventType type :
-         {EventType::MouseMove, EventType::ButtonDown, EventType::ButtonUp, EventType::CaptureLost})
+         {EventType::kMouseMove, EventType::kButtonDown, EventType::kButtonUp, EventType::kCaptureLost})
         Send(type);
     EXPECT_THAT(told_, IsEmpty());
 }

@@ -22,8 +22,8 @@ class HomePageGalleryTest : public HomePageTest {
     std::pair<int, int> Heights() { return {Group().GetMinHeight(), Control(L"virtual_background").GetHeight().value}; }
     void ExpectSize(const std::wstring& name, int width, int height) {
         const DuiLib::CControlUI& control = Control(name);
-        EXPECT_EQ(control.GetWidth(), (LengthDip{LengthDip::Kind::Fixed, width}));
-        EXPECT_EQ(control.GetHeight(), (LengthDip{LengthDip::Kind::Fixed, height}));
+        EXPECT_EQ(control.GetWidth(), (LengthDip{LengthDip::Kind::kFixed, width}));
+        EXPECT_EQ(control.GetHeight(), (LengthDip{LengthDip::Kind::kFixed, height}));
     }
     bool Has(const std::wstring& name) { return Manager().FindControl(name) != nullptr; }
 };

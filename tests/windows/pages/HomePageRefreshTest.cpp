@@ -43,7 +43,7 @@ TEST_F(HomePageRefreshTest, ThePreviewsTextIsAsWideAsItsLetters) {
     DuiLib::Rect rect;
     DuiLib::CRenderEngine::DrawText(Manager().GetPaintDC(), &Manager(), rect, text.GetText(), 0, 13, DT_CALCRECT);
     ASSERT_GT(rect.Width(), 0);
-    EXPECT_EQ(text.GetWidth(), (DuiLib::LengthDip{DuiLib::LengthDip::Kind::Fixed, rect.Width()}));
+    EXPECT_EQ(text.GetWidth(), (DuiLib::LengthDip{DuiLib::LengthDip::Kind::kFixed, rect.Width()}));
     text.SetText(L"");
     Refresh();
     EXPECT_EQ(text.GetWidth().value, rect.Width());

@@ -1,12 +1,13 @@
 #pragma once
-// Reference counting and interface lookup for the COM objects of the demo camera. Any thread.
+// Reference counting and interface lookup, for classes that implement COM interfaces. Any thread; exceptions of an
+// operation are the class's own business.
 #include <windows.h>
 
 #include <unknwn.h>
 
 #include <atomic>
 
-namespace democamera {
+namespace suite {
 
 // `Interfaces`: the first one is the object's identity; each of the others is found by its own identifier, bases of an
 // interface have to be listed when somebody asks for them. Made with new, which is the first reference.
@@ -16,7 +17,7 @@ template <typename Implemented, typename... AlsoKnownAs>
 class ComObject : public Implemented {
   public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) {
+        if (!object) {
             return E_POINTER;
         }
         const bool known = iid == __uuidof(IUnknown) || iid == __uuidof(Implemented) ||
@@ -48,4 +49,4 @@ class ComObject : public Implemented {
 };
 #pragma GCC diagnostic pop
 
-}  // namespace democamera
+}  // namespace suite
