@@ -38,7 +38,8 @@ DWORD CrashHandler::Load() {
     }
     PathRemoveFileSpecW(folder);
     const std::wstring path = std::wstring(folder) + L"\\" + InstallSettings::kCrashLibrary;
-    library_ = LoadLibraryW(path.c_str());
+    // What it imports may lie beside it.
+    library_ = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     return library_ ? ERROR_SUCCESS : GetLastError();
 }
 

@@ -4,9 +4,11 @@
 #include <exception>
 
 #include "app/StartUp.h"
+#include "suite/common/ProcessStart.h"
 #include "suite/logger/QxLogger.h"
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR cmdLine, int) {
+    suite::PrepareProcess();
     try {
         StartUp(instance, cmdLine);
     } catch (const std::exception& error) {

@@ -1,5 +1,5 @@
-# What the shipped modules need beside the code: the compiler's runtime DLLs next to the program, separate symbol
-# files, and import libraries that MinGW-w64 does not bring.
+# What the shipped modules need beside the code: the compiler's runtime DLLs next to the program, and separate
+# symbol files.
 
 # The C++ objects that cross DLL borders need one shared runtime, so the runtime DLLs are shipped with the program.
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
@@ -33,11 +33,3 @@ function(pixora_shipped target)
     add_dependencies(${target} pixora_runtime)
     set_property(GLOBAL APPEND PROPERTY PIXORA_SHIPPED_TARGETS ${target})
 endfunction()
-
-# MinGW-w64 has the header of the system's XML reader but not its import library.
-set(xmllite_def ${CMAKE_BINARY_DIR}/lib/xmllite.def)
-set(xmllite_lib ${CMAKE_BINARY_DIR}/lib/libxmllite.a)
-file(WRITE ${xmllite_def} "LIBRARY xmllite.dll\nEXPORTS\nCreateXmlReader\nCreateXmlReaderInputWithEncodingName\n")
-execute_process(COMMAND ${CMAKE_DLLTOOL} -d ${xmllite_def} -l ${xmllite_lib} COMMAND_ERROR_IS_FATAL ANY)
-add_library(xmllite STATIC IMPORTED GLOBAL)
-set_target_properties(xmllite PROPERTIES IMPORTED_LOCATION ${xmllite_lib})

@@ -80,7 +80,7 @@ void AddListed(Report& report, const PersonalData& personal) {
     suite::ComReference<IMFAttributes> attributes;
     IMFActivate** devices = nullptr;
     UINT32 count = 0;
-    HRESULT result = MFCreateAttributes(attributes.Put(), 1);
+    HRESULT result = media_foundation::CreateAttributes(attributes.Put(), 1);
     if (SUCCEEDED(result)) {
         attributes->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE, MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID);
         result = camera_system::EnumDeviceSources(attributes.Get(), &devices, &count);
@@ -130,12 +130,12 @@ void AddCameras(Report& report, const PersonalData& personal) {
         makers += named.insert(std::wstring(entry)).second ? " " + suite::ToUtf8(entry) : "";
     }
     report.Note("accepted are links that hold one of:" + makers);
-    if (!HasMediaFoundation() || FAILED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
+    if (FAILED(media_foundation::Startup(MF_VERSION, MFSTARTUP_LITE))) {
         report.Wrong("the cameras cannot be listed without Media Foundation", "See \"System\".");
         return;
     }
     AddListed(report, personal);
-    MFShutdown();
+    media_foundation::Shutdown();
 }
 
 }  // namespace diagnostics

@@ -16,6 +16,7 @@
 #include "service/SettingsStore.h"
 #include "suite/common/ComApartment.h"
 #include "suite/common/Handle.h"
+#include "suite/common/ProcessStart.h"
 
 namespace diagnostics {
 namespace {
@@ -119,6 +120,7 @@ int Run(const std::vector<std::wstring>& words) {
 }  // namespace diagnostics
 
 int wmain(int argc, wchar_t** argv) {
+    suite::PrepareProcess();
     SetConsoleOutputCP(CP_UTF8);
     SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
     const suite::ComApartment com(suite::ComApartment::Kind::kMultiThreaded);

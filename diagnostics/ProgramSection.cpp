@@ -1,18 +1,20 @@
 #include <windows.h>
 
 #include <d3d9.h>
-#include <mfapi.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "diagnostics/Sections.h"
 #include "diagnostics/Version.h"
+#include "preview/Direct3DSystem.h"
 #include "preview/MediaFoundation.h"
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/common/Utf8.h"
 #include "suite/product/MachineType.h"
 #include "suite/product/SystemEnvironment.h"
@@ -21,6 +23,15 @@
 namespace diagnostics {
 
 namespace {
+
+constinit suite::SystemLibrary versionDll(L"version.dll");
+constinit suite::SystemFunction<decltype(&GetFileVersionInfoSizeW)> getFileVersionInfoSize(versionDll,
+                                                                                           "GetFileVersionInfoSizeW");
+constinit suite::SystemFunction<decltype(&GetFileVersionInfoW)> getFileVersionInfo(versionDll, "GetFileVersionInfoW");
+constinit suite::SystemFunction<decltype(&VerQueryValueW)> verQueryValue(versionDll, "VerQueryValueW");
+constinit suite::SystemLibrary ntdll(L"ntdll.dll");
+constinit suite::SystemFunction<LONG(WINAPI*)(OSVERSIONINFOW*)> getVersion(ntdll, "RtlGetVersion");
+constinit suite::SystemLibrary d3d9(L"d3d9.dll");
 
 constexpr wchar_t kInstallKey[] = L"SOFTWARE\\Velmora\\Quillon\\Pixora";
 constexpr wchar_t kInstanceMutex[] = L"PixoraUIMutex";
@@ -39,11 +50,12 @@ constexpr char kInstallAgain[] = "Install Pixora again.";
 // "1.2.3.0"; empty when the file is missing or has no version.
 std::string FileVersion(const std::wstring& path) {
     DWORD unused = 0;
-    std::vector<char> data(GetFileVersionInfoSizeW(path.c_str(), &unused));
+    std::vector<char> data(getFileVersionInfoSize.CallOr(0, path.c_str(), &unused));
     VS_FIXEDFILEINFO* info = nullptr;
     UINT size = 0;
-    if (data.empty() || !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
-        !VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
+    if (data.empty() ||
+        !getFileVersionInfo.CallOr(FALSE, path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
+        !verQueryValue.CallOr(FALSE, data.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
         return {};
     }
     const DWORD parts[] = {info->dwFileVersionMS, info->dwFileVersionLS};
@@ -52,12 +64,10 @@ std::string FileVersion(const std::wstring& path) {
 }
 
 std::string SystemVersion() {
-    using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
-    const auto address = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion");
     // The other calls lie to programs that are older than the system.
-    if (!address || reinterpret_cast<GetVersionFunction>(reinterpret_cast<void*>(address))(&version) != 0) {
+    if (getVersion(&version) != 0) {
         return "unknown";
     }
     return std::to_string(version.dwMajorVersion) + "." + std::to_string(version.dwMinorVersion) + "." +
@@ -112,20 +122,41 @@ void AddInstallation(Report& report) {
     AddRunning(report);
 }
 
+// The libraries and functions of Media Foundation that this system lacks, by name.
+std::set<std::string> MissingMediaFoundation() {
+    std::set<std::string> missing;
+    media_foundation::ForEachFunction([&](auto& function) {
+        const std::string library = suite::ToUtf8(function.Library().Name());
+        if (function.Library().Load() != ERROR_SUCCESS) {
+            missing.insert(library);
+        } else if (!function.Get()) {
+            missing.insert(std::string(function.Name()) + " of " + library);
+        }
+    });
+    return missing;
+}
+
 void AddMediaSystem(Report& report) {
-    if (HasMediaFoundation() && SUCCEEDED(MFStartup(MF_VERSION, MFSTARTUP_LITE))) {
+    const std::set<std::string> missing = MissingMediaFoundation();
+    for (const std::string& name : missing) {
+        report.Wrong("this system has no " + name + ", so there is no camera picture",
+                     "Install the Media Feature Pack of Windows.");
+    }
+    if (SUCCEEDED(media_foundation::Startup(MF_VERSION, MFSTARTUP_LITE))) {
         report.Fine("Media Foundation starts");
-        MFShutdown();
-    } else {
+        media_foundation::Shutdown();
+    } else if (missing.empty()) {
         report.Wrong("Media Foundation does not start, so there is no camera picture",
                      "Install the Media Feature Pack of Windows.");
     }
-    const suite::ComReference<IDirect3D9> direct3d(Direct3DCreate9(D3D_SDK_VERSION));
+    const suite::ComReference<IDirect3D9> direct3d(direct3d_system::Create9(D3D_SDK_VERSION));
     D3DADAPTER_IDENTIFIER9 adapter{};
     if (direct3d && SUCCEEDED(direct3d->GetAdapterIdentifier(D3DADAPTER_DEFAULT, 0, &adapter))) {
         report.Fine("Direct3D 9 on " + std::string(adapter.Description));
     } else {
-        report.Wrong("Direct3D 9 is not available, so there is no camera picture", "Install the graphics driver.");
+        const std::string without = d3d9.Load() == ERROR_SUCCESS ? "" : " without d3d9.dll";
+        report.Wrong("Direct3D 9 is not available" + without + ", so there is no camera picture",
+                     "Install the graphics driver.");
     }
 }
 

@@ -104,9 +104,7 @@ void HomePage::SubscribeHub() {
 
 void HomePage::Initialize() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-    if (HasMediaFoundation()) {
-        MFStartup(kMediaFoundationVersion, MFSTARTUP_FULL);
-    }
+    media_foundation::Startup(kMediaFoundationVersion, MFSTARTUP_FULL);
     livePreview_.Initialize();
     if (model_) {
         model_->InitCustomImage();

@@ -1,13 +1,15 @@
 #include "preview/CameraSystem.h"
 
+#include "preview/MediaFoundation.h"
+
 namespace camera_system {
 
 HRESULT EnumDeviceSources(IMFAttributes* attributes, IMFActivate*** devices, UINT32* count) {
-    return MFEnumDeviceSources(attributes, devices, count);
+    return media_foundation::EnumDeviceSources(attributes, devices, count);
 }
 
 HRESULT CreateDeviceSource(IMFActivate* device, IMFMediaSource** source) {
-    return MFCreateDeviceSource(device, source);
+    return media_foundation::CreateDeviceSource(device, source);
 }
 
 }  // namespace camera_system

@@ -1,11 +1,11 @@
 #include "preview/Device.h"
 
-#include <mfapi.h>
 #include <mferror.h>
 
 #include "preview/Direct3DSystem.h"
 #include "preview/FrameLock.h"
 #include "preview/LetterBox.h"
+#include "preview/MediaFoundation.h"
 #include "preview/MirrorPicture.h"
 #include "preview/SourceExtent.h"
 #include "suite/common/ComRelease.h"
@@ -127,7 +127,7 @@ HRESULT Device::AdoptMediaType(IMFMediaType* type) {
     if (SUCCEEDED(type->GetUINT32(MF_MT_DEFAULT_STRIDE, &stride))) {
         defaultStride_ = static_cast<LONG>(stride);
     } else {
-        result = MFGetStrideForBitmapInfoHeader(subtype.Data1, widthPx_, &defaultStride_);
+        result = media_foundation::GetStrideForBitmapInfoHeader(subtype.Data1, widthPx_, &defaultStride_);
         if (SUCCEEDED(result)) {
             result = type->SetUINT32(MF_MT_DEFAULT_STRIDE, static_cast<UINT32>(defaultStride_));
         }

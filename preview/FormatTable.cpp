@@ -1,6 +1,6 @@
 #include "preview/FormatTable.h"
 
-#include <mfapi.h>
+#include "preview/MediaFoundation.h"
 
 namespace preview {
 
@@ -8,7 +8,7 @@ namespace {
 
 void CopyRgb32(std::uint8_t* destination, std::int32_t destinationStride, const std::uint8_t* source,
                std::int32_t sourceStride, std::uint32_t width, std::uint32_t height) {
-    MFCopyImage(destination, destinationStride, source, sourceStride, width * 4, height);
+    media_foundation::CopyImage(destination, destinationStride, source, sourceStride, width * 4, height);
 }
 
 FormatEntry EntryFor(const GUID& subtype, PixelFormat format) {

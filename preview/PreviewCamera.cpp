@@ -1,6 +1,4 @@
 // The part of Preview that finds, opens and agrees with the camera; all of it runs under the start lock.
-#include <mfapi.h>
-
 #include <string>
 
 #include "preview/CameraSystem.h"
@@ -31,7 +29,7 @@ HRESULT CopyNativeType(IMFSourceReader* reader, DWORD index, IMFMediaType** copy
     IMFMediaType* native = nullptr;
     HRESULT result = reader->GetNativeMediaType(kVideoStream, index, &native);
     if (SUCCEEDED(result)) {
-        result = MFCreateMediaType(copy);
+        result = media_foundation::CreateMediaType(copy);
     }
     if (SUCCEEDED(result)) {
         result = native->CopyAllItems(*copy);
@@ -44,10 +42,7 @@ HRESULT CopyNativeType(IMFSourceReader* reader, DWORD index, IMFMediaType** copy
 
 INT32 Preview::SelectDevice() {
     deviceCount_ = 0;
-    if (!HasMediaFoundation()) {
-        return -1;
-    }
-    if (FAILED(MFCreateAttributes(&enumerationAttributes_, 1)) ||
+    if (FAILED(media_foundation::CreateAttributes(&enumerationAttributes_, 1)) ||
         FAILED(enumerationAttributes_->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE,
                                                MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID))) {
         return -1;
@@ -83,7 +78,7 @@ bool Preview::CreateDeviceSource(INT32 index) {
         return fail(L"create device source error!");
     }
     IMFAttributes* attributes = nullptr;
-    if (FAILED(MFCreateAttributes(&attributes, 1))) {
+    if (FAILED(media_foundation::CreateAttributes(&attributes, 1))) {
         return false;
     }
     attributes->SetUnknown(MF_SOURCE_READER_ASYNC_CALLBACK, this);

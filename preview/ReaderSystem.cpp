@@ -1,13 +1,15 @@
 #include "preview/ReaderSystem.h"
 
+#include "preview/MediaFoundation.h"
+
 namespace reader_system {
 
 HRESULT CreateFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes, IMFSourceReader** reader) {
-    return MFCreateSourceReaderFromMediaSource(source, attributes, reader);
+    return media_foundation::CreateSourceReaderFromMediaSource(source, attributes, reader);
 }
 
 HRESULT CreateFromUrl(const wchar_t* path, IMFSourceReader** reader) {
-    return MFCreateSourceReaderFromURL(path, nullptr, reader);
+    return media_foundation::CreateSourceReaderFromURL(path, nullptr, reader);
 }
 
 }  // namespace reader_system

@@ -1,7 +1,5 @@
 #include "preview/VideoReader.h"
 
-#include <mfapi.h>
-
 #include <utility>
 
 #include "preview/CoverFrame.h"
@@ -36,7 +34,7 @@ preview::CoverFrame ShrinkSample(IMFSample* sample, UINT width, UINT height, UIN
 
 HRESULT SelectYuy2(IMFSourceReader* reader) {
     IMFMediaType* type = nullptr;
-    HRESULT result = MFCreateMediaType(&type);
+    HRESULT result = media_foundation::CreateMediaType(&type);
     if (result == S_OK) {
         result = type->SetGUID(MF_MT_MAJOR_TYPE, MFMediaType_Video);
     }
@@ -68,7 +66,7 @@ bool VideoReader::Open(const std::wstring& path) {
 }
 
 bool VideoReader::OpenVideoStream(const std::wstring& path) {
-    return HasMediaFoundation() && MFStartup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
+    return media_foundation::Startup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
            reader_system::CreateFromUrl(path.c_str(), &reader_) == S_OK && SelectYuy2(reader_) == S_OK &&
            reader_->GetCurrentMediaType(kVideoStream, &mediaType_) == S_OK &&
            GetFrameSize(&frameWidthPx_, &frameHeightPx_);

@@ -13,7 +13,7 @@ say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
 die() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
 build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-posix librsvg2-bin python3-minimal"
-run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk
+run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk fonts-open-sans
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 package_packages="nsis wixl msitools"
 # Formatting and clang-tidy are checked with one version of the tools (tests/house/clang_tools.py), where there is one.
@@ -81,6 +81,15 @@ find_wine() {
     export WINE WINESERVER
 }
 
+# import_settings file: into the registry of the current prefix.
+import_settings() {
+    local file
+    file=$(mktemp --suffix=.reg)
+    { printf '\xff\xfe'; iconv -t UTF-16LE "$1"; } >"$file"
+    "$WINE" regedit /S "$file" >/dev/null 2>&1
+    rm -f "$file"
+}
+
 # ensure_wine_template: a Wine prefix with the fonts and settings of a plain Windows 10 machine, made once.
 ensure_wine_template() {
     find_wine
@@ -93,8 +102,7 @@ ensure_wine_template() {
         export WINEPREFIX=$template WINEARCH=win64
         unset DISPLAY
         "$WINE" wineboot -i >/dev/null 2>&1
-        { printf '\xff\xfe'; iconv -t UTF-16LE "$root/scripts/wine-settings.reg"; } >"$template/settings.reg"
-        "$WINE" regedit /S "$template/settings.reg" >/dev/null 2>&1
+        import_settings "$root/scripts/wine-settings.reg"
         "$WINE" winecfg -v win10 >/dev/null 2>&1
         "$WINESERVER" -k -w 2>/dev/null || "$WINESERVER" -w
     )
@@ -121,7 +129,8 @@ keep_wine_alive() {
     local pipe
     pipe=$(mktemp -u)
     mkfifo "$pipe"
-    { rm -f "$pipe"; exec "$WINE" cmd /c "pause"; } <>"$pipe" >/dev/null 2>&1 &
+    # Not a child of whoever calls: a test that is cut off is ended with all its children.
+    ({ rm -f "$pipe"; exec setsid "$WINE" cmd /c "pause"; } <>"$pipe" >/dev/null 2>&1 &)
     # Starts the desktop's process here and now: it lives as long as the waiting one, and would keep open the output of
     # the test that is the first to show a window.
     "$WINE" rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1
@@ -156,14 +165,22 @@ make_desktops() {
     local number
     for number in $(seq "$1"); do
         local desktop=$PIXORA_DESKTOPS/$number
-        new_prefix "$desktop/prefix"
-        use_prefix "$desktop/prefix"
+        mkdir -p "$desktop"
         start_display "$2"
         echo "$DISPLAY" >"$desktop/display"
-        : >"$desktop/opened-links.txt"
-        keep_wine_alive
+        use_prefix "$desktop/prefix"
+        renew_desktop "$desktop"
     done
     unset WINEPREFIX DISPLAY
+}
+
+# renew_desktop folder: its programs end, its prefix is a new one. The display stays: what was on it is gone with the
+# programs.
+renew_desktop() {
+    new_prefix "$1/prefix"
+    rm -f "$1/used"
+    : >"$1/opened-links.txt"
+    keep_wine_alive
 }
 
 stop_desktops() {

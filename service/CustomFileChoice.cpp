@@ -13,6 +13,7 @@
 #include "service/KindNotifier.h"
 #include "service/pictures/PaintingWait.h"
 #include "service/pictures/VideoCover.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
 
 namespace service {
@@ -20,6 +21,10 @@ namespace service {
 using GlobalUtils::MessageBoxKind;
 
 namespace {
+
+constinit suite::SystemLibrary comdlg32(L"comdlg32.dll");
+constinit suite::SystemFunction<decltype(&GetOpenFileNameW)> getOpenFileName(comdlg32, "GetOpenFileNameW");
+constinit suite::SystemFunction<decltype(&CommDlgExtendedError)> extendedError(comdlg32, "CommDlgExtendedError");
 
 constexpr DWORD kPathSize = 260;
 constexpr wchar_t kFilter[] = L"Image File\0*.jpg;*.jpeg;*.bmp;*.png;*.mp4;*.mov\0";
@@ -42,8 +47,8 @@ bool CustomFileChoice::AskForFile(std::wstring& path) const {
     // The last two flags: the file is not written to, and the process stays in its own folder, so that it does not keep
     // the user's in use.
     dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (!GetOpenFileNameW(&dialog)) {
-        const DWORD error = CommDlgExtendedError();
+    if (!getOpenFileName.CallOr(FALSE, &dialog)) {
+        const DWORD error = extendedError.CallOr(CDERR_INITIALIZATION);
         if (error != 0) {
             LogLine(LogLevel::kError, L"HomeService::ChooseCustomFile", L"The file dialog failed: ", error);
             if (error == FNERR_BUFFERTOOSMALL) {

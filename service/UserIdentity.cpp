@@ -11,8 +11,16 @@
 #include <span>
 
 #include "suite/common/Handle.h"
+#include "suite/common/SystemLibrary.h"
 
 namespace {
+
+constinit suite::SystemLibrary wtsapi32(L"wtsapi32.dll");
+constinit suite::SystemFunction<decltype(&WTSQueryUserToken)> queryUserToken(wtsapi32, "WTSQueryUserToken");
+constinit suite::SystemFunction<decltype(&WTSEnumerateSessionsW)> enumerateSessions(wtsapi32, "WTSEnumerateSessionsW");
+constinit suite::SystemFunction<decltype(&WTSFreeMemory)> freeMemory(wtsapi32, "WTSFreeMemory");
+constinit suite::SystemLibrary secur32(L"secur32.dll");
+constinit suite::SystemFunction<decltype(&GetUserNameExW)> getUserName(secur32, "GetUserNameExW");
 
 constexpr DWORD kNameSize = 260;  // characters, of user and domain names; bytes, of an identifier
 
@@ -20,12 +28,12 @@ constexpr DWORD kNameSize = 260;  // characters, of user and domain names; bytes
 // that the program runs under, which is the session's user wherever the program was simply started by him.
 std::wstring SessionUserName(DWORD session) {
     HANDLE rawToken = nullptr;
-    const bool gotToken = WTSQueryUserToken(session, &rawToken) != FALSE;
+    const bool gotToken = queryUserToken.CallOr(FALSE, session, &rawToken) != FALSE;
     const suite::Handle token(gotToken ? rawToken : nullptr);
     const bool impersonating = gotToken && ImpersonateLoggedOnUser(token.Get()) != FALSE;
     std::array<wchar_t, kNameSize> name{};
     ULONG length = kNameSize;
-    const bool gotName = GetUserNameExW(NameSamCompatible, name.data(), &length) != FALSE;
+    const bool gotName = getUserName.CallOr(FALSE, NameSamCompatible, name.data(), &length) != FALSE;
     if (impersonating) {
         RevertToSelf();
     }
@@ -60,7 +68,7 @@ std::wstring SidOfSession(DWORD session) {
 std::wstring SidOfFirstActiveSession() {
     WTS_SESSION_INFOW* sessions = nullptr;
     DWORD count = 0;
-    if (!WTSEnumerateSessionsW(WTS_CURRENT_SERVER_HANDLE, 0, 1, &sessions, &count)) {
+    if (!enumerateSessions.CallOr(FALSE, WTS_CURRENT_SERVER_HANDLE, 0, 1, &sessions, &count)) {
         return {};
     }
     std::wstring sid;
@@ -70,7 +78,9 @@ std::wstring SidOfFirstActiveSession() {
             break;
         }
     }
-    WTSFreeMemory(sessions);
+    if (const auto free = freeMemory.Get()) {
+        free(sessions);
+    }
     return sid;
 }
 

@@ -16,6 +16,7 @@
 #include "service/EffectTable.h"
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/DelButtonToolTip.h"
 #include "windows/DelDoubleCheckPage.h"
@@ -27,6 +28,10 @@
 namespace {
 
 using GlobalUtils::MessageBoxKind;
+
+constinit suite::SystemLibrary wtsapi32(L"wtsapi32.dll");
+constinit suite::SystemFunction<decltype(&WTSRegisterSessionNotification)> registerSessionNotification(
+    wtsapi32, "WTSRegisterSessionNotification");
 
 // Kept with the messages that announce a move, though no system sends it for one.
 constexpr UINT kMoveSpare = 0x030B;
@@ -75,7 +80,7 @@ void PxMainWnd::Open(HINSTANCE instance) {
     CenterWindow();
     ToolTipWnd::GetInstance(&PaintManager());
     const HWND window = FindWindowW(GetWindowClassName(), nullptr);
-    WTSRegisterSessionNotification(window, NOTIFY_FOR_THIS_SESSION);
+    registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION);
     ShowWindow(true, true);
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "suite/common/MutexLock.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/crashdump/DumpFolder.h"
 #include "suite/logger/QxLogger.h"
 
@@ -16,15 +17,8 @@ namespace {
 
 constexpr const wchar_t* kFunction = L"DumpWriter::WaitAndWrite";
 
-using MiniDumpWriteDumpFunction = decltype(&MiniDumpWriteDump);
-
-// The debugging library is loaded when it is needed: at every start it would cost milliseconds.
-MiniDumpWriteDumpFunction FindMiniDumpWriteDump() {
-    const HMODULE library = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library ? reinterpret_cast<MiniDumpWriteDumpFunction>(
-                         reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")))
-                   : nullptr;
-}
+constinit SystemLibrary dbghelp(L"dbghelp.dll");
+constinit SystemFunction<decltype(&MiniDumpWriteDump)> miniDumpWriteDump(dbghelp, "MiniDumpWriteDump");
 
 // " 0xC0000005 at Pixora.exe+0x1234".
 std::wstring Describe(const EXCEPTION_POINTERS& exception) {
@@ -112,7 +106,7 @@ bool DumpWriter::WriteDump(const std::wstring& path) const {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return false;
     }
-    const MiniDumpWriteDumpFunction write = FindMiniDumpWriteDump();
+    const auto write = miniDumpWriteDump.Get();
     if (!write) {
         return false;
     }

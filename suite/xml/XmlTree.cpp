@@ -9,12 +9,18 @@
 
 #include "suite/common/ComReference.h"
 #include "suite/common/Handle.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/xml/Utf8Stream.h"
 #include "suite/xml/XmlGate.h"
 
 namespace suite {
 
 namespace {
+
+constinit SystemLibrary xmllite(L"xmllite.dll");
+constinit SystemFunction<decltype(&CreateXmlReader)> createXmlReader(xmllite, "CreateXmlReader");
+constinit SystemFunction<decltype(&CreateXmlReaderInputWithEncodingName)> createXmlReaderInput(
+    xmllite, "CreateXmlReaderInputWithEncodingName");
 
 DWORD CodeOf(HRESULT result) {
     return HRESULT_FACILITY(result) == FACILITY_WIN32 ? HRESULT_CODE(result) : static_cast<DWORD>(result);
@@ -133,9 +139,9 @@ void ReadSound(std::string_view utf8, unsigned linesBefore, XmlDocument& documen
     ComReference<IXmlReaderInput> input;
     ComReference<IXmlReader> reader;
     // The encoding is told, so that one that the text names itself does not count.
-    HRESULT result = CreateXmlReaderInputWithEncodingName(stream.Get(), nullptr, L"UTF-8", FALSE, nullptr, input.Put());
+    HRESULT result = createXmlReaderInput(stream.Get(), nullptr, L"UTF-8", FALSE, nullptr, input.Put());
     if (SUCCEEDED(result)) {
-        result = CreateXmlReader(__uuidof(IXmlReader), reader.PutVoid(), nullptr);
+        result = createXmlReader(__uuidof(IXmlReader), reader.PutVoid(), nullptr);
     }
     if (SUCCEEDED(result)) {
         result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);

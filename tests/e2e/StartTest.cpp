@@ -4,7 +4,6 @@
 
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
-#include "tests/support/MissingDll.h"
 
 namespace e2e {
 namespace {
@@ -121,29 +120,6 @@ TEST_F(StartTest, AnInstanceThatIsGoneDoesNotBlockTheNext) {
     }
     Program next;
     EXPECT_TRUE(next.WaitForWindow());
-}
-
-// As on editions of the system that come without it.
-TEST_F(StartTest, WithoutMediaFoundationOnlyThePreviewDoesNotWork) {
-    if (!MissingDll::CanBe())
-        GTEST_SKIP() << "this system cannot be told to do without a DLL";
-    constexpr char kNoMediaFoundation[] =
-        "[L4] this system has no Media Foundation: no camera, no videos(HasMediaFoundation)";
-    const MissingDll missing(L"Pixora.exe", L"mfplat");
-    Machine::Expect(kNoMediaFoundation);
-    Install(1, 1);
-    Program program;
-    ASSERT_TRUE(program.WaitForWindow());
-    EXPECT_TRUE(Machine::WaitForLog(kNoMediaFoundation));
-    program.Click(L"preview_switch");
-    const auto message = program.TakeMessage();
-    ASSERT_TRUE(message);
-    EXPECT_NE(message->find(L"The camera can’t be used."), std::wstring::npos);
-    const auto previewSwitch = program.Find(L"preview_switch");
-    ASSERT_TRUE(previewSwitch);
-    EXPECT_FALSE(previewSwitch->state & STATE_SYSTEM_CHECKED);
-    program.Click(L"closebtn");
-    EXPECT_EQ(program.WaitForEnd(), 0U);
 }
 
 }  // namespace

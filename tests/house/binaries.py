@@ -1,5 +1,5 @@
 """What the shipped binaries must be: hardened, with version, icon and manifest, the same bytes whenever they are built,
-and importing nothing but what is shipped."""
+and importing nothing but what is shipped or in memory for every program."""
 import os
 import re
 import subprocess
@@ -11,8 +11,11 @@ FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100}
 # Resources by type and number: VERSIONINFO of every module; icon group and manifest of the programs.
 VERSION, ICON, MANIFEST = 16, 14, 24
 TEXTS = ("FileDescription", "FileVersion", "ProductVersion", "CompanyName", "OriginalFilename")
-# Libraries that belong to the test machine and not to Windows.
-FOREIGN = re.compile(r"^(wine|ntoskrnl)", re.I)
+# What Windows has in memory for every program, and so never looks for beside it. Any other library of the system is
+# loaded when it is needed, from the system's folder (suite/common/SystemLibrary.h).
+KNOWN = {"advapi32", "combase", "comdlg32", "gdi32", "kernel32", "msvcrt", "ole32", "oleaut32", "psapi", "rpcrt4",
+         "shcore", "shell32", "shlwapi", "user32"}
+API_SET = re.compile(r"^api-ms-win-", re.I)
 
 
 def dump(path):
@@ -63,8 +66,9 @@ def main():
         text = dump(path)
         breaches += check_header(name, text) + check_resources(name, path, text)
         for imported in re.findall(r"DLL Name: (\S+)", text):
-            beside = os.path.exists(os.path.join(BIN, imported))
-            if FOREIGN.match(imported) or (imported.startswith("lib") and imported not in RUNTIME and not beside):
+            own = imported in RUNTIME or (SHIPPED.match(imported) and os.path.exists(os.path.join(BIN, imported)))
+            known = imported.lower().removesuffix(".dll") in KNOWN or API_SET.match(imported)
+            if not own and not known:
                 breaches.append(f"{name} imports {imported}")
         if not os.path.exists(f"build/windows-release/symbols/{name}.debug"):
             breaches.append(f"{name} has no symbol file")

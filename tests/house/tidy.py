@@ -27,7 +27,9 @@ GROUP = 24  # files; larger groups save little more and need more memory
 FINDING = re.compile(r"^(.+?):(\d+):\d+: (?:error|warning): ")
 INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.M)
 UNNAMED = re.compile(r"^namespace \{$(.*?)^\}", re.M | re.S)
-DEFINED = re.compile(r"([A-Za-z_]\w*)(?=\s*[({=;\[]|\s*$)")
+# A type, or the first name before what a definition goes on with.
+DEFINED = re.compile(r"(?:class|struct|enum(?: class)?)\s+(\w+)|"
+                     r"(?!using|namespace|template|TEST|INSTANTIATE)[A-Za-z].*?\b(?!decltype\b)(\w+)\s*[({=;\[]")
 GLOBAL = re.compile(r"^(TEST\w*\(\w+,\s*\w+)|^.*?\b(w?main|wWinMain|LLVMFuzzer\w+)\(", re.M)
 
 
@@ -91,8 +93,8 @@ def own_names(path):
     names = {test or function for test, function in GLOBAL.findall(text)}
     for block in UNNAMED.findall(text):
         for line in block.splitlines():
-            if line[:1].isalpha():
-                names.update(DEFINED.findall(line)[:1])
+            if defined := DEFINED.match(line):
+                names.add(defined.group(1) or defined.group(2))
     return names
 
 

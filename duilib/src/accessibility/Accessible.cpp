@@ -7,9 +7,14 @@
 #include "DuiLib/PaintManagerUI.h"
 #include "accessibility/AccessibleCalls.h"
 #include "accessibility/AccessibleIds.h"
+#include "suite/common/SystemLibrary.h"
 
 namespace DuiLib {
 namespace {
+
+constinit suite::SystemLibrary oleacc(L"oleacc.dll");
+constinit suite::SystemFunction<decltype(&AccessibleObjectFromWindow)> accessibleObjectFromWindow(
+    oleacc, "AccessibleObjectFromWindow");
 
 // S_FALSE for an empty text, as the interface has it.
 HRESULT ToBstr(const std::wstring& text, BSTR* out) {
@@ -135,7 +140,7 @@ HRESULT WindowAccessible::get_accParent(IDispatch** parent) {
     if (!manager_) {
         return CO_E_OBJNOTCONNECTED;
     }
-    return AccessibleObjectFromWindow(manager_->GetPaintWindow(), static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch,
+    return accessibleObjectFromWindow(manager_->GetPaintWindow(), static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch,
                                       reinterpret_cast<void**>(parent));
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "paint/Canvas.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
 #include "window/PaintManagerImpl.h"
 
@@ -14,6 +15,9 @@ constexpr int kMaxLayoutRounds = 3;
 constexpr int kMinDpi = 48;
 constexpr int kMaxDpi = 960;
 constexpr DWORD kOpaque = 0xFF000000;
+
+constinit suite::SystemLibrary oleacc(L"oleacc.dll");
+constinit suite::SystemFunction<decltype(&LresultFromObject)> lresultFromObject(oleacc, "LresultFromObject");
 
 bool IsFontSetting(WPARAM setting) {
     return setting == SPI_SETNONCLIENTMETRICS || setting == SPI_SETFONTSMOOTHING ||
@@ -142,7 +146,7 @@ LRESULT CPaintManagerUI::Impl::OnGetObject(WPARAM wParam, LPARAM lParam) {
     if (!accessible) {
         accessible = suite::ComReference<WindowAccessible>(new WindowAccessible(owner));
     }
-    return LresultFromObject(IID_IAccessible, wParam, accessible.Get());
+    return lresultFromObject.CallOr(0, IID_IAccessible, wParam, accessible.Get());
 }
 
 void CPaintManagerUI::Impl::OnWindowGone() {

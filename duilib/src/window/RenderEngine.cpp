@@ -25,8 +25,8 @@ void DrawTranslucent(HDC dc, HFONT font, const std::wstring& text, const Rect& p
         *out++ = (alpha << 24) | part(16) | part(8) | part(0);
     }
     const suite::GdiSelection selection(memory.Get(), bitmap.Get());
-    ::AlphaBlend(dc, px.left, px.top, mask.sizePx.cx, mask.sizePx.cy, memory.Get(), 0, 0, mask.sizePx.cx,
-                 mask.sizePx.cy, {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
+    ::GdiAlphaBlend(dc, px.left, px.top, mask.sizePx.cx, mask.sizePx.cy, memory.Get(), 0, 0, mask.sizePx.cx,
+                    mask.sizePx.cy, {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
 }
 
 }  // namespace

@@ -3,10 +3,14 @@
 #include <commctrl.h>
 
 #include "DuiLib/PaintManagerUI.h"
+#include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
 
 namespace DuiLib {
 namespace {
+
+constinit suite::SystemLibrary comctl32(L"comctl32.dll");
+constinit suite::SystemFunction<decltype(&InitCommonControlsEx)> initCommonControls(comctl32, "InitCommonControlsEx");
 
 TTTOOLINFOW ToolInfo(HWND window) {
     TTTOOLINFOW info{};
@@ -20,7 +24,7 @@ TTTOOLINFOW ToolInfo(HWND window) {
 
 bool ToolTip::Create(HWND window, bool rightToLeft) {
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_BAR_CLASSES};
-    InitCommonControlsEx(&classes);
+    initCommonControls.CallOr(FALSE, &classes);
     toolTip_ = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TRANSPARENT | (rightToLeft ? WS_EX_LAYOUTRTL : 0), TOOLTIPS_CLASSW,
                                nullptr, WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
                                CW_USEDEFAULT, CW_USEDEFAULT, window, nullptr, CPaintManagerUI::GetInstance(), nullptr);

@@ -2,8 +2,15 @@
 
 #include <dwmapi.h>
 
+#include "suite/common/SystemLibrary.h"
+
 namespace DuiLib {
 namespace {
+
+constinit suite::SystemLibrary dwmapi(L"dwmapi.dll");
+constinit suite::SystemFunction<decltype(&DwmSetWindowAttribute)> setWindowAttribute(dwmapi, "DwmSetWindowAttribute");
+constinit suite::SystemLibrary ntdll(L"ntdll.dll");
+constinit suite::SystemFunction<LONG(WINAPI*)(OSVERSIONINFOW*)> getVersion(ntdll, "RtlGetVersion");
 
 // Names that the compiler's headers do not know yet.
 constexpr DWORD kCornerPreference = 33;
@@ -14,15 +21,9 @@ constexpr DWORD kFirstBuildThatRounds = 22000;
 // The attribute alone does not tell: some systems answer S_OK to any.
 bool SystemRounds() {
     static const bool rounds = [] {
-        using GetVersion = LONG(WINAPI*)(OSVERSIONINFOW*);
-        const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-        const auto getVersion =
-            ntdll != nullptr
-                ? reinterpret_cast<GetVersion>(reinterpret_cast<void*>(GetProcAddress(ntdll, "RtlGetVersion")))
-                : nullptr;
         OSVERSIONINFOW version{};
         version.dwOSVersionInfoSize = sizeof(version);
-        return getVersion && getVersion(&version) == 0 && version.dwBuildNumber >= kFirstBuildThatRounds;
+        return getVersion(&version) == 0 && version.dwBuildNumber >= kFirstBuildThatRounds;
     }();
     return rounds;
 }
@@ -32,7 +33,7 @@ bool SystemRounds() {
 void ApplyWindowShape(HWND window, int radiusPx) {
     if (SystemRounds()) {
         const int preference = radiusPx > 0 ? kRound : kDoNotRound;
-        if (DwmSetWindowAttribute(window, kCornerPreference, &preference, sizeof(preference)) == S_OK) {
+        if (setWindowAttribute(window, kCornerPreference, &preference, sizeof(preference)) == S_OK) {
             return;
         }
     }

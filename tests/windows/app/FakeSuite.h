@@ -33,7 +33,11 @@ class FakeSuite {
         current_->asked_.emplace_back(path);
         return current_->hasReporter ? FILE_ATTRIBUTE_NORMAL : INVALID_FILE_ATTRIBUTES;
     }
-    static HMODULE WINAPI Load(LPCWSTR path) {
+    static HMODULE WINAPI Load(LPCWSTR path, HANDLE file, DWORD flags) {
+        // What the library imports may lie beside it, or in the system.
+        if (file || flags != (LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {
+            return current_->load_.Original<decltype(&LoadLibraryExW)>()(path, file, flags);
+        }
         current_->loaded_.emplace_back(path);
         SetLastError(ERROR_MOD_NOT_FOUND);
         // Any library does: its export is asked for below.
@@ -54,6 +58,6 @@ class FakeSuite {
     std::vector<std::wstring> loaded_;
     std::optional<CrashRegistration> record_;
     const harness::ImportHook attributes_{nullptr, "GetFileAttributesW", &Attributes};
-    const harness::ImportHook load_{nullptr, "LoadLibraryW", &Load};
+    const harness::ImportHook load_{nullptr, "LoadLibraryExW", &Load};
     const harness::ImportHook export_{nullptr, "GetProcAddress", &Export};
 };

@@ -104,16 +104,40 @@ TEST_F(DiagnosticsProgramTest, ShowsTheReport) {
     EXPECT_THAT(shown_, HasSubstr("ok     layouts, texts, pictures and libraries are there"));
 }
 
-// The same program with a camera that exists in memory.
 TEST_F(DiagnosticsProgramTest, ASystemWithoutMediaFoundationIsTold) {
     if (!MissingDll::CanBe())
         GTEST_SKIP() << "this system cannot be told to do without a DLL";
     const MissingDll missing(L"PixoraDiagnostics.exe", L"mfplat");
     EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
+    EXPECT_THAT(shown_, HasSubstr("WRONG  this system has no mfplat.dll, so there is no camera picture\n"));
     EXPECT_THAT(shown_, HasSubstr("Install the Media Feature Pack of Windows."));
     EXPECT_THAT(shown_, HasSubstr("the cameras cannot be listed without Media Foundation"));
+    EXPECT_THAT(shown_, Not(HasSubstr("Media Foundation starts")));
 }
 
+TEST_F(DiagnosticsProgramTest, ASystemThatLacksAPartOfMediaFoundationIsTold) {
+    if (!MissingDll::CanBe())
+        GTEST_SKIP() << "this system cannot be told to do without a DLL";
+    const ReplacedDll empty(L"PixoraDiagnostics.exe", L"mf",
+                            fs::path(suite::ProgramPath()).parent_path() / L"FalseLibrary.dll");
+    EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
+    EXPECT_THAT(shown_, HasSubstr("this system has no MFEnumDeviceSources of mf.dll, so there is no camera picture\n"));
+    EXPECT_THAT(shown_,
+                HasSubstr("this system has no MFCreateDeviceSource of mf.dll, so there is no camera picture\n"));
+    EXPECT_THAT(shown_, Not(HasSubstr("mfplat.dll")));
+    EXPECT_THAT(shown_, HasSubstr("Media Foundation starts"));
+    EXPECT_THAT(shown_, HasSubstr("the cameras cannot be listed, error 0x8007007F"));
+}
+
+TEST_F(DiagnosticsProgramTest, ASystemWithoutDirect3dIsTold) {
+    if (!MissingDll::CanBe())
+        GTEST_SKIP() << "this system cannot be told to do without a DLL";
+    const MissingDll missing(L"PixoraDiagnostics.exe", L"d3d9");
+    EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
+    EXPECT_THAT(shown_, HasSubstr("Direct3D 9 is not available without d3d9.dll, so there is no camera picture"));
+}
+
+// The same program with a camera that exists in memory.
 TEST_F(DiagnosticsProgramTest, AMachineThatHasEverythingIsFine) {
     const SettingsValue driver(L"filter_driver_install", 1);
     const SettingsValue algorithm(L"init_algorithm", 1);

@@ -17,7 +17,6 @@ namespace harness {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 namespace fs = std::filesystem;
 
 class HarnessTest : public testing::Test {

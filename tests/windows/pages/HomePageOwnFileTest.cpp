@@ -10,7 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 using testing::StartsWith;
 
 constexpr wchar_t kAddButton[] = L"custom_background_btn";

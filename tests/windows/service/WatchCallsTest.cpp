@@ -10,7 +10,6 @@ namespace {
 using GlobalUtils::MessageBoxKind;
 using harness::ImportHook;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const HANDLE kEvent = reinterpret_cast<HANDLE>(0x1111);
 const HKEY kKey = reinterpret_cast<HKEY>(0x2222);

@@ -1,5 +1,6 @@
 // Every window at every scale: no text is cut, and nothing lies outside what holds it. In the language that the system
 // gives to the process; it is started once for each.
+#include <iterator>
 #include <set>
 
 #include "DuiLib/ContainerUI.h"
@@ -98,6 +99,21 @@ std::vector<std::string> Inspect(DuiLib::CPaintManagerUI& manager) {
     return Inspector().Inspect(*manager.GetRoot());
 }
 
+// Of a line that is as wide in no two faces.
+int WidthIn(const wchar_t* face) {
+    constexpr wchar_t kLine[] = L"The quick brown fox jumps over the lazy dog, 0123456789";
+    const HDC screen = GetDC(nullptr);
+    const HFONT font = CreateFontW(-100, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                   CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, face);
+    const HGDIOBJ before = SelectObject(screen, font);
+    SIZE size = {};
+    GetTextExtentPoint32W(screen, kLine, static_cast<int>(std::size(kLine)) - 1, &size);
+    SelectObject(screen, before);
+    DeleteObject(font);
+    ReleaseDC(nullptr, screen);
+    return size.cx;
+}
+
 class TextsFitTest : public MainWindowTest {
   protected:
     void SetUp() override {
@@ -105,6 +121,11 @@ class TextsFitTest : public MainWindowTest {
         wchar_t expected[16] = {};
         if (GetEnvironmentVariableW(L"EXPECTED_LANGUAGE", expected, 16) > 0) {
             ASSERT_EQ(SystemEnvironment::GetCurrentUserLanguage(), expected);
+        }
+        // The face that stands for that of Windows.
+        wchar_t face[LF_FACESIZE] = {};
+        if (GetEnvironmentVariableW(L"EXPECTED_FACE", face, LF_FACESIZE) > 0) {
+            ASSERT_EQ(WidthIn(L"Segoe UI"), WidthIn(face));
         }
     }
     static std::wstring Text(const wchar_t* key) { return DuiLib::UICulture::GetInstance()->GetString(key); }

@@ -6,6 +6,7 @@
 #include <wtsapi32.h>
 
 #include "DuiLib/UICulture.h"
+#include "tests/support/FoundFunction.h"
 #include "tests/support/ImportHook.h"
 #include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
@@ -132,7 +133,7 @@ BOOL WINAPI Register(HWND window, DWORD flags) {
 TEST_F(MainWindowTest, IsRegisteredForTheNewsOfItsSession) {
     Destroy();
     g_registered.clear();
-    const ImportHook hook(nullptr, "WTSRegisterSessionNotification", &Register);
+    const harness::FoundFunction hook("WTSRegisterSessionNotification", &Register);
     MainWindow window;
     window.Open(GetModuleHandleW(nullptr));
     EXPECT_THAT(g_registered, ElementsAre(std::pair(window.GetHWND(), DWORD{NOTIFY_FOR_THIS_SESSION})));
