@@ -1,6 +1,7 @@
 // Where the preview's window stands, at each scale: whole numbers, multiplied before they are divided.
 #include "pages/PreviewWindow.h"
 #include "tests/windows/pages/PageTests.h"
+#include "tests/windows/support/Screen.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ TEST_P(PreviewPlaceTest, AreThoseOfTheScale) {
     // The corners are as round at every scale.
     const HRGN shape = CreateRoundRectRgn(wanted.region.left, wanted.region.top, wanted.region.right + 1,
                                           wanted.region.bottom + 1, 32, 32);
-    EXPECT_TRUE(EqualRgn(region, shape));
+    EXPECT_TRUE(AreSameRegion(region, shape));
     DeleteObject(region);
     DeleteObject(shape);
 }

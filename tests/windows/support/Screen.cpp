@@ -45,3 +45,10 @@ Picture PaintedBy(DuiLib::CPaintManagerUI& manager, const std::wstring& name) {
         WritePng(std::wstring(folder) + L"\\" + name + L".png", picture.pixels, picture.widthPx, picture.heightPx);
     return picture;
 }
+
+bool AreSameRegion(HRGN a, HRGN b) {
+    const HRGN difference = CreateRectRgn(0, 0, 0, 0);
+    const int kind = CombineRgn(difference, a, b, RGN_XOR);
+    DeleteObject(difference);
+    return kind == NULLREGION;
+}

@@ -23,3 +23,6 @@ struct Picture {
 
 // The window as its paint manager paints it now.
 Picture PaintedBy(DuiLib::CPaintManagerUI& manager, const std::wstring& name = {});
+
+// Whether both hold the same pixels; a window's own region may be cut into other rectangles than the one it was given.
+bool AreSameRegion(HRGN a, HRGN b);

@@ -20,7 +20,7 @@ class FakeShell final : private IShellFolder, private IExtractImage {
     static constexpr DWORD kTopLeft = 0xC02020;
     static constexpr DWORD kTopRight = 0x2040C0;
     static constexpr DWORD kBottomLeft = 0x20A040;
-    static constexpr DWORD kBottomRight = 0xFFFFFF;
+    static constexpr DWORD kBottomRight = 0xA0A0A0;
 
     FakeShell() { current_ = this; }
     ~FakeShell() { current_ = nullptr; }

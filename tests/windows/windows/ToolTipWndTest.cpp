@@ -6,6 +6,7 @@
 
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/RenderEngine.h"
+#include "tests/windows/support/Screen.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelButtonToolTip.h"
 
@@ -105,7 +106,7 @@ TEST_F(ToolTipWndTest, IsCutToTheShapeThatItsLayoutDraws) {
     const HRGN drawn = CreateRoundRectRgn(place.left, place.top, place.right + 1, place.bottom + 1, corner, corner);
     const HRGN shown = CreateRectRgn(0, 0, 0, 0);
     EXPECT_NE(GetWindowRgn(hint_.GetHWND(), shown), ERROR);
-    EXPECT_TRUE(EqualRgn(drawn, shown));
+    EXPECT_TRUE(AreSameRegion(drawn, shown));
     DeleteObject(drawn);
     DeleteObject(shown);
 }

@@ -62,16 +62,25 @@ TEST_F(VideoThumbnailTest, AVideosCoverIsRegisteredUnderItsPath) {
     EXPECT_EQ(shell.folder + L"\\" + shell.file, film);
     EXPECT_FALSE(shell.locationAsked) << "the extractor's own size applies";
 
-    // Its size is 64 by 36: drawn in that, pixel by pixel, its quarters meet in the middle.
+    // Its size is 64 by 36: drawn in that, pixel by pixel, its quarters meet in the middle, where scaling has made each
+    // of the two pixels as much of the other's colour as the other of its own.
     DuiLib::CControlUI& area = window_.Control(L"wnd_container");
     window_.PaintManager().UpdateLayout();
     area.SetBkImage(L"file='" + film + L"' source='0,0,64,36' dest='0,0,64,36'");
     const DuiLib::Rect& place = area.GetPos();
     const Picture picture = PaintedBy(window_.PaintManager());
-    EXPECT_EQ(picture.At({place.left + 31, place.top + 17}), FakeShell::kTopLeft);
-    EXPECT_EQ(picture.At({place.left + 32, place.top + 17}), FakeShell::kTopRight);
-    EXPECT_EQ(picture.At({place.left + 31, place.top + 18}), FakeShell::kBottomLeft);
-    EXPECT_EQ(picture.At({place.left + 32, place.top + 18}), FakeShell::kBottomRight);
+    const auto at = [&](int x, int y) { return picture.At({place.left + x, place.top + y}); };
+    EXPECT_EQ(at(5, 5), FakeShell::kTopLeft);
+    EXPECT_EQ(at(58, 5), FakeShell::kTopRight);
+    EXPECT_EQ(at(5, 30), FakeShell::kBottomLeft);
+    EXPECT_EQ(at(58, 30), FakeShell::kBottomRight);
+    for (const int shift : {0, 8, 16}) {
+        const auto sum = [shift](DWORD a, DWORD b) {
+            return static_cast<int>(a >> shift & 0xFF) + static_cast<int>(b >> shift & 0xFF);
+        };
+        EXPECT_NEAR(sum(at(31, 5), at(32, 5)), sum(FakeShell::kTopLeft, FakeShell::kTopRight), 3) << shift;
+        EXPECT_NEAR(sum(at(5, 17), at(5, 18)), sum(FakeShell::kTopLeft, FakeShell::kBottomLeft), 3) << shift;
+    }
 }
 
 TEST_F(VideoThumbnailTest, ACoverThatIsThereIsNotMadeAgain) {
