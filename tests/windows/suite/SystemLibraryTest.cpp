@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <objbase.h>
+
 #include <atomic>
 #include <thread>
 
