@@ -10,6 +10,7 @@
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/support/MissingDll.h"
+#include "tests/support/TestLog.h"
 
 namespace e2e {
 namespace {
@@ -129,6 +130,7 @@ TEST_F(PortableCopyTest, FalseLibrariesBesideItAreNotLoaded) {
     ASSERT_THAT(Loaded(), testing::ElementsAre(L"planted.dll"));
     fs::remove(folder_ / L"planted.dll.loaded");
 
+    harness::TestLog::Expect(testing::HasSubstr("can not find any video device!(Preview::SelectDevice)"));
     Program program(L"run", folder_.wstring() + L"\\");
     ASSERT_TRUE(program.WaitForWindow());
     program.Click(L"preview_switch");

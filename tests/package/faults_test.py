@@ -242,6 +242,7 @@ def try_kills_of_the_removal(wine, old, new, saved):
 
 
 def main(build):
+    os.chdir(support.ROOT)
     mounts = support.with_mounts()
     out = os.path.join(os.path.dirname(build), "package-test", "faults")
     shutil.rmtree(out, ignore_errors=True)

@@ -32,7 +32,9 @@ bool CanBeHad() {
     return had;
 }
 
-BOOL WINAPI RefuseToClose(HANDLE) {
+// It says so; the handle must not keep the name for the tests that follow.
+BOOL WINAPI RefuseToClose(HANDLE handle) {
+    DuplicateHandle(GetCurrentProcess(), handle, nullptr, nullptr, 0, FALSE, DUPLICATE_CLOSE_SOURCE);
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
 }
@@ -70,8 +72,9 @@ TEST(PixoraMutexTest, AGuardThatCannotBeMadeCountsAsAnotherInstance) {
 
 // A start that makes the guard between this one's look and its own try; the handle is forgotten and never closed.
 HANDLE WINAPI MakeAfterAnother(LPSECURITY_ATTRIBUTES, BOOL, LPCWSTR) {
+    const HANDLE handle = CreateEventW(nullptr, FALSE, FALSE, L"the handle that stays");
     SetLastError(ERROR_ALREADY_EXISTS);
-    return CreateEventW(nullptr, FALSE, FALSE, L"the handle that stays");
+    return handle;
 }
 
 TEST(PixoraMutexTest, AConcurrentStartWins) {

@@ -56,6 +56,8 @@ class CrashDumpTest : public testing::Test {
     // REQUIRES: no dump can be written.
     void ExpectLine(const std::wstring& kind, const std::wstring& how, const std::string& text) {
         harness::TestLog::Expect(HasSubstr(text));
+        harness::TestLog::Expect(HasSubstr("the crash dump cannot be written: 3"));
+        harness::TestLog::Expect(HasSubstr("no folder for crash dumps"));
         const std::size_t linesBefore = folder_.HelperLogLines().size();
         EXPECT_EQ(Helper(L"crash " + kind + L" " + how).Wait(), Helper(L"crash " + kind + L" plain").Wait());
         std::vector<std::string> lines = folder_.HelperLogLines();
