@@ -63,7 +63,7 @@ TEST_F(OwnThumbnailTest, EveryBandOfRowsIsRead) {
     EXPECT_GT(red(99), 0xF0);
     for (int y = 10; y < 100; y += 10) {
         EXPECT_GT(red(y), red(y - 10)) << y;
-        EXPECT_NEAR(red(y), 0x1E + (0xFF - 0x1E) * y / 100, 12) << y;
+        EXPECT_NEAR(red(y), 0x1E + (0xFF - 0x1E) * (y / 100.0), 12) << y;
     }
 }
 

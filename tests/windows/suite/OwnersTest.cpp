@@ -301,8 +301,8 @@ TEST(FolderListingTest, GivesTheEntriesThatMatchWithoutTheFolderItself) {
     const TestFolder folder;
     std::filesystem::create_directory(folder.Path() / L"one.d");
     std::ofstream(folder.Path() / L"two.txt") << "12345";
-    std::ofstream(folder.Path() / L"three.jpg");
-    std::ofstream(folder.Path() / L"..four");
+    std::ofstream(folder.Path() / L"three.jpg") << "x";
+    std::ofstream(folder.Path() / L"..four") << "x";
     const std::wstring path = folder.Path().wstring();
     EXPECT_EQ(Names(path + L"\\*"), (std::vector<std::wstring>{L"..four", L"one.d", L"three.jpg", L"two.txt"}));
     EXPECT_EQ(Names(path + L"\\*.jpg"), (std::vector<std::wstring>{L"three.jpg"}));
@@ -323,7 +323,7 @@ TEST(FolderListingTest, TellsAnEmptyFolderFromOneThatCannotBeLookedAt) {
     const FolderListing missing(path + L"\\none\\*");
     EXPECT_FALSE(missing);
     EXPECT_FALSE(missing.IsComplete());
-    std::ofstream(folder.Path() / L"a.txt");
+    std::ofstream(folder.Path() / L"a.txt") << "x";
     FolderListing walk(path + L"\\*");
     ASSERT_TRUE(walk);
     walk.Next();
