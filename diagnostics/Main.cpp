@@ -105,6 +105,7 @@ int Run(const std::vector<std::wstring>& words) {
     AddService(report);
     AddFolders(report, personal);
     AddScreens(report);
+    AddLook(report);
     AddLog(report, personal);
     const std::string text = "Pixora diagnostics " + std::string(kVersion) + ", " + Now() + "\n\n" + report.Text();
     if (!WriteAll(file ? file.Get() : standardOutput, text)) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "diagnostics/Sections.h"
+#include "diagnostics/SignatureState.h"
 #include "diagnostics/Version.h"
 #include "preview/Direct3DSystem.h"
 #include "preview/MediaFoundation.h"
@@ -45,7 +46,13 @@ constexpr const wchar_t* kNeededFiles[] = {
     L"res\\drawable\\LumiCamera\\defaultImg.png",
     L"plugins\\lumi_camera_config.xml",
 };
+constexpr const wchar_t* kMediaLibraries[] = {L"mfplat.dll", L"mf.dll", L"mfreadwrite.dll"};
 constexpr char kInstallAgain[] = "Install Pixora again.";
+
+std::string VersionText(DWORD high, DWORD low) {
+    return std::to_string(HIWORD(high)) + "." + std::to_string(LOWORD(high)) + "." + std::to_string(HIWORD(low)) + "." +
+           std::to_string(LOWORD(low));
+}
 
 // "1.2.3.0"; empty when the file is missing or has no version.
 std::string FileVersion(const std::wstring& path) {
@@ -58,9 +65,7 @@ std::string FileVersion(const std::wstring& path) {
         !verQueryValue.CallOr(FALSE, data.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
         return {};
     }
-    const DWORD parts[] = {info->dwFileVersionMS, info->dwFileVersionLS};
-    return std::to_string(HIWORD(parts[0])) + "." + std::to_string(LOWORD(parts[0])) + "." +
-           std::to_string(HIWORD(parts[1])) + "." + std::to_string(LOWORD(parts[1]));
+    return VersionText(info->dwFileVersionMS, info->dwFileVersionLS);
 }
 
 std::string SystemVersion() {
@@ -95,6 +100,7 @@ void AddFiles(Report& report, const std::wstring& folder, const PersonalData& pe
     if (complete) {
         report.Fine("layouts, texts, pictures and libraries are there");
     }
+    AddSignatures(report, folder);
 }
 
 void AddRunning(Report& report) {
@@ -136,6 +142,12 @@ std::set<std::string> MissingMediaFoundation() {
     return missing;
 }
 
+std::wstring SystemFolder() {
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    return std::wstring(folder) + L"\\";
+}
+
 void AddMediaSystem(Report& report) {
     const std::set<std::string> missing = MissingMediaFoundation();
     for (const std::string& name : missing) {
@@ -144,6 +156,10 @@ void AddMediaSystem(Report& report) {
     }
     if (SUCCEEDED(media_foundation::Startup(MF_VERSION, MFSTARTUP_LITE))) {
         report.Fine("Media Foundation starts");
+        for (const wchar_t* name : kMediaLibraries) {
+            const std::string version = FileVersion(SystemFolder() + name);
+            report.Note("its " + suite::ToUtf8(name) + (version.empty() ? " has no version" : " " + version));
+        }
         media_foundation::Shutdown();
     } else if (missing.empty()) {
         report.Wrong("Media Foundation does not start, so there is no camera picture",
@@ -153,6 +169,9 @@ void AddMediaSystem(Report& report) {
     D3DADAPTER_IDENTIFIER9 adapter{};
     if (direct3d && SUCCEEDED(direct3d->GetAdapterIdentifier(D3DADAPTER_DEFAULT, 0, &adapter))) {
         report.Fine("Direct3D 9 on " + std::string(adapter.Description));
+        const LARGE_INTEGER& driver = adapter.DriverVersion;
+        report.Note("graphics driver " + std::string(adapter.Driver) + " " +
+                    VersionText(static_cast<DWORD>(driver.HighPart), driver.LowPart));
     } else {
         const std::string without = d3d9.Load() == ERROR_SUCCESS ? "" : " without d3d9.dll";
         report.Wrong("Direct3D 9 is not available" + without + ", so there is no camera picture",

@@ -16,7 +16,10 @@ void AddCameras(Report& report, const PersonalData& personal);
 void AddService(Report& report);
 // Folders that the program writes to, and who may.
 void AddFolders(Report& report, const PersonalData& personal);
+// Size, place, scale and work area of each.
 void AddScreens(Report& report);
+// Theme, contrast, size of text; mouse, touch and pen.
+void AddLook(Report& report);
 void AddLog(Report& report, const PersonalData& personal);
 
 }  // namespace diagnostics

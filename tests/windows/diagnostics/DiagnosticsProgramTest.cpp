@@ -97,11 +97,16 @@ TEST_F(DiagnosticsProgramTest, ShowsTheReport) {
     EXPECT_EQ(Run(L""), DWORD{kSomethingWrong});
     for (const char* section :
          {"Program\n", "System\n", "Driver and algorithm\n", "Settings of this user\n", "Cameras\n", "Camera service\n",
-          "Folders\n", "Screens\n", "Last lines of Pixora's log\n", "Summary\n"}) {
+          "Folders\n", "Screens\n", "Look and input\n", "Last lines of Pixora's log\n", "Summary\n"}) {
         EXPECT_THAT(shown_, HasSubstr(section));
     }
     EXPECT_THAT(shown_, HasSubstr("ok     Pixora.exe "));
     EXPECT_THAT(shown_, HasSubstr("ok     layouts, texts, pictures and libraries are there"));
+    EXPECT_THAT(shown_, HasSubstr("signed files: 0, files without a signature: "));
+    for (const char* library : {"mfplat", "mf", "mfreadwrite"}) {
+        EXPECT_THAT(shown_, HasSubstr("its " + std::string(library) + ".dll "));
+    }
+    EXPECT_THAT(shown_, testing::ContainsRegex("graphics driver .*\\d+\\.\\d+"));
 }
 
 TEST_F(DiagnosticsProgramTest, ASystemWithoutMediaFoundationIsTold) {
@@ -124,7 +129,8 @@ TEST_F(DiagnosticsProgramTest, ASystemThatLacksAPartOfMediaFoundationIsTold) {
     EXPECT_THAT(shown_, HasSubstr("this system has no MFEnumDeviceSources of mf.dll, so there is no camera picture\n"));
     EXPECT_THAT(shown_,
                 HasSubstr("this system has no MFCreateDeviceSource of mf.dll, so there is no camera picture\n"));
-    EXPECT_THAT(shown_, Not(HasSubstr("mfplat.dll")));
+    EXPECT_THAT(shown_, Not(HasSubstr("no mfplat.dll")));
+    EXPECT_THAT(shown_, Not(HasSubstr("of mfplat.dll")));
     EXPECT_THAT(shown_, HasSubstr("Media Foundation starts"));
     EXPECT_THAT(shown_, HasSubstr("the cameras cannot be listed, error 0x8007007F"));
 }

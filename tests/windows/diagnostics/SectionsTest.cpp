@@ -182,6 +182,10 @@ TEST(ScreenSection, TheMainScreenIsThereWithItsScale) {
     AddScreens(report);
     EXPECT_THAT(report.Text(), HasSubstr("DPI ("));
     EXPECT_THAT(report.Text(), HasSubstr("the main screen"));
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    EXPECT_THAT(report.Text(), HasSubstr("work area " + std::to_string(work.right - work.left) + " x " +
+                                         std::to_string(work.bottom - work.top)));
 }
 
 }  // namespace
