@@ -21,6 +21,12 @@ RequestExecutionLevel admin
 ; A file that cannot be written ends the installation; it is never left out.
 AllowSkipFiles off
 
+; Signed while the installer is made, so that what it writes on the machine is signed: uninstaller and plug-ins.
+!ifdef SIGN
+    !uninstfinalize `${SIGN} "%1"` = 0
+    !addplugindir /amd64-unicode "${PLUGINS}"
+!endif
+
 !include LogicLib.nsh
 !include FileFunc.nsh
 !include WinVer.nsh

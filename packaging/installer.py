@@ -6,6 +6,8 @@ import subprocess
 import staging
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+PLUGINS = "/usr/share/nsis/Plugins/amd64-unicode"
+USED_PLUGINS = ("System.dll", "nsDialogs.dll", "nsExec.dll")
 
 
 def write_macro(folder, path):
@@ -32,7 +34,17 @@ def draw_picture(build, path):
     return path
 
 
-def make(build, folder, scratch, helper, version, upgrade_code, time, target):
+def signed_plugins(signer, scratch):
+    """Of the plug-ins, which the installer unpacks and loads, copies that are signed."""
+    folder = os.path.join(scratch, "plugins")
+    os.makedirs(folder)
+    for name in USED_PLUGINS:
+        shutil.copy2(os.path.join(PLUGINS, name), folder)
+    signer.sign_modules(folder)
+    return folder
+
+
+def make(build, folder, scratch, helper, version, upgrade_code, time, signer, target):
     """`folder` holds what is installed, `helper` is PixoraSetupHelper.exe; `scratch` is a folder to work in."""
     names = staging.files_below(folder)
     size = sum(os.path.getsize(os.path.join(folder, name)) for name in names)
@@ -47,6 +59,10 @@ def make(build, folder, scratch, helper, version, upgrade_code, time, target):
                "VERSION_MINOR": numbers[1], "SIZE_KB": (size + 1023) // 1024, "FILE_LISTS": macro, "HELPER": helper,
                "UPGRADE_CODE": upgrade_code, "TARGET": target, "ICON": os.path.join(build, "res", "Pixora.ico"),
                "PICTURE": draw_picture(build, os.path.join(scratch, "picture.bmp"))}
+    if signer.command:
+        defines["SIGN"] = signer.command
+        defines["PLUGINS"] = signed_plugins(signer, scratch)
     subprocess.run(["makensis", "-V2", "-WX", *[f"-D{name}={value}" for name, value in defines.items()],
-                    os.path.join(HERE, "Pixora.nsi")], check=True)
+                    os.path.join(HERE, "Pixora.nsi")], check=True, env={**os.environ, **signer.environment()})
+    signer.sign(target)
     return target

@@ -7,10 +7,16 @@ VERSION_RESOURCE = 16
 
 
 class Image:
-    """A PE32+ file. Addresses are relative to where it is loaded."""
+    """A PE32+ file. Addresses are relative to where it is loaded. Anything else is a ValueError."""
 
     def __init__(self, content):
         self.content = content
+        try:
+            self._read_headers(content)
+        except struct.error:
+            raise ValueError("no Windows module") from None
+
+    def _read_headers(self, content):
         start, = struct.unpack_from("<I", content, 0x3C)
         if content[:2] != b"MZ" or content[start:start + 4] != b"PE\0\0":
             raise ValueError("no Windows module")

@@ -16,8 +16,10 @@ build_packages="g++ cmake ninja-build ccache googletest g++-mingw-w64-x86-64-pos
 run_packages="wine64 wine xvfb x11-utils imagemagick libgl1-mesa-dri libgl1 fonts-dejavu-core fonts-noto-cjk fonts-open-sans
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav"
 package_packages="nsis wixl msitools"
+signing_packages="osslsigncode"
 # Formatting and clang-tidy are checked with one version of the tools (tests/house/clang_tools.py), where there is one.
-test_packages="clang-format-14? clang-tidy-14? ffmpeg python3 7zip $package_packages"
+test_packages="clang-format-14? clang-tidy-14? ffmpeg python3 7zip openssl
+    $package_packages $signing_packages"
 bench_packages="libyuv-dev libswscale-dev"
 
 is_installed() { [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }

@@ -49,7 +49,9 @@ def check_symbols(archive, program):
     modules = [name for name in os.listdir(program) if name.startswith(("Pixora", "Qx", "DuiLib"))]
     modules += ["PixoraSetupHelper.exe", "PixoraSetupActions.dll"]
     packed = {os.path.basename(name) for name in zipfile.ZipFile(archive).namelist()}
-    check(packed == {f"{name}.debug" for name in modules}, f"the symbols of {len(modules)} modules are packed")
+    runtime = {name for name in os.listdir(program) if name.startswith("lib") and name.endswith(".dll")}
+    check(packed == {f"{name}.debug" for name in modules} | set(modules) | runtime,
+          f"the symbols of {len(modules)} modules are packed, and the modules")
 
 
 def start(wine, folder=PROGRAM):

@@ -57,15 +57,21 @@ def installed(wine):
 
 
 class Version:
-    """A small version, packed as each of `kinds`: setup and msi are the paths of the packages."""
+    """A small version, packed as each of `kinds`: setup and msi are the paths of the packages. `more`: files that it has
+    beside or in the place of the usual ones."""
 
-    def __init__(self, build, out, version, *kinds):
+    def __init__(self, build, out, version, *kinds, options=(), more=None):
         self.number = version
         folder = small_version(build, os.path.join(out, f"tree-{version}"), version)
-        self.tree = machine.contents(folder)
-        packages = pack(build, os.path.join(out, version), "--program", folder, "--version", version, "--only", *kinds)
+        for name, content in (more or {}).items():
+            write(f"{folder}/{name}", content)
+        self.packed = os.path.join(out, version)
+        packages = pack(build, self.packed, "--program", folder, "--version", version, *options, "--only", *kinds)
+        # Signed files are not those that came in.
+        self.tree = machine.contents(os.path.join(self.packed, "program"))
         self.setup = next((package for package in packages if package.endswith(".exe")), None)
         self.msi = next((package for package in packages if package.endswith(".msi")), None)
+        self.portable = next((package for package in packages if package.endswith("-portable.zip")), None)
 
 
 def expect_whole(wine, version, why):
