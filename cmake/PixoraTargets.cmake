@@ -91,9 +91,10 @@ function(pixora_test_options name)
 endfunction()
 
 # pixora_windows_test(name SOURCES files... LIBS targets...): a GoogleTest program that ctest runs under Wine, on a
-# desktop of its own: mouse, keyboard, registry, pipes and folders are shared with no other test.
+# desktop of its own: mouse, keyboard, registry, pipes and folders are shared with no other test. COST: the seconds it
+# takes on a small machine, when they are many; the longest tests begin first when tests run side by side.
 function(pixora_windows_test name)
-    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "" "TIMEOUT;COST" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE pixora_options ${ARG_LIBS} pixora_gtest_main)
     pixora_test_options(${name})
@@ -102,6 +103,9 @@ function(pixora_windows_test name)
         set(ARG_TIMEOUT 300)
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_COST)
+        set_tests_properties(${name} PROPERTIES COST ${ARG_COST})
+    endif()
 endfunction()
 
 # pixora_unit_test(name SOURCES files... LIBS targets...): a native GoogleTest program over pure logic.

@@ -27,12 +27,10 @@ std::wstring FolderUnderTest() {
     return length > 0 && length < MAX_PATH ? folder : ProgramFolder();
 }
 
-// The window's pixels as they are on the screen, top row first.
-std::vector<DWORD> Grab(HWND window, SIZE& size) {
-    RECT client = {};
-    GetClientRect(window, &client);
-    size = {client.right, client.bottom};
-    POINT origin = {};
+// The pixels of that part of the client area as they are on the screen, top row first.
+std::vector<DWORD> Grab(HWND window, const RECT& part) {
+    const SIZE size = {part.right - part.left, part.bottom - part.top};
+    POINT origin = {part.left, part.top};
     ClientToScreen(window, &origin);
 
     BITMAPINFO info = {};
@@ -51,6 +49,13 @@ std::vector<DWORD> Grab(HWND window, SIZE& size) {
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
     return result;
+}
+
+std::vector<DWORD> Grab(HWND window, SIZE& size) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    size = {client.right, client.bottom};
+    return Grab(window, client);
 }
 
 void SendMouse(DWORD flags, int amount = 0) {
@@ -284,11 +289,11 @@ std::vector<DWORD> Program::Pixels(SIZE& sizePx) const {
 }
 
 COLORREF Program::PixelAt(int xPx, int yPx) const {
-    SIZE size = {};
-    const std::vector<DWORD> pixels = Grab(window_, size);
-    if (xPx < 0 || yPx < 0 || xPx >= size.cx || yPx >= size.cy)
+    RECT client = {};
+    GetClientRect(window_, &client);
+    if (!PtInRect(&client, {xPx, yPx}))
         return CLR_INVALID;
-    return pixels[static_cast<std::size_t>(yPx * size.cx + xPx)] & 0xFFFFFF;
+    return Grab(window_, {xPx, yPx, xPx + 1, yPx + 1}).front() & 0xFFFFFF;
 }
 
 bool Program::Screenshot(const std::wstring& name, int moreColorsThan) const {

@@ -1,4 +1,6 @@
 // What a paint manager paints when, and what reaches the screen.
+#include <algorithm>
+
 #include "DuiLib/ContainerUI.h"
 #include "TestWindow.h"
 #include "paint/Canvas.h"
@@ -118,7 +120,27 @@ TEST_F(WindowPainting, PrintsTheWholeWindowIntoAnotherContext) {
     ReleaseDC(nullptr, screen);
 }
 
+// The objects that the system keeps of so many plain windows that were shown in a shape: none, but Wine 10 a region of
+// each.
+int KeptByTheSystem(int windows) {
+    const auto round = [] {
+        const HWND window =
+            CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 300, 100, nullptr, nullptr, nullptr, nullptr);
+        SetWindowRgn(window, CreateRoundRectRgn(0, 0, 300, 100, 8, 8), TRUE);
+        ShowWindow(window, SW_SHOWNOACTIVATE);
+        PumpPending();
+        DestroyWindow(window);
+    };
+    round();
+    const int before = GdiObjectCount();
+    for (int i = 0; i < windows; ++i) {
+        round();
+    }
+    return std::max(0, GdiObjectCount() - before);
+}
+
 TEST_F(WindowPainting, ManyWindowsLeaveNoObjectsBehind) {
+    constexpr int kWindows = 25;
     const auto round = [] {
         TestWindow other(R"(<Window size="300,100" roundcorner="8"><Font id="1" size="20"/><HorizontalLayout>
             <Button name="a" text="A" tooltip="tip" font="1"/><Button name="b" text="B"/></HorizontalLayout></Window>)");
@@ -129,12 +151,13 @@ TEST_F(WindowPainting, ManyWindowsLeaveNoObjectsBehind) {
         PumpPending();
     };
     round();
+    const int kept = KeptByTheSystem(kWindows);
     const int before = GdiObjectCount();
     ASSERT_GT(before, 0);
-    for (int i = 0; i < 25; ++i) {
+    for (int i = 0; i < kWindows; ++i) {
         round();
     }
-    EXPECT_LE(GdiObjectCount(), before + 2);
+    EXPECT_LE(GdiObjectCount(), before + kept + 2);
 }
 
 }  // namespace
