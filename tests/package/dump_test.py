@@ -11,7 +11,7 @@ import time
 import zipfile
 
 import support
-from support import ROOT, check, machine
+from support import ROOT, check, machine, read
 
 sys.path[:0] = [os.path.join(ROOT, "scripts", "dumps"), os.path.join(ROOT, "packaging")]
 import minidump
@@ -44,11 +44,6 @@ def make_dump(wine, out, kind):
         print("note    the dump was not finished in time: once more", flush=True)
     check(False, "a whole dump")
     return None
-
-
-def read(path):
-    with open(path, "rb") as file:
-        return file.read()
 
 
 def pack(build, path, names, change=lambda name, content: content):

@@ -9,7 +9,7 @@ import support
 # Of the version that is upgraded: the program of today and one file more.
 OLD = "0.9.0"
 ENDINGS = {"setup": "PixoraSetup-{}.exe", "msi": "Pixora-{}.msi", "portable": "Pixora-{}-portable.zip",
-           "symbols": "Pixora-{}-symbols.zip"}
+           "symbols": "Pixora-{}-symbols.zip", "bom": "Pixora-{}.cdx.json"}
 
 
 def folder(build, *names):

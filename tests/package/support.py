@@ -35,6 +35,11 @@ def write(path, content):
         file.write(content)
 
 
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
 def small_version(build, folder, version):
     """A program of a few files, none of which is the same in two versions."""
     shutil.rmtree(folder, ignore_errors=True)
