@@ -62,6 +62,7 @@ std::unique_ptr<CControlUI> MakeGalleryCell(const std::wstring& name, const std:
 
     auto picture = MakePart<CControlUI>(name + kPictureSuffix, kItemWidth, kItemHeight);
     picture->SetAttribute(L"borderround", L"6");
+    picture->SetAttribute(L"bkcolor", L"placeholder");  // until the thumbnail comes
     picture->SetBkImage(L"file='" + thumbnailPath + L"' reverse='true'");
     item->Add(std::move(picture));
 

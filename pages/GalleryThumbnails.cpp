@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kWidthDip = 52;
 constexpr int kHeightDip = 32;
-constexpr std::uint32_t kPlainColor = 0xFFE6EAF2;
+constexpr std::uint32_t kNothing = 0;  // a transparent pixel: the cell's own ground is seen
 
 constexpr wchar_t kFunction[] = L"GalleryThumbnails::Read";
 
@@ -34,9 +34,9 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
 
     explicit State(DuiLib::CPaintManagerUI* paintManager) : manager(paintManager) {}
 
-    void Register(const std::wstring& path, const suite::GdiBitmap& bitmap) const {
+    void Register(const std::wstring& path, const suite::GdiBitmap& bitmap, bool alpha) const {
         if (bitmap) {
-            manager->AddImage(path, bitmap.Get(), kWidthDip, kHeightDip, false, true);
+            manager->AddImage(path, bitmap.Get(), kWidthDip, kHeightDip, alpha, true);
         }
     }
 
@@ -44,7 +44,7 @@ struct GalleryThumbnails::State : std::enable_shared_from_this<State> {
     void Take(const Job& job, const suite::GdiBitmap& bitmap) {
         const auto shown = latest.find(job.control);
         if (alive && shown != latest.end() && shown->second.number == job.number && bitmap) {
-            Register(job.path, bitmap);
+            Register(job.path, bitmap, false);
             if (DuiLib::CControlUI* control = manager->FindControl(job.control)) {
                 control->Invalidate();
             }
@@ -143,7 +143,7 @@ GalleryThumbnails::~GalleryThumbnails() {
 void GalleryThumbnails::Show(const std::wstring& path, const std::wstring& control) {
     const State::Job job{path, control, ++state_->lastNumber};
     state_->latest[control] = job;
-    state_->Register(path, suite::GdiBitmap(CreateBitmap(1, 1, 1, 32, &kPlainColor)));
+    state_->Register(path, suite::GdiBitmap(CreateBitmap(1, 1, 1, 32, &kNothing)), true);
     {
         const std::scoped_lock lock(state_->mutex);
         state_->jobs.push_back(job);

@@ -13,5 +13,6 @@ struct IntroductionHeaderLayout {
 };
 
 // Centres the tab headers within the page's 800 units where they and the title leave the room, and narrows the widest
-// ones where they do not fit beside each other.
-IntroductionHeaderLayout LayOutIntroductionHeader(const IntroductionHeaderText& text);
+// ones where they do not fit beside each other. With `largeText`, the user's larger size of text, those that do not fit
+// get a row of the window for themselves instead: each is as wide as its text, or its share of the row.
+IntroductionHeaderLayout LayOutIntroductionHeader(const IntroductionHeaderText& text, bool largeText = false);

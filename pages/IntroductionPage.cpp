@@ -1,5 +1,6 @@
 #include "pages/IntroductionPage.h"
 
+#include "DuiLib/Theme.h"
 #include "pages/IntroductionHeader.h"
 
 namespace {
@@ -43,7 +44,8 @@ void IntroductionPage::LayOutHeader() {
         return control ? TextWidth(control->GetText(), kSelectedFont) : 0;
     };
     const IntroductionHeaderLayout layout = LayOutIntroductionHeader(
-        {widthOf(L"introduction_title_txt"), widthOf(kBackgroundOption), widthOf(kSightOption), widthOf(kFocusOption)});
+        {widthOf(L"introduction_title_txt"), widthOf(kBackgroundOption), widthOf(kSightOption), widthOf(kFocusOption)},
+        DuiLib::UITheme::GetInstance()->GetTextPercent() > 100);
     const auto setWidth = [this](const wchar_t* name, int widthDip) {
         if (DuiLib::CControlUI* control = Find(name)) {
             control->SetFixedWidth(widthDip);

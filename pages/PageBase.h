@@ -22,7 +22,7 @@ class PageBase : public DuiLib::CNotifyPump {
 
     // Runs once, when the window exists and the first page is shown.
     virtual void Initialize() {}
-    // The window has another DPI: widths that follow a text are measured again.
+    // The window has another DPI, or texts another size: widths that follow a text are measured again.
     virtual void OnScaleChanged() {}
     // Puts the page into the tab container on first use, and shows it.
     void SelectTab(DuiLib::CTabLayoutUI* tabs, DuiLib::CNotifyPump* pump);

@@ -137,7 +137,16 @@ void PxMainWnd::Notify(DuiLib::TNotifyUI& msg) {
             KindNotifier<BeautyKind>::GetInstance().Publish(GlobalUtils::kBeautyChannel, BeautyKind(level->kind));
         }
     }
+    if (msg.type == kTextSizeChanged) {
+        TellScale();
+    }
     WindowImplBase::Notify(msg);
+}
+
+void PxMainWnd::TellScale() {
+    for (const auto& [name, page] : pages_) {
+        page->OnScaleChanged();
+    }
 }
 
 void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
@@ -213,9 +222,7 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             changingDpi_ = true;
             PaintManager().OnDpiChanged(wParam, lParam);
             changingDpi_ = false;
-            for (const auto& [name, page] : pages_) {
-                page->OnScaleChanged();
-            }
+            TellScale();
             PublishMove();
             return 0;
         case WM_WTSSESSION_CHANGE:

@@ -64,6 +64,8 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     void QueueModal(std::int32_t key, std::function<void()> show);
     void RegisterVideoThumbnail();
     void TrackHover(LPARAM lParam);
+    // The pages measure their texts again.
+    void TellScale();
     void PublishMove();
     // The preview's window, which stands over this one, has to follow.
     static void PublishPlace();

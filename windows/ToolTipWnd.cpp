@@ -117,6 +117,13 @@ void ToolTipWnd::CutToBubble() {
     SetWindowRgn(GetHWND(), CreateRoundRectRgn(px.left, px.top, px.right + 1, px.bottom + 1, cornerPx, cornerPx), TRUE);
 }
 
+void ToolTipWnd::Notify(DuiLib::TNotifyUI& msg) {
+    if (msg.type == DuiLib::NotifyType::kTextSizeChanged) {
+        Show(false);  // it has the width of its text
+    }
+    WindowImplBase::Notify(msg);
+}
+
 LRESULT ToolTipWnd::OnMouseLeave(WPARAM, LPARAM, bool& handled) {
     handled = false;
     POINT cursor = {};

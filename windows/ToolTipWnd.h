@@ -2,7 +2,8 @@
 // The hint popup of the settings pages: one per process, beside the control that it explains, as wide as its text.
 //
 // A page calls SetAnchor, SetPosition, SetToolTipText and Show(true). The popup hides when the pointer
-// leaves the explained control or comes onto the popup itself, and when the main window loses the focus.
+// leaves the explained control or comes onto the popup itself, when the main window loses the focus, and when texts get
+// another size.
 // Layout: a text "tooltip_text" in the visible part, "tooltip_bubble". Sizes and distances are 96-DPI units unless a
 // name says px. Thread: UI thread.
 #include <windows.h>
@@ -26,6 +27,7 @@ class ToolTipWnd : public DuiLib::WindowImplBase, public HintWindow {
     // Top left corner at that distance (px) from the anchor's; nothing without an anchor.
     void SetPosition(int dxPx, int dyPx) override;
     void Show(bool visible) override;
+    void Notify(DuiLib::TNotifyUI& msg) override;
 
   protected:
     explicit ToolTipWnd(const wchar_t* title) : title_(title) {}

@@ -1,6 +1,6 @@
-// How long a window of the program's size and richness takes to paint: whole, one hovered button, one slider step, and
-// a new arrangement. Prints milliseconds: the median, and the best for
-// machines that are busy with something else.
+// How long a window of the program's size and richness takes to paint: whole, one hovered button, one slider step, a
+// new arrangement, and another theme. Prints milliseconds: the median, and the best for machines that are busy with
+// something else.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <random>
 
 #include "DuiLib/SliderUI.h"
+#include "tests/support/FakeLook.h"
 #include "tests/windows/duilib/Rendering.h"
 
 namespace DuiLib::Test {
@@ -41,7 +42,7 @@ void WritePhoto(const std::wstring& name, Size size) {
 
 std::string Layout() {
     std::string layout =
-        R"(<Window size="960,680" roundcorner="12" bkcolor="#FFF3F4F6"><Font id="0" size="14" default="true"/>
+        R"(<Window size="960,680" roundcorner="12" bkcolor="window"><Font id="0" size="14" default="true"/>
         <Default name="Option" value="width='52' height='32' borderround='6' bordersize='1' bordercolor='#20000000' group='g'"/>
         <VerticalLayout inset="40,20,40,20" childpadding="8" bkimage="drawable/back.png">
         <HorizontalLayout height="40"><Label text="Camera effects"/><Button width="32" text="-"/><Button width="32" text="x"/>
@@ -73,9 +74,13 @@ std::string Layout() {
 TEST(PaintBench, Window) {
     WritePhoto(L"drawable\\back.png", {960, 680});
     WritePhoto(L"drawable\\switch.png", {36, 20});
+    // As in the settings window, one large picture and the controls have a dark look, and the photographs have none.
+    WritePhoto(L"drawable-dark\\back.png", {960, 680});
+    WritePhoto(L"drawable-dark\\switch.png", {36, 20});
     for (int i = 0; i < 15; ++i) {
         WritePhoto(L"drawable\\photo" + std::to_wstring(i) + L".png", {100 + i, 80});
     }
+    harness::FakeLook look;
     TestWindow window(Layout());
     CPaintManagerUI& manager = window.PaintManager();
     window.ShowWindow(true, false);
@@ -105,8 +110,13 @@ TEST(PaintBench, Window) {
             manager.NeedUpdate();
             manager.UpdateLayout();
         });
-        std::printf("%3d %%: whole %s, hover %s, slider step %s, arranging %s ms\n", dpi * 100 / 96, whole.c_str(),
-                    hover.c_str(), slide.c_str(), arrange.c_str());
+        const std::string theme = MillisecondsOf([&] {
+            look.SetDark(look.appsUseLightTheme.value_or(1) == 1);
+            harness::FakeLook::Tell(window.GetHWND());
+            repaint();
+        });
+        std::printf("%3d %%: whole %s, hover %s, slider step %s, arranging %s, theme %s ms\n", dpi * 100 / 96,
+                    whole.c_str(), hover.c_str(), slide.c_str(), arrange.c_str(), theme.c_str());
     }
 }
 

@@ -1,5 +1,6 @@
 // Measures what the user waits for in the open settings window: a click until its ping has reached the service, a
-// change by another program until the switch is painted, and a click until the other page is painted.
+// change by another program until the switch is painted, a click until the other page is painted, and another theme
+// until it is painted.
 #include <windows.h>
 
 #include <chrono>
@@ -55,6 +56,13 @@ void Settle(const e2e::Program& program, PipeServer& service) {
     }
 }
 
+void ChooseDark(HWND window, bool dark) {
+    const DWORD light = dark ? 0 : 1;
+    RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
+                    L"AppsUseLightTheme", REG_DWORD, &light, sizeof(light));
+    SendMessageW(window, WM_SETTINGCHANGE, 0, 0);
+}
+
 void Measure() {
     e2e::Machine::ResetToInstalled();
     e2e::Machine::SetNumber(L"lumi_camera_switch", 1);
@@ -65,7 +73,7 @@ void Measure() {
     if (!program.WaitForWindow() || !service.WaitFor(ServerEvent::Kind::kHello, kPatience))
         throw std::runtime_error("the window did not open");
 
-    Times ping, change, page;
+    Times ping, change, page, theme;
     const RECT row = program.Find(L"focus_person_btn")->screenPx;
     const RECT detail = program.Find(L"show_detail_btn")->screenPx;
     const POINT farSide{row.left + (row.right - row.left) / 4, (row.top + row.bottom) / 2};
@@ -103,10 +111,24 @@ void Measure() {
         program.Click(L"back_btn");
         program.WaitFor(L"show_detail_btn");
         Settle(program, service);
+
+        RECT client = {};
+        GetClientRect(program.Window(), &client);
+        POINT corner{client.right - 6, client.bottom - 6};
+        ClientToScreen(program.Window(), &corner);
+        const Pixel ground(corner);
+        for (const bool dark : {true, false}) {
+            const COLORREF former = ground.Get();
+            begin = Clock::now();
+            ChooseDark(program.Window(), dark);
+            theme.Add(ground.UntilOther(former, begin));
+            Settle(program, service);
+        }
     }
     ping.Print("click until the service has the ping", 5);
     change.Print("change by another program until painted", 50);
     page.Print("click until the other page is painted", 30);
+    theme.Print("another theme until it is painted", 16.7);
 }
 
 }  // namespace

@@ -199,6 +199,58 @@ TEST_F(SettingsWindowTest, TheOnlineIntroductionOpensInTheBrowser) {
     EXPECT_THAT(Machine::OpenedLinks(), testing::ElementsAre("https://support.example.com/pixora/introduction"));
 }
 
+// What the user chose for all programs; nothing any more when it goes. Each change is told to the window as the system
+// does.
+class UsersLook {
+  public:
+    explicit UsersLook(HWND window) : window_(window) {}
+    ~UsersLook() {
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, kTheme, L"AppsUseLightTheme");
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, kText, L"TextScaleFactor");
+    }
+    UsersLook(const UsersLook&) = delete;
+    UsersLook& operator=(const UsersLook&) = delete;
+
+    void SetDark(bool dark) const { Set(kTheme, L"AppsUseLightTheme", dark ? 0 : 1); }
+    void SetTextSize(DWORD percent) const { Set(kText, L"TextScaleFactor", percent); }
+
+  private:
+    static constexpr wchar_t kTheme[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
+    static constexpr wchar_t kText[] = L"Software\\Microsoft\\Accessibility";
+
+    void Set(const wchar_t* key, const wchar_t* name, DWORD value) const {
+        EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key, name, REG_DWORD, &value, sizeof(value)), ERROR_SUCCESS);
+        SendMessageW(window_, WM_SETTINGCHANGE, 0, 0);
+    }
+
+    const HWND window_;
+};
+
+TEST_F(SettingsWindowTest, TheThemeAndTheSizeOfTextAreFollowedWhileItIsOpen) {
+    Open();
+    constexpr COLORREF kLightGround = 0xF1F3F8, kDarkGround = 0x15181E;
+    const auto becomes = [this](COLORREF ground) {
+        return WaitUntil([&] { return program_->PixelAt(20, 590) == ground; });
+    };
+    EXPECT_TRUE(becomes(kLightGround));
+    const UsersLook look(program_->Window());
+    look.SetDark(true);
+    EXPECT_TRUE(becomes(kDarkGround));
+    EXPECT_TRUE(program_->Screenshot(L"settings-dark", 200));
+    const auto width = [this] {
+        const RECT text = program_->ClientRect(L"preview_text");
+        return text.right - text.left;
+    };
+    const LONG before = width();
+    look.SetTextSize(200);
+    EXPECT_TRUE(WaitUntil([&] { return width() > before * 3 / 2; }));
+    EXPECT_TRUE(program_->Screenshot(L"settings-dark-large", 200));
+    look.SetDark(false);
+    look.SetTextSize(100);
+    EXPECT_TRUE(becomes(kLightGround));
+    EXPECT_TRUE(WaitUntil([&] { return width() == before; }));
+}
+
 // A copy of the installed program with something of its resources damaged.
 class DamagedResources : public SettingsWindowTest {
   protected:
@@ -256,6 +308,18 @@ TEST_F(DamagedResources, AnEmptyLayoutLeavesALogLine) {
     OpenDamaged();
     ExpectCleanEnd();
     EXPECT_THAT(harness::TestLog::TakeFailures(), Contains("exist control nullptr(PageBase::SelectTab)"));
+}
+
+TEST_F(DamagedResources, WithoutItsColoursTheWindowIsLight) {
+    fs::remove(folder_ / L"res\\themes.xml");
+    OpenDamaged();
+    ASSERT_TRUE(program_->WaitForWindow());
+    const UsersLook look(program_->Window());
+    look.SetDark(true);
+    EXPECT_EQ(program_->PixelAt(20, 590), 0xF1F3F8U);
+    ExpectCleanEnd();
+    EXPECT_THAT(harness::TestLog::TakeFailures(),
+                testing::ElementsAre(HasSubstr("the light theme of the library is used(UITheme::ReadFile)")));
 }
 
 TEST_F(DamagedResources, ABrokenStringTableLeavesALogLine) {

@@ -49,21 +49,23 @@ def ground_color(colors, name, theme):
 
 
 def read_themes(path, breaches):
-    """Name to the attributes of each colour, and name to the system colour of each mask."""
-    colors, masks = {}, {}
+    """Name to the attributes of each colour, name to the system colour of each mask, and the names never mirrored."""
+    colors, masks, upright = {}, {}, {}
+    kinds = {"Color": (colors, {"light", "dark", "contrast", "kind", "on", "over"}, {"light", "dark", "contrast"}),
+             "Mask": (masks, {"contrast"}, {"contrast"}), "Upright": (upright, set(), set())}
     for element in ElementTree.parse(path).getroot():
         attributes = dict(element.attrib)
         name = attributes.pop("name", "")
-        target, known = (colors, {"light", "dark", "contrast", "kind", "on", "over"}) if element.tag == "Color" else (masks, {"contrast"})
-        if name in target or set(attributes) - known or "contrast" not in attributes:
+        target, known, needed = kinds[element.tag]
+        if name in target or set(attributes) - known or needed - set(attributes):
             breaches.append(f"themes.xml: {element.tag} {name}: doubled, or not the attributes of its kind")
         target[name] = attributes
-        if attributes.get("contrast") not in {*PAIRS, "none"}:
+        if "contrast" in needed and attributes.get("contrast") not in {*PAIRS, "none"}:
             breaches.append(f"themes.xml: {name}: no colour of the system is called {attributes.get('contrast')}")
         for theme in ("light", "dark") if element.tag == "Color" else ():
             if not re.fullmatch("#[0-9A-F]{8}", attributes.get(theme, "")):
                 breaches.append(f"themes.xml: {name}: {theme} is not #AARRGGBB")
-    return colors, masks
+    return colors, masks, upright
 
 
 def check_contrast(colors):
@@ -98,24 +100,27 @@ def layout_colors(path):
 
 
 def check_layouts(root, colors):
-    """Each colour of a layout is a name of themes.xml, or a number that the README gives a name of that light value."""
-    names = {}
-    for line in (root / "res" / "art" / "README.md").read_text(encoding="utf-8").splitlines():
-        cells = [re.findall(r"`([^`]+)`", cell) for cell in line.strip("|").split("|")]
-        if line.startswith("| `Pixora") and len(cells) == 4:
-            names.update({(layout, where, cells[2][0]): cells[3][0] for layout in cells[0] for where in cells[1]})
+    """Each colour of a layout is a name of themes.xml; layouts and code use each name."""
     breaches = []
     used = set()
     for path in sorted((root / "res" / "layout").glob("*.xml")):
         for where, attribute, value in layout_colors(path):
-            place = (path.stem, where, attribute)
-            used.add(place)
-            name = names.get(place) if value.startswith("#") else value
-            if name not in colors:
+            used.add(value)
+            if value not in colors:
                 breaches.append(f"{path.name}: {where}: {attribute} {value} has no name of themes.xml")
-            elif value.startswith("#") and value != colors[name]["light"]:
-                breaches.append(f"{path.name}: {where}: {attribute} {value} is not {name}, {colors[name]['light']}")
-    return breaches + [f"res/art/README.md: no {' '.join(place)}" for place in sorted(set(names) - used)]
+    code = "".join(path.read_text(encoding="utf-8") for folder in CODE_FOLDERS for path in (root / folder).rglob("*.cpp"))
+    used |= set(re.findall(r'SetAttribute\(L"\w*color", L"(\w+)"\)', code))
+    return breaches + [f"themes.xml: nobody uses the colour {name}" for name in sorted(set(colors) - used)]
+
+
+def check_library(root, colors):
+    """The library's own table has the names of themes.xml, with the same light values and colours of the system."""
+    text = (root / "duilib" / "src" / "theme" / "ColorTable.cpp").read_text(encoding="utf-8")
+    own = {name: (f"#{light}", contrast.lower())
+           for name, light, contrast in re.findall(r'\{L"(\w+)", 0x([0-9A-F]{8}), SystemColor::k(\w+)\}', text)}
+    there = {name: (color["light"], color["contrast"]) for name, color in colors.items()}
+    return [f"ColorTable.cpp: {name} is {own.get(name)}, in themes.xml {there.get(name)}"
+            for name in sorted(set(own) | set(there)) if own.get(name) != there.get(name)]
 
 
 def read_palette(readme):
@@ -175,17 +180,18 @@ def check_drawing(path, palette):
 
 def main(root=ROOT):
     breaches = []
-    colors, masks = read_themes(root / "res" / "themes.xml", breaches)
+    colors, masks, upright = read_themes(root / "res" / "themes.xml", breaches)
     if breaches:
         return breaches
     breaches += check_contrast(colors)
     breaches += check_layouts(root, colors)
+    breaches += check_library(root, colors)
     palette = read_palette((root / "res" / "art" / "README.md").read_text(encoding="utf-8"))
     drawings = sorted((root / "res" / "art" / "LumiCamera").glob("*.svg"))
     for path in drawings:
         breaches += check_drawing(path, palette)
     names = {path.stem for path in drawings}
-    breaches += [f"themes.xml: {name} has no drawing" for name in sorted(set(masks) - names)]
+    breaches += [f"themes.xml: {name} has no drawing" for name in sorted((set(masks) | set(upright)) - names)]
     breaches += [f"themes.xml: the mask of {name} has no colour" for name in sorted(names - ILLUSTRATIONS - set(masks))]
     texts = "".join(path.read_text(encoding="utf-8") for path in sorted((root / "res" / "layout").glob("*.xml")))
     for folder in CODE_FOLDERS:

@@ -18,10 +18,12 @@ CHANGES = [
      "thumb_some has no drawing"),
     ("themes.xml", '<Mask name="unchecked" contrast="windowtext"/>', "", "the mask of unchecked has no colour"),
     ("themes.xml", 'kind="graphic" on="window dialog card"', 'kind="graphic"', "focus: kind is one of"),
-    ("layout/Pixora.xml", 'bkcolor="#66000000"', 'bkcolor="#66000001"', "mask_control: bkcolor #66000001 is not mask"),
-    ("layout/PixoraMsgBox.xml", 'hotbkcolor="#FF0950DE"', 'hotbkcolor="accenthot"', "hotbkcolor accenthot has no name"),
-    ("layout/PixoraHomePage.xml", "barcolor='#FFD9DEE7'", "backcolor='#FFD9DEE7'", "Slider: backcolor #FFD9DEE7 has no name"),
-    ("layout/PixoraToolTip.xml", 'bkcolor="#FFFFFFFF" borderround', "borderround", "no PixoraToolTip tooltip_bubble bkcolor"),
+    ("themes.xml", '<Upright name="checked"/>', '<Upright name="ticked"/>', "ticked has no drawing"),
+    ("themes.xml", 'name="track" light="#FFD9DEE7"', 'name="track" light="#FFD9DEE8"', "ColorTable.cpp: track is "),
+    ("layout/Pixora.xml", 'bkcolor="mask"', 'bkcolor="#66000000"', "mask_control: bkcolor #66000000 has no name"),
+    ("layout/PixoraMsgBox.xml", 'hotbkcolor="accenthover"', 'hotbkcolor="accenthot"', "hotbkcolor accenthot has no name"),
+    ("layout/PixoraHomePage.xml", "barcolor='track'", "barcolor='tracks'", "Slider: barcolor tracks has no name"),
+    ("layout/PixoraToolTip.xml", 'bordercolor="hintborder"', "", "nobody uses the colour hintborder"),
     ("layout/PixoraDialogWnd.xml", "dialog_warning.png", "dialog_sign.png", "dialog_warning.svg: no layout and no code"),
     ("art/LumiCamera/checked.svg", 'fill="#0A59F7"', 'fill="#0A59F8"', "fill #0A59F8 and #4A8CFF are no light and dark"),
     ("art/LumiCamera/unchecked.svg", "stroke: #8790A0", "stroke: #8790A1", "stroke #838D9C and #8790A1 are no light and dark"),
@@ -47,6 +49,7 @@ def broken(changes):
         shutil.copytree(art.ROOT / "res", root / "res")
         for name in art.CODE_FOLDERS:
             (root / name).symlink_to(art.ROOT / name)
+        (root / "duilib").symlink_to(art.ROOT / "duilib")
         for path, old, new, _ in changes:
             file = root / "res" / path
             text = file.read_bytes().decode()

@@ -28,15 +28,17 @@ ROOMS = (LIBRARY, PICTURES)
 # for PaintManagerUI.h: controls call their window through it, so it is declared with them and written in the window.
 UI_ROOMS = {
     "markup": set(),
-    "text": {"markup"},
-    "paint": {"markup", "text"},
-    "layout": {"markup", "text", "paint"},
-    "controls": {"markup", "text", "paint", "layout"},
+    "theme": {"markup"},
+    "text": {"markup", "theme"},
+    "paint": {"markup", "theme", "text"},
+    "layout": {"markup", "theme", "text", "paint"},
+    "controls": {"markup", "theme", "text", "paint", "layout"},
     "accessibility": {"layout"},
-    "window": {"markup", "text", "paint", "layout", "controls", "accessibility"},
+    "window": {"markup", "theme", "text", "paint", "layout", "controls", "accessibility"},
 }
 UI_PUBLIC = {
-    None: ("Export", "Geometry"),
+    None: ("Color", "Export", "Geometry"),
+    "theme": ("SystemLook", "Theme"),
     "text": ("FontSpec", "UICulture"),
     "layout": ("ContainerUI", "ControlUI", "Event", "Layouts", "Notify", "PaintManagerUI"),
     "controls": ("ButtonUI", "LabelUI", "OptionUI", "ProgressUI", "SliderUI", "TextUI"),

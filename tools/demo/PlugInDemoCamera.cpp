@@ -1,4 +1,4 @@
-// Plugs the demo camera in before the program starts: this file is all that PixoraDemo has beyond the shipped program.
+// Plugs the demo camera in before the program starts.
 #include <mferror.h>
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 // Attributes beside those of Label:
 //   normalimage, hotimage, pushedimage, focusedimage, disabledimage: image attribute, none
 //       a state without an image shows the normal one, pushed the hot one
-//   hotbkcolor, pushedbkcolor, disabledbkcolor: #AARRGGBB, none   a state without a colour shows bkcolor
-//   hottextcolor, pushedtextcolor: #AARRGGBB, textcolor           likewise
+//   hotbkcolor, pushedbkcolor, disabledbkcolor: colour, none   a state without a colour shows bkcolor
+//   hottextcolor, pushedtextcolor: colour, textcolor           likewise
 // Sends "buttondown" when it goes down, "click" when it is released inside or pressed by Space or Enter, "mouseenter"
 // and "mouseleave". While the left button is held after a press inside, the state has the captured bit; the pushed
 // bit follows the pointer in and out. keyboard is true by default, align is center.
@@ -45,8 +45,8 @@ class DUILIB_API CButtonUI : public CLabelUI {
   protected:
     bool FocusableByDefault() const override { return true; }
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
-    DWORD CurrentBkColor() const override;
-    DWORD CurrentTextColor() const override;
+    Color CurrentBkColor() const override;
+    Color CurrentTextColor() const override;
     // The image of the present state; empty for none.
     virtual const std::wstring& CurrentImage() const;
     virtual void PaintImages(Canvas& canvas);
@@ -60,7 +60,7 @@ class DUILIB_API CButtonUI : public CLabelUI {
     bool HandleKey(const TEventUI& event);
 
     std::wstring normalImage_, hotImage_, pushedImage_, focusedImage_, disabledImage_;
-    DWORD hotBkColor_ = 0, pushedBkColor_ = 0, disabledBkColor_ = 0, hotTextColor_ = 0, pushedTextColor_ = 0;
+    Color hotBkColor_, pushedBkColor_, disabledBkColor_, hotTextColor_, pushedTextColor_;
     std::optional<bool> checked_;
     bool entered_ = false;  // "mouseenter" was sent, "mouseleave" not yet
 };

@@ -19,6 +19,7 @@
 namespace DuiLib {
 
 class ScrollBar;
+struct LineItem;
 
 class DUILIB_API CContainerUI : public CControlUI {
   public:
@@ -58,6 +59,7 @@ class DUILIB_API CContainerUI : public CControlUI {
     Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     bool FocusableByDefault() const override;
+    bool ShowsBkImage() const override;
     // Places the children that take room within `insidePx` (already moved by the scroll position; as wide and high as
     // the content where that is larger), each by PlaceChild.
     virtual void ArrangeChildren(const Rect& insidePx);
@@ -75,6 +77,9 @@ class DUILIB_API CContainerUI : public CControlUI {
     // Where a child stands in a cell: fills it or has its own size, aligned, at the top; within its padding.
     Rect RectInCell(CControlUI& child, const Rect& cellPx) const;
     static int AlignedLeft(const CControlUI& child, const Rect& roomPx, int widthPx);
+    // The children one below the other: what each needs along the column, and their arrangement.
+    std::vector<LineItem> ColumnItems(Size availablePx) const;
+    void ArrangeColumn(const Rect& insidePx, int gapPx);
     bool ScrollsVertically() const { return vertical_ != nullptr; }
     bool ScrollsHorizontally() const { return horizontal_ != nullptr; }
 

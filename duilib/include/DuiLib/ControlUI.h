@@ -14,6 +14,8 @@
 //   name: text, ""                        looked up by FindControl
 //   width, height: number (96-DPI units) | auto | fill, fill      auto: what EstimateSize says
 //   minwidth, maxwidth, minheight, maxheight: number, 0 and unlimited; a maximum of 0 makes the control disappear
+//   growheight: true | false, false       with a larger size of text than usual in the system, `height` is the least
+//                                         height, and maxheight is no limit unless it is 0: the content has its room
 //   padding: l,t,r,b, 0,0,0,0             room outside the control
 //   float: true | false, false            not arranged with its siblings, but placed by `pos`
 //   pos: l,t,r,b, 0,0,0,0                 rectangle of a floating control within its parent, in units
@@ -22,8 +24,8 @@
 //   text: text, ""                        a value that begins with "IDS_" is a key of the string tables
 //   tooltip: text, ""                     shown on hover; also the name for a screen reader where there is no text
 //   accname: text, ""                     name for a screen reader, before text and tooltip
-//   bkcolor: #AARRGGBB, none              0 is none
-//   bordercolor, focusbordercolor: #AARRGGBB, none
+//   bkcolor: colour, none                 #AARRGGBB (0 is none), or a name of the theme's table
+//   bordercolor, focusbordercolor: colour, none
 //   bordersize: number, 0                 width of the border, drawn inside the rectangle
 //   borderround: number, 0                radius of the corners
 //   bkimage: image attribute, none        see ImageAttribute.h; clipped to the rounded corners
@@ -43,6 +45,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DuiLib/Color.h"
 #include "DuiLib/Event.h"
 #include "DuiLib/Export.h"
 #include "DuiLib/Geometry.h"
@@ -153,6 +156,8 @@ class DUILIB_API CControlUI {
     int GetMaxWidth() const { return maxSizeDip_.cx; }
     int GetMinHeight() const { return minSizeDip_.cy; }
     int GetMaxHeight() const { return maxSizeDip_.cy; }
+    // Its heights give way to its content: see growheight.
+    bool GrowsNow() const;
     // A maximum of 0 in either direction: takes no room and is not shown.
     bool IsCollapsed() const { return maxSizeDip_.cx == 0 || maxSizeDip_.cy == 0; }
     HAlign GetAlign() const { return align_; }
@@ -181,9 +186,11 @@ class DUILIB_API CControlUI {
     virtual bool Visit(const std::function<bool(CControlUI&)>& visit);
 
     // --- look
-    DWORD GetBkColor() const { return bkColor_; }
-    void SetBkColor(DWORD argb);
-    void SetBorderColor(DWORD argb);
+    // As a number, for arithmetic: a name's value in the light or the dark theme.
+    DWORD GetBkColor() const;
+    // In a contrast theme a number is not painted; the name that the control had before is, where it had one.
+    void SetBkColor(const Color& color);
+    void SetBorderColor(const Color& color);
     const std::wstring& GetBkImage() const { return bkImage_; }
     void SetBkImage(const std::wstring& imageAttribute);
 
@@ -200,7 +207,11 @@ class DUILIB_API CControlUI {
     // Pieces of Paint in their order: background colour, background image, content, border, focus ring.
     virtual void PaintContent(Canvas& canvas, const Rect& dirtyPx);
     // The background colour of the present state.
-    virtual DWORD CurrentBkColor() const { return bkColor_; }
+    virtual Color CurrentBkColor() const;
+    // The colour as it is painted in the present theme.
+    static DWORD Painted(const Color& color, ColorUse use);
+    // In a contrast theme no picture lies behind text.
+    virtual bool ShowsBkImage() const;
     // Called when the focus came by the keyboard.
     virtual void PaintFocusRing(Canvas& canvas) const;
     void SetAlign(HAlign align) { align_ = align; }
@@ -236,14 +247,15 @@ class DUILIB_API CControlUI {
     CPaintManagerUI* manager_ = nullptr;  // borrowed; the window outlives its tree
     CContainerUI* parent_ = nullptr;      // borrowed; owns this control
     std::wstring name_, text_, toolTip_, accName_, virtualWnd_, userData_, bkImage_;
-    bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false;
+    bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false, growHeight_ = false;
     std::optional<bool> keyboard_;
     HAlign align_ = HAlign::kLeft;
     LengthDip width_, height_;
     Size minSizeDip_{0, 0};
     Size maxSizeDip_;
     Rect paddingDip_, floatPosDip_, posPx_;
-    DWORD bkColor_ = 0, borderColor_ = 0, focusBorderColor_ = 0;
+    Color bkColor_, borderColor_, focusBorderColor_;
+    Color bkColorName_;  // the last one of bkColor_ that was a name
     int borderSizeDip_ = 0, borderRoundDip_ = 0;
     Measured measured_[kMeasuredCount];
     int measuredNext_ = 0;

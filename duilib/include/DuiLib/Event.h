@@ -11,7 +11,7 @@ enum class EventType {
     kMouseLeave,
     kMouseMove,
     kMouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
-    kButtonDown,  // left button; the second press of a double click is one more
+    kButtonDown,  // left button; the second press of a double click is one more, with `doubleClick`
     kButtonUp,
     kKeyDown,  // `key`
     kKeyUp,
@@ -28,7 +28,8 @@ struct TEventUI {
     int wheelDelta = 0;
     bool control = false;  // Ctrl is held
     bool shift = false;    // Shift is held; with SetFocus: the focus came by Shift+Tab
-    bool repeat = false;   // a KeyDown that comes because the key is being held
+    bool doubleClick = false;
+    bool repeat = false;  // a KeyDown that comes because the key is being held
 };
 
 }  // namespace DuiLib

@@ -3,7 +3,7 @@
 //
 // Attributes beside those of Control:
 //   font: number, -1                      index of a font of the layout; -1 is its default font
-//   textcolor, disabledtextcolor: #AARRGGBB, the layout's defaults
+//   textcolor, disabledtextcolor: colour, the layout's defaults
 //   valign: top | center | bottom, center
 //   textpadding: l,t,r,b, 0,0,0,0         left and right change places likewise
 //   wordwrap: true | false, false         breaks lines; the height follows the width
@@ -22,10 +22,10 @@ class DUILIB_API CLabelUI : public CControlUI {
 
     int GetFont() const { return font_; }
     void SetFont(int index);
-    // 0: the layout's default.
-    DWORD GetTextColor() const { return textColor_; }
-    void SetTextColor(DWORD argb);
-    void SetDisabledTextColor(DWORD argb);
+    // None: the layout's default.
+    const Color& GetTextColor() const { return textColor_; }
+    void SetTextColor(const Color& color);
+    void SetDisabledTextColor(const Color& color);
     // DT_… flags that the attributes amount to, for CRenderEngine::DrawText.
     UINT GetTextStyle() const;
 
@@ -33,7 +33,7 @@ class DUILIB_API CLabelUI : public CControlUI {
     Size MeasureContent(Size availablePx) override;
     void PaintContent(Canvas& canvas, const Rect& dirtyPx) override;
     // Colour of the text in the present state.
-    virtual DWORD CurrentTextColor() const;
+    virtual Color CurrentTextColor() const;
     Rect TextRectPx() const;
     // The room between the control's edge and its text, in pixels, as it is on the screen.
     Rect TextPaddingPx() const;
@@ -44,7 +44,7 @@ class DUILIB_API CLabelUI : public CControlUI {
     friend struct LabelAttributes;
 
     int font_ = -1;
-    DWORD textColor_ = 0, disabledTextColor_ = 0;
+    Color textColor_, disabledTextColor_;
     VAlign valign_ = VAlign::kCenter;
     Rect textPaddingDip_;
     bool wordWrap_ = false, endEllipsis_ = false;

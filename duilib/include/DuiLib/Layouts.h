@@ -4,8 +4,6 @@
 
 namespace DuiLib {
 
-struct LineItem;
-
 // One below the other. Fixed and auto heights first; what is left is shared equally by the children with height
 // "fill", within their minima and maxima. Where the layout scrolls, a fill child is at least as high as its content.
 class DUILIB_API CVerticalLayoutUI : public CContainerUI {
@@ -15,14 +13,12 @@ class DUILIB_API CVerticalLayoutUI : public CContainerUI {
   protected:
     void ArrangeChildren(const Rect& insidePx) override;
     Size MeasureChildren(Size availablePx) override;
-
-  private:
-    std::vector<LineItem> Items(Size availablePx) const;
 };
 
 // Side by side; as CVerticalLayoutUI with the axes exchanged. Mirrored in right-to-left languages.
-// Attribute beside those of Container:
+// Attributes beside those of Container:
 //   valign: top | center | bottom, top   where a child lower than the layout stands
+//   stack: true | false, false           children that do not fit side by side stand one below the other
 class DUILIB_API CHorizontalLayoutUI : public CContainerUI {
   public:
     const wchar_t* GetClass() const override { return L"HorizontalLayout"; }
@@ -36,8 +32,11 @@ class DUILIB_API CHorizontalLayoutUI : public CContainerUI {
     friend struct HorizontalLayoutAttributes;  // the attribute table
 
     std::vector<LineItem> Items(Size availablePx) const;
+    bool IsStacked(int widthPx) const;
+    int StackGapPx() const;
 
     VAlign valign_ = VAlign::kTop;
+    bool stack_ = false;
 };
 
 // Rows of cells of one size, filled in reading order.

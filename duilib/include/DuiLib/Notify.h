@@ -26,6 +26,9 @@ inline constexpr wchar_t kTabSelect[] = L"tabselect";                // a tab la
 inline constexpr wchar_t kSetFocus[] = L"setfocus";
 inline constexpr wchar_t kKillFocus[] = L"killfocus";
 inline constexpr wchar_t kScroll[] = L"scroll";  // a container's content was scrolled
+// The user chose another size of text in the system; the fonts have it already. The sender is the window's root, or
+// null.
+inline constexpr wchar_t kTextSizeChanged[] = L"textsizechanged";
 }  // namespace NotifyType
 
 struct TNotifyUI {

@@ -6,7 +6,7 @@
 //                                     one sends "click" but changes nothing
 //   selected: true | false, false
 //   selectedimage, selectedhotimage, foreimage: image attribute, none   foreimage is drawn over the others
-//   selectedbkcolor, selectedtextcolor: #AARRGGBB, none
+//   selectedbkcolor, selectedtextcolor: colour, none
 // Sends "selectchanged" (wParam 1 or 0) when the selection changed by whatever means, then "click" for a user's click.
 // In a group Tab reaches the selected option (or the first) and the arrow keys walk and click the others; with Ctrl
 // they only walk. Up and down walk to the row above or below where there is one.
@@ -35,8 +35,8 @@ class DUILIB_API COptionUI : public CButtonUI {
 
   protected:
     void PaintImages(Canvas& canvas) override;
-    DWORD CurrentBkColor() const override;
-    DWORD CurrentTextColor() const override;
+    Color CurrentBkColor() const override;
+    Color CurrentTextColor() const override;
     const std::wstring& CurrentImage() const override;
 
   private:
@@ -46,7 +46,7 @@ class DUILIB_API COptionUI : public CButtonUI {
     COptionUI* NeighbourFor(WORD key) const;
 
     std::wstring group_, selectedImage_, selectedHotImage_, foreImage_;
-    DWORD selectedBkColor_ = 0, selectedTextColor_ = 0;
+    Color selectedBkColor_, selectedTextColor_;
 };
 
 }  // namespace DuiLib

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DuiLib/Color.h"
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/FontSpec.h"
 #include "DuiLib/Notify.h"
@@ -27,12 +28,13 @@ struct TImageInfo;
 struct WindowSpec {
     Size sizeDip;  // 0,0: the window's size stays as it was created
     Size minSizeDip, maxSizeDip;
-    int roundCornerDip = 0;  // radius; the system's own rounding is used where it has one
-    DWORD bkColor = 0xFFFFFFFF;
-    DWORD borderColor = 0;                     // a line of one pixel along the window's edge; 0: none
+    bool growWithText = false;  // see WindowImplBase
+    int roundCornerDip = 0;     // radius; the system's own rounding is used where it has one
+    Color bkColor = 0xFFFFFFFF;
+    Color borderColor;                         // a line of one pixel along the window's edge
     std::wstring defaultButton, cancelButton;  // names of the controls that Enter and Esc press
     bool closeOnEscape = false;
-    DWORD textColor = 0xFF1A1A1A, disabledTextColor = 0xFFA0A0A0, linkColor = 0xFF0A59F7, hotLinkColor = 0xFF0847C5,
+    Color textColor = 0xFF1A1A1A, disabledTextColor = 0xFFA0A0A0, linkColor = 0xFF0A59F7, hotLinkColor = 0xFF0847C5,
           focusColor = 0xFF1A1A1A;
 };
 

@@ -3,7 +3,7 @@
 //
 // Attributes beside those of Label:
 //   showhtml: true | false, false     the text is markup (the subset is in src/text/HtmlParser.h)
-//   linkcolor, hotlinkcolor: #AARRGGBB, the layout's link colours
+//   linkcolor, hotlinkcolor: colour, the layout's link colours
 // A link is followed by a click, or by Tab to it and Enter; "link" is sent with its index in wParam and this control
 // as sender. The link that was followed last is the first that GetLinkContent gives: callers ask for link 0. A text
 // with links can have the focus; Tab and the arrow keys walk its links.
@@ -46,7 +46,9 @@ class DUILIB_API CTextUI : public CLabelUI {
     friend struct TextAttributes;
     // What the arrangement of the lines was made for.
     struct Arranged {
-        int widthPx = -1, dpi = 0, font = 0;
+        int widthPx = -1;
+        unsigned fonts = 0;  // the manager's generation
+        int font = 0;
         bool wrap = false, rightToLeft = false;
         HAlign align{};
         bool operator==(const Arranged&) const = default;
@@ -62,9 +64,10 @@ class DUILIB_API CTextUI : public CLabelUI {
     void FocusLink(int link);
     void Follow(int link);
     bool HandleKey(WORD key);
+    // As it is painted.
     DWORD ColorOf(const HtmlRun& run) const;
 
-    DWORD linkColor_ = 0, hotLinkColor_ = 0;
+    Color linkColor_, hotLinkColor_;
     int hotLink_ = -1, pressedLink_ = -1, focusedLink_ = -1, followedLink_ = -1;
     std::unique_ptr<HtmlLayout> html_;  // null: plain text
     mutable Arranged arranged_;

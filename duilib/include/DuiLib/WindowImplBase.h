@@ -5,8 +5,10 @@
 // the layout's size, InitWindow follows; a layout that is missing or broken leaves an empty window and a log line.
 // The whole window is client area: the frame that its style asks for is kept for the system (minimise, Alt+F4, task
 // bar) and is not drawn. The user can size it where the layout gives a minimum or maximum size that leaves a choice;
-// else a sizing frame and maximise box of its style are taken away. Message handlers find `handled` true and set it to
-// false to let the paint manager and the system go on. Thread: UI thread.
+// else a sizing frame and maximise box of its style are taken away. With growwithtext the size is that of the layout
+// while texts have their usual size; where the user chose a larger one in the system, the window is wider, and as high
+// as its content when it is shown, within the work area of its screen. Message handlers find `handled` true and set it
+// to false to let the paint manager and the system go on. Thread: UI thread.
 #include <memory>
 #include <string>
 
@@ -62,6 +64,9 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
 
   private:
     void ApplyShape();
+    // In pixels; 0,0 where the layout has none.
+    Size WantedSizePx();
+    void FollowTextSize();
     bool IsResizable();
     bool IsRefused(WPARAM command, LPARAM key);
 

@@ -41,6 +41,8 @@ class DUILIB_API CWindowWnd {
     virtual UINT GetClassStyle() const { return 0; }
     // The end of a subclass's chain: lets the system answer.
     virtual LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // Moves the window there, kept within the monitor's work area.
+    void MoveIntoWorkArea(HMONITOR monitor, int x, int y);
     // The window is gone; `hwnd` is no more than a number.
     virtual void OnFinalMessage(HWND hwnd);
 
@@ -50,7 +52,6 @@ class DUILIB_API CWindowWnd {
     static LRESULT CALLBACK WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     bool RegisterWindowClass();
     LRESULT Guarded(UINT message, WPARAM wParam, LPARAM lParam);
-    void MoveIntoWorkArea(HMONITOR monitor, int x, int y);
     void EnableOwner();
     void DestroyIcons();
 

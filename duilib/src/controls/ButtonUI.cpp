@@ -208,21 +208,22 @@ const std::wstring& CButtonUI::CurrentImage() const {
     return focused && !focusedImage_.empty() ? focusedImage_ : normalImage_;
 }
 
-DWORD CButtonUI::CurrentBkColor() const {
+Color CButtonUI::CurrentBkColor() const {
+    const Color atRest = CLabelUI::CurrentBkColor();
     if (!IsEnabled()) {
-        return disabledBkColor_ != 0 ? disabledBkColor_ : GetBkColor();
+        return !disabledBkColor_.IsNone() ? disabledBkColor_ : atRest;
     }
-    if ((GetState() & kStatePushed) != 0 && pushedBkColor_ != 0) {
+    if ((GetState() & kStatePushed) != 0 && !pushedBkColor_.IsNone()) {
         return pushedBkColor_;
     }
-    return (GetState() & (kStateHot | kStatePushed)) != 0 && hotBkColor_ != 0 ? hotBkColor_ : GetBkColor();
+    return (GetState() & (kStateHot | kStatePushed)) != 0 && !hotBkColor_.IsNone() ? hotBkColor_ : atRest;
 }
 
-DWORD CButtonUI::CurrentTextColor() const {
-    if (IsEnabled() && (GetState() & kStatePushed) != 0 && pushedTextColor_ != 0) {
+Color CButtonUI::CurrentTextColor() const {
+    if (IsEnabled() && (GetState() & kStatePushed) != 0 && !pushedTextColor_.IsNone()) {
         return pushedTextColor_;
     }
-    const bool hot = IsEnabled() && (GetState() & (kStateHot | kStatePushed)) != 0 && hotTextColor_ != 0;
+    const bool hot = IsEnabled() && (GetState() & (kStateHot | kStatePushed)) != 0 && !hotTextColor_.IsNone();
     return hot ? hotTextColor_ : CLabelUI::CurrentTextColor();
 }
 

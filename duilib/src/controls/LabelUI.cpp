@@ -6,6 +6,7 @@
 #include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
 #include "text/TextRenderer.h"
+#include "theme/ColorValue.h"
 
 namespace DuiLib {
 
@@ -14,10 +15,10 @@ struct LabelAttributes {
         return ApplyNumber(value, -1, [&](int index) { c.SetFont(index); });
     }
     static bool TextColor(CLabelUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetTextColor(argb); });
+        return ApplyColorValue(value, [&](const Color& color) { c.SetTextColor(color); });
     }
     static bool DisabledTextColor(CLabelUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetDisabledTextColor(argb); });
+        return ApplyColorValue(value, [&](const Color& color) { c.SetDisabledTextColor(color); });
     }
     static bool TextPadding(CLabelUI& c, std::wstring_view value) {
         return ApplyParsed(ParseRect(value), [&](const Rect& dip) {
@@ -74,16 +75,16 @@ void CLabelUI::SetFont(int index) {
     }
 }
 
-void CLabelUI::SetTextColor(DWORD argb) {
-    if (textColor_ != argb) {
-        textColor_ = argb;
+void CLabelUI::SetTextColor(const Color& color) {
+    if (textColor_ != color) {
+        textColor_ = color;
         Invalidate();
     }
 }
 
-void CLabelUI::SetDisabledTextColor(DWORD argb) {
-    if (disabledTextColor_ != argb) {
-        disabledTextColor_ = argb;
+void CLabelUI::SetDisabledTextColor(const Color& color) {
+    if (disabledTextColor_ != color) {
+        disabledTextColor_ = color;
         Invalidate();
     }
 }
@@ -106,12 +107,13 @@ UINT CLabelUI::GetTextStyle() const {
     return style | (rightToLeft ? DT_RTLREADING : 0);
 }
 
-DWORD CLabelUI::CurrentTextColor() const {
-    if (!IsEnabled()) {
-        return disabledTextColor_ != 0 || !GetManager() ? disabledTextColor_
-                                                        : GetManager()->GetWindowSpec().disabledTextColor;
+Color CLabelUI::CurrentTextColor() const {
+    const Color& own = IsEnabled() ? textColor_ : disabledTextColor_;
+    if (!own.IsNone() || !GetManager()) {
+        return own;
     }
-    return textColor_ != 0 || !GetManager() ? textColor_ : GetManager()->GetWindowSpec().textColor;
+    const WindowSpec& spec = GetManager()->GetWindowSpec();
+    return IsEnabled() ? spec.textColor : spec.disabledTextColor;
 }
 
 Rect CLabelUI::TextPaddingPx() const {
@@ -140,7 +142,8 @@ Size CLabelUI::MeasureContent(Size availablePx) {
 
 void CLabelUI::PaintContent(Canvas& canvas, const Rect&) {
     if (GetManager() && !GetText().empty()) {
-        canvas.DrawText(GetText(), TextRectPx(), GetManager()->GetFont(font_), CurrentTextColor(), GetTextStyle());
+        canvas.DrawText(GetText(), TextRectPx(), GetManager()->GetFont(font_),
+                        Painted(CurrentTextColor(), ColorUse::kText), GetTextStyle());
     }
 }
 

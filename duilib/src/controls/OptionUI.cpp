@@ -199,12 +199,14 @@ void COptionUI::PaintImages(Canvas& canvas) {
     PaintImage(canvas, foreImage_);
 }
 
-DWORD COptionUI::CurrentBkColor() const {
-    return IsSelected() && IsEnabled() && selectedBkColor_ != 0 ? selectedBkColor_ : CButtonUI::CurrentBkColor();
+Color COptionUI::CurrentBkColor() const {
+    const bool own = IsSelected() && IsEnabled() && !selectedBkColor_.IsNone();
+    return own ? selectedBkColor_ : CButtonUI::CurrentBkColor();
 }
 
-DWORD COptionUI::CurrentTextColor() const {
-    return IsSelected() && IsEnabled() && selectedTextColor_ != 0 ? selectedTextColor_ : CButtonUI::CurrentTextColor();
+Color COptionUI::CurrentTextColor() const {
+    const bool own = IsSelected() && IsEnabled() && !selectedTextColor_.IsNone();
+    return own ? selectedTextColor_ : CButtonUI::CurrentTextColor();
 }
 
 }  // namespace DuiLib

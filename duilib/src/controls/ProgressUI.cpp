@@ -74,8 +74,8 @@ int CProgressUI::ValueToPx(int lengthPx) const {
     return range > 0 ? ScaleBy(lengthPx, LimitedValue() - min_, range) : 0;
 }
 
-Rect CProgressUI::BarRectPx() const {
-    Rect bar = GetPos();
+Rect CProgressUI::BarRectPx(const Rect& px) const {
+    Rect bar = px;
     const int height = ToPx(barHeightDip_);
     if (height > 0 && height < bar.Height()) {
         bar.top += (bar.Height() - height) / 2;
@@ -89,10 +89,9 @@ Size CProgressUI::MeasureContent(Size availablePx) {
     return {label.cx, std::max(label.cy, ToPx(barHeightDip_))};
 }
 
-void CProgressUI::PaintBar(Canvas& canvas, int filledPx) {
-    const Rect bar = BarRectPx();
+void CProgressUI::PaintBar(Canvas& canvas, const Rect& bar, int filledPx) {
     const int radius = bar.Height() / 2;
-    canvas.FillRect(bar, barColor_, radius);
+    canvas.FillRect(bar, Painted(barColor_, ColorUse::kLine), radius);
     Rect filled = bar;
     if (IsRightToLeft()) {
         filled.left = std::max(bar.left, bar.right - filledPx);
@@ -103,7 +102,7 @@ void CProgressUI::PaintBar(Canvas& canvas, int filledPx) {
         return;
     }
     if (foreImage_.empty()) {
-        canvas.FillRect(filled, foreColor_, radius);
+        canvas.FillRect(filled, Painted(foreColor_, ColorUse::kFill), radius);
     } else {
         const Rect earlier = canvas.PushClip(filled);
         PaintImage(canvas, foreImage_, bar);
@@ -112,7 +111,8 @@ void CProgressUI::PaintBar(Canvas& canvas, int filledPx) {
 }
 
 void CProgressUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
-    PaintBar(canvas, ValueToPx(BarRectPx().Width()));
+    const Rect bar = BarRectPx(GetPos());
+    PaintBar(canvas, bar, ValueToPx(bar.Width()));
     CLabelUI::PaintContent(canvas, dirtyPx);
 }
 

@@ -7,8 +7,15 @@
 #include "DuiLib/PaintManagerUI.h"
 #include "layout/LookAttributes.h"
 #include "paint/Canvas.h"
+#include "text/TextRenderer.h"
 
 namespace DuiLib {
+namespace {
+
+constexpr int kNumberGapDip = 12;  // between the bar and the number
+constexpr int kNumberEdgeDip = 6;  // behind the number: room for the focus ring
+
+}  // namespace
 
 struct SliderAttributes {
     static bool Step(CSliderUI& c, std::wstring_view value) {
@@ -21,9 +28,21 @@ struct SliderAttributes {
             c.NeedUpdate();
         });
     }
+    static bool ShowValue(CSliderUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool show) {
+            c.showValue_ = show;
+            c.Invalidate();
+            c.NeedUpdate();
+        });
+    }
+    static bool ResetValue(CSliderUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseInt(value), [&](int reset) { c.resetValue_ = reset; });
+    }
 
     static constexpr AttributeEntry<CSliderUI> kTable[] = {
         {L"step", Step},
+        {L"showvalue", ShowValue},
+        {L"resetvalue", ResetValue},
         {L"thumbsize", ThumbSize},
         {L"thumbimage", ApplyImage<CSliderUI, &CSliderUI::thumbImage_>},
         {L"thumbhotimage", ApplyImage<CSliderUI, &CSliderUI::thumbHotImage_>},
@@ -69,8 +88,33 @@ void CSliderUI::SetEnabled(bool enabled) {
 
 // --- places and values
 
-Rect CSliderUI::ThumbRectPx() const {
+int CSliderUI::NumberWidthPx() const {
+    if (!showValue_ || !GetManager()) {
+        return 0;
+    }
+    int width = 0;
+    for (const int value : {GetMinValue(), GetMaxValue()}) {
+        width = std::max(width, MeasureText(GetManager()->GetPaintDC(), GetManager()->GetFont(GetFont()),
+                                            std::to_wstring(value), 0, DT_SINGLELINE)
+                                    .cx);
+    }
+    return width + ToPx(kNumberGapDip) + ToPx(kNumberEdgeDip);
+}
+
+Rect CSliderUI::GetTrackPos() const {
+    const int number = NumberWidthPx();
+    return GetPos().Deflate(IsRightToLeft() ? Rect{number, 0, 0, 0} : Rect{0, 0, number, 0});
+}
+
+Rect CSliderUI::NumberRectPx() const {
     const Rect& pos = GetPos();
+    const Rect track = GetTrackPos();
+    return IsRightToLeft() ? Rect{pos.left, pos.top, track.left, pos.bottom}
+                           : Rect{track.right, pos.top, pos.right, pos.bottom};
+}
+
+Rect CSliderUI::ThumbRectPx() const {
+    const Rect pos = GetTrackPos();
     const Size thumb{std::min(ToPx(thumbSizeDip_.cx), pos.Width()), std::min(ToPx(thumbSizeDip_.cy), pos.Height())};
     const int along = ValueToPx(pos.Width() - thumb.cx);
     const int left = IsRightToLeft() ? pos.right - thumb.cx - along : pos.left + along;
@@ -79,7 +123,7 @@ Rect CSliderUI::ThumbRectPx() const {
 }
 
 int CSliderUI::ValueAt(int xPx) const {
-    const Rect& pos = GetPos();
+    const Rect pos = GetTrackPos();
     const int thumb = ThumbRectPx().Width();
     const int travel = pos.Width() - thumb;
     const int range = GetMaxValue() - GetMinValue();
@@ -112,7 +156,11 @@ void CSliderUI::DoEvent(const TEventUI& event) {
             SetState(GetState() & ~kStateHot);
             return;
         case EventType::kButtonDown:
-            BeginDrag(event.mousePx);
+            if (event.doubleClick && resetValue_) {
+                Reset();
+            } else if (!NumberRectPx().Contains(event.mousePx)) {
+                BeginDrag(event.mousePx);
+            }
             return;
         case EventType::kMouseMove:
             if (IsDragged()) {
@@ -157,6 +205,12 @@ void CSliderUI::BeginDrag(Point mousePx) {
     SetState(GetState() | kStateHot | kStatePushed | kStateCaptured);
     GetManager()->SetCapture(this);
     MoveTo(value, NotifyType::kMoveValueChanged);
+}
+
+void CSliderUI::Reset() {
+    if (IsEnabled()) {
+        MoveTo(*resetValue_, NotifyType::kValueChanged);
+    }
 }
 
 void CSliderUI::EndDrag() {
@@ -216,7 +270,13 @@ bool CSliderUI::HandleKey(const TEventUI& event) {
 // --- look
 
 Size CSliderUI::MeasureContent(Size) {
-    return {ToPx(thumbSizeDip_.cx), std::max(ToPx(thumbSizeDip_.cy), ToPx(BarHeightDip()))};
+    Size size{ToPx(thumbSizeDip_.cx), std::max(ToPx(thumbSizeDip_.cy), ToPx(BarHeightDip()))};
+    if (showValue_ && GetManager()) {
+        const Size number =
+            MeasureText(GetManager()->GetPaintDC(), GetManager()->GetFont(GetFont()), L"0", 0, DT_SINGLELINE);
+        size = {size.cx + NumberWidthPx(), std::max(size.cy, number.cy)};
+    }
+    return size;
 }
 
 const std::wstring& CSliderUI::CurrentThumbImage() const {
@@ -232,13 +292,23 @@ const std::wstring& CSliderUI::CurrentThumbImage() const {
 
 void CSliderUI::PaintContent(Canvas& canvas, const Rect&) {
     const Rect thumb = ThumbRectPx();
+    const Rect track = GetTrackPos();
     const int centre = thumb.left + thumb.Width() / 2;
-    PaintBar(canvas, IsRightToLeft() ? GetPos().right - centre : centre - GetPos().left);
+    PaintBar(canvas, BarRectPx(track), IsRightToLeft() ? track.right - centre : centre - track.left);
     const std::wstring& image = CurrentThumbImage();
     if (image.empty()) {
-        canvas.FillRect(thumb, IsEnabled() ? GetForeColor() : CurrentTextColor(), thumb.Height() / 2);
+        const DWORD color =
+            IsEnabled() ? Painted(GetForeColor(), ColorUse::kFill) : Painted(CurrentTextColor(), ColorUse::kText);
+        canvas.FillRect(thumb, color, thumb.Height() / 2);
     } else {
         PaintImage(canvas, image, thumb);
+    }
+    if (showValue_ && GetManager()) {
+        const int edge = ToPx(kNumberEdgeDip);
+        const Rect number = NumberRectPx().Deflate(IsRightToLeft() ? Rect{edge, 0, 0, 0} : Rect{0, 0, edge, 0});
+        canvas.DrawText(std::to_wstring(GetValue()), number, GetManager()->GetFont(GetFont()),
+                        Painted(CurrentTextColor(), ColorUse::kText),
+                        DT_SINGLELINE | DT_VCENTER | (IsRightToLeft() ? DT_LEFT : DT_RIGHT));
     }
 }
 

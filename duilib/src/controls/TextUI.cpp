@@ -158,7 +158,8 @@ void CTextUI::Follow(int link) {
 // --- arrangement
 
 void CTextUI::Arrange(int widthPx) const {
-    const Arranged wanted{widthPx, Dpi(), GetFont(), WordWrap(), IsRightToLeft(), GetAlign()};
+    const Arranged wanted{widthPx,   GetManager()->GetFontGeneration(), GetFont(), WordWrap(), IsRightToLeft(),
+                          GetAlign()};
     if (wanted == arranged_) {
         return;
     }
@@ -299,16 +300,15 @@ bool CTextUI::HandleKey(WORD key) {
 
 DWORD CTextUI::ColorOf(const HtmlRun& run) const {
     if (!IsEnabled() || (run.link < 0 && run.color == 0)) {
-        return CurrentTextColor();
+        return Painted(CurrentTextColor(), ColorUse::kText);
     }
     if (run.link < 0) {
-        return run.color;
+        return Painted(run.color, ColorUse::kText);
     }
     const WindowSpec& spec = GetManager()->GetWindowSpec();
-    if (run.link == hotLink_) {
-        return hotLinkColor_ != 0 ? hotLinkColor_ : spec.hotLinkColor;
-    }
-    return linkColor_ != 0 ? linkColor_ : spec.linkColor;
+    const bool hot = run.link == hotLink_;
+    const Color& own = hot ? hotLinkColor_ : linkColor_;
+    return Painted(!own.IsNone() ? own : hot ? spec.hotLinkColor : spec.linkColor, ColorUse::kLink);
 }
 
 void CTextUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
@@ -339,8 +339,8 @@ void CTextUI::PaintFocusRing(Canvas& canvas) const {
     const int gap = ToPx(kFocusRingGapDip);
     for (const Rect& rect : html_->LinkRects(focusedLink_)) {
         const Rect around = rect.Offset(origin.x, origin.y).Deflate({-gap, 0, -gap, 0}).Intersect(GetPos());
-        canvas.StrokeRect(around, GetManager()->GetWindowSpec().focusColor, std::max(1, ToPx(1)),
-                          ToPx(kFocusRingRadiusDip));
+        canvas.StrokeRect(around, Painted(GetManager()->GetWindowSpec().focusColor, ColorUse::kLine),
+                          std::max(1, ToPx(1)), ToPx(kFocusRingRadiusDip));
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "layout/ScrollBar.h"
 #include "markup/AttributeTable.h"
 #include "paint/Canvas.h"
@@ -16,9 +17,10 @@ constexpr int kThumbDip = 6;
 constexpr int kMinThumbDip = 24;
 // What one notch of the wheel or one arrow key scrolls by.
 constexpr int kNotchDip = 48;
-// The thumb has the text's colour, thinned out; more of it while it is dragged.
+// The thumb has the text's colour, thinned out; more of it while it is dragged, all of it in a contrast theme.
 constexpr DWORD kThumbAlpha = 0x66000000;
 constexpr DWORD kDraggedThumbAlpha = 0xA0000000;
+constexpr DWORD kOpaque = 0xFF000000;
 
 std::unique_ptr<ScrollBar> MakeBar(bool wanted, bool vertical) {
     return wanted ? std::make_unique<ScrollBar>(vertical) : nullptr;
@@ -189,9 +191,12 @@ void CContainerUI::PaintScrollBars(Canvas& canvas) const {
             continue;
         }
         const int margin = (ToPx(kBarDip) - ToPx(kThumbDip)) / 2;
-        const DWORD alpha = bar->IsDragging() ? kDraggedThumbAlpha : kThumbAlpha;
-        canvas.FillRect(bar->ThumbPx().Deflate({margin, margin, margin, margin}),
-                        (GetManager()->GetWindowSpec().textColor & 0x00FFFFFF) | alpha, ToPx(kThumbDip) / 2);
+        const DWORD alpha = UITheme::GetInstance()->IsContrast() ? kOpaque
+                            : bar->IsDragging()                  ? kDraggedThumbAlpha
+                                                                 : kThumbAlpha;
+        const DWORD text = Painted(GetManager()->GetWindowSpec().textColor, ColorUse::kText);
+        canvas.FillRect(bar->ThumbPx().Deflate({margin, margin, margin, margin}), (text & 0x00FFFFFF) | alpha,
+                        ToPx(kThumbDip) / 2);
     }
 }
 

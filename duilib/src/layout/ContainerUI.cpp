@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "layout/ControlLimits.h"
 #include "layout/ScrollBar.h"
 
@@ -216,6 +217,11 @@ void CContainerUI::PaintContent(Canvas& canvas, const Rect& dirtyPx) {
         }
     }
     PaintScrollBars(canvas);
+}
+
+bool CContainerUI::ShowsBkImage() const {
+    // Some child may hold text.
+    return children_.empty() || !UITheme::GetInstance()->IsContrast();
 }
 
 // --- search

@@ -4,6 +4,7 @@
 #include "DuiLib/ControlUI.h"
 #include "layout/LookAttributes.h"
 #include "markup/AttributeParser.h"
+#include "theme/ColorValue.h"
 
 namespace DuiLib {
 
@@ -53,6 +54,12 @@ struct ControlAttributes {
     static bool MaxHeight(CControlUI& c, std::wstring_view value) {
         return ApplyNumber(value, 0, [&](int dip) { c.SetMaxHeight(dip); });
     }
+    static bool GrowHeight(CControlUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool grow) {
+            c.growHeight_ = grow;
+            c.NeedUpdate();
+        });
+    }
     static bool Padding(CControlUI& c, std::wstring_view value) {
         return ApplyParsed(ParseRect(value), [&](const Rect& dip) { c.SetPadding(dip); });
     }
@@ -101,10 +108,10 @@ struct ControlAttributes {
         return true;
     }
     static bool BkColor(CControlUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetBkColor(argb); });
+        return ApplyColorValue(value, [&](const Color& color) { c.SetBkColor(color); });
     }
     static bool BorderColor(CControlUI& c, std::wstring_view value) {
-        return ApplyParsed(ParseColor(value), [&](DWORD argb) { c.SetBorderColor(argb); });
+        return ApplyColorValue(value, [&](const Color& color) { c.SetBorderColor(color); });
     }
     static bool BorderSize(CControlUI& c, std::wstring_view value) {
         return ApplyNumber(value, 0, [&](int dip) {
@@ -151,6 +158,7 @@ struct ControlAttributes {
         {L"maxwidth", MaxWidth},
         {L"minheight", MinHeight},
         {L"maxheight", MaxHeight},
+        {L"growheight", GrowHeight},
         {L"padding", Padding},
         {L"float", Float},
         {L"pos", Pos},

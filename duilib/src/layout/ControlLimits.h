@@ -16,8 +16,9 @@ struct Limits {
 
 inline Limits LimitsPx(const CControlUI& control, int dpi) {
     const auto maximum = [dpi](int dip) { return dip == kNoLimitDip ? kUnlimitedPx : DipToPx(dip, dpi); };
+    const int maxHeight = control.GetMaxHeight();
     return {{DipToPx(control.GetMinWidth(), dpi), DipToPx(control.GetMinHeight(), dpi)},
-            {maximum(control.GetMaxWidth()), maximum(control.GetMaxHeight())}};
+            {maximum(control.GetMaxWidth()), control.GrowsNow() && maxHeight > 0 ? kUnlimitedPx : maximum(maxHeight)}};
 }
 
 }  // namespace DuiLib

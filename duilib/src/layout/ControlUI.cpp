@@ -7,6 +7,7 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "DuiLib/UICulture.h"
 #include "layout/ControlLimits.h"
 #include "layout/LayoutArithmetic.h"
@@ -190,6 +191,10 @@ void CControlUI::SetPadding(const Rect& dip) {
     }
 }
 
+bool CControlUI::GrowsNow() const {
+    return growHeight_ && UITheme::GetInstance()->GetTextPercent() > 100;
+}
+
 int CControlUI::Dpi() const {
     return manager_ ? manager_->GetDPI() : 96;
 }
@@ -199,8 +204,9 @@ int CControlUI::Dpi() const {
 Size CControlUI::EstimateSize(Size availablePx) {
     const Limits limits = LimitsPx(*this, Dpi());
     const bool fixedWidth = width_.kind == LengthDip::Kind::kFixed;
-    const bool fixedHeight = height_.kind == LengthDip::Kind::kFixed;
-    Size size{fixedWidth ? ToPx(width_.value) : 0, fixedHeight ? ToPx(height_.value) : 0};
+    const bool givenHeight = height_.kind == LengthDip::Kind::kFixed;
+    const bool fixedHeight = givenHeight && !GrowsNow();
+    Size size{fixedWidth ? ToPx(width_.value) : 0, givenHeight ? ToPx(height_.value) : 0};
     if (!fixedWidth || !fixedHeight) {
         const Size room{Limit(fixedWidth ? size.cx : availablePx.cx, limits.minPx.cx, limits.maxPx.cx),
                         Limit(fixedHeight ? size.cy : availablePx.cy, limits.minPx.cy, limits.maxPx.cy)};
@@ -216,7 +222,7 @@ Size CControlUI::EstimateSize(Size availablePx) {
             measured_[measuredNext_] = {room, content, fontGeneration};
             measuredNext_ = (measuredNext_ + 1) % kMeasuredCount;
         }
-        size = {fixedWidth ? size.cx : content.cx, fixedHeight ? size.cy : content.cy};
+        size = {fixedWidth ? size.cx : content.cx, fixedHeight ? size.cy : std::max(size.cy, content.cy)};
     }
     return {Limit(size.cx, limits.minPx.cx, limits.maxPx.cx), Limit(size.cy, limits.minPx.cy, limits.maxPx.cy)};
 }
@@ -263,16 +269,32 @@ void CControlUI::Invalidate() {
 
 // --- paint
 
-void CControlUI::SetBkColor(DWORD argb) {
-    if (bkColor_ != argb) {
-        bkColor_ = argb;
+DWORD CControlUI::Painted(const Color& color, ColorUse use) {
+    return UITheme::GetInstance()->Painted(color, use);
+}
+
+DWORD CControlUI::GetBkColor() const {
+    return UITheme::GetInstance()->Number(bkColor_);
+}
+
+void CControlUI::SetBkColor(const Color& color) {
+    if (color.IsNamed()) {
+        bkColorName_ = color;
+    }
+    if (bkColor_ != color) {
+        bkColor_ = color;
         Invalidate();
     }
 }
 
-void CControlUI::SetBorderColor(DWORD argb) {
-    if (borderColor_ != argb) {
-        borderColor_ = argb;
+Color CControlUI::CurrentBkColor() const {
+    const bool replaced = bkColorName_.IsNamed() && UITheme::GetInstance()->IsContrast();
+    return replaced ? bkColorName_ : bkColor_;
+}
+
+void CControlUI::SetBorderColor(const Color& color) {
+    if (borderColor_ != color) {
+        borderColor_ = color;
         Invalidate();
     }
 }
@@ -285,12 +307,15 @@ void CControlUI::SetBkImage(const std::wstring& imageAttribute) {
 }
 
 void CControlUI::Paint(Canvas& canvas, const Rect& dirtyPx) {
-    canvas.FillRect(posPx_, CurrentBkColor(), ToPx(borderRoundDip_));
-    PaintImage(canvas, bkImage_);
+    canvas.FillRect(posPx_, Painted(CurrentBkColor(), ColorUse::kGround), ToPx(borderRoundDip_));
+    if (ShowsBkImage()) {
+        PaintImage(canvas, bkImage_);
+    }
     PaintContent(canvas, dirtyPx);
     if (borderSizeDip_ > 0) {
-        canvas.StrokeRect(posPx_, IsFocused() && focusBorderColor_ != 0 ? focusBorderColor_ : borderColor_,
-                          std::max(1, ToPx(borderSizeDip_)), ToPx(borderRoundDip_));
+        const Color& color = IsFocused() && !focusBorderColor_.IsNone() ? focusBorderColor_ : borderColor_;
+        canvas.StrokeRect(posPx_, Painted(color, ColorUse::kLine), std::max(1, ToPx(borderSizeDip_)),
+                          ToPx(borderRoundDip_));
     }
     if (IsFocused() && manager_ && manager_->IsFocusRingShown()) {
         PaintFocusRing(canvas);
@@ -299,13 +324,18 @@ void CControlUI::Paint(Canvas& canvas, const Rect& dirtyPx) {
 
 void CControlUI::PaintContent(Canvas&, const Rect&) {}
 
+bool CControlUI::ShowsBkImage() const {
+    return text_.empty() || !UITheme::GetInstance()->IsContrast();
+}
+
 void CControlUI::PaintFocusRing(Canvas& canvas) const {
     // Two lines of different brightness: one of them is seen on any background.
     const int outer = std::max(1, ToPx(kFocusRingDip));
     const int radius = ToPx(borderRoundDip_ > 0 ? borderRoundDip_ : kFocusRingRadiusDip);
     const Rect inner = posPx_.Deflate({outer, outer, outer, outer});
-    canvas.StrokeRect(posPx_, manager_->GetWindowSpec().focusColor, outer, radius);
-    canvas.StrokeRect(inner, manager_->GetWindowSpec().bkColor, std::max(1, ToPx(kFocusRingInnerDip)),
+    const WindowSpec& spec = manager_->GetWindowSpec();
+    canvas.StrokeRect(posPx_, Painted(spec.focusColor, ColorUse::kLine), outer, radius);
+    canvas.StrokeRect(inner, Painted(spec.bkColor, ColorUse::kGround), std::max(1, ToPx(kFocusRingInnerDip)),
                       std::max(0, radius - outer));
 }
 
@@ -333,8 +363,7 @@ void CControlUI::PaintImage(Canvas& canvas, const std::wstring& imageAttribute, 
     if (place.IsEmpty()) {
         return;
     }
-    const ScaledImage* scaled =
-        manager_->Images().Get(*image, {place.Width(), place.Height()}, image->reverse && rightToLeft);
+    const ScaledImage* scaled = manager_->Images().Get(*image, {place.Width(), place.Height()}, rightToLeft);
     if (scaled) {
         canvas.DrawImage(*scaled, place, static_cast<BYTE>(image->fade), ToPx(borderRoundDip_));
     }

@@ -9,15 +9,18 @@
 namespace DuiLib {
 namespace {
 
+// What stands below each other is nearer than what stands beside each other.
+constexpr int kLargestStackGapDip = 8;
+
 bool Fills(const LengthDip& length) {
     return length.kind == LengthDip::Kind::kFill;
 }
 
 }  // namespace
 
-// --- vertical
+// --- columns
 
-std::vector<LineItem> CVerticalLayoutUI::Items(Size availablePx) const {
+std::vector<LineItem> CContainerUI::ColumnItems(Size availablePx) const {
     std::vector<LineItem> items;
     for (const auto& child : Children()) {
         if (!TakesRoom(*child)) {
@@ -41,14 +44,9 @@ std::vector<LineItem> CVerticalLayoutUI::Items(Size availablePx) const {
     return items;
 }
 
-Size CVerticalLayoutUI::MeasureChildren(Size availablePx) {
-    // The base gives the width of the widest child.
-    return {CContainerUI::MeasureChildren(availablePx).cx, LineLength(Items(availablePx), ToPx(GetChildPadding()))};
-}
-
-void CVerticalLayoutUI::ArrangeChildren(const Rect& insidePx) {
-    const std::vector<LineItem> items = Items({insidePx.Width(), insidePx.Height()});
-    const std::vector<LineSpan> spans = ShareLine(items, insidePx.Height(), ToPx(GetChildPadding()));
+void CContainerUI::ArrangeColumn(const Rect& insidePx, int gapPx) {
+    const std::vector<LineItem> items = ColumnItems({insidePx.Width(), insidePx.Height()});
+    const std::vector<LineSpan> spans = ShareLine(items, insidePx.Height(), gapPx);
     std::size_t index = 0;
     for (const auto& child : Children()) {
         if (!TakesRoom(*child)) {
@@ -65,11 +63,30 @@ void CVerticalLayoutUI::ArrangeChildren(const Rect& insidePx) {
     }
 }
 
+// --- vertical
+
+Size CVerticalLayoutUI::MeasureChildren(Size availablePx) {
+    // The base gives the width of the widest child.
+    return {CContainerUI::MeasureChildren(availablePx).cx,
+            LineLength(ColumnItems(availablePx), ToPx(GetChildPadding()))};
+}
+
+void CVerticalLayoutUI::ArrangeChildren(const Rect& insidePx) {
+    ArrangeColumn(insidePx, ToPx(GetChildPadding()));
+}
+
 // --- horizontal
 
 struct HorizontalLayoutAttributes {
+    static bool Stack(CHorizontalLayoutUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool stack) {
+            c.stack_ = stack;
+            c.NeedUpdate();
+        });
+    }
+
     static constexpr AttributeEntry<CHorizontalLayoutUI> kTable[] = {
-        {L"valign", ApplyVAlign<CHorizontalLayoutUI, &CHorizontalLayoutUI::valign_>}};
+        {L"valign", ApplyVAlign<CHorizontalLayoutUI, &CHorizontalLayoutUI::valign_>}, {L"stack", Stack}};
 };
 
 AttributeResult CHorizontalLayoutUI::ApplyAttribute(std::wstring_view name, std::wstring_view value) {
@@ -122,7 +139,30 @@ std::vector<LineItem> CHorizontalLayoutUI::Items(Size availablePx) const {
     return items;
 }
 
+bool CHorizontalLayoutUI::IsStacked(int widthPx) const {
+    if (!stack_) {
+        return false;
+    }
+    long long length = 0;
+    int count = 0;
+    for (const auto& child : Children()) {
+        if (TakesRoom(*child)) {
+            const Rect padding = PaddingPx(*child);
+            length += padding.left + padding.right + child->EstimateSize({kUnlimitedPx, kUnlimitedPx}).cx;
+            ++count;
+        }
+    }
+    return count > 1 && length + static_cast<long long>(ToPx(GetChildPadding())) * (count - 1) > widthPx;
+}
+
+int CHorizontalLayoutUI::StackGapPx() const {
+    return ToPx(std::min(GetChildPadding(), kLargestStackGapDip));
+}
+
 Size CHorizontalLayoutUI::MeasureChildren(Size availablePx) {
+    if (IsStacked(availablePx.cx)) {
+        return {CContainerUI::MeasureChildren(availablePx).cx, LineLength(ColumnItems(availablePx), StackGapPx())};
+    }
     const int gap = ToPx(GetChildPadding());
     const std::vector<LineItem> items = Items(availablePx);
     const std::vector<LineSpan> spans = ShareLine(items, availablePx.cx, gap);
@@ -140,6 +180,10 @@ Size CHorizontalLayoutUI::MeasureChildren(Size availablePx) {
 }
 
 void CHorizontalLayoutUI::ArrangeChildren(const Rect& insidePx) {
+    if (IsStacked(insidePx.Width())) {
+        ArrangeColumn(insidePx, StackGapPx());
+        return;
+    }
     const std::vector<LineItem> items = Items({insidePx.Width(), insidePx.Height()});
     const std::vector<LineSpan> spans = ShareLine(items, insidePx.Width(), ToPx(GetChildPadding()));
     std::size_t index = 0;

@@ -1,21 +1,20 @@
 #pragma once
 // Setters for attribute tables that several controls need: colours, images, which are checked while the layout is read,
 // and places. Thread: UI thread.
-#include <windows.h>
-
 #include <string>
 #include <string_view>
 
 #include "DuiLib/ControlUI.h"
 #include "markup/AttributeTable.h"
 #include "markup/ImageAttribute.h"
+#include "theme/ColorValue.h"
 
 namespace DuiLib {
 
-template <typename Control, DWORD Control::*kColor>
+template <typename Control, Color Control::*kColor>
 bool ApplyColor(Control& control, std::wstring_view value) {
-    return ApplyParsed(ParseColor(value), [&](DWORD argb) {
-        control.*kColor = argb;
+    return ApplyColorValue(value, [&](const Color& color) {
+        control.*kColor = color;
         control.Invalidate();
     });
 }

@@ -5,10 +5,13 @@
 #include <set>
 #include <tuple>
 
+#include "DuiLib/Theme.h"
 #include "paint/ImageScale.h"
+#include "paint/MaskTint.h"
 #include "paint/PictureFile.h"
 #include "suite/common/GdiObject.h"
 #include "suite/logger/QxLogger.h"
+#include "theme/PictureTheme.h"
 
 namespace DuiLib {
 namespace {
@@ -30,10 +33,14 @@ std::wstring KeyOf(const std::wstring& name) {
 struct Picture {
     Size sizePx;
     Size sizeDip;
+    std::wstring name;                  // of the file, as it was asked for
     std::wstring file;                  // empty: registered
     int percent = 100;                  // of the file's rendition
+    std::optional<MaskColors> tint;     // a mask's
     std::vector<std::uint32_t> pixels;  // empty: too large to keep, read from the file each time
     bool failed = false;
+
+    bool Serves(const Picture& other) const { return file == other.file && tint == other.tint; }
 };
 
 struct ScaledKey {
@@ -105,7 +112,20 @@ class ImageCache::Impl {
         scaledPixels_ = 0;
     }
 
-    const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool mirrored) {
+    void OnThemeChanged() {
+        for (auto it = pictures_.begin(); it != pictures_.end();) {
+            Picture& picture = it->second;
+            const bool other = !picture.file.empty() && !picture.Serves(Resolve(picture.name));
+            if (other) {
+                ForgetScaled(it->first);
+            }
+            it = other ? pictures_.erase(it) : std::next(it);
+        }
+    }
+
+    const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool rightToLeft) {
+        const bool mirrored =
+            image.reverse && rightToLeft && !UITheme::GetInstance()->GetPictureTheme().IsUpright(image.file);
         if (sizePx.cx <= 0 || sizePx.cy <= 0 || sizePx.cx > kMaxTargetPx || sizePx.cy > kMaxTargetPx) {
             return nullptr;
         }
@@ -169,22 +189,36 @@ class ImageCache::Impl {
         const std::wstring key = KeyOf(name);
         pictures_.erase(key);
         logged_.erase(key);
-        for (auto it = scaled_.begin(); it != scaled_.end();) {
-            it = it->first.picture == key ? Drop(it) : std::next(it);
-        }
+        ForgetScaled(key);
     }
 
   private:
     using ScaledMap = std::map<ScaledKey, Scaled>;
+
+    // The file that serves the name now; not read yet.
+    Picture Resolve(const std::wstring& name) const {
+        const PictureTheme& theme = UITheme::GetInstance()->GetPictureTheme();
+        PicturePath path = FindPicture(name, dpi_, theme);
+        Picture picture;
+        picture.name = name;
+        picture.file = std::move(path.file);
+        picture.percent = path.percent;
+        picture.tint = path.mask ? std::optional(theme.ColorsOf(name)) : std::nullopt;
+        return picture;
+    }
+
+    void ForgetScaled(const std::wstring& key) {
+        for (auto it = scaled_.begin(); it != scaled_.end();) {
+            it = it->first.picture == key ? Drop(it) : std::next(it);
+        }
+    }
 
     // A file's picture is not read yet when it is new.
     Picture& Find(const std::wstring& name) {
         const auto [known, isNew] = pictures_.try_emplace(KeyOf(name));
         Picture& picture = known->second;
         if (isNew) {
-            const PicturePath path = FindPicture(name, dpi_);
-            picture.file = path.file;
-            picture.percent = path.percent;
+            picture = Resolve(name);
         }
         return picture;
     }
@@ -205,12 +239,13 @@ class ImageCache::Impl {
             picture.sizePx = sizePx;
             picture.sizeDip = {ScaleBy(sizePx.cx, 100, picture.percent), ScaleBy(sizePx.cy, 100, picture.percent)};
             if (static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy) <= kMaxKeptPixels) {
-                picture.pixels = ScaleRows(read, sizePx, sizePx);
+                picture.pixels = ReadWhole(picture, read, sizePx);
                 result = ScaleParts(picture, picture.pixels, image, targetPx);
             } else if (!image.sourceDip && image.cornerDip == Rect{}) {
                 result = ScaleRows(read, sizePx, targetPx);
+                Tint(picture, result);
             } else {
-                result = ScaleParts(picture, ScaleRows(read, sizePx, sizePx), image, targetPx);
+                result = ScaleParts(picture, ReadWhole(picture, read, sizePx), image, targetPx);
             }
             return S_OK;
         });
@@ -219,6 +254,18 @@ class ImageCache::Impl {
             result.clear();
         }
         return result;
+    }
+
+    static void Tint(const Picture& picture, std::vector<std::uint32_t>& pixels) {
+        if (picture.tint) {
+            TintMask(pixels, *picture.tint);
+        }
+    }
+
+    static std::vector<std::uint32_t> ReadWhole(const Picture& picture, const RowReader& read, Size sizePx) {
+        std::vector<std::uint32_t> pixels = ScaleRows(read, sizePx, sizePx);
+        Tint(picture, pixels);
+        return pixels;
     }
 
     std::vector<std::uint32_t> ScaleParts(const Picture& picture, const std::vector<std::uint32_t>& pixels,
@@ -291,8 +338,12 @@ void ImageCache::SetDpi(int dpi) {
     impl_->SetDpi(dpi);
 }
 
-const ScaledImage* ImageCache::Get(const ImageAttribute& image, Size sizePx, bool mirrored) {
-    return impl_->Get(image, sizePx, mirrored);
+void ImageCache::OnThemeChanged() {
+    impl_->OnThemeChanged();
+}
+
+const ScaledImage* ImageCache::Get(const ImageAttribute& image, Size sizePx, bool rightToLeft) {
+    return impl_->Get(image, sizePx, rightToLeft);
 }
 
 bool ImageCache::Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {

@@ -1,13 +1,15 @@
 #pragma once
-// A window's images: decoded once per file and rendition, scaled once per size, kept until removed or the DPI changes.
+// A window's images: decoded once per file and rendition, scaled once per size, kept until removed or until the DPI or
+// the theme asks for another file or other colours.
 //
 // Files are given below the resource folder or as full paths. "drawable/x.png" exists in renditions beside its folder:
 // drawable-125, -150, -200, -300 (percent; drawable itself is 100): the smallest that is at least as large as the DPI
-// asks for is taken, else the largest there is; a file elsewhere has its pixels as units. Decoding goes through the
-// system's imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only
-// as they were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file
-// that is missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts.
-// Thread: UI thread. Owns its pixels.
+// asks for is taken, else the largest there is; a file elsewhere has its pixels as units. A theme has folders of its
+// own that are looked into first, and gives masks their colours (PictureTheme.h). Decoding goes through the system's
+// imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only as they
+// were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file that is
+// missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts. Thread: UI thread. Owns its
+// pixels.
 #include <windows.h>
 
 #include <cstdint>
@@ -33,10 +35,11 @@ class ImageCache {
     ImageCache();
     ~ImageCache();
 
-    void SetDpi(int dpi);  // drops everything that was scaled; registered bitmaps stay
-    // The image as it covers `sizePx`, mirrored or not; null when it cannot be drawn. Valid until the next call of a
-    // member that is not const.
-    const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool mirrored);
+    void SetDpi(int dpi);   // drops everything that was scaled; registered bitmaps stay
+    void OnThemeChanged();  // drops what the theme shows another picture for
+    // The image as it covers `sizePx`; in a right-to-left window one that asks for it is mirrored, unless it has no
+    // direction. Null when it cannot be drawn. Valid until the next call of a member that is not const.
+    const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool rightToLeft);
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha);
     bool Has(const std::wstring& name) const;

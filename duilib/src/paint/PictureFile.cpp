@@ -10,7 +10,7 @@ namespace DuiLib {
 namespace {
 
 constexpr UINT kMaxSidePx = 8192;
-constexpr std::wstring_view kDrawable = L"drawable\\";
+constexpr std::wstring_view kDrawable = L"drawable\\";  // as names begin, whatever the family that has them
 constexpr std::array kRenditions{100, 125, 150, 200, 300};
 
 bool Exists(const std::wstring& file) {
@@ -28,24 +28,27 @@ std::array<int, kRenditions.size()> InOrderOfUse(int dpi) {
 
 }  // namespace
 
-PicturePath FindPicture(const std::wstring& name, int dpi) {
+PicturePath FindPicture(const std::wstring& name, int dpi, const PictureTheme& theme) {
     std::wstring path = name;
     std::replace(path.begin(), path.end(), L'/', L'\\');
     if (IsFullPath(path)) {
-        return {path, 100};
+        return {path};
     }
     const std::wstring& folder = GetResourceFolder();
     if (!path.starts_with(kDrawable)) {
-        return {folder + path, 100};
+        return {folder + path};
     }
-    const std::wstring below = path.substr(kDrawable.size());
-    for (const int percent : InOrderOfUse(dpi)) {
-        const std::wstring rendition = percent == 100 ? L"drawable\\" : L"drawable-" + std::to_wstring(percent) + L"\\";
-        if (Exists(folder + rendition + below)) {
-            return {folder + rendition + below, percent};
+    const std::wstring below = L"\\" + path.substr(kDrawable.size());
+    for (const std::wstring& family : theme.families) {
+        for (const int percent : InOrderOfUse(dpi)) {
+            const std::wstring file =
+                folder + family + (percent == 100 ? std::wstring() : L"-" + std::to_wstring(percent)) + below;
+            if (Exists(file)) {
+                return {file, percent, family == theme.maskFamily};
+            }
         }
     }
-    return {folder + path, 100};
+    return {folder + path};
 }
 
 PictureDecoder::PictureDecoder() = default;

@@ -11,17 +11,19 @@
 #include "DuiLib/Geometry.h"
 #include "paint/ImageScale.h"
 #include "suite/common/ComReference.h"
+#include "theme/PictureTheme.h"
 
 struct IWICImagingFactory;
 
 namespace DuiLib {
 
-// The rendition of an image name that serves a DPI.
+// The rendition of an image name that serves a DPI and a theme.
 struct PicturePath {
     std::wstring file;
     int percent = 100;  // 200: two pixels for a unit
+    bool mask = false;
 };
-PicturePath FindPicture(const std::wstring& name, int dpi);
+PicturePath FindPicture(const std::wstring& name, int dpi, const PictureTheme& theme);
 
 // Owns the imaging factory, which is made with the first picture.
 class PictureDecoder {

@@ -4,21 +4,9 @@
 #include <string>
 
 #include "DuiLib/Geometry.h"
+#include "DuiLib/Theme.h"
 
 namespace DuiLib {
-namespace {
-
-const std::wstring& MessageFontFace() {
-    static const std::wstring face = [] {
-        NONCLIENTMETRICSW metrics{};
-        metrics.cbSize = sizeof(metrics);
-        const bool known = ::SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0) != FALSE;
-        return std::wstring(known ? metrics.lfMessageFont.lfFaceName : L"Segoe UI");
-    }();
-    return face;
-}
-
-}  // namespace
 
 void FontTable::Add(int index, const FontSpec& font, bool isDefault) {
     handles_.clear();
@@ -28,11 +16,9 @@ void FontTable::Add(int index, const FontSpec& font, bool isDefault) {
     }
 }
 
-void FontTable::SetDpi(int dpi) {
-    if (dpi_ != dpi) {
-        handles_.clear();
-        dpi_ = dpi;
-    }
+void FontTable::Renew(int dpi) {
+    handles_.clear();
+    dpi_ = dpi;
 }
 
 const FontSpec& FontTable::SpecOf(int index) const {
@@ -55,9 +41,10 @@ HFONT FontTable::GetVariant(int index, bool bold, bool italic, bool underline) c
         return known->second.Get();
     }
     const FontSpec& spec = SpecOf(index);
-    const std::wstring& face = spec.face.empty() ? MessageFontFace() : spec.face;
+    UITheme& theme = *UITheme::GetInstance();
+    const std::wstring& face = spec.face.empty() ? theme.GetMessageFace() : spec.face;
     LOGFONTW font{};
-    font.lfHeight = -std::max(1, DipToPx(spec.sizeDip, dpi_));
+    font.lfHeight = -std::max(1, ScaleBy(spec.sizeDip * theme.GetTextPercent(), dpi_, 96 * 100));
     font.lfWeight = bold ? std::max(spec.weight, FW_BOLD) : spec.weight;
     font.lfItalic = spec.italic || italic;
     font.lfUnderline = spec.underline || underline;

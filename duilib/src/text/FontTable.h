@@ -1,5 +1,6 @@
 #pragma once
-// The fonts of a layout by index, made for the present DPI on first use. Owns the handles. Thread: UI thread.
+// The fonts of a layout by index, made for the present DPI and the user's size of text on first use. Owns the handles.
+// Thread: UI thread.
 #include <windows.h>
 
 #include <map>
@@ -9,10 +10,14 @@
 
 namespace DuiLib {
 
+// The font of tooltips, which is there in every table: as large as the system's own.
+inline constexpr int kToolTipFont = -2;
+
 class FontTable {
   public:
     void Add(int index, const FontSpec& font, bool isDefault);
-    void SetDpi(int dpi);        // drops the handles
+    // Drops the handles: another DPI, or the system has another size of text or another message font.
+    void Renew(int dpi);
     HFONT Get(int index) const;  // unknown: the default font
     // The font with another weight, slant or line, for marked-up text.
     HFONT GetVariant(int index, bool bold, bool italic, bool underline) const;
@@ -26,7 +31,7 @@ class FontTable {
         auto operator<=>(const Key&) const = default;  // NOLINT(modernize-use-nullptr): no pointer
     };
 
-    std::map<int, FontSpec> specs_;
+    std::map<int, FontSpec> specs_{{kToolTipFont, {.face = {}, .sizeDip = 12}}};
     FontSpec fallback_;
     int defaultIndex_ = -1;
     int dpi_ = 96;

@@ -59,6 +59,16 @@ void DrawPrepared(HDC dc, std::wstring_view text, const Rect& px, UINT style) {
     }
 }
 
+// The font, drawn in grey whatever the system smooths with: coloured edges are no coverage. None for none.
+suite::GdiFont MakeMaskFont(HFONT font) {
+    LOGFONTW description{};
+    if (::GetObjectW(font, sizeof(description), &description) == 0) {
+        return {};
+    }
+    description.lfQuality = ANTIALIASED_QUALITY;
+    return suite::GdiFont(::CreateFontIndirectW(&description));
+}
+
 }  // namespace
 
 Size MeasureText(HDC dc, HFONT font, std::wstring_view text, int widthPx, UINT style) {
@@ -93,10 +103,11 @@ TextMask MakeTextMask(HDC dc, HFONT font, std::wstring_view text, Size sizePx, U
     std::uint32_t* pixels = nullptr;
     const suite::GdiBitmap bitmap = suite::MakePixelBitmap(sizePx.cx, sizePx.cy, pixels);
     const suite::MemoryDc memory(::CreateCompatibleDC(dc));
+    const suite::GdiFont grey = MakeMaskFont(font);
     if (bitmap && memory) {
         const suite::GdiSelection selection(memory.Get(), bitmap.Get());
         {
-            const TextSetup setup(memory.Get(), font, RGB(255, 255, 255));
+            const TextSetup setup(memory.Get(), grey.Get(), RGB(255, 255, 255));
             DrawPrepared(memory.Get(), text, {0, 0, sizePx.cx, sizePx.cy}, Cleaned(style));
         }
         ::GdiFlush();

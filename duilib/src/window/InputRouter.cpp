@@ -7,6 +7,7 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/UICulture.h"
+#include "text/FontTable.h"
 
 namespace DuiLib {
 namespace {
@@ -58,7 +59,7 @@ bool InputRouter::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
             toolTip_.Relay(window, WM_LBUTTONDOWN, wParam, lParam);
-            OnButtonDown(PointOf(lParam));
+            OnButtonDown(PointOf(lParam), message == WM_LBUTTONDBLCLK);
             return true;
         case WM_LBUTTONUP:
             toolTip_.Relay(window, message, wParam, lParam);
@@ -211,7 +212,8 @@ void InputRouter::UpdateToolTip() {
             const CControlUI& control = **it;
             if (!control.GetToolTip().empty()) {
                 toolTip_.Set(manager_.GetPaintWindow(), control.GetPos(), control.GetToolTip(),
-                             UICulture::GetInstance()->IsRightToLeft(), DipToPx(kToolTipWidthDip, manager_.GetDPI()));
+                             manager_.GetFont(kToolTipFont), UICulture::GetInstance()->IsRightToLeft(),
+                             DipToPx(kToolTipWidthDip, manager_.GetDPI()));
                 return;
             }
         }
@@ -240,7 +242,7 @@ void InputRouter::OnMouseLeave() {
     }
 }
 
-void InputRouter::OnButtonDown(Point px) {
+void InputRouter::OnButtonDown(Point px, bool doubleClick) {
     const RetiredControls::Scope scope(retired_);
     mousePx_ = px;
     mouseInside_ = true;
@@ -258,7 +260,9 @@ void InputRouter::OnButtonDown(Point px) {
         }
     }
     if (IsUsable(hit)) {
-        Send(hit, MakeEvent(EventType::kButtonDown));
+        TEventUI event = MakeEvent(EventType::kButtonDown);
+        event.doubleClick = doubleClick;
+        Send(hit, event);
     }
 }
 

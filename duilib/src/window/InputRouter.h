@@ -48,6 +48,8 @@ class InputRouter {
     void ReleaseSystemCapture();
 
     CControlUI* GetHot() const { return hotPath_.empty() ? nullptr : hotPath_.back(); }
+    // The tooltip goes: its font or its colours are about to change. The next one has the new ones.
+    void DropToolTip() { toolTip_.Drop(); }
     // Asks for WM_MOUSELEAVE.
     void TrackLeave();
 
@@ -65,7 +67,7 @@ class InputRouter {
 
     void OnMouseMove(Point px);
     void OnMouseLeave();
-    void OnButtonDown(Point px);
+    void OnButtonDown(Point px, bool doubleClick);
     void OnButtonUp(Point px);
     bool OnMouseWheel(WPARAM wParam, LPARAM lParam);
     bool OnSetCursor(LPARAM lParam);

@@ -15,12 +15,13 @@
 #include "suite/common/ComReference.h"
 #include "suite/common/GdiObject.h"
 #include "text/FontTable.h"
+#include "theme/ThemeListener.h"
 #include "window/InputRouter.h"
 #include "window/RetiredControls.h"
 
 namespace DuiLib {
 
-class CPaintManagerUI::Impl {
+class CPaintManagerUI::Impl final : public IThemeListener {
   public:
     explicit Impl(CPaintManagerUI& manager);
     ~Impl();
@@ -35,6 +36,7 @@ class CPaintManagerUI::Impl {
     void InvalidateAll();
     // The fonts are made anew: another DPI, or other settings of the system.
     void RenewFonts();
+    void OnThemeChanged(const ThemeChange& change) override;
     void OnSize(WPARAM kind);
     void OnGetMinMaxInfo(MINMAXINFO& info) const;
     LRESULT OnGetObject(WPARAM wParam, LPARAM lParam);

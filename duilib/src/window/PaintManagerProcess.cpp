@@ -2,6 +2,7 @@
 #include <objbase.h>
 
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "DuiLib/UIMainQueue.h"
 #include "markup/ResourceFiles.h"
 #include "suite/logger/QxLogger.h"
@@ -47,6 +48,7 @@ std::wstring CPaintManagerUI::GetInstancePath() {
 
 void CPaintManagerUI::SetResourcePath(const std::wstring& folder) {
     SetResourceFolder(folder);
+    UITheme::GetInstance()->ForgetFile();
 }
 
 const std::wstring& CPaintManagerUI::GetResourcePath() {

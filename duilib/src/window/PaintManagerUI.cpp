@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "DuiLib/Theme.h"
 #include "DuiLib/UICulture.h"
 #include "window/PaintManagerImpl.h"
 
@@ -25,11 +26,13 @@ void RemoveFrom(std::vector<Item*>& list, const Item* item) {
 
 CPaintManagerUI::Impl::Impl(CPaintManagerUI& manager)
     : owner(manager), measureDc(CreateCompatibleDC(nullptr)), input(manager, retired) {
-    fonts.SetDpi(dpi);
+    fonts.Renew(dpi);
     images.SetDpi(dpi);
+    UITheme::GetInstance()->AddListener(this);
 }
 
 CPaintManagerUI::Impl::~Impl() {
+    UITheme::GetInstance()->RemoveListener(this);
     OnWindowGone();
 }
 
@@ -47,6 +50,7 @@ void CPaintManagerUI::Init(HWND window) {
     impl_->OnWindowGone();
     impl_->window = window;
     impl_->sizePx = impl_->ClientSizePx();
+    UITheme::GetInstance()->ApplyToFrame(window);
     const UINT dpi = GetDpiForWindow(window);
     SetDPI(dpi != 0 ? static_cast<int>(dpi) : USER_DEFAULT_SCREEN_DPI);
 }

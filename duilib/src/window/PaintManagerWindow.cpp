@@ -1,6 +1,7 @@
 // A paint manager and its window: messages, layout, painting and DPI.
 #include <algorithm>
 
+#include "DuiLib/Theme.h"
 #include "paint/Canvas.h"
 #include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
@@ -18,12 +19,6 @@ constexpr DWORD kOpaque = 0xFF000000;
 
 constinit suite::SystemLibrary oleacc(L"oleacc.dll");
 constinit suite::SystemFunction<decltype(&LresultFromObject)> lresultFromObject(oleacc, "LresultFromObject");
-
-bool IsFontSetting(WPARAM setting) {
-    return setting == SPI_SETNONCLIENTMETRICS || setting == SPI_SETFONTSMOOTHING ||
-           setting == SPI_SETFONTSMOOTHINGTYPE || setting == SPI_SETFONTSMOOTHINGCONTRAST ||
-           setting == SPI_SETCLEARTYPE;
-}
 
 class FlagScope {
   public:
@@ -90,16 +85,16 @@ bool CPaintManagerUI::Impl::Render() {
         }
         dirty.Add(ClientRectPx());
     }
+    UITheme& theme = *UITheme::GetInstance();
     const int borderPx = std::max(1, DipToPx(1, dpi));
     for (const Rect& px : dirty.Take()) {
         Canvas canvas(buffer.GetDC(), buffer.Bits(), sizePx, px);
-        canvas.FillRect(px, spec.bkColor | kOpaque);
+        canvas.FillRect(px, theme.Painted(spec.bkColor, ColorUse::kGround) | kOpaque);
         if (root && root->IsVisible() && !root->GetPos().Intersect(px).IsEmpty()) {
             root->Paint(canvas, root->GetPos().Intersect(px));
         }
-        if (spec.borderColor != 0) {
-            canvas.StrokeRect(ClientRectPx(), spec.borderColor, borderPx, DipToPx(spec.roundCornerDip, dpi));
-        }
+        canvas.StrokeRect(ClientRectPx(), theme.Painted(spec.borderColor, ColorUse::kLine), borderPx,
+                          DipToPx(spec.roundCornerDip, dpi));
     }
     return true;
 }
@@ -109,10 +104,28 @@ void CPaintManagerUI::Impl::InvalidateAll() {
 }
 
 void CPaintManagerUI::Impl::RenewFonts() {
-    fonts.SetDpi(dpi);
+    input.DropToolTip();  // it has one of the fonts
+    fonts.Renew(dpi);
     ++fontGeneration;
     owner.NeedUpdate();
     InvalidateAll();
+}
+
+void CPaintManagerUI::Impl::OnThemeChanged(const ThemeChange& change) {
+    input.DropToolTip();
+    if (change.text) {
+        RenewFonts();
+    }
+    if (change.look) {
+        images.OnThemeChanged();
+        InvalidateAll();
+        if (window) {
+            UITheme::GetInstance()->ApplyToFrame(window);
+        }
+    }
+    if (change.textSize) {
+        owner.SendNotify(root.get(), NotifyType::kTextSizeChanged);
+    }
 }
 
 void CPaintManagerUI::Impl::OnSize(WPARAM kind) {
@@ -195,12 +208,12 @@ bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam,
             result = impl.OnGetObject(wParam, lParam);
             return result != 0;
         case WM_SETTINGCHANGE:
-            if (IsFontSetting(wParam)) {
-                impl.RenewFonts();
-            }
+        case WM_SYSCOLORCHANGE:
+        case WM_THEMECHANGED:
+            // What the message says of the setting is not relied on: most senders name none, or another one.
+            UITheme::GetInstance()->Reread();
             return false;
         case WM_FONTCHANGE:
-        case WM_THEMECHANGED:
             impl.RenewFonts();
             return false;
         case WM_NCDESTROY:

@@ -1,8 +1,10 @@
 #include "window/ToolTip.h"
 
 #include <commctrl.h>
+#include <uxtheme.h>
 
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
 
@@ -11,6 +13,8 @@ namespace {
 
 constinit suite::SystemLibrary comctl32(L"comctl32.dll");
 constinit suite::SystemFunction<decltype(&InitCommonControlsEx)> initCommonControls(comctl32, "InitCommonControlsEx");
+constinit suite::SystemLibrary uxtheme(L"uxtheme.dll");
+constinit suite::SystemFunction<decltype(&SetWindowTheme)> setWindowTheme(uxtheme, "SetWindowTheme");
 
 TTTOOLINFOW ToolInfo(HWND window) {
     TTTOOLINFOW info{};
@@ -20,9 +24,27 @@ TTTOOLINFOW ToolInfo(HWND window) {
     return info;
 }
 
+COLORREF ColorRef(DWORD argb) {
+    return RGB((argb >> 16) & 0xFF, (argb >> 8) & 0xFF, argb & 0xFF);
+}
+
+// The system's own tooltips are light, or have the colours of a contrast theme.
+void Darken(HWND toolTip) {
+    UITheme& theme = *UITheme::GetInstance();
+    if (theme.GetKind() != ThemeKind::kDark) {
+        return;
+    }
+    // With visual styles the control has no colours of its own.
+    setWindowTheme(toolTip, L"", L"");
+    const DWORD ground = theme.Painted(theme.FindColor(L"hint").value_or(Color()), ColorUse::kGround);
+    const DWORD text = theme.Painted(theme.FindColor(L"text").value_or(Color()), ColorUse::kText);
+    SendMessageW(toolTip, TTM_SETTIPBKCOLOR, ColorRef(ground), 0);
+    SendMessageW(toolTip, TTM_SETTIPTEXTCOLOR, ColorRef(text), 0);
+}
+
 }  // namespace
 
-bool ToolTip::Create(HWND window, bool rightToLeft) {
+bool ToolTip::Create(HWND window, HFONT font, bool rightToLeft) {
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_BAR_CLASSES};
     initCommonControls.CallOr(FALSE, &classes);
     toolTip_ = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TRANSPARENT | (rightToLeft ? WS_EX_LAYOUTRTL : 0), TOOLTIPS_CLASSW,
@@ -33,6 +55,8 @@ bool ToolTip::Create(HWND window, bool rightToLeft) {
         return false;
     }
     window_ = window;
+    Darken(toolTip_);
+    SendMessageW(toolTip_, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     TTTOOLINFOW info = ToolInfo(window);
     info.uFlags = rightToLeft ? TTF_RTLREADING : 0;
     info.lpszText = const_cast<wchar_t*>(L"");
@@ -40,12 +64,12 @@ bool ToolTip::Create(HWND window, bool rightToLeft) {
     return true;
 }
 
-void ToolTip::Set(HWND window, const Rect& px, const std::wstring& text, bool rightToLeft, int maxWidthPx) {
+void ToolTip::Set(HWND window, const Rect& px, const std::wstring& text, HFONT font, bool rightToLeft, int maxWidthPx) {
     if (text.empty()) {
         Clear();
         return;
     }
-    if (!toolTip_ && !Create(window, rightToLeft)) {
+    if (!toolTip_ && !Create(window, font, rightToLeft)) {
         return;
     }
     if (text == text_ && px == px_) {
@@ -69,6 +93,13 @@ void ToolTip::Clear() {
     }
     text_.clear();
     SendMessageW(toolTip_, TTM_ACTIVATE, FALSE, 0);
+}
+
+void ToolTip::Drop() {
+    if (toolTip_) {
+        DestroyWindow(toolTip_);
+        Forget();
+    }
 }
 
 void ToolTip::Relay(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

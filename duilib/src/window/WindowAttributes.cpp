@@ -1,5 +1,7 @@
 #include "window/WindowAttributes.h"
 
+#include "theme/ColorValue.h"
+
 namespace DuiLib {
 namespace {
 
@@ -8,9 +10,9 @@ bool SizeOf(WindowSpec& window, std::wstring_view value) {
     return ApplyParsed(ParseSize(value), [&](Size dip) { window.*kMember = dip; });
 }
 
-template <DWORD WindowSpec::*kMember>
+template <Color WindowSpec::*kMember>
 bool ColorOf(WindowSpec& window, std::wstring_view value) {
-    return ApplyParsed(ParseColor(value), [&](DWORD argb) { window.*kMember = argb; });
+    return ApplyColorValue(value, [&](const Color& color) { window.*kMember = color; });
 }
 
 template <std::wstring WindowSpec::*kMember>
@@ -23,6 +25,10 @@ bool RoundCorner(WindowSpec& window, std::wstring_view value) {
     return ApplyNumber(value, 0, [&](int dip) { window.roundCornerDip = dip; });
 }
 
+bool GrowWithText(WindowSpec& window, std::wstring_view value) {
+    return ApplyParsed(ParseBool(value), [&](bool grow) { window.growWithText = grow; });
+}
+
 bool CloseOnEscape(WindowSpec& window, std::wstring_view value) {
     return ApplyParsed(ParseBool(value), [&](bool close) { window.closeOnEscape = close; });
 }
@@ -31,6 +37,7 @@ constexpr AttributeEntry<WindowSpec> kWindowTable[] = {
     {L"size", SizeOf<&WindowSpec::sizeDip>},
     {L"minsize", SizeOf<&WindowSpec::minSizeDip>},
     {L"maxsize", SizeOf<&WindowSpec::maxSizeDip>},
+    {L"growwithtext", GrowWithText},
     {L"roundcorner", RoundCorner},
     {L"bkcolor", ColorOf<&WindowSpec::bkColor>},
     {L"bordercolor", ColorOf<&WindowSpec::borderColor>},

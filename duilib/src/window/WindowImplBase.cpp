@@ -2,8 +2,11 @@
 
 #include <windowsx.h>
 
+#include <algorithm>
+
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/DialogBuilder.h"
+#include "DuiLib/Theme.h"
 #include "DuiLib/UICulture.h"
 #include "suite/logger/QxLogger.h"
 #include "window/WindowShape.h"
@@ -12,6 +15,7 @@ namespace DuiLib {
 namespace {
 
 constexpr int kSizingBorderDip = 6;
+constexpr int kLargestWidening = 150;        // percent; further growth goes into the height
 constexpr UINT kDrawThemedCaption = 0x00AE;  // sent by the system's own frame drawing; not in the headers
 constexpr UINT kDrawThemedFrame = 0x00AF;
 
@@ -24,6 +28,9 @@ WindowImplBase::~WindowImplBase() {
 }
 
 void WindowImplBase::Notify(TNotifyUI& msg) {
+    if (msg.type == NotifyType::kTextSizeChanged) {
+        FollowTextSize();
+    }
     DispatchNotify(msg);
 }
 
@@ -80,6 +87,13 @@ LRESULT WindowImplBase::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam
         case WM_KILLFOCUS:
             result = OnKillFocus(wParam, lParam, handled);
             break;
+        case WM_SHOWWINDOW:
+            // What the window says was set since it was made.
+            if (wParam != FALSE && UITheme::GetInstance()->GetTextPercent() > 100) {
+                FollowTextSize();
+            }
+            handled = false;
+            break;
         case WM_SIZE:
             result = OnSize(wParam, lParam, handled);
             break;
@@ -126,8 +140,8 @@ LRESULT WindowImplBase::OnCreate(WPARAM, LPARAM, bool&) {
     paintManager_.AttachDialog(CDialogBuilder().Create(GetSkinFile(), L"Window", this, &paintManager_));
 
     UINT flags = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED;
-    const Size dip = paintManager_.GetWindowSpec().sizeDip;
-    if (dip == Size{}) {
+    const Size px = WantedSizePx();
+    if (px == Size{}) {
         flags |= SWP_NOSIZE;
     }
     if (!IsResizable()) {
@@ -135,8 +149,7 @@ LRESULT WindowImplBase::OnCreate(WPARAM, LPARAM, bool&) {
             window, GWL_STYLE,
             GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_THICKFRAME | WS_MAXIMIZEBOX));
     }
-    const int dpi = paintManager_.GetDPI();
-    SetWindowPos(window, nullptr, 0, 0, DipToPx(dip.cx, dpi), DipToPx(dip.cy, dpi), flags);
+    SetWindowPos(window, nullptr, 0, 0, px.cx, px.cy, flags);
     ApplyShape();
     InitWindow();
     return 0;
@@ -214,6 +227,36 @@ LRESULT WindowImplBase::OnSize(WPARAM wParam, LPARAM, bool& handled) {
 LRESULT WindowImplBase::OnDpiChanged(WPARAM, LPARAM, bool& handled) {
     handled = false;
     return 0;
+}
+
+Size WindowImplBase::WantedSizePx() {
+    const WindowSpec& spec = paintManager_.GetWindowSpec();
+    const int dpi = paintManager_.GetDPI();
+    Size px{DipToPx(spec.sizeDip.cx, dpi), DipToPx(spec.sizeDip.cy, dpi)};
+    const int percent = UITheme::GetInstance()->GetTextPercent();
+    CControlUI* const root = paintManager_.GetRoot();
+    MONITORINFO screen{};
+    screen.cbSize = sizeof(screen);
+    if (!spec.growWithText || percent <= 100 || !root ||
+        !GetMonitorInfoW(MonitorFromWindow(GetHWND(), MONITOR_DEFAULTTONEAREST), &screen)) {
+        return px;
+    }
+    const RECT& work = screen.rcWork;
+    px.cx = std::min<int>(ScaleBy(px.cx, std::min(percent, kLargestWidening), 100), work.right - work.left);
+    px.cy = std::min<int>(std::max(px.cy, root->EstimateSize({px.cx, px.cy}).cy), work.bottom - work.top);
+    return px;
+}
+
+void WindowImplBase::FollowTextSize() {
+    RECT place{};
+    if (!paintManager_.GetWindowSpec().growWithText || !GetWindowRect(GetHWND(), &place)) {
+        return;
+    }
+    // Around the same middle.
+    const Size px = WantedSizePx();
+    SetWindowPos(GetHWND(), nullptr, 0, 0, px.cx, px.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveIntoWorkArea(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), (place.left + place.right - px.cx) / 2,
+                     (place.top + place.bottom - px.cy) / 2);
 }
 
 void WindowImplBase::ApplyShape() {

@@ -63,4 +63,30 @@ TEST(IntroductionHeader, NoTextsAtAll) {
     EXPECT_EQ(layout.thirdWidth, 4);
 }
 
+// 446 in all are still centred.
+TEST(IntroductionHeader, LargeTextsThatFitStandAsOthersDo) {
+    const IntroductionHeaderLayout layout = LayOutIntroductionHeader({50, 200, 100, 54}, true);
+    EXPECT_EQ(layout.groupLeftPadding, (800 - 446) / 2 - 106);
+    EXPECT_EQ(layout.firstWidth, 204);
+}
+
+TEST(IntroductionHeader, LargeTextsAreNotNarrowedWhileARowHoldsThem) {
+    // 1 beyond the limit; then as many as the row's 1000 with a gap behind each hold: 400 + 300 + 168 + 12 + 3 * 40.
+    const IntroductionHeaderLayout layout = LayOutIntroductionHeader({50, 201, 100, 54}, true);
+    EXPECT_EQ(layout.titleWidth, 50);
+    EXPECT_EQ(layout.groupLeftPadding, 40);
+    EXPECT_EQ(layout.firstWidth, 205);
+    EXPECT_EQ(layout.secondWidth, 104);
+    EXPECT_EQ(layout.thirdWidth, 58);
+    EXPECT_EQ(LayOutIntroductionHeader({50, 400, 300, 168}, true).firstWidth, 404);
+}
+
+TEST(IntroductionHeader, LargeTextsThatNoRowHoldsShareOne) {
+    const IntroductionHeaderLayout layout = LayOutIntroductionHeader({50, 400, 300, 169}, true);
+    EXPECT_EQ(layout.groupLeftPadding, 40);
+    EXPECT_EQ(layout.firstWidth, 1000 / 3 - 40);
+    EXPECT_EQ(layout.secondWidth, 1000 / 3 - 40);
+    EXPECT_EQ(layout.thirdWidth, 173);
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 #include "DuiLib/Layouts.h"
 #include "DuiLib/UICulture.h"
 #include "TestWindow.h"
+#include "tests/support/FakeLook.h"
 
 namespace DuiLib {
 // In failure messages.
@@ -277,6 +278,92 @@ TEST_F(RightToLeftLayout, AContainerCanKeepItsDirection) {
         </HorizontalLayout><Control/></HorizontalLayout>)");
     EXPECT_EQ(Pos(L"a").left, 0);
     EXPECT_EQ(Pos(L"aa").right, 100);
+}
+
+// --- a larger size of text
+
+class LargeText : public Layout {
+  protected:
+    void Choose(DWORD percent) {
+        look.textScaleFactor = percent;
+        harness::FakeLook::Tell(window->GetHWND());
+    }
+    harness::FakeLook look;
+};
+
+constexpr char kGrowing[] = R"(<VerticalLayout><Font id="0" size="20" default="true"/>
+    <VerticalLayout name="grows" height="30" growheight="true"><Label name="text" text="A" height="auto"/>
+        <Control name="rest"/></VerticalLayout>
+    <VerticalLayout name="stays" height="30"><Label text="A" height="auto"/></VerticalLayout>
+    <VerticalLayout name="limited" maxheight="30" height="auto" growheight="true"><Label text="A" height="auto"/>
+        <Control height="25"/></VerticalLayout>
+    <VerticalLayout name="gone" maxheight="0" height="20" growheight="true"><Label text="A" height="auto"/></VerticalLayout>
+</VerticalLayout>)";
+
+TEST_F(LargeText, GivenHeightsHoldAtTheUsualSize) {
+    Load(kGrowing);
+    window->Find(L"grows").SetFixedHeight(10);  // lower than its text
+    EXPECT_EQ(Pos(L"grows").Height(), 10);
+    EXPECT_EQ(Pos(L"limited").Height(), 30);
+}
+
+TEST_F(LargeText, HeightsThatGrowGiveTheContentItsRoom) {
+    Load(kGrowing);
+    Choose(225);
+    const int text = Pos(L"text").Height();
+    EXPECT_GE(text, 45);
+    EXPECT_EQ(Pos(L"grows").Height(), text);
+    EXPECT_EQ(Pos(L"stays").Height(), 30);
+    EXPECT_EQ(Pos(L"limited").Height(), text + 25);
+    EXPECT_FALSE(window->Find(L"gone").IsShown());
+    EXPECT_EQ(Pos(L"stays").top, text);
+    // What has room already stays as it is.
+    window->Find(L"grows").SetFixedHeight(90);
+    EXPECT_EQ(Pos(L"grows").Height(), 90);
+    Choose(101);
+    EXPECT_EQ(Pos(L"grows").Height(), 90);
+    EXPECT_GT(Pos(L"limited").Height(), 30);
+    Choose(100);
+    EXPECT_EQ(Pos(L"limited").Height(), 30);
+}
+
+TEST_F(Layout, AStackStandsSideBySideWhereThereIsRoom) {
+    Load(R"(<HorizontalLayout name="s" stack="true" childpadding="20" valign="top">
+        <Control name="a" width="100" height="30"/><Control name="b" width="280" height="40"/></HorizontalLayout>)");
+    EXPECT_EQ(Pos(L"a"), (Rect{0, 0, 100, 30}));
+    EXPECT_EQ(Pos(L"b"), (Rect{120, 0, 400, 40}));
+    window->Find(L"b").SetFixedWidth(281);
+    EXPECT_EQ(Pos(L"a"), (Rect{0, 0, 100, 30}));
+    EXPECT_EQ(Pos(L"b"), (Rect{0, 38, 281, 78}));  // 8 at most between them
+    // Paddings count, hidden ones do not.
+    window->Find(L"b").SetFixedWidth(270);
+    EXPECT_EQ(Pos(L"b").top, 0);
+    window->Find(L"a").SetPadding({5, 0, 6, 0});
+    EXPECT_EQ(Pos(L"b").top, 38);
+    window->Find(L"a").SetVisible(false);
+    EXPECT_EQ(Pos(L"b"), (Rect{0, 0, 270, 40}));
+    window->Find(L"s").SetAttribute(L"stack", L"false");
+    window->Find(L"a").SetVisible(true);
+    EXPECT_EQ(Pos(L"b").top, 0);
+}
+
+TEST_F(Layout, AStackIsAsHighAsItNeeds) {
+    Load(R"(<VerticalLayout><HorizontalLayout name="s" stack="true" height="auto" childpadding="4" inset="10,0,10,0">
+        <Control name="a" width="200" height="30"/><Control name="b" width="200" height="40"/></HorizontalLayout>
+        <Control name="next" height="10"/></VerticalLayout>)");
+    EXPECT_EQ(Pos(L"s"), (Rect{0, 0, 400, 74}));
+    EXPECT_EQ(Pos(L"next").top, 74);
+    window->Find(L"a").SetFixedWidth(150);
+    EXPECT_EQ(Pos(L"s"), (Rect{0, 0, 400, 40}));
+}
+
+TEST_F(Layout, InAStackWhatFillsIsMeasuredByItsText) {
+    Load(R"(<HorizontalLayout stack="true"><Font id="0" size="20" default="true"/>
+        <Button name="a" text="Short" height="30"/><Button name="b" text="Short" height="30"/></HorizontalLayout>)");
+    EXPECT_EQ(Pos(L"a"), (Rect{0, 0, 200, 30}));
+    window->Find(L"b").SetText(L"A text that is longer than the half of the window's width");
+    EXPECT_EQ(Pos(L"a"), (Rect{0, 0, 400, 30}));
+    EXPECT_EQ(Pos(L"b"), (Rect{0, 30, 400, 60}));
 }
 
 }  // namespace

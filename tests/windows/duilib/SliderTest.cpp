@@ -3,6 +3,7 @@
 
 #include <oleacc.h>
 
+#include "DuiLib/RenderEngine.h"
 #include "Rendering.h"
 
 namespace DuiLib::Test {
@@ -223,6 +224,132 @@ TEST_P(Bars, ScreenReadersReadAndSetTheValue) {
     EXPECT_EQ(slider.GetValue(), 70);
     EXPECT_EQ(window.Find(L"p").GetAccessibleInfo().role, ROLE_SYSTEM_PROGRESSBAR);
     EXPECT_FALSE(window.Find(L"p").SetAccessibleValue(L"3"));
+}
+
+// A slider of 0 to 10 that shows its value and goes back to 5, 240 units wide.
+class Levels : public testing::TestWithParam<int> {
+  protected:
+    Levels() { WriteImage(L"thumb.png", {4, 4}, std::vector<std::uint32_t>(16, kBlue)); }
+    int Dpi() const { return GetParam(); }
+    int Px(int dip) const { return DipToPx(dip, Dpi()); }
+    CSliderUI& Slider() { return window.Find<CSliderUI>(L"s"); }
+    // How wide the widest number is, in pixels.
+    int NumberPx() {
+        Rect rect;
+        CRenderEngine::DrawText(window.PaintManager().GetPaintDC(), &window.PaintManager(), rect, L"10", 0, -1,
+                                DT_CALCRECT);
+        return rect.Width();
+    }
+    // The end of the slider that belongs to the number, with the gaps on both of its sides.
+    int EndPx() { return Px(12) + NumberPx() + Px(6); }
+    // What is drawn there.
+    Rect Ink(bool atLeft = false) {
+        const Picture picture = Render(window, Dpi());
+        const Rect& px = Slider().GetPos();
+        const Rect part = atLeft ? Rect{px.left, px.top, px.left + EndPx(), px.bottom}
+                                 : Rect{px.right - EndPx(), px.top, px.right, px.bottom};
+        return picture.InkWithin(part, 0xFFFFFFFF);
+    }
+    void DoubleClick(Point px) {
+        window.Mouse(WM_LBUTTONDOWN, px, MK_LBUTTON);
+        window.Mouse(WM_LBUTTONUP, px);
+        window.Mouse(WM_LBUTTONDBLCLK, px, MK_LBUTTON);
+        window.Mouse(WM_LBUTTONUP, px);
+    }
+    TestWindow window{R"(<Window size="260,60" bkcolor="#FFFFFFFF"><VerticalLayout inset="10,0,10,0">
+        <Slider name="s" height="40" min="0" max="10" barcolor="#FFFF0000" forecolor="#FF00FF00" barheight="4"
+                thumbimage="thumb.png" showvalue="true" resetvalue="5"/></VerticalLayout></Window>)"};
+};
+
+INSTANTIATE_TEST_SUITE_P(Scales, Levels, testing::Values(96, 144), testing::PrintToStringParamName());
+
+TEST_P(Levels, StandAsNumbersBesideTheBar) {
+    Slider().SetValue(10);
+    const Picture picture = Render(window, Dpi());
+    const Rect& px = Slider().GetPos();
+    const int end = px.right - EndPx();
+    // The thumb ends where the number's room begins.
+    EXPECT_EQ(picture.At({end - 2, (px.top + px.bottom) / 2}), kBlue);
+    EXPECT_EQ(picture.At({end + 1, (px.top + px.bottom) / 2}), 0xFFFFFFFFu);
+    const Rect ten = Ink();
+    EXPECT_NEAR(ten.right, px.right - Px(6), Px(3));
+    EXPECT_LE(ten.right, px.right - Px(6));  // the focus ring has room
+    EXPECT_GE(ten.left, end + Px(10));
+    EXPECT_NEAR((ten.top + ten.bottom) / 2, (px.top + px.bottom) / 2, Px(3));
+    Slider().SetValue(0);
+    EXPECT_GT(Ink().left, ten.left + NumberPx() / 4);  // one digit, at the end
+    Slider().SetAttribute(L"showvalue", L"false");
+    Slider().SetValue(10);
+    EXPECT_EQ(Render(window, Dpi()).At({px.right - 2, (px.top + px.bottom) / 2}), kBlue);
+}
+
+TEST_P(Levels, RightToLeftTheNumberStandsAtTheLeft) {
+    const Direction direction(true);
+    Slider().SetValue(10);
+    const Picture picture = Render(window, Dpi());
+    const Rect& px = Slider().GetPos();
+    EXPECT_EQ(picture.At({px.left + EndPx() + 1, (px.top + px.bottom) / 2}), kBlue);
+    EXPECT_GE(Ink(true).left, px.left + Px(6));
+    EXPECT_NEAR(Ink(true).left, px.left + Px(6), Px(3));
+    Slider().SetValue(0);
+    EXPECT_EQ(Render(window, Dpi()).At({px.right - 2, (px.top + px.bottom) / 2}), kBlue);
+}
+
+TEST_P(Levels, TheNumberHasTheTextsColourAndRoom) {
+    Slider().SetAttribute(L"textcolor", L"#FFFF00FF");
+    Slider().SetAttribute(L"height", L"auto");
+    const Picture picture = Render(window, Dpi());
+    const Rect& px = Slider().GetPos();
+    EXPECT_GT(picture.CountOf({px.right - NumberPx(), px.top, px.right, px.bottom}, 0xFFFF00FF), 0);
+    EXPECT_EQ(px.Height(), Px(20));  // the thumb's
+    Slider().SetAttribute(L"thumbsize", L"4,4");
+    Render(window, Dpi());
+    EXPECT_GE(Slider().GetPos().Height(), Px(14));  // the number's
+    EXPECT_LT(Slider().GetPos().Height(), Px(20));
+}
+
+TEST_P(Levels, ADoubleClickBringsTheUsualValueBack) {
+    Slider().SetValue(9);
+    Render(window, Dpi());
+    const Rect& px = Slider().GetPos();
+    const Point beside{px.left + Px(40), (px.top + px.bottom) / 2};
+    DoubleClick(beside);
+    EXPECT_EQ(Slider().GetValue(), 5);
+    EXPECT_EQ(window.notifications.back(), L"valuechanged s");
+    EXPECT_EQ(window.PaintManager().GetCapture(), nullptr);
+    const auto told = window.notifications.size();
+    Slider().SetValue(5);
+    window.Mouse(WM_LBUTTONDBLCLK, beside, MK_LBUTTON);
+    window.Mouse(WM_LBUTTONUP, beside);
+    EXPECT_EQ(window.notifications.size(), told);  // nothing changed
+    Slider().SetValue(9);
+    Slider().SetEnabled(false);
+    window.Mouse(WM_LBUTTONDBLCLK, beside, MK_LBUTTON);
+    EXPECT_EQ(Slider().GetValue(), 9);
+}
+
+TEST_P(Levels, OnTheNumberOnlyADoubleClickDoesSomething) {
+    Slider().SetValue(7);
+    Render(window, Dpi());
+    const Rect& px = Slider().GetPos();
+    const Point number{px.right - Px(4), (px.top + px.bottom) / 2};
+    window.Mouse(WM_LBUTTONDOWN, number, MK_LBUTTON);
+    EXPECT_EQ(Slider().GetValue(), 7);
+    EXPECT_EQ(window.PaintManager().GetCapture(), nullptr);
+    window.Mouse(WM_LBUTTONUP, number);
+    window.Mouse(WM_LBUTTONDBLCLK, number, MK_LBUTTON);
+    EXPECT_EQ(Slider().GetValue(), 5);
+}
+
+TEST_P(Bars, WithoutAUsualValueTheSecondPressIsOneMore) {
+    Render(window, Dpi());
+    window.Click(L"s");
+    EXPECT_NEAR(window.Find<CSliderUI>(L"s").GetValue(), 50, 1);
+    const Rect& px = window.Find(L"s").GetPos();
+    const Point end{px.right - 1, (px.top + px.bottom) / 2};
+    window.Mouse(WM_LBUTTONDBLCLK, end, MK_LBUTTON);
+    window.Mouse(WM_LBUTTONUP, end);
+    EXPECT_EQ(window.Find<CSliderUI>(L"s").GetValue(), 100);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/Theme.h"
 #include "DuiLib/WindowImplBase.h"
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
@@ -52,6 +53,16 @@ class ResourceFolder {
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << content;
     }
+    // The program's own themes.xml, with more elements at its end.
+    void WriteThemes(std::string_view more = {}) const {
+        wchar_t program[MAX_PATH]{};
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        std::ifstream file(std::filesystem::path(program).parent_path() / "testdata" / "duilib" / "themes.xml");
+        std::string themes{std::istreambuf_iterator<char>(file), {}};
+        themes.insert(themes.rfind("</Themes>"), more);
+        Write(L"themes.xml", themes);
+        UITheme::GetInstance()->ForgetFile();
+    }
 
   private:
     ResourceFolder() {
@@ -61,6 +72,7 @@ class ResourceFolder {
         std::filesystem::create_directories(path_);
         CPaintManagerUI::SetInstance(GetModuleHandleW(nullptr));
         CPaintManagerUI::SetResourcePath(Path());
+        WriteThemes();
     }
     ~ResourceFolder() {
         std::error_code ignored;

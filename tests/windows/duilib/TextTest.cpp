@@ -5,6 +5,8 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "Rendering.h"
+#include "tests/support/FakeLook.h"
+#include "tests/support/ImportHook.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -226,6 +228,50 @@ TEST_P(Texts, AChangedTextForgetsItsLinks) {
     text.SetText(L"");
     EXPECT_EQ(text.GetLinkContent(0), L"");
     EXPECT_TRUE(Draw().InkWithin(text.GetPos(), kWhite).IsEmpty());
+}
+
+TEST(LargeTexts, MarkupIsArrangedAnew) {
+    harness::FakeLook look;
+    TestWindow window(R"(<Window size="320,400"><Font id="0" size="16" default="true"/><VerticalLayout>
+        <Text name="t" height="auto" wordwrap="true" showhtml="true" text="Some words that need a line of their own"/>
+        </VerticalLayout></Window>)");
+    const int before = window.Find(L"t").GetPos().Height();
+    look.textScaleFactor = 225;
+    harness::FakeLook::Tell(window.GetHWND());
+    EXPECT_GT(window.Find(L"t").GetPos().Height(), 3 * before);
+}
+
+// Windows smooths text with coloured edges, which are another coverage in each channel.
+HFONT WINAPI MakeSmoothFont(const LOGFONTW* font) {
+    LOGFONTW smooth = *font;
+    smooth.lfQuality = font->lfQuality == ANTIALIASED_QUALITY ? ANTIALIASED_QUALITY : CLEARTYPE_QUALITY;
+    return CreateFontIndirectW(&smooth);
+}
+
+TEST(TranslucentTexts, AreDrawnInGreyWhateverTheSystemSmoothsWith) {
+    const harness::ImportHook hook(GetModuleHandleW(L"DuiLib.dll"), "CreateFontIndirectW", &MakeSmoothFont);
+    TestWindow window(R"(<Window size="320,80" bkcolor="#FF000000"><Font id="0" size="30" weight="700" default="true"/>
+        <VerticalLayout><Label name="t" text="Sample" textcolor="#80FFFFFF"/></VerticalLayout></Window>)");
+    const Picture picture = Render(window, 96);
+    const auto count = [&](const Picture& seen) {
+        int grey = 0;
+        for (int y = 0; y < 80; ++y) {
+            for (int x = 0; x < 320; ++x) {
+                const std::uint32_t pixel = seen.At({x, y}) & 0xFFFFFF;
+                const std::uint32_t blue = pixel & 0xFF;
+                EXPECT_EQ(pixel, blue << 16 | blue << 8 | blue) << x << "," << y;
+                grey += blue > 0 && blue < 128 ? 1 : 0;
+            }
+        }
+        return grey;
+    };
+    EXPECT_GT(count(picture), 20);
+    // It has the face, size and weight of the font that it stands for.
+    window.Find<CLabelUI>(L"t").SetTextColor(0xFFFFFFFF);
+    const Rect opaque = Render(window, 96).InkWithin({0, 0, 320, 80}, 0xFF000000);
+    const Rect ink = picture.InkWithin({0, 0, 320, 80}, 0xFF000000);
+    EXPECT_NEAR(ink.Width(), opaque.Width(), 2);
+    EXPECT_NEAR(ink.Height(), opaque.Height(), 2);
 }
 
 }  // namespace

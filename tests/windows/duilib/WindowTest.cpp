@@ -2,8 +2,10 @@
 #include <thread>
 
 #include "DuiLib/ContainerUI.h"
+#include "DuiLib/Theme.h"
 #include "DuiLib/UIMainQueue.h"
 #include "TestWindow.h"
+#include "tests/support/FakeLook.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -340,6 +342,92 @@ TEST_F(Window, IdleMeansNoMessages) {
     MSG msg{};
     EXPECT_FALSE(PeekMessageW(&msg, window.GetHWND(), WM_PAINT, WM_PAINT, PM_NOREMOVE));
     EXPECT_FALSE(PeekMessageW(&msg, window.GetHWND(), WM_TIMER, WM_TIMER, PM_NOREMOVE));
+}
+
+// --- windows that grow with the user's size of text
+
+constexpr char kBox[] = R"(<Window size="300,100" growwithtext="true"><Font id="0" size="20" default="true"/>
+  <VerticalLayout name="root"><Label name="text" text="Some words that stand on more than one line" wordwrap="true"
+    height="auto"/><Control name="rest"/></VerticalLayout></Window>)";
+
+class GrowingWindow : public testing::Test {
+  protected:
+    void Choose(DWORD percent) {
+        look.textScaleFactor = percent;
+        UITheme::GetInstance()->Reread();
+    }
+    static RECT PlaceOf(TestWindow& window) {
+        RECT place{};
+        GetWindowRect(window.GetHWND(), &place);
+        return place;
+    }
+    harness::FakeLook look;
+};
+
+TEST_F(GrowingWindow, HasTheLayoutsSizeWithTheUsualText) {
+    TestWindow window(kBox);
+    EXPECT_EQ(SizeOf(window.GetHWND()), (Size{300, 100}));
+    window.Find(L"text").SetFixedHeight(400);
+    window.ShowWindow(true, false);
+    EXPECT_EQ(SizeOf(window.GetHWND()), (Size{300, 100}));
+}
+
+TEST_F(GrowingWindow, IsWiderAndAsHighAsItsContent) {
+    Choose(120);
+    TestWindow window(kBox);
+    EXPECT_EQ(SizeOf(window.GetHWND()).cx, 360);
+    EXPECT_EQ(SizeOf(window.GetHWND()).cy, 100);  // has room enough
+    Choose(225);
+    TestWindow large(kBox);
+    EXPECT_EQ(SizeOf(large.GetHWND()).cx, 450);
+    EXPECT_GT(SizeOf(large.GetHWND()).cy, 2 * 45);
+    EXPECT_EQ(SizeOf(large.GetHWND()).cy, large.Find(L"text").GetPos().Height());
+    TestWindow other(R"(<Window size="300,100"><Control/></Window>)");
+    EXPECT_EQ(SizeOf(other.GetHWND()), (Size{300, 100}));
+}
+
+TEST_F(GrowingWindow, LooksAtItsContentWhenItIsShown) {
+    Choose(150);
+    TestWindow window(kBox);
+    SetWindowPos(window.GetHWND(), nullptr, 500, 400, 0, 0, SWP_NOSIZE);
+    const RECT before = PlaceOf(window);
+    window.Find(L"text").SetFixedHeight(300);
+    EXPECT_LT(SizeOf(window.GetHWND()).cy, 300);
+    window.ShowWindow(true, false);
+    const RECT after = PlaceOf(window);
+    EXPECT_EQ(after.bottom - after.top, 300);
+    EXPECT_EQ(after.right - after.left, 450);
+    // Around the same middle.
+    EXPECT_NEAR(after.top + after.bottom, before.top + before.bottom, 1);
+    EXPECT_NEAR(after.left + after.right, before.left + before.right, 1);
+}
+
+TEST_F(GrowingWindow, FollowsWhileItIsOpen) {
+    TestWindow window(kBox);
+    SetWindowPos(window.GetHWND(), nullptr, 500, 400, 0, 0, SWP_NOSIZE);
+    window.ShowWindow(true, false);
+    Choose(200);
+    const RECT place = PlaceOf(window);
+    EXPECT_EQ(place.right - place.left, 450);
+    EXPECT_EQ(place.left + place.right, 2 * 500 + 300);
+    EXPECT_GT(place.bottom - place.top, 100);
+    Choose(100);
+    EXPECT_EQ(SizeOf(window.GetHWND()), (Size{300, 100}));
+}
+
+TEST_F(GrowingWindow, StaysWithinTheWorkArea) {
+    Choose(225);
+    TestWindow window(kBox);
+    MONITORINFO screen{};
+    screen.cbSize = sizeof(screen);
+    GetMonitorInfoW(MonitorFromWindow(window.GetHWND(), MONITOR_DEFAULTTONEAREST), &screen);
+    window.Find(L"text").SetFixedHeight(5000);
+    SetWindowPos(window.GetHWND(), nullptr, screen.rcWork.right - 320, screen.rcWork.bottom - 150, 0, 0, SWP_NOSIZE);
+    window.ShowWindow(true, false);
+    const RECT place = PlaceOf(window);
+    EXPECT_EQ(place.top, screen.rcWork.top);
+    EXPECT_EQ(place.bottom, screen.rcWork.bottom);
+    EXPECT_EQ(place.right, screen.rcWork.right);
 }
 
 }  // namespace

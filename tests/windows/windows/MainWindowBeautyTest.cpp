@@ -21,7 +21,7 @@ class MainWindowBeautyTest : public MainWindowTest {
     static DuiLib::CSliderUI& Slider(const wchar_t* name) { return Control<DuiLib::CSliderUI>(name); }
     // A point on the bar, `tenths` of its travel from the low end.
     static void MoveToTenth(const wchar_t* name, int tenths) {
-        const DuiLib::Rect& place = Slider(name).GetPos();
+        const DuiLib::Rect place = Slider(name).GetTrackPos();
         constexpr int kThumb = 20;
         Input::MoveTo(Manager(), {place.left + kThumb / 2 + (place.Width() - kThumb) * tenths / 10,
                                   (place.top + place.bottom) / 2});
@@ -152,6 +152,30 @@ TEST_F(MainWindowBeautyTest, WithoutBeautyThePanelCannotBeReached) {
     Manager().UpdateLayout();
     EXPECT_FALSE(Slider(L"slider_smooth").IsShown());
     EXPECT_FALSE(Slider(L"slider_smooth").CanHaveFocus());
+}
+
+TEST_F(MainWindowBeautyTest, ADoubleClickBringsFiveBack) {
+    Write(L"lumi_camera_beauty_eye", 9);
+    HomeService::GetInstance()->NotifyStatus();
+    MoveToTenth(L"slider_eye", 9);
+    for (int press = 0; press < 2; ++press) {
+        Input::ButtonDown();
+        Input::ButtonUp();
+    }
+    EXPECT_EQ(Slider(L"slider_eye").GetValue(), 5);
+    EXPECT_EQ(Number(L"lumi_camera_beauty_eye"), 5);
+    EXPECT_EQ(Slider(L"slider_eye").GetAccessibleInfo().value, L"5");
+}
+
+TEST_F(MainWindowBeautyTest, EachSliderShowsItsLevelAsANumber) {
+    for (const wchar_t* name : {L"slider_smooth", L"slider_white", L"slider_eye", L"slider_face"}) {
+        Reveal(name);
+        Slider(name).SetValue(10);
+        const DuiLib::Rect place = Slider(name).GetPos();
+        const DuiLib::Rect track = Slider(name).GetTrackPos();
+        EXPECT_LT(track.right, place.right);
+        EXPECT_GT(PaintedBy(Manager()).ColorsIn({track.right + 2, place.top, place.right, place.bottom}), 4);
+    }
 }
 
 }  // namespace

@@ -184,4 +184,28 @@ TEST_F(PxDialogWndTest, ASecondStartFindsIt) {
     });
 }
 
+// The rows of the rectangle that something is drawn in.
+std::pair<int, int> InkRows(const Picture& picture, const DuiLib::Rect& px) {
+    const DWORD ground = picture.At({px.left, px.top});
+    std::pair<int, int> rows{px.bottom, px.top};
+    for (int y = px.top; y < px.bottom; ++y) {
+        for (int x = px.left; x < px.right; ++x) {
+            if (picture.At({x, y}) != ground) {
+                rows = {std::min(rows.first, y), y};
+            }
+        }
+    }
+    return rows;
+}
+
+TEST_F(PxDialogWndTest, TheTextStandsLevelWithThePicture) {
+    Control(L"msgbox_content").SetText(L"HHH");
+    dialog_->PaintManager().UpdateLayout();
+    const Picture picture = PaintedBy(dialog_->PaintManager());
+    const DuiLib::Rect sign = Control(L"dialog_picture").GetPos();
+    const auto [top, bottom] = InkRows(picture, Control(L"msgbox_content").GetPos());
+    EXPECT_LE(top, bottom);
+    EXPECT_NEAR((top + bottom) / 2.0, (sign.top + sign.bottom) / 2.0, 2);
+}
+
 }  // namespace

@@ -1,24 +1,39 @@
-// Every window at every scale: no text is cut, and nothing lies outside what holds it. In the language that the system
-// gives to the process; it is started once for each.
+// Every window at every scale and with larger texts: no text is cut, and nothing lies outside what holds it. In the
+// language that the system gives to the process; it is started once for each.
 #include <iterator>
 #include <set>
 
+#include "DuiLib/ButtonUI.h"
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/TextUI.h"
 #include "DuiLib/UICulture.h"
 #include "suite/product/SystemEnvironment.h"
+#include "tests/support/FakeLook.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelDoubleCheckPage.h"
 #include "windows/MessageTexts.h"
 #include "windows/PxDialogWnd.h"
 #include "windows/SimpleMessageBox.h"
+#include "windows/ToolTipWnd.h"
 
 namespace {
 
 using testing::IsEmpty;
 
-constexpr int kScales[] = {96, 120, 144, 192, 288};
+// A DPI, and the size of text that the user chose, in percent. The usual size comes first: windows grow with larger
+// ones.
+struct Setting {
+    int dpi;
+    int percent;
+};
+constexpr Setting kSettings[] = {{96, 100},  {120, 100}, {144, 100}, {192, 100},
+                                 {288, 100}, {96, 150},  {96, 225},  {192, 225}};
+
+std::ostream& operator<<(std::ostream& out, const Setting& setting) {
+    return out << setting.dpi << " dpi, text " << setting.percent << " %";
+}
+
 constexpr int kUnlimitedPx = 100000;
 
 // Opens the doors that only a label's own classes have.
@@ -81,13 +96,25 @@ class Inspector {
             return;
         const DuiLib::Rect& inner = control.GetPos();
         const DuiLib::Rect& outer = parent->GetPos();
-        // The column of the effects is longer than its place and can be scrolled.
-        const bool scrolls = parent->GetName() == L"effects";
+        const bool scrolls = Scrolls(*parent);
         if (inner.left < outer.left || inner.right > outer.right ||
             (!scrolls && (inner.top < outer.top || inner.bottom > outer.bottom))) {
             found_.push_back("outside: " + Describe(control) + " of class " + Narrow(control.GetClass()) + " in " +
                              Describe(*parent));
         }
+    }
+
+    // The column of the effects is longer than its place. With larger texts there are more that can be scrolled, which
+    // at the usual size hold what they hold.
+    static bool Scrolls(const DuiLib::CContainerUI& container) {
+        static const std::set<std::wstring> others = {L"preview_details",
+                                                      L"message",
+                                                      L"message_text",
+                                                      L"custom_background_container_text",
+                                                      L"correct_sight_container_text",
+                                                      L"focus_person_container_text"};
+        const bool large = DuiLib::UITheme::GetInstance()->GetTextPercent() > 100;
+        return container.GetName() == L"effects" || (large && others.contains(container.GetName()));
     }
 
     static std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
@@ -128,27 +155,39 @@ class TextsFitTest : public MainWindowTest {
             ASSERT_EQ(WidthIn(L"Segoe UI"), WidthIn(face));
         }
     }
+    void TearDown() override {
+        look_.textScaleFactor.reset();
+        DuiLib::UITheme::GetInstance()->Reread();
+        MainWindowTest::TearDown();
+    }
     static std::wstring Text(const wchar_t* key) { return DuiLib::UICulture::GetInstance()->GetString(key); }
+    // Looks at the window with each setting.
+    void InspectAll(DuiLib::WindowImplBase& window, const std::function<void()>& prepare = {}) {
+        for (const Setting& setting : kSettings) {
+            look_.textScaleFactor = setting.percent;
+            DuiLib::UITheme::GetInstance()->Reread();
+            Rescale(window.PaintManager(), window.GetHWND(), setting.dpi);
+            if (prepare) {
+                prepare();
+                window.PaintManager().UpdateLayout();
+            }
+            EXPECT_THAT(Inspect(window.PaintManager()), IsEmpty()) << setting;
+        }
+    }
+
+    harness::FakeLook look_;
 };
 
 TEST_F(TextsFitTest, OnTheHomePage) {
     Write(L"lumi_camera_beauty_person", 1);
     ASSERT_TRUE(Input::PumpUntil([] { return Control(L"slider_smooth").IsShown(); }));
-    for (const int dpi : kScales) {
-        Rescale(Manager(), Window().GetHWND(), dpi);
-        EXPECT_THAT(Inspect(Manager()), IsEmpty()) << dpi;
-    }
+    InspectAll(Window());
 }
 
 TEST_F(TextsFitTest, OnTheIntroduction) {
     Manager().SendNotify(&Control(L"show_detail_btn"), DuiLib::NotifyType::kClick);
     for (const wchar_t* tab : {L"custom_background_option", L"correct_sight_option", L"focus_person_option"}) {
-        for (const int dpi : kScales) {
-            Rescale(Manager(), Window().GetHWND(), dpi);
-            Input::Click(Control(tab));
-            Manager().UpdateLayout();
-            EXPECT_THAT(Inspect(Manager()), IsEmpty()) << dpi;
-        }
+        InspectAll(Window(), [&] { Control<DuiLib::CButtonUI>(tab).Activate(); });
     }
 }
 
@@ -160,10 +199,7 @@ TEST_F(TextsFitTest, InTheMessageBoxes) {
           MessageBoxKind::kBackgroundNotSaved}) {
         SimpleMessageBox box(&Manager());
         box.SetContent(Text(MessageTextKey(kind)));
-        for (const int dpi : kScales) {
-            Rescale(box.PaintManager(), box.GetHWND(), dpi);
-            EXPECT_THAT(Inspect(box.PaintManager()), IsEmpty()) << dpi;
-        }
+        InspectAll(box);
     }
 }
 
@@ -178,10 +214,7 @@ TEST_F(TextsFitTest, InTheMessageWindow) {
             if (html)
                 dialog.UseHtmlMessage();
             content->SetText(Text(html ? L"IDS_LUMI_FUNCTION_UNAVAILABLE" : L"IDS_LUMI_DRIVER_BROKEN"));
-            for (const int dpi : kScales) {
-                Rescale(dialog.PaintManager(), dialog.GetHWND(), dpi);
-                EXPECT_THAT(Inspect(dialog.PaintManager()), IsEmpty()) << dpi;
-            }
+            InspectAll(dialog);
         }
         Input::TakeQuit();
     }
@@ -191,14 +224,14 @@ TEST_F(TextsFitTest, InTheMessageWindow) {
 TEST_F(TextsFitTest, ATextThatIsCutIsFound) {
     PxDialogWnd dialog;
     dialog.Run(GetModuleHandleW(nullptr));
-    DuiLib::CControlUI* const content = dialog.PaintManager().FindControl(L"msgbox_content");
+    DuiLib::CControlUI* const content = dialog.PaintManager().FindControl(L"title_text");
     ASSERT_TRUE(content);
     std::wstring text;
     for (int i = 0; i < 200; ++i)
         text += L"more and more ";
     content->SetText(text);
     dialog.PaintManager().UpdateLayout();
-    EXPECT_THAT(Inspect(dialog.PaintManager()), testing::Contains(testing::StartsWith("cut: msgbox_content")));
+    EXPECT_THAT(Inspect(dialog.PaintManager()), testing::Contains(testing::StartsWith("cut: title_text")));
     DestroyWindow(dialog.GetHWND());
     Input::TakeQuit();
 }
@@ -208,9 +241,22 @@ TEST_F(TextsFitTest, InTheQuestionAndTheNotice) {
         DelDoubleCheckPage box(&Manager());
         if (notice)
             box.SetMaxLimitText(Text(L"IDS_LUMI_OVER_MAX_LIMIT"));
-        for (const int dpi : kScales) {
-            Rescale(box.PaintManager(), box.GetHWND(), dpi);
-            EXPECT_THAT(Inspect(box.PaintManager()), IsEmpty()) << dpi;
+        InspectAll(box);
+    }
+}
+
+TEST_F(TextsFitTest, InTheHints) {
+    ToolTipWnd& hint = ToolTipWnd::GetInstance(&Manager());
+    for (const wchar_t* key : {L"IDS_LUMI_CAMERA_CUSTOM", L"IDS_LUMI_CAMERA_WALLPAPER", L"IDS_LUMI_CAMERA_NATURE"}) {
+        for (const int percent : {100, 150, 225}) {
+            look_.textScaleFactor = percent;
+            DuiLib::UITheme::GetInstance()->Reread();
+            hint.SetAnchor(&Control(L"custom_background_btn"));
+            hint.SetPosition(0, 0);
+            hint.SetToolTipText(Text(key));
+            hint.Show(true);
+            EXPECT_THAT(Inspect(hint.PaintManager()), IsEmpty()) << percent;
+            hint.Show(false);
         }
     }
 }
