@@ -195,6 +195,7 @@ bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam,
             result = impl.OnGetObject(wParam, lParam);
             return result != 0;
         case WM_SETTINGCHANGE:
+            impl.input.ReadSettings();
             if (IsFontSetting(wParam)) {
                 impl.RenewFonts();
             }
