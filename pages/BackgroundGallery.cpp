@@ -91,20 +91,51 @@ void BackgroundGallery::ClickChangeBackground(const std::wstring& name) {
 void BackgroundGallery::AddOwnBackground(COptionUI& addButton) {
     // A second click must not open a second dialog.
     addButton.SetEnabled(false);
-    PageHost* const owner = page_.Owner();
+    const PageHost* const owner = page_.Owner();
     std::wstring path;
-    if (model_->IsCustomFull()) {
-        if (owner) {
-            owner->ShowLimitNotice();
-        }
-    } else if (model_->ChooseCustomFile(owner ? owner->GetWindow() : nullptr, path) &&
-               model_->AddCustomBackground(path)) {
-        addButton.SetSelected(true);
-        TurnOffWhatExcludesBackgrounds();
+    if (!TellFull() && model_->ChooseCustomFile(owner ? owner->GetWindow() : nullptr, path) &&
+        model_->AddCustomBackground(path)) {
+        ShowAdded(addButton);
     }
     addButton.SetEnabled(true);
-    // The add button is the one that was clicked; the background in use is the one that is shown as chosen.
+    // The background in use is the one that is shown as chosen.
     model_->NotifyStatus();
+}
+
+void BackgroundGallery::AddDroppedFiles(const std::vector<std::wstring>& paths) {
+    auto* addButton = page_.FindAs<COptionUI>(std::wstring(FeatureTables::kCustomControl));
+    // Disabled while another file is being chosen or made.
+    if (!model_ || !addButton || !addButton->IsEnabled()) {
+        return;
+    }
+    addButton->SetEnabled(false);
+    bool added = false;
+    for (const std::wstring& path : paths) {
+        if (TellFull()) {
+            break;
+        }
+        added = (model_->AcceptDroppedFile(path) && model_->AddCustomBackground(path)) || added;
+    }
+    if (added) {
+        ShowAdded(*addButton);
+    }
+    addButton->SetEnabled(true);
+    model_->NotifyStatus();
+}
+
+bool BackgroundGallery::TellFull() {
+    if (!model_->IsCustomFull()) {
+        return false;
+    }
+    if (PageHost* const owner = page_.Owner()) {
+        owner->ShowLimitNotice();
+    }
+    return true;
+}
+
+void BackgroundGallery::ShowAdded(COptionUI& addButton) {
+    addButton.SetSelected(true);
+    TurnOffWhatExcludesBackgrounds();
 }
 
 void BackgroundGallery::TurnOffWhatExcludesBackgrounds() {
@@ -223,12 +254,12 @@ void BackgroundGallery::ShowHint(PageHost::Hint kind, CControlUI& anchor, const 
         hint->Show(false);
         return;
     }
-    // The text comes first: where an option's hint stands depends on how wide it is.
+    hint->SetAnchor(&anchor);
+    // Before the position: where an option's hint stands depends on how wide its text is.
     hint->SetToolTipText(text);
     const int dpi = page_.Manager()->GetDPI();
     const bool option = kind == PageHost::Hint::kOption;
     const int leftDip = option ? (kCellSize - hint->GetToolTipWidth()) / 2 : kDeleteHintLeft;
-    hint->SetAnchor(&anchor);
     hint->SetPosition(DuiLib::DipToPx(leftDip, dpi), DuiLib::DipToPx(option ? kHintTop : kDeleteHintTop, dpi));
     hint->Show(true);
 }

@@ -6,6 +6,7 @@
 // Thread: UI thread.
 #include <set>
 #include <string>
+#include <vector>
 
 #include "pages/GalleryThumbnails.h"
 #include "pages/PageHost.h"
@@ -31,6 +32,7 @@ class BackgroundGallery {
     void ClickChangeBackground(const std::wstring& name);
 
     // As the operations of HomePage of these names.
+    void AddDroppedFiles(const std::vector<std::wstring>& paths);
     int AddCustomItem(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo);
     bool DelBackgroudItem(int index, const std::wstring& path);
     bool HideDelButton(const std::wstring& previousName, const std::wstring& currentName);
@@ -42,6 +44,9 @@ class BackgroundGallery {
 
   private:
     void AddOwnBackground(DuiLib::COptionUI& addButton);
+    // True when there is no room, which is told.
+    bool TellFull();
+    void ShowAdded(DuiLib::COptionUI& addButton);
     // Automatic framing moves the picture, so it does not go with a background.
     void TurnOffWhatExcludesBackgrounds();
     void RelayoutGallery(int count);

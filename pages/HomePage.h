@@ -36,6 +36,8 @@ class HomePage : public PageBase {
     int AddCustomItem(const std::wstring& name, const std::wstring& thumbnailPath, bool isVideo) {
         return gallery_.AddCustomItem(name, thumbnailPath, isVideo);
     }
+    // Adds each, as if it had been chosen with the add button. UI thread.
+    void AddDroppedFiles(const std::vector<std::wstring>& paths) { gallery_.AddDroppedFiles(paths); }
     bool DelBackgroudItem(int index, const std::wstring& path) { return gallery_.DelBackgroudItem(index, path); }
     // The pointer went from one control to another: the delete button of an item that it left is hidden. True when one
     // was.

@@ -20,7 +20,7 @@ inline constexpr wchar_t kIntroduction[] = L"IntroductionPage";
 
 }  // namespace PageNames
 
-// A hint popup; the calls come in the order SetAnchor, SetPosition, SetToolTipText, Show(true).
+// A hint popup; the calls come in the order SetAnchor, SetToolTipText, SetPosition, Show(true).
 class HintWindow {
   public:
     virtual void SetAnchor(DuiLib::CControlUI* control) = 0;  // borrowed until the hint is hidden

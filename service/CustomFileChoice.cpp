@@ -79,6 +79,17 @@ bool CustomFileChoice::Choose(std::wstring& path) const {
     return accepted;
 }
 
+bool CustomFileChoice::IsAccepted(const std::wstring& path) {
+    if (FileUtil::GetInstance().IsImageFile(path)) {
+        return CheckImageFile(path);
+    }
+    if (FileUtil::GetInstance().IsVideoFile(path)) {
+        return CheckVideoFile(path);
+    }
+    PublishMessage(MessageBoxKind::kFileUnreadable);
+    return false;
+}
+
 bool CustomFileChoice::CheckImageFile(const std::wstring& path) {
     ImageReader reader;
     UINT width = 0;

@@ -1,5 +1,6 @@
 #pragma once
-// The choice of a file as background: the system's dialog, and the checks that the camera service's limits ask for.
+// The choice of a file as background: the system's dialog or a file that was dropped, and the checks that the camera
+// service's limits ask for.
 //
 // Why: what the dialog gives may be anything; each refusal is one kind of message, published here. What happens with
 // an accepted file is others' business.
@@ -18,6 +19,8 @@ class CustomFileChoice {
     // False when nothing was chosen, or it was refused; `path` is then as it was.
     [[nodiscard]] bool Choose(std::wstring& path) const;
 
+    // A file that came without the dialog, and so without its filter.
+    static bool IsAccepted(const std::wstring& path);
     static bool CheckImageFile(const std::wstring& path);
     static bool CheckVideoFile(const std::wstring& path);
 

@@ -180,10 +180,22 @@ bool HomeService::ChooseCustomFile(HWND owner, std::wstring& path) {
     if (!CustomFileChoice(owner).Choose(path)) {
         return false;
     }
+    TellChosen();
+    return true;
+}
+
+bool HomeService::AcceptDroppedFile(const std::wstring& path) {
+    if (!CustomFileChoice::IsAccepted(path)) {
+        return false;
+    }
+    TellChosen();
+    return true;
+}
+
+void HomeService::TellChosen() {
     // Kept: told here, before the file is added.
     ReportUsage(UsageEvents::kBackground, "Background replacement:" + std::to_string(FeatureTables::kCustomIndex));
     SendSignal();
-    return true;
 }
 
 bool HomeService::AddCustomBackground(const std::wstring& sourcePath) {

@@ -94,6 +94,8 @@ class HomeService {
     // Asks for a file with the system's dialog and checks it. True: it can be added, and the camera service has been
     // told already. False: nothing was chosen, or it was refused, and the kind of message published.
     bool ChooseCustomFile(HWND owner, std::wstring& path);
+    // As ChooseCustomFile, for a file that was dropped on the window.
+    bool AcceptDroppedFile(const std::wstring& path);
     // Makes the file's picture in the user's folder, hands it to the gallery and chooses it. False when the picture
     // cannot be made, which is published; then nothing has changed. The file itself is only read.
     bool AddCustomBackground(const std::wstring& sourcePath);
@@ -131,6 +133,8 @@ class HomeService {
     const service::StatusReader& Status() const { return statusReader_; }
 
   private:
+    // A file of the user's own was chosen.
+    void TellChosen();
     void InitIPCMessageClient();
     // What changed is in the registry already.
     void StartBeautyReport();

@@ -64,6 +64,9 @@ const DuiLib::CNotifyPump::NotifyMap& DelDoubleCheckPage::GetMessageMap() const 
 }
 
 void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
+    if (!msg.sender) {
+        return;
+    }
     const std::wstring name = msg.sender->GetName();
     if (name == L"confirm") {
         if (model_) {
@@ -79,13 +82,16 @@ void DelDoubleCheckPage::OnClick(DuiLib::TNotifyUI& msg) {
 }
 
 void DelDoubleCheckPage::OnMouseEnter(DuiLib::TNotifyUI& msg) {
-    if (!IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"})) {
+    if (!msg.sender || !IsOneOf(msg.sender->GetName(), {L"confirm", L"cancel", L"maxLimit"})) {
         return;
     }
     msg.sender->SetBkColor(CompositeColor(msg.sender->GetBkColor(), kHoverOverlay));
 }
 
 void DelDoubleCheckPage::OnMouseLeft(DuiLib::TNotifyUI& msg) {
+    if (!msg.sender) {
+        return;
+    }
     const std::wstring& name = msg.sender->GetName();
     if (IsOneOf(name, {L"confirm", L"maxLimit"})) {
         msg.sender->SetBkColor(kAccentAtRest);
@@ -96,5 +102,7 @@ void DelDoubleCheckPage::OnMouseLeft(DuiLib::TNotifyUI& msg) {
 }
 
 void DelDoubleCheckPage::OnButtonPressed(DuiLib::TNotifyUI& msg) {
-    msg.sender->SetBkColor(CompositeColor(msg.sender->GetBkColor(), kPressedOverlay));
+    if (msg.sender) {
+        msg.sender->SetBkColor(CompositeColor(msg.sender->GetBkColor(), kPressedOverlay));
+    }
 }

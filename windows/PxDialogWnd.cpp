@@ -24,7 +24,9 @@ void PxDialogWnd::Run(HINSTANCE instance) {
     WindowStart::MakeDpiAware(L"PxDialogWnd");
     WindowStart::SetValuePath(L"PxDialogWnd");
     const std::wstring title = WindowStart::SetResourcesAndLanguage(instance);
-    Create(nullptr, title, WindowStart::kWindowStyle, WS_EX_TOOLWINDOW);
+    if (!Create(nullptr, title, WindowStart::kWindowStyle, WS_EX_TOOLWINDOW)) {
+        return;
+    }
     SetIcon(1);
     CenterWindow();
     InitIPCMessageClient();
@@ -64,6 +66,10 @@ void PxDialogWnd::UseHtmlMessage() {
 void PxDialogWnd::SetMessageText(const std::wstring& text) {
     if (DuiLib::CControlUI* content = PaintManager().FindControl(L"msgbox_content")) {
         content->SetText(text);
+    }
+    if (!GetHWND()) {
+        // Nobody would end the loop.
+        return;
     }
     ShowWindow(true, true);
     DuiLib::CPaintManagerUI::MessageLoop();

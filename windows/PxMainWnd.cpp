@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <system_error>
 #include <thread>
 
 #include "DuiLib/ButtonUI.h"
@@ -68,6 +69,10 @@ const wchar_t* PxMainWnd::GetWindowClassName() const {
 
 void PxMainWnd::Run(HINSTANCE instance) {
     Open(instance);
+    if (!GetHWND()) {
+        // Nobody would end the loop, and each later start would wait for a window.
+        return;
+    }
     DuiLib::CPaintManagerUI::MessageLoop();
 }
 
@@ -75,13 +80,28 @@ void PxMainWnd::Open(HINSTANCE instance) {
     WindowStart::MakeDpiAware(L"PxMainWnd");
     WindowStart::SetValuePath(L"PxMainWnd");
     const std::wstring title = WindowStart::SetResourcesAndLanguage(instance);
-    Create(nullptr, title, WindowStart::kWindowStyle, 0);
+    if (!Create(nullptr, title, WindowStart::kWindowStyle, 0)) {
+        return;
+    }
     SetIcon(1);
     CenterWindow();
     ToolTipWnd::GetInstance(&PaintManager());
-    const HWND window = FindWindowW(GetWindowClassName(), nullptr);
-    registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION);
+    RegisterForSession();
     ShowWindow(true, true);
+}
+
+void PxMainWnd::RegisterForSession() {
+    HWND window = FindWindowW(GetWindowClassName(), nullptr);
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != GetCurrentProcessId()) {
+        // Another program has a class of that name; its window would hear of the lock in this one's place.
+        window = GetHWND();
+    }
+    if (!registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION)) {
+        LogLine(LogLevel::kInfo, L"PxMainWnd::RegisterForSession", L"no session notifications, error code: ",
+                GetLastError());
+    }
 }
 
 void PxMainWnd::ActivateExisting() {
@@ -97,6 +117,7 @@ void PxMainWnd::InitWindow() {
     for (const auto& [name, page] : pages_) {
         page->Initialize();
     }
+    DragAcceptFiles(GetHWND(), TRUE);
 }
 
 void PxMainWnd::AddPage(const std::wstring& name, std::unique_ptr<PageBase> page) {
@@ -263,6 +284,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             RegisterVideoThumbnail();
             PaintManager().OnWM_PAINT();
             return 0;
+        case WM_DROPFILES:
+            OnFilesDropped(reinterpret_cast<HDROP>(wParam));
+            return 0;
         case WM_MOUSEMOVE:
             TrackHover(lParam);
             break;
@@ -279,17 +303,38 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void PxMainWnd::RegisterVideoThumbnail() {
-    // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
-    std::thread([this] {
-        try {
-            const HomeService* model = HomeService::GetInstance();
-            if (model) {
-                thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+    const auto tell = [](const std::exception& error) {
+        LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+    };
+    try {
+        // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
+        std::thread([this, tell] {
+            try {
+                const HomeService* model = HomeService::GetInstance();
+                if (model) {
+                    thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+                }
+            } catch (const std::exception& error) {
+                tell(error);
             }
-        } catch (const std::exception& error) {
-            LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
-        }
-    }).join();
+        }).join();
+    } catch (const std::system_error& error) {
+        tell(error);  // no thread: the window is painted all the same
+    }
+}
+
+void PxMainWnd::OnFilesDropped(HDROP drop) {
+    std::vector<std::wstring> paths(DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0));
+    for (UINT i = 0; i < paths.size(); ++i) {
+        paths[i].resize(DragQueryFileW(drop, i, nullptr, 0));
+        DragQueryFileW(drop, i, paths[i].data(), static_cast<UINT>(paths[i].size() + 1));
+    }
+    DragFinish(drop);
+    auto* home = dynamic_cast<HomePage*>(FindPage(PageNames::kHome));
+    // Under a modal window the settings cannot be used, by this way neither.
+    if (home && IsWindowEnabled(GetHWND())) {
+        home->AddDroppedFiles(paths);
+    }
 }
 
 void PxMainWnd::TrackHover(LPARAM lParam) {

@@ -7,6 +7,8 @@
 // operations of PageHost that may be called from any thread.
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -62,7 +64,10 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
   private:
     void ShowTab(const std::wstring& name);
     void QueueModal(std::int32_t key, std::function<void()> show);
+    // Asks for the session's messages; they come to the window that has the class's name.
+    void RegisterForSession();
     void RegisterVideoThumbnail();
+    void OnFilesDropped(HDROP drop);
     void TrackHover(LPARAM lParam);
     // The pages measure their texts again.
     void TellScale();

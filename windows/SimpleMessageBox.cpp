@@ -28,7 +28,8 @@ void SimpleMessageBox::UseHtmlMessage() {
 }
 
 void SimpleMessageBox::ShowBox() {
-    if (!owner_) {
+    // Without a window nobody would take the dimming away again.
+    if (!owner_ || !GetHWND()) {
         return;
     }
     ShowMask(true);
@@ -45,6 +46,9 @@ void SimpleMessageBox::ShowMask(bool visible) {
 }
 
 void SimpleMessageBox::OnClick(DuiLib::TNotifyUI& msg) {
+    if (!msg.sender) {
+        return;
+    }
     const std::wstring& name = msg.sender->GetName();
     if (name != L"msg_close_btn" && name != L"msg_ok_btn") {
         return;

@@ -12,6 +12,7 @@ constexpr int kHeightDip = 104;
 constexpr int kBubbleRadiusDip = 6;
 constexpr int kMarginDip = 60;  // what the popup is wider than its text
 constexpr DWORD kStyle = 0x80000001;
+constexpr UINT kSizeFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER;
 constexpr UINT kShowFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW | SWP_NOOWNERZORDER | SWP_NOSENDCHANGING;
 
 }  // namespace
@@ -35,6 +36,7 @@ void ToolTipWnd::Prepare(DuiLib::CPaintManagerUI* paintManager) {
     }
 
     if (IsWindow(GetHWND())) {
+        anchor_ = nullptr;
         DestroyWindow(GetHWND());
     }
     dpi_ = dpi;
@@ -97,11 +99,17 @@ void ToolTipWnd::Show(bool visible) {
         ShowWindow(false, false);
         return;
     }
+    if (!IsWindow(GetHWND())) {
+        LogLine(LogLevel::kError, L"ToolTipWnd::Show", L"paintMgr nullptr");
+        return;
+    }
     // A hint that cannot tell its width is as wide as one without a text.
     const int widthPx = DuiLib::DipToPx(std::max(GetToolTipWidth(), kMarginDip), OwnerDpi());
     const int heightPx = DuiLib::DipToPx(kHeightDip, OwnerDpi());
-    SetWindowPos(GetHWND(), HWND_TOPMOST, xPx_, yPx_, widthPx, heightPx, kShowFlags);
+    // Sized and cut before anybody sees it.
+    SetWindowPos(GetHWND(), nullptr, xPx_, yPx_, widthPx, heightPx, kSizeFlags);
     CutToBubble();
+    SetWindowPos(GetHWND(), HWND_TOPMOST, xPx_, yPx_, widthPx, heightPx, kShowFlags);
     SetFocus(GetParent(GetHWND()));
 }
 

@@ -12,6 +12,7 @@
 #include "DuiLib/UICulture.h"
 #include "suite/logger/QxLogger.h"
 #include "suite/product/SystemEnvironment.h"
+#include "suite/url/WebAddress.h"
 
 namespace WindowStart {
 
@@ -76,7 +77,13 @@ void FollowLink(const DuiLib::TNotifyUI& msg) {
     if (!text) {
         return;
     }
-    ShellExecuteW(nullptr, L"open", text->GetLinkContent(0).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    const std::wstring link = text->GetLinkContent(0);
+    // The shell would open programs and folders as well.
+    if (!suite::IsWebAddress(link)) {
+        LogLine(LogLevel::kError, L"WindowStart::FollowLink", L"no web address: ", link);
+        return;
+    }
+    ShellExecuteW(nullptr, L"open", link.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 void UseHtmlMessage(DuiLib::CPaintManagerUI& manager) {

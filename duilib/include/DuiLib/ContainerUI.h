@@ -6,6 +6,9 @@
 //   childpadding: number, 0            room between neighbours (vertical, horizontal and tile layouts)
 //   vscrollbar, hscrollbar: true | false, false   scrolls where the content is larger than the container
 //   mirror: true | false, true         false: not mirrored in right-to-left languages
+//   accposition: text, ""              what is said beside an option's name, as "{group}, {n} of {count}": {group} is
+//   this
+//                                      container's accname
 // A scroll bar appears only when it is needed, lies over the right (left in right-to-left languages) or lower edge
 // within the container, can be dragged, clicked beside its thumb, and follows wheel, arrows, Page Up/Down, Home and
 // End. The focused control is scrolled into view. A container that scrolls and holds nothing that can have the focus
@@ -28,6 +31,8 @@ class DUILIB_API CContainerUI : public CControlUI {
     const wchar_t* GetClass() const override { return L"Container"; }
     AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
 
+    // Text that tells a screen reader an entry's place among those of its group; empty: none is told.
+    const std::wstring& GetAccPosition() const { return accPosition_; }
     int GetCount() const { return static_cast<int>(children_.size()); }
     CControlUI* GetItemAt(int index) const;          // null when out of range
     int GetItemIndex(const CControlUI* item) const;  // -1 when it is not a child
@@ -98,6 +103,8 @@ class DUILIB_API CContainerUI : public CControlUI {
     bool ScrollTo(Point px);
     bool ScrollByKey(WORD key);
     bool ScrollByEvent(const TEventUI& event);
+    bool ScrollByWheel(const TEventUI& event);
+    int NotchPx(bool sideways) const;  // as the user has set the wheel
     bool EndDrag(bool releaseCapture);
     ScrollBar* ScrollBarAt(Point px) const;
     void Discard(std::unique_ptr<CControlUI> item);
@@ -106,6 +113,8 @@ class DUILIB_API CContainerUI : public CControlUI {
     Rect insetDip_;
     int childPaddingDip_ = 0;
     bool mirror_ = true;
+    std::wstring accPosition_;
+    int wheelRest_ = 0;  // what the wheel's last step was too small for, in parts of a pixel: WHEEL_DELTA make one
     Point scrollPx_;
     Rect contentRectPx_;                                // where the whole content lies, moved by the scroll position
     std::unique_ptr<ScrollBar> vertical_, horizontal_;  // null: that direction does not scroll

@@ -24,6 +24,7 @@
 //   text: text, ""                        a value that begins with "IDS_" is a key of the string tables
 //   tooltip: text, ""                     shown on hover; also the name for a screen reader where there is no text
 //   accname: text, ""                     name for a screen reader, before text and tooltip
+//   acclive: true | false, false          a change of that name is said at once, wherever the user is
 //   bkcolor: colour, none                 #AARRGGBB (0 is none), or a name of the theme's table
 //   bordercolor, focusbordercolor: colour, none
 //   bordersize: number, 0                 width of the border, drawn inside the rectangle
@@ -196,6 +197,8 @@ class DUILIB_API CControlUI {
 
     // --- accessibility
     virtual AccessibleInfo GetAccessibleInfo() const;
+    // What is said beside the name; the tooltip, where it says more than the name.
+    virtual std::wstring GetAccessibleDescription() const;
     // What a screen reader's "press" does; nothing in the base.
     virtual void DoDefaultAction() {}
     // A value typed by a screen reader; false when the control takes none.
@@ -240,6 +243,7 @@ class DUILIB_API CControlUI {
     static constexpr int kMeasuredCount = 3;
 
     void ForgetMeasured();
+    void TellNameChanged();
     void ChangeLength(LengthDip& length, LengthDip value);
     void ChangeLimit(int& limit, int dip);
 
@@ -247,7 +251,8 @@ class DUILIB_API CControlUI {
     CPaintManagerUI* manager_ = nullptr;  // borrowed; the window outlives its tree
     CContainerUI* parent_ = nullptr;      // borrowed; owns this control
     std::wstring name_, text_, toolTip_, accName_, virtualWnd_, userData_, bkImage_;
-    bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false, growHeight_ = false;
+    bool visible_ = true, floating_ = false, ncHit_ = false, mouse_ = true, handCursor_ = false, growHeight_ = false,
+         accLive_ = false;
     std::optional<bool> keyboard_;
     HAlign align_ = HAlign::kLeft;
     LengthDip width_, height_;

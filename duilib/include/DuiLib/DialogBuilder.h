@@ -2,8 +2,9 @@
 // Builds trees of controls from layout files (XML).
 //
 // A layout file has a <Window> root with the attributes of WindowSpec (size="w,h", minsize, maxsize, growwithtext,
-// roundcorner, bkcolor, bordercolor, default="name", cancel="name", closeonescape, textcolor, disabledtextcolor,
-// linkcolor, hotlinkcolor, focuscolor) or any control as root (a page). Under <Window>, before the one root control:
+// roundcorner, bkcolor, bordercolor, default="name", cancel="name", closeonescape, acctitle="name", accmessage="name",
+// textcolor, disabledtextcolor, linkcolor, hotlinkcolor, focuscolor) or any control as root (a page). Under <Window>,
+// before the one root control:
 //   <Font id="13" face="" size="14" bold="false" weight="400" italic="false" underline="false" default="false"/>
 //   <Default name="Button" value="font=&quot;13&quot; …"/>   attributes that every Button starts with
 //   <Style name="card" value="…"/>                            used by style="card" on any control

@@ -10,7 +10,7 @@ enum class EventType {
     kMouseEnter,  // also for each ancestor: the pointer came onto the control or something in it
     kMouseLeave,
     kMouseMove,
-    kMouseWheel,  // `wheelDelta`, in multiples of WHEEL_DELTA
+    kMouseWheel,  // `wheelDelta`: WHEEL_DELTA is a notch, fine wheels and touchpads send parts of one
     kButtonDown,  // left button; the second press of a double click is one more, with `doubleClick`
     kButtonUp,
     kKeyDown,  // `key`

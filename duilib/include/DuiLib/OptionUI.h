@@ -5,12 +5,16 @@
 //   group: text, ""                   at most one option of a group in a window is selected; a click on the selected
 //                                     one sends "click" but changes nothing
 //   selected: true | false, false
+//   action: true | false, false       of the entries of a group the one that does something: a click sends "click" and
+//                                     selects nothing
 //   selectedimage, selectedhotimage, foreimage: image attribute, none   foreimage is drawn over the others
 //   selectedbkcolor, selectedtextcolor: colour, none
 // Sends "selectchanged" (wParam 1 or 0) when the selection changed by whatever means, then "click" for a user's click.
-// In a group Tab reaches the selected option (or the first) and the arrow keys walk and click the others; with Ctrl
-// they only walk. Up and down walk to the row above or below where there is one.
+// In a group Tab reaches the selected option (or the first) and the arrow keys walk to the others; with Ctrl they only
+// walk, without it the option on which they come to rest is clicked, once, unless it is an action. Up and down walk to
+// the row above or below where there is one.
 // Thread: UI thread.
+#include <memory>
 #include <vector>
 
 #include "DuiLib/ButtonUI.h"
@@ -22,6 +26,8 @@ class DUILIB_API COptionUI : public CButtonUI {
     const wchar_t* GetClass() const override { return L"Option"; }
     AttributeResult ApplyAttribute(std::wstring_view name, std::wstring_view value) override;
     AccessibleInfo GetAccessibleInfo() const override;
+    // "Backgrounds, 3 of 15": where it stands in its group, as the container around it words it.
+    std::wstring GetAccessibleDescription() const override;
     bool IsTabStop() const override;
     void DoEvent(const TEventUI& event) override;
     void Activate() override;
@@ -44,7 +50,12 @@ class DUILIB_API COptionUI : public CButtonUI {
     // The options of this one's group in layout order, this one among them.
     std::vector<COptionUI*> GroupMembers() const;
     COptionUI* NeighbourFor(WORD key) const;
+    // The arrow keys came here: clicked when no further key comes for a while and none is held.
+    void ClickAtRest();
+    void ClickNowRested();
 
+    bool action_ = false;
+    std::shared_ptr<const bool> walk_;  // lives while the click is due; queued tasks hold weak pointers to it
     std::wstring group_, selectedImage_, selectedHotImage_, foreImage_;
     Color selectedBkColor_, selectedTextColor_;
 };

@@ -34,6 +34,8 @@ struct WindowSpec {
     Color borderColor;                         // a line of one pixel along the window's edge
     std::wstring defaultButton, cancelButton;  // names of the controls that Enter and Esc press
     bool closeOnEscape = false;
+    // Of a box: the controls whose texts are its name and its message to a screen reader.
+    std::wstring accTitle, accMessage;
     Color textColor = 0xFF1A1A1A, disabledTextColor = 0xFFA0A0A0, linkColor = 0xFF0A59F7, hotLinkColor = 0xFF0847C5,
           focusColor = 0xFF1A1A1A;
 };
@@ -110,6 +112,12 @@ class DUILIB_API CPaintManagerUI {
     void ControlRemoved(CControlUI* control);
     // Tells screen readers that a control changed (EVENT_OBJECT_…CHANGE). Costs nothing when none listens.
     void NotifyAccessible(const CControlUI* control, DWORD event) const;
+    // As NotifyAccessible for the control and all within it, and tells that the window's elements are others now.
+    void NotifyAccessibleTree(CControlUI& control, DWORD event) const;
+    // Of the window itself.
+    void NotifyAccessibleWindow(DWORD event) const;
+    // UIMainQueue's dispatchAfter, for controls. The task may outlive control and window: it looks first.
+    static void CallAfter(unsigned delayMs, std::function<void()> task);
     // Destroys a control that left the tree as soon as no event or notification is being handled any more.
     void Retire(std::unique_ptr<CControlUI> control);
 

@@ -4,11 +4,13 @@
 // A subclass names its layout (GetSkinFile) and its window class. On WM_CREATE the layout is built and the window gets
 // the layout's size, InitWindow follows; a layout that is missing or broken leaves an empty window and a log line.
 // The whole window is client area: the frame that its style asks for is kept for the system (minimise, Alt+F4, task
-// bar) and is not drawn. The user can size it where the layout gives a minimum or maximum size that leaves a choice;
-// else a sizing frame and maximise box of its style are taken away. With growwithtext the size is that of the layout
-// while texts have their usual size; where the user chose a larger one in the system, the window is wider, and as high
-// as its content when it is shown, within the work area of its screen. Message handlers find `handled` true and set it
-// to false to let the paint manager and the system go on. Thread: UI thread.
+// bar) and is not drawn. A window with an owner is minimised with it and never alone. While the window is modal the
+// system's close command (Alt+F4, the window menu) is a press of the layout's cancel button, where it has one. The user
+// can size it where the layout gives a minimum or maximum size that leaves a choice; else a sizing frame and maximise
+// box of its style are taken away. With growwithtext the size is that of the layout while texts have their usual size;
+// where the user chose a larger one in the system, the window is wider, and as high as its content when it is shown,
+// within the work area of its screen. Message handlers find `handled` true and set it to false to let the paint manager
+// and the system go on. Thread: UI thread.
 #include <memory>
 #include <string>
 
@@ -62,6 +64,9 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
     virtual LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam, bool& handled);
     UINT GetClassStyle() const override { return CS_DBLCLKS | CS_DROPSHADOW; }
 
+    // Tells screen readers of the dialog; the keyboard begins on the layout's default button.
+    void OnModal(bool begins) override;
+
   private:
     void ApplyShape();
     // In pixels; 0,0 where the layout has none.
@@ -69,6 +74,8 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
     void FollowTextSize();
     bool IsResizable();
     bool IsRefused(WPARAM command, LPARAM key);
+    // False when there is none that can be pressed.
+    bool PressCancelButton();
 
     CPaintManagerUI paintManager_;
 };

@@ -27,6 +27,7 @@ class DUILIB_API CWindowWnd {
     // Shows the window, disables its parent, and runs messages until the window is gone; returns Close's value, or 0
     // when it was closed by other means. A quit message destroys the window and is posted again for the outer loop.
     UINT ShowModal();
+    bool IsModal() const { return modal_ != nullptr; }
     // Destroys the window (posted as WM_CLOSE with the result in wParam, so that the caller's handler may return
     // first).
     void Close(UINT result = 0);
@@ -43,6 +44,8 @@ class DUILIB_API CWindowWnd {
     virtual LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam);
     // Moves the window there, kept within the monitor's work area.
     void MoveIntoWorkArea(HMONITOR monitor, int x, int y);
+    // The modal loop begins, with the window shown, or ends, with the window about to go.
+    virtual void OnModal(bool) {}
     // The window is gone; `hwnd` is no more than a number.
     virtual void OnFinalMessage(HWND hwnd);
 

@@ -33,7 +33,7 @@ bool IsScrolledAway(const CControlUI& control) {
     return seen.IsEmpty();
 }
 
-long StateOf(const CControlUI& control, const CPaintManagerUI& manager, long own) {
+long StateOf(const CControlUI& control, CPaintManagerUI& manager, long own) {
     long state = own;
     const bool enabled = control.IsEnabledInTree();
     if (!enabled) {
@@ -46,6 +46,9 @@ long StateOf(const CControlUI& control, const CPaintManagerUI& manager, long own
     }
     if (enabled && manager.GetHot() == &control) {
         state |= STATE_SYSTEM_HOTTRACKED;
+    }
+    if (!control.GetName().empty() && control.GetName() == manager.GetWindowSpec().defaultButton) {
+        state |= STATE_SYSTEM_DEFAULT;
     }
     if ((control.GetState() & kStatePushed) != 0) {
         state |= STATE_SYSTEM_PRESSED;
@@ -123,6 +126,11 @@ HRESULT WindowAccessible::Find(const VARIANT& id, CControlUI*& control) const {
     return S_OK;
 }
 
+std::wstring WindowAccessible::TextOf(const std::wstring& controlName) const {
+    const CControlUI* const control = manager_->FindControl(controlName);
+    return control ? control->GetAccessibleInfo().name : std::wstring();
+}
+
 template <typename Operation>
 HRESULT WindowAccessible::WithElement(const VARIANT& id, const Operation& operation) const {
     return Guarded([&]() -> HRESULT {
@@ -178,6 +186,9 @@ HRESULT WindowAccessible::get_accName(VARIANT id, BSTR* name) {
         if (control) {
             return ToBstr(control->GetAccessibleInfo().name, name);
         }
+        if (const std::wstring own = TextOf(manager_->GetWindowSpec().accTitle); !own.empty()) {
+            return ToBstr(own, name);
+        }
         const HWND window = manager_->GetPaintWindow();
         std::wstring title(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
         title.resize(static_cast<std::size_t>(GetWindowTextW(window, title.data(), static_cast<int>(title.size()))));
@@ -201,11 +212,9 @@ HRESULT WindowAccessible::get_accDescription(VARIANT id, BSTR* description) {
     *description = nullptr;
     return WithElement(id, [&](CControlUI* control) {
         if (!control) {
-            return S_FALSE;
+            return ToBstr(TextOf(manager_->GetWindowSpec().accMessage), description);
         }
-        // The tooltip, where it says more than the name.
-        const std::wstring& toolTip = control->GetToolTip();
-        return toolTip == control->GetAccessibleInfo().name ? S_FALSE : ToBstr(toolTip, description);
+        return ToBstr(control->GetAccessibleDescription(), description);
     });
 }
 
@@ -215,7 +224,8 @@ HRESULT WindowAccessible::get_accRole(VARIANT id, VARIANT* role) {
     }
     VariantInit(role);
     return WithElement(id, [&](const CControlUI* control) {
-        *role = ToVariant(control ? control->GetAccessibleInfo().role : ROLE_SYSTEM_CLIENT);
+        const bool box = !manager_->GetWindowSpec().accMessage.empty();
+        *role = ToVariant(control ? control->GetAccessibleInfo().role : box ? ROLE_SYSTEM_DIALOG : ROLE_SYSTEM_CLIENT);
         return S_OK;
     });
 }
@@ -240,12 +250,9 @@ HRESULT WindowAccessible::get_accState(VARIANT id, VARIANT* state) {
     });
 }
 
-HRESULT WindowAccessible::get_accHelp(VARIANT, BSTR* help) {
-    if (!help) {
-        return E_POINTER;
-    }
-    *help = nullptr;
-    return S_FALSE;
+// Readers that come by the system's newer interface are given the help, and the description by none.
+HRESULT WindowAccessible::get_accHelp(VARIANT id, BSTR* help) {
+    return get_accDescription(id, help);
 }
 
 HRESULT WindowAccessible::get_accHelpTopic(BSTR* file, VARIANT id, long* topic) {
@@ -456,6 +463,10 @@ HRESULT WindowAccessible::put_accValue(VARIANT id, BSTR value) {
     return WithElement(id, [&](CControlUI* control) {
         if (!control || !value || !control->IsEnabledInTree()) {
             return E_INVALIDARG;
+        }
+        // Under a modal window, as for the default action.
+        if (!IsWindowEnabled(manager_->GetPaintWindow())) {
+            return S_FALSE;
         }
         return control->SetAccessibleValue(std::wstring(value, SysStringLen(value))) ? S_OK : E_INVALIDARG;
     });

@@ -64,6 +64,8 @@ class WindowAccessible final : public suite::ComObject<IAccessible, IDispatch> {
   private:
     ~WindowAccessible() override = default;
     std::vector<CControlUI*> Elements() const;
+    // What a control of that name is called; empty where there is none.
+    std::wstring TextOf(const std::wstring& controlName) const;
     // S_OK: `control` is the element, or null for the window itself.
     HRESULT Find(const VARIANT& id, CControlUI*& control) const;
     // What `operation` answers for what Find finds; no exception leaves it.

@@ -11,6 +11,25 @@
 #include "paint/Canvas.h"
 
 namespace DuiLib {
+namespace {
+
+constexpr unsigned kRestMs = 200;
+
+bool IsArrow(WORD key) {
+    return key == VK_LEFT || key == VK_RIGHT || key == VK_UP || key == VK_DOWN;
+}
+
+bool IsArrowHeld() {
+    return GetKeyState(VK_LEFT) < 0 || GetKeyState(VK_RIGHT) < 0 || GetKeyState(VK_UP) < 0 || GetKeyState(VK_DOWN) < 0;
+}
+
+void Fill(std::wstring& text, std::wstring_view mark, const std::wstring& value) {
+    if (const std::size_t at = text.find(mark); at != std::wstring::npos) {
+        text.replace(at, mark.size(), value);
+    }
+}
+
+}  // namespace
 
 struct OptionAttributes {
     static bool Group(COptionUI& c, std::wstring_view value) {
@@ -21,9 +40,14 @@ struct OptionAttributes {
         return ApplyParsed(ParseBool(value), [&](bool selected) { c.SetSelected(selected); });
     }
 
+    static bool Action(COptionUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool action) { c.action_ = action; });
+    }
+
     static constexpr AttributeEntry<COptionUI> kTable[] = {
         {L"group", Group},
         {L"selected", Selected},
+        {L"action", Action},
         {L"selectedimage", ApplyImage<COptionUI, &COptionUI::selectedImage_>},
         {L"selectedhotimage", ApplyImage<COptionUI, &COptionUI::selectedHotImage_>},
         {L"foreimage", ApplyImage<COptionUI, &COptionUI::foreImage_>},
@@ -39,10 +63,31 @@ AttributeResult COptionUI::ApplyAttribute(std::wstring_view name, std::wstring_v
 
 AccessibleInfo COptionUI::GetAccessibleInfo() const {
     AccessibleInfo info = CButtonUI::GetAccessibleInfo();
+    if (action_) {
+        return info;
+    }
     info.role = group_.empty() ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_RADIOBUTTON;
     info.state |= IsSelected() ? STATE_SYSTEM_CHECKED : 0;
     info.defaultAction = !group_.empty() ? L"Select" : IsSelected() ? L"Uncheck" : L"Check";
     return info;
+}
+
+std::wstring COptionUI::GetAccessibleDescription() const {
+    const CContainerUI* around = GetParent();
+    while (around && around->GetAccPosition().empty()) {
+        around = around->GetParent();
+    }
+    if (!around || group_.empty()) {
+        return CButtonUI::GetAccessibleDescription();
+    }
+    std::vector<COptionUI*> members = GroupMembers();
+    std::erase_if(members, [](const COptionUI* m) { return !m->IsShown(); });
+    const auto place = std::find(members.begin(), members.end(), this) - members.begin() + 1;
+    std::wstring text = around->GetAccPosition();
+    Fill(text, L"{group}", around->GetAccessibleInfo().name);
+    Fill(text, L"{n}", std::to_wstring(place));
+    Fill(text, L"{count}", std::to_wstring(members.size()));
+    return text;
 }
 
 std::vector<COptionUI*> COptionUI::GroupMembers() const {
@@ -102,7 +147,10 @@ void COptionUI::Activate() {
     }
     CPaintManagerUI* const manager = GetManager();
     const long id = GetId();
-    SetSelected(group_.empty() ? !IsSelected() : true);
+    walk_.reset();
+    if (!action_) {
+        SetSelected(group_.empty() ? !IsSelected() : true);
+    }
     if (manager && manager->FindControlById(id) == this) {
         SendNotify(NotifyType::kClick);
     }
@@ -158,18 +206,48 @@ COptionUI* COptionUI::NeighbourFor(WORD key) const {
 }
 
 void COptionUI::DoEvent(const TEventUI& event) {
-    const bool arrow = event.key == VK_LEFT || event.key == VK_RIGHT || event.key == VK_UP || event.key == VK_DOWN;
-    if (event.type != EventType::kKeyDown || !arrow || group_.empty() || !GetManager()) {
+    if (event.type == EventType::kKillFocus && walk_) {
+        // Whatever takes the focus may be in the middle of something.
+        CPaintManagerUI::CallAfter(0, [this, due = std::weak_ptr(walk_)] {
+            if (!due.expired()) {
+                ClickNowRested();
+            }
+        });
+    }
+    if (event.type != EventType::kKeyDown || !IsArrow(event.key) || group_.empty() || !GetManager()) {
         CButtonUI::DoEvent(event);
         return;
     }
     CPaintManagerUI* const manager = GetManager();
     if (COptionUI* neighbour = NeighbourFor(event.key)) {
         const long id = neighbour->GetId();
+        walk_.reset();
         manager->SetFocus(neighbour, true);
-        if (!event.control && manager->FindControlById(id) == neighbour) {
-            neighbour->Activate();
+        if (!event.control && !neighbour->action_ && manager->FindControlById(id) == neighbour &&
+            manager->GetFocus() == neighbour) {
+            neighbour->ClickAtRest();
         }
+    }
+}
+
+void COptionUI::ClickAtRest() {
+    walk_ = std::make_shared<const bool>(true);
+    CPaintManagerUI::CallAfter(kRestMs, [this, due = std::weak_ptr(walk_)] {
+        if (due.expired()) {
+            return;
+        }
+        if (IsArrowHeld()) {
+            ClickAtRest();
+        } else {
+            ClickNowRested();
+        }
+    });
+}
+
+void COptionUI::ClickNowRested() {
+    walk_.reset();
+    if (GetManager() && IsShown() && !IsSelected()) {
+        Activate();
     }
 }
 

@@ -15,8 +15,10 @@ namespace {
 constexpr int kBarDip = 12;
 constexpr int kThumbDip = 6;
 constexpr int kMinThumbDip = 24;
-// What one notch of the wheel or one arrow key scrolls by.
+// What one arrow key scrolls by, and one notch of the wheel where the user has not chosen another number of lines.
 constexpr int kNotchDip = 48;
+constexpr int kUsualLines = 3;
+constexpr UINT kMostLines = 100;  // that can be chosen
 // The thumb has the text's colour, thinned out; more of it while it is dragged, all of it in a contrast theme.
 constexpr DWORD kThumbAlpha = 0x66000000;
 constexpr DWORD kDraggedThumbAlpha = 0xA0000000;
@@ -52,6 +54,10 @@ struct ContainerAttributes {
             c.NeedUpdate();
         });
     }
+    static bool AccPosition(CContainerUI& c, std::wstring_view value) {
+        c.accPosition_ = c.ResolveText(value);
+        return true;
+    }
     static bool Mirror(CContainerUI& c, std::wstring_view value) {
         return ApplyParsed(ParseBool(value), [&](bool mirror) {
             c.mirror_ = mirror;
@@ -61,7 +67,7 @@ struct ContainerAttributes {
 
     static constexpr AttributeEntry<CContainerUI> kTable[] = {
         {L"inset", Inset},   {L"childpadding", ChildPadding}, {L"vscrollbar", VScrollBar}, {L"hscrollbar", HScrollBar},
-        {L"mirror", Mirror},
+        {L"mirror", Mirror}, {L"accposition", AccPosition},
     };
 };
 
@@ -210,12 +216,8 @@ void CContainerUI::DoEvent(const TEventUI& event) {
 
 bool CContainerUI::ScrollByEvent(const TEventUI& event) {
     switch (event.type) {
-        case EventType::kMouseWheel: {
-            // A whole notch is 48 units; finer wheels send parts of one.
-            const int way = -ScaleBy(ToPx(kNotchDip), event.wheelDelta, WHEEL_DELTA);
-            const bool sideways = event.shift || !vertical_;
-            return ScrollTo({scrollPx_.x + (sideways ? way : 0), scrollPx_.y + (sideways ? 0 : way)});
-        }
+        case EventType::kMouseWheel:
+            return ScrollByWheel(event);
         case EventType::kKeyDown:
             return ScrollByKey(event.key);
         case EventType::kButtonDown: {
@@ -247,6 +249,33 @@ bool CContainerUI::ScrollByEvent(const TEventUI& event) {
         default:
             return false;
     }
+}
+
+bool CContainerUI::ScrollByWheel(const TEventUI& event) {
+    const bool sideways = event.shift || !vertical_;
+    if ((event.wheelDelta > 0) == (wheelRest_ > 0)) {
+        wheelRest_ = 0;  // turned back: what is left of the other way counts no more
+    }
+    const int wanted = wheelRest_ - event.wheelDelta * NotchPx(sideways);
+    wheelRest_ = wanted % WHEEL_DELTA;
+    const int way = wanted / WHEEL_DELTA;
+    const Point to{scrollPx_.x + (sideways ? way : 0), scrollPx_.y + (sideways ? 0 : way)};
+    if (way != 0) {
+        return ScrollTo(to);
+    }
+    // Too little to move by; whoever is around this container moves only where this one is at its end.
+    const ScrollBar* const bar = sideways ? horizontal_.get() : vertical_.get();
+    const int at = sideways ? scrollPx_.x : scrollPx_.y;
+    return bar && (wheelRest_ < 0 ? at > 0 : at < bar->MaxScroll());
+}
+
+int CContainerUI::NotchPx(bool sideways) const {
+    UINT lines = kUsualLines;
+    SystemParametersInfoW(sideways ? SPI_GETWHEELSCROLLCHARS : SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+    const Rect inside = GetPos().Deflate(InsetPx());
+    const int page = sideways ? inside.Width() : inside.Height();
+    // WHEEL_PAGESCROLL is the largest number there is.
+    return lines > kMostLines ? page : std::min(ToPx(kNotchDip * static_cast<int>(lines) / kUsualLines), page);
 }
 
 bool CContainerUI::EndDrag(bool releaseCapture) {

@@ -43,6 +43,9 @@ bool CContainerUI::AddAt(std::unique_ptr<CControlUI> item, int index) {
     added.SetManager(GetManager(), this);
     added.Invalidate();
     added.NeedUpdate();
+    if (GetManager()) {
+        GetManager()->NotifyAccessibleTree(added, EVENT_OBJECT_CREATE);
+    }
     return true;
 }
 
@@ -68,6 +71,9 @@ void CContainerUI::RemoveAll() {
 
 void CContainerUI::Discard(std::unique_ptr<CControlUI> item) {
     item->Invalidate();
+    if (GetManager()) {
+        GetManager()->NotifyAccessibleTree(*item, EVENT_OBJECT_DESTROY);
+    }
     item->SetManager(nullptr, nullptr);
     NeedUpdate();
     // The item may be the sender of the notification that is being handled.

@@ -104,8 +104,15 @@ struct ControlAttributes {
         return true;
     }
     static bool AccName(CControlUI& c, std::wstring_view value) {
-        c.accName_ = c.ResolveText(value);
+        std::wstring name = c.ResolveText(value);
+        if (c.accName_ != name) {
+            c.accName_ = std::move(name);
+            c.TellNameChanged();
+        }
         return true;
+    }
+    static bool AccLive(CControlUI& c, std::wstring_view value) {
+        return ApplyParsed(ParseBool(value), [&](bool live) { c.accLive_ = live; });
     }
     static bool BkColor(CControlUI& c, std::wstring_view value) {
         return ApplyColorValue(value, [&](const Color& color) { c.SetBkColor(color); });
@@ -168,6 +175,7 @@ struct ControlAttributes {
         {L"text", Text},
         {L"tooltip", ToolTip},
         {L"accname", AccName},
+        {L"acclive", AccLive},
         {L"bkcolor", BkColor},
         {L"bordercolor", BorderColor},
         {L"focusbordercolor", ApplyColor<CControlUI, &CControlUI::focusBorderColor_>},

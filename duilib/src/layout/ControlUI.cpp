@@ -24,6 +24,8 @@ constexpr int kFocusRingDip = 2;
 constexpr int kFocusRingInnerDip = 1;
 constexpr int kFocusRingRadiusDip = 4;
 
+constexpr DWORD kLiveRegionChanged = 0x8019;  // EVENT_OBJECT_LIVEREGIONCHANGED, not in the headers
+
 long NextId() {
     static std::atomic<long> last{0};
     return ++last;
@@ -70,8 +72,15 @@ void CControlUI::SetText(const std::wstring& text) {
     if (width_.kind != LengthDip::Kind::kFixed || height_.kind != LengthDip::Kind::kFixed) {
         NeedUpdate();
     }
+    TellNameChanged();
+}
+
+void CControlUI::TellNameChanged() {
     if (manager_) {
         manager_->NotifyAccessible(this, EVENT_OBJECT_NAMECHANGE);
+        if (accLive_) {
+            manager_->NotifyAccessible(this, kLiveRegionChanged);
+        }
     }
 }
 
@@ -101,7 +110,7 @@ void CControlUI::SetVisible(bool visible) {
     Invalidate();
     NeedUpdate();
     if (manager_) {
-        manager_->NotifyAccessible(this, visible ? EVENT_OBJECT_SHOW : EVENT_OBJECT_HIDE);
+        manager_->NotifyAccessibleTree(*this, visible ? EVENT_OBJECT_SHOW : EVENT_OBJECT_HIDE);
     }
 }
 
@@ -154,7 +163,11 @@ void CControlUI::ChangeLength(LengthDip& length, LengthDip value) {
 void CControlUI::ChangeLimit(int& limit, int dip) {
     dip = std::max(0, dip);
     if (limit != dip) {
+        const bool collapsed = IsCollapsed();
         limit = dip;
+        if (manager_ && collapsed != IsCollapsed()) {
+            manager_->NotifyAccessibleTree(*this, collapsed ? EVENT_OBJECT_SHOW : EVENT_OBJECT_HIDE);
+        }
         Invalidate();  // what collapses is not arranged, so nothing else would repaint its place
         NeedUpdate();
     }
@@ -430,6 +443,10 @@ AccessibleInfo CControlUI::GetAccessibleInfo() const {
     // Screen readers get a picture only where the layout names it.
     info.role = accName_.empty() ? 0 : ROLE_SYSTEM_GRAPHIC;
     return info;
+}
+
+std::wstring CControlUI::GetAccessibleDescription() const {
+    return toolTip_ == GetAccessibleInfo().name ? std::wstring() : toolTip_;
 }
 
 }  // namespace DuiLib

@@ -13,6 +13,17 @@ namespace DuiLib {
 namespace {
 
 constexpr int kToolTipWidthDip = 360;
+// What GetMessageExtraInfo holds for mouse messages that the system makes from a finger or a pen; its low byte varies.
+constexpr LPARAM kPenOrTouch = 0xFF515700;
+constexpr LPARAM kPenOrTouchMask = 0xFFFFFF00;
+
+// What a finger's pan is reported for: up and down; sideways it drags, as a mouse does.
+void AskForPans(HWND window) {
+    GESTURECONFIG config{GID_PAN,
+                         GC_PAN | GC_PAN_WITH_SINGLE_FINGER_VERTICALLY | GC_PAN_WITH_GUTTER | GC_PAN_WITH_INERTIA,
+                         GC_PAN_WITH_SINGLE_FINGER_HORIZONTALLY};
+    SetGestureConfig(window, 0, 1, &config, sizeof(config));
+}
 
 Point PointOf(LPARAM lParam) {
     return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
@@ -61,12 +72,23 @@ bool InputRouter::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&
             toolTip_.Relay(window, WM_LBUTTONDOWN, wParam, lParam);
             OnButtonDown(PointOf(lParam), message == WM_LBUTTONDBLCLK);
             return true;
-        case WM_LBUTTONUP:
+        case WM_LBUTTONUP: {
+            const bool lifted = (GetMessageExtraInfo() & kPenOrTouchMask) == kPenOrTouch;
             toolTip_.Relay(window, message, wParam, lParam);
             OnButtonUp(PointOf(lParam));
+            if (lifted) {
+                OnMouseLeave();  // a finger that is lifted is nowhere
+            }
             return true;
+        }
+        case WM_GESTURENOTIFY:
+            AskForPans(window);
+            return false;
+        case WM_GESTURE:
+            return OnGesture(lParam);
         case WM_MOUSEWHEEL:
-            return OnMouseWheel(wParam, lParam);
+        case WM_MOUSEHWHEEL:
+            return OnMouseWheel(message, wParam, lParam);
         case WM_SETCURSOR:
             if (!OnSetCursor(lParam)) {
                 return false;
@@ -107,6 +129,7 @@ void InputRouter::OnWindowGone() {
     ++hoverRound_;
     mouseInside_ = false;
     windowInactive_ = false;
+    panTarget_ = nullptr;
 }
 
 void InputRouter::OnTreeChanged() {
@@ -135,6 +158,9 @@ void InputRouter::Forget(const CControlUI* control) {
     }
     if (IsWithin(capture_, control)) {
         ReleaseCapture();
+    }
+    if (IsWithin(panTarget_, control)) {
+        panTarget_ = nullptr;
     }
     const auto gone = std::find(hotPath_.begin(), hotPath_.end(), control);
     if (gone != hotPath_.end()) {
@@ -288,13 +314,14 @@ void InputRouter::OnButtonUp(Point px) {
     }
 }
 
-bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
+bool InputRouter::OnMouseWheel(UINT message, WPARAM wParam, LPARAM lParam) {
     POINT p{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     ScreenToClient(manager_.GetPaintWindow(), &p);
     const RetiredControls::Scope scope(retired_);
-    // Over a control that is disabled the list around it scrolls all the same.
+    // Over a control that is disabled the list around it scrolls all the same. Sideways only lists go.
+    const bool sideways = message == WM_MOUSEHWHEEL;
     CControlUI* target = manager_.FindControl(p);
-    while (target && !IsUsable(target)) {
+    while (target && (!IsUsable(target) || (sideways && !dynamic_cast<CContainerUI*>(target)))) {
         target = target->GetParent();
     }
     if (!target) {
@@ -303,8 +330,50 @@ bool InputRouter::OnMouseWheel(WPARAM wParam, LPARAM lParam) {
     TEventUI event = MakeEvent(EventType::kMouseWheel);
     event.mousePx = {static_cast<int>(p.x), static_cast<int>(p.y)};
     event.wheelDelta = GET_WHEEL_DELTA_WPARAM(wParam);
+    if (sideways) {
+        // To the right counts up, as downwards counts down: a wheel's own way sideways is the other one.
+        event.wheelDelta = -event.wheelDelta;
+        event.shift = true;
+    }
     Send(target, event);
     return true;
+}
+
+bool InputRouter::OnGesture(LPARAM lParam) {
+    const auto handle = reinterpret_cast<HGESTUREINFO>(lParam);
+    GESTUREINFO gesture{};
+    gesture.cbSize = sizeof(gesture);
+    // All others, their begin and their end among them, are the system's.
+    if (!GetGestureInfo(handle, &gesture) || gesture.dwID != GID_PAN) {
+        return false;
+    }
+    const Point at{gesture.ptsLocation.x, gesture.ptsLocation.y};
+    if ((gesture.dwFlags & GF_BEGIN) != 0) {
+        CancelCapture();  // the press that it began with is none
+        POINT client{at.x, at.y};
+        ScreenToClient(manager_.GetPaintWindow(), &client);
+        panTarget_ = manager_.FindControl(client);
+    } else {
+        PanBy({panPx_.x - at.x, panPx_.y - at.y});
+    }
+    panPx_ = at;
+    CloseGestureInfoHandle(handle);
+    return true;
+}
+
+void InputRouter::PanBy(Point px) {
+    const RetiredControls::Scope scope(retired_);
+    for (CControlUI* control = panTarget_; control; control = control->GetParent()) {
+        auto* const container = dynamic_cast<CContainerUI*>(control);
+        if (!container) {
+            continue;
+        }
+        const Point before = container->GetScrollPos();
+        container->SetScrollPos({before.x + px.x, before.y + px.y});
+        if (container->GetScrollPos() != before) {
+            return;
+        }
+    }
 }
 
 bool InputRouter::OnSetCursor(LPARAM lParam) {

@@ -35,7 +35,9 @@ class InputRouter {
     CControlUI* GetFocus() const { return focus_; }
     void SetFocus(CControlUI* control, bool byKeyboard);
     bool SetNextTabControl(bool forward);
-    bool IsFocusRingShown() const { return focusRing_ && !windowInactive_; }
+    bool IsFocusRingShown() const { return (focusRing_ || cuesAlways_) && !windowInactive_; }
+    // Settings of the user may be others now.
+    void ReadSettings();
 
     CControlUI* GetCapture() const { return capture_; }
     void SetCapture(CControlUI* control);
@@ -69,7 +71,10 @@ class InputRouter {
     void OnMouseLeave();
     void OnButtonDown(Point px, bool doubleClick);
     void OnButtonUp(Point px);
-    bool OnMouseWheel(WPARAM wParam, LPARAM lParam);
+    // A finger that pans scrolls what is under it.
+    bool OnGesture(LPARAM lParam);
+    void PanBy(Point px);
+    bool OnMouseWheel(UINT message, WPARAM wParam, LPARAM lParam);
     bool OnSetCursor(LPARAM lParam);
     bool OnKeyDown(WORD key, bool repeat);
     bool OnKeyUp(WORD key);
@@ -87,8 +92,11 @@ class InputRouter {
     std::vector<CControlUI*> hotPath_;  // outermost first
     unsigned hoverRound_ = 0;           // number of Hover calls; an outer call that finds another number stops
     Point mousePx_;
+    Point panPx_;                      // where the finger was last, screen
+    CControlUI* panTarget_ = nullptr;  // the container that the pan under way scrolls
     bool mouseInside_ = false;
     bool focusRing_ = false;
+    bool cuesAlways_ = false;      // the user wants to see the focus without having pressed a key
     bool windowInactive_ = false;  // the keyboard went to another window; the focused control was told
     bool releasingSystemCapture_ = false;
 };

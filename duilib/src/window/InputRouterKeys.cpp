@@ -37,6 +37,16 @@ void InputRouter::SetFocus(CControlUI* control, bool byKeyboard) {
     }
 }
 
+void InputRouter::ReadSettings() {
+    BOOL always = FALSE;
+    if (SystemParametersInfoW(SPI_GETKEYBOARDCUES, 0, &always, 0) && cuesAlways_ != (always != FALSE)) {
+        cuesAlways_ = always != FALSE;
+        if (focus_) {
+            focus_->Invalidate();
+        }
+    }
+}
+
 void InputRouter::ShowFocusRing(bool show) {
     if (show != focusRing_) {
         focusRing_ = show;

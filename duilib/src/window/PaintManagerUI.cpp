@@ -1,14 +1,21 @@
 // Life of a paint manager, and what it answers about controls, notifications, fonts and images.
 #include "DuiLib/PaintManagerUI.h"
 
+#include <imm.h>
+
 #include <algorithm>
 
 #include "DuiLib/Theme.h"
 #include "DuiLib/UICulture.h"
+#include "DuiLib/UIMainQueue.h"
+#include "suite/common/SystemLibrary.h"
 #include "window/PaintManagerImpl.h"
 
 namespace DuiLib {
 namespace {
+
+constinit suite::SystemLibrary imm32(L"imm32.dll");
+constinit suite::SystemFunction<decltype(&ImmAssociateContextEx)> immAssociateContextEx(imm32, "ImmAssociateContextEx");
 
 template <typename Item>
 void AddOnce(std::vector<Item*>& list, Item* item) {
@@ -49,10 +56,14 @@ CPaintManagerUI::~CPaintManagerUI() {
 void CPaintManagerUI::Init(HWND window) {
     impl_->OnWindowGone();
     impl_->window = window;
+    // Nothing here takes text, and an input method would swallow Space, Enter and letters. Of this window alone: system
+    // dialogs on the same thread need theirs.
+    immAssociateContextEx.CallOr(FALSE, window, nullptr, 0);
     impl_->sizePx = impl_->ClientSizePx();
     UITheme::GetInstance()->ApplyToFrame(window);
     const UINT dpi = GetDpiForWindow(window);
     SetDPI(dpi != 0 ? static_cast<int>(dpi) : USER_DEFAULT_SCREEN_DPI);
+    impl_->input.ReadSettings();
 }
 
 HWND CPaintManagerUI::GetPaintWindow() const {
@@ -153,6 +164,28 @@ void CPaintManagerUI::NotifyAccessible(const CControlUI* control, DWORD event) c
     // step.
     if (control && impl_->window && IsWinEventHookInstalled(event) && control->GetAccessibleInfo().role != 0) {
         NotifyWinEvent(event, impl_->window, OBJID_CLIENT, control->GetId());
+    }
+}
+
+void CPaintManagerUI::CallAfter(unsigned delayMs, std::function<void()> task) {
+    UIMainQueue::getInstance()->dispatchAfter(delayMs, std::move(task));
+}
+
+void CPaintManagerUI::NotifyAccessibleTree(CControlUI& control, DWORD event) const {
+    if (impl_->window && IsWinEventHookInstalled(event)) {
+        control.Visit([&](const CControlUI& element) {
+            if (&element == &control || element.IsVisible()) {
+                NotifyAccessible(&element, event);
+            }
+            return true;
+        });
+    }
+    NotifyAccessibleWindow(EVENT_OBJECT_REORDER);
+}
+
+void CPaintManagerUI::NotifyAccessibleWindow(DWORD event) const {
+    if (impl_->window && IsWinEventHookInstalled(event)) {
+        NotifyWinEvent(event, impl_->window, OBJID_CLIENT, CHILDID_SELF);
     }
 }
 

@@ -208,6 +208,8 @@ bool CPaintManagerUI::MessageHandler(UINT message, WPARAM wParam, LPARAM lParam,
             result = impl.OnGetObject(wParam, lParam);
             return result != 0;
         case WM_SETTINGCHANGE:
+            impl.input.ReadSettings();
+            [[fallthrough]];
         case WM_SYSCOLORCHANGE:
         case WM_THEMECHANGED:
             // What the message says of the setting is not relied on: most senders name none, or another one.

@@ -44,6 +44,8 @@ constexpr AttributeEntry<WindowSpec> kWindowTable[] = {
     {L"default", NameOf<&WindowSpec::defaultButton>},
     {L"cancel", NameOf<&WindowSpec::cancelButton>},
     {L"closeonescape", CloseOnEscape},
+    {L"acctitle", NameOf<&WindowSpec::accTitle>},
+    {L"accmessage", NameOf<&WindowSpec::accMessage>},
     {L"textcolor", ColorOf<&WindowSpec::textColor>},
     {L"disabledtextcolor", ColorOf<&WindowSpec::disabledTextColor>},
     {L"linkcolor", ColorOf<&WindowSpec::linkColor>},

@@ -144,11 +144,12 @@ LRESULT WindowImplBase::OnCreate(WPARAM, LPARAM, bool&) {
     if (px == Size{}) {
         flags |= SWP_NOSIZE;
     }
-    if (!IsResizable()) {
-        SetWindowLongPtrW(
-            window, GWL_STYLE,
-            GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_THICKFRAME | WS_MAXIMIZEBOX));
+    LONG_PTR unwanted = IsResizable() ? 0 : WS_THICKFRAME | WS_MAXIMIZEBOX;
+    if (GetWindow(window, GW_OWNER)) {
+        // Minimised alone, a modal window would leave its owner disabled. Windows' own commands look for the box.
+        unwanted |= WS_MINIMIZEBOX;
     }
+    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) & ~unwanted);
     SetWindowPos(window, nullptr, 0, 0, px.cx, px.cy, flags);
     ApplyShape();
     InitWindow();
@@ -271,9 +272,32 @@ bool WindowImplBase::IsRefused(WPARAM command, LPARAM key) {
         case SC_MAXIMIZE:
         case SC_SIZE:
             return !IsResizable();
+        case SC_MINIMIZE:
+            return GetWindow(GetHWND(), GW_OWNER) != nullptr;
+        case SC_CLOSE:
+            return IsModal() && PressCancelButton();
         default:
             return false;
     }
+}
+
+void WindowImplBase::OnModal(bool begins) {
+    NotifyWinEvent(begins ? EVENT_SYSTEM_DIALOGSTART : EVENT_SYSTEM_DIALOGEND, GetHWND(), OBJID_CLIENT, CHILDID_SELF);
+    if (begins && !paintManager_.GetFocus()) {
+        if (CControlUI* const button = paintManager_.FindControl(paintManager_.GetWindowSpec().defaultButton)) {
+            button->SetFocus();
+        }
+    }
+}
+
+bool WindowImplBase::PressCancelButton() {
+    paintManager_.UpdateLayout();
+    CControlUI* const button = paintManager_.FindControl(paintManager_.GetWindowSpec().cancelButton);
+    if (!button || !button->IsShown() || !button->IsEnabledInTree()) {
+        return false;
+    }
+    button->DoDefaultAction();
+    return true;
 }
 
 bool WindowImplBase::IsResizable() {

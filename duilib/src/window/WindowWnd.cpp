@@ -90,6 +90,9 @@ LRESULT CWindowWnd::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == WM_CLOSE && modal_) {
             modal_->result = static_cast<UINT>(wParam);
         } else if (message == WM_DESTROY) {
+            if (modal_) {
+                OnModal(false);
+            }
             EnableOwner();
         }
         return HandleMessage(message, wParam, lParam);
@@ -98,6 +101,10 @@ LRESULT CWindowWnd::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
                 e.what());
     } catch (...) {
         LogLine(LogLevel::kError, L"CWindowWnd::WindowProc", L"Unexpected exception in message ", message);
+    }
+    if (message == WM_PAINT && hwnd_) {
+        // What stays invalid is asked for again at once, for ever.
+        ValidateRect(hwnd_, nullptr);
     }
     return 0;
 }
@@ -130,6 +137,9 @@ UINT CWindowWnd::ShowModal() {
         EnableWindow(owner, FALSE);
     }
     ShowWindow();
+    if (!modal.done) {
+        OnModal(true);
+    }
     while (!modal.done) {
         MSG msg{};
         const BOOL got = GetMessageW(&msg, nullptr, 0, 0);

@@ -8,6 +8,7 @@
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/SliderUI.h"
+#include "DuiLib/UIMainQueue.h"
 #include "TestWindow.h"
 
 namespace DuiLib::Test {
@@ -190,6 +191,12 @@ TEST_F(Accessibility, ValueCanBeSet) {
     EXPECT_TRUE(window.Got(L"valuechanged slider"));
     EXPECT_EQ(object->put_accValue(Id(ids[L"ok"]), seven), E_INVALIDARG);
     SysFreeString(seven);
+    EnableWindow(window.GetHWND(), FALSE);  // as under a modal window
+    BSTR eight = SysAllocString(L"8");
+    EXPECT_EQ(object->put_accValue(Id(ids[L"slider"]), eight), S_FALSE);
+    EXPECT_EQ(window.Find<CSliderUI>(L"slider").GetValue(), 7);
+    EnableWindow(window.GetHWND(), TRUE);
+    SysFreeString(eight);
 }
 
 TEST_F(Accessibility, Navigation) {
@@ -258,7 +265,162 @@ TEST_F(Accessibility, ChangesAreAnnounced) {
     EXPECT_TRUE(heardOf(EVENT_OBJECT_NAMECHANGE, L"ok"));
     window.Find(L"ok").SetEnabled(false);
     EXPECT_TRUE(heardOf(EVENT_OBJECT_STATECHANGE, L"ok"));
+    window.Find(L"icon").SetAttribute(L"accname", L"Another name");
+    EXPECT_TRUE(heardOf(EVENT_OBJECT_NAMECHANGE, L"icon"));
+    EXPECT_EQ(Name(L"icon"), L"Another name");
     UnhookWinEvent(hook);
+}
+
+// Every event of the window's client object and its elements.
+class Events {
+  public:
+    explicit Events(HWND window) {
+        window_ = window;
+        heard_.clear();
+        hook_ = SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, Hear, GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
+    }
+    ~Events() { UnhookWinEvent(hook_); }
+    Events(const Events&) = delete;
+    Events& operator=(const Events&) = delete;
+
+    bool Got(DWORD event, long id) const {
+        return PumpUntil([&] { return Has(event, id); });
+    }
+    // Of what has come until something later does.
+    bool Has(DWORD event, long id) const {
+        return std::find(heard_.begin(), heard_.end(), std::pair(event, static_cast<LONG>(id))) != heard_.end();
+    }
+    static void StartOver() { heard_.clear(); }
+
+  private:
+    static void CALLBACK Hear(HWINEVENTHOOK, DWORD event, HWND hwnd, LONG object, LONG child, DWORD, DWORD) {
+        if (object == OBJID_CLIENT && hwnd == window_) {
+            heard_.emplace_back(event, child);
+        }
+    }
+    static inline HWND window_ = nullptr;
+    static inline std::vector<std::pair<DWORD, LONG>> heard_;
+    HWINEVENTHOOK hook_ = nullptr;
+};
+
+TEST_F(Accessibility, WhatComesAndGoesIsTold) {
+    const Events events(window.GetHWND());
+    auto& row = window.Find<CContainerUI>(L"row");
+    auto cell = std::make_unique<CContainerUI>();
+    auto button = std::make_unique<CButtonUI>();
+    auto unseen = std::make_unique<CButtonUI>();
+    unseen->SetVisible(false);
+    const long id = button->GetId();
+    const long unseenId = unseen->GetId();
+    CContainerUI* const added = cell.get();
+    cell->Add(std::move(button));
+    cell->Add(std::move(unseen));
+    row.Add(std::move(cell));
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_CREATE, id));
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_REORDER, CHILDID_SELF));
+    EXPECT_FALSE(events.Has(EVENT_OBJECT_CREATE, unseenId)) << "not there yet";
+    EXPECT_FALSE(events.Has(EVENT_OBJECT_CREATE, added->GetId())) << "no element";
+    Events::StartOver();
+    row.Remove(added);
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_DESTROY, id));
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_REORDER, CHILDID_SELF));
+    Events::StartOver();
+    row.SetVisible(false);
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_HIDE, ids[L"ok"]));
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_REORDER, CHILDID_SELF));
+    Events::StartOver();
+    row.SetVisible(true);
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_SHOW, ids[L"ok"]));
+    Events::StartOver();
+    row.SetMaxHeight(0);  // a panel that closes
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_HIDE, ids[L"ok"]));
+    Events::StartOver();
+    row.SetMaxHeight(40);
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_SHOW, ids[L"ok"]));
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_REORDER, CHILDID_SELF));
+    Events::StartOver();
+    row.SetMaxHeight(41);
+    window.Find(L"ok").SetVisible(false);
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_HIDE, ids[L"ok"]));
+    EXPECT_FALSE(events.Has(EVENT_OBJECT_SHOW, ids[L"icon"])) << "neither opened nor closed";
+    EXPECT_FALSE(events.Has(EVENT_OBJECT_HIDE, ids[L"icon"]));
+}
+
+TEST_F(Accessibility, ALiveNameIsSaidAtOnce) {
+    constexpr DWORD kLiveRegionChanged = 0x8019;
+    const Events events(window.GetHWND());
+    window.Find(L"ok").SetText(L"Quiet");
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_NAMECHANGE, ids[L"ok"]));
+    window.Find(L"icon").SetAttribute(L"acclive", L"true");
+    window.Find(L"icon").SetAttribute(L"accname", L"Loud");
+    EXPECT_TRUE(events.Got(kLiveRegionChanged, ids[L"icon"]));
+    EXPECT_FALSE(events.Has(kLiveRegionChanged, ids[L"ok"]));
+    Events::StartOver();
+    window.Find(L"icon").SetAttribute(L"accname", L"Loud");
+    window.Find(L"ok").SetText(L"Later");
+    EXPECT_TRUE(events.Got(EVENT_OBJECT_NAMECHANGE, ids[L"ok"]));
+    EXPECT_FALSE(events.Has(kLiveRegionChanged, ids[L"icon"])) << "the same as before";
+}
+
+TEST_F(Accessibility, HelpIsTheDescription) {
+    BSTR text = nullptr;
+    EXPECT_EQ(object->get_accHelp(Id(ids[L"ok"]), &text), S_OK);
+    EXPECT_EQ(Take(text), L"Press it");
+    text = nullptr;
+    EXPECT_EQ(object->get_accHelp(Id(ids[L"icon"]), &text), S_FALSE) << "its tooltip is its name";
+    EXPECT_EQ(object->get_accHelp(Id(ids[L"ok"]), nullptr), E_POINTER);
+}
+
+TEST_F(Accessibility, AnOptionTellsItsPlaceInItsGroup) {
+    TestWindow other(R"(<Window size="300,300"><VerticalLayout><VerticalLayout accname="Fruit"
+        accposition="{group}: {n} / {count}"><VerticalLayout><Option name="a" group="f" text="Apple"/></VerticalLayout>
+        <Option name="h" group="f" text="Hidden" visible="false"/><Option name="p" group="f" text="Pear"/>
+        <Option name="s" text="Switch" tooltip="Turn it"/></VerticalLayout>
+        <Option name="o" group="x" text="Outside" tooltip="Elsewhere"/></VerticalLayout></Window>)");
+    EXPECT_EQ(other.Find(L"a").GetAccessibleDescription(), L"Fruit: 1 / 2");
+    EXPECT_EQ(other.Find(L"p").GetAccessibleDescription(), L"Fruit: 2 / 2");
+    EXPECT_EQ(other.Find(L"s").GetAccessibleDescription(), L"Turn it");
+    EXPECT_EQ(other.Find(L"o").GetAccessibleDescription(), L"Elsewhere");
+}
+
+TEST_F(Accessibility, ABoxIsADialogWithTitleAndMessage) {
+    TestWindow box(R"(<Window size="300,300" acctitle="head" accmessage="body" default="yes"><VerticalLayout>
+        <Label name="head" text="A question"/><Text name="body" text="Really?"/><Button name="no" text="No"/>
+        <Button name="yes" text="Yes"/></VerticalLayout></Window>)",
+                   WS_OVERLAPPEDWINDOW, window.GetHWND());
+    IAccessible* dialog = nullptr;
+    ASSERT_EQ(AccessibleObjectFromWindow(box.GetHWND(), static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                         reinterpret_cast<void**>(&dialog)),
+              S_OK);
+    const VARIANT self = Id(CHILDID_SELF);
+    BSTR text = nullptr;
+    dialog->get_accName(self, &text);
+    EXPECT_EQ(Take(text), L"A question");
+    dialog->get_accDescription(self, &text);
+    EXPECT_EQ(Take(text), L"Really?");
+    dialog->get_accHelp(self, &text);
+    EXPECT_EQ(Take(text), L"Really?");
+    VARIANT value{};
+    dialog->get_accRole(self, &value);
+    EXPECT_EQ(value.lVal, ROLE_SYSTEM_DIALOG);
+    dialog->get_accState(Id(box.Find(L"yes").GetId()), &value);
+    EXPECT_TRUE(value.lVal & STATE_SYSTEM_DEFAULT);
+    dialog->get_accState(Id(box.Find(L"no").GetId()), &value);
+    EXPECT_FALSE(value.lVal & STATE_SYSTEM_DEFAULT);
+    // Shown modally: told, with the focus on its button; and told when it ends.
+    const Events events(box.GetHWND());
+    const long yes = box.Find(L"yes").GetId();
+    UIMainQueue::getInstance()->dispatch([&] {
+        EXPECT_TRUE(events.Got(EVENT_SYSTEM_DIALOGSTART, CHILDID_SELF));
+        EXPECT_TRUE(events.Got(EVENT_OBJECT_FOCUS, yes));
+        EXPECT_FALSE(events.Has(EVENT_SYSTEM_DIALOGEND, CHILDID_SELF));
+        dialog->get_accState(Id(yes), &value);
+        EXPECT_TRUE(value.lVal & STATE_SYSTEM_FOCUSED);
+        dialog->Release();
+        box.Close();
+    });
+    box.ShowModal();
+    EXPECT_TRUE(events.Got(EVENT_SYSTEM_DIALOGEND, CHILDID_SELF));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/OptionUI.h"
+#include "DuiLib/UIMainQueue.h"
 #include "Rendering.h"
 
 namespace DuiLib::Test {
@@ -124,6 +125,19 @@ class ButtonInput : public testing::Test {
         <Option name="o3" group="g" height="20" enabled="false"/><Option name="o4" group="g" height="20"/>
         </VerticalLayout></Window>)"};
     bool Selected(const wchar_t* name) { return window.Find<COptionUI>(name).IsSelected(); }
+    // Runs messages until what was due by then has run.
+    static void RunUntilAfter(unsigned ms) {
+        bool ran = false;
+        UIMainQueue::getInstance()->dispatchAfter(ms, [&] { ran = true; });
+        EXPECT_TRUE(PumpUntil([&] { return ran; }));
+    }
+    // As this thread knows the keyboard.
+    static void SetHeld(WORD key, bool held) {
+        BYTE keys[256]{};
+        GetKeyboardState(keys);
+        keys[key] = held ? 0x80 : 0;
+        SetKeyboardState(keys);
+    }
 };
 
 TEST_F(ButtonInput, AClickSendsDownAndClick) {
@@ -198,19 +212,117 @@ TEST_F(ButtonInput, OneOptionOfAGroupIsSelected) {
 }
 
 TEST_F(ButtonInput, ArrowsWalkAGroup) {
+    const auto walksTo = [&](WORD key, const wchar_t* name) {
+        window.Key(key);
+        EXPECT_EQ(window.PaintManager().GetFocus(), &window.Find(name));
+        EXPECT_TRUE(PumpUntil([&] { return Selected(name); }));
+    };
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    walksTo(VK_DOWN, L"o2");
+    EXPECT_EQ(window.Count(L"click o2"), 1);
+    walksTo(VK_RIGHT, L"o4");  // the disabled one is passed over
+    walksTo(VK_RIGHT, L"o1");
+    walksTo(VK_LEFT, L"o4");
+    walksTo(VK_UP, L"o2");
+}
+
+TEST_F(ButtonInput, ArrowsThatGoOnClickWhereTheyRest) {
     window.PaintManager().SetFocus(&window.Find(L"o1"), true);
     window.Key(VK_DOWN);
-    EXPECT_TRUE(Selected(L"o2"));
-    EXPECT_EQ(window.PaintManager().GetFocus(), &window.Find(L"o2"));
-    EXPECT_EQ(window.Count(L"click o2"), 1);
+    RunUntilAfter(100);
+    EXPECT_FALSE(Selected(L"o2"));
     window.Key(VK_RIGHT);
-    EXPECT_TRUE(Selected(L"o4"));  // the disabled one is passed over
-    window.Key(VK_RIGHT);
+    RunUntilAfter(150);  // the first key's time is over
+    EXPECT_FALSE(window.Got(L"click o2") || window.Got(L"click o4"));
     EXPECT_TRUE(Selected(L"o1"));
-    window.Key(VK_LEFT);
-    EXPECT_TRUE(Selected(L"o4"));
-    window.Key(VK_UP);
+    EXPECT_TRUE(PumpUntil([&] { return Selected(L"o4"); }));
+    EXPECT_EQ(window.Count(L"click o4"), 1);
+    EXPECT_EQ(window.Count(L"click o2"), 0);
+    RunUntilAfter(250);
+    EXPECT_EQ(window.Count(L"click o4"), 1) << "once";
+}
+
+TEST_F(ButtonInput, AHeldArrowClicksWhenItIsLetGo) {
+    for (const WORD key : {VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN}) {
+        window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+        window.Find<COptionUI>(L"o1").SetSelected(true);
+        window.notifications.clear();
+        SetHeld(key, true);
+        window.SendMessage(WM_KEYDOWN, VK_DOWN, 1);
+        RunUntilAfter(450);
+        EXPECT_FALSE(window.Got(L"click o2"));
+        SetHeld(key, false);
+        EXPECT_TRUE(PumpUntil([&] { return window.Got(L"click o2"); }));
+    }
+}
+
+TEST_F(ButtonInput, LeftForAnotherAWalkedOptionIsClickedAtOnce) {
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    SetHeld(VK_DOWN, true);  // so that it is not the time that does it
+    window.SendMessage(WM_KEYDOWN, VK_DOWN, 1);
+    window.PaintManager().SetFocus(&window.Find(L"b"), true);
+    EXPECT_FALSE(Selected(L"o2")) << "not within the change of the focus";
+    PumpPending();
     EXPECT_TRUE(Selected(L"o2"));
+    EXPECT_EQ(window.Count(L"click o2"), 1);
+    SetHeld(VK_DOWN, false);
+}
+
+TEST_F(ButtonInput, AClickEndsAWalk) {
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Key(VK_DOWN);
+    window.Key(VK_RETURN);
+    EXPECT_EQ(window.Count(L"click o2"), 1);
+    window.Find<COptionUI>(L"o1").SetSelected(true);
+    RunUntilAfter(250);
+    EXPECT_EQ(window.Count(L"click o2"), 1);
+    EXPECT_TRUE(Selected(L"o1"));
+}
+
+TEST_F(ButtonInput, AWalkBackToTheSelectedOptionIsNoClick) {
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Find<COptionUI>(L"o1").SetSelected(true);
+    window.Key(VK_DOWN);
+    window.Key(VK_UP);
+    RunUntilAfter(250);
+    EXPECT_EQ(window.PaintManager().GetFocus(), &window.Find(L"o1"));
+    EXPECT_FALSE(window.Got(L"click o1"));
+}
+
+TEST_F(ButtonInput, AWalkEndsWithItsOption) {
+    auto* const root = dynamic_cast<CContainerUI*>(window.PaintManager().GetRoot());
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Key(VK_DOWN);
+    window.Find(L"o2").SetVisible(false);
+    RunUntilAfter(250);
+    EXPECT_FALSE(window.Got(L"click o2"));
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Key(VK_DOWN);
+    root->RemoveAll();
+    RunUntilAfter(250);
+    EXPECT_FALSE(window.Got(L"click o4"));
+}
+
+TEST_F(ButtonInput, AnActionIsWalkedToAndClickedWithoutBeingSelected) {
+    auto& action = window.Find<COptionUI>(L"o2");
+    action.SetAttribute(L"action", L"true");
+    window.Find<COptionUI>(L"o1").SetSelected(true);
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Key(VK_DOWN);
+    EXPECT_EQ(window.PaintManager().GetFocus(), &action);
+    RunUntilAfter(250);
+    EXPECT_FALSE(window.Got(L"click o2"));
+    window.Key(VK_RETURN);
+    EXPECT_EQ(window.Count(L"click o2"), 1);
+    window.Click(L"o2");
+    EXPECT_EQ(window.Count(L"click o2"), 2);
+    EXPECT_FALSE(action.IsSelected());
+    EXPECT_TRUE(Selected(L"o1"));
+    EXPECT_EQ(action.GetAccessibleInfo().role, ROLE_SYSTEM_PUSHBUTTON);
+    EXPECT_EQ(action.GetAccessibleInfo().defaultAction, L"Press");
+    // The program may still show it as the chosen one.
+    action.SetSelected(true);
+    EXPECT_FALSE(Selected(L"o1"));
 }
 
 TEST_F(ButtonInput, TabReachesOneOptionOfAGroup) {

@@ -2,6 +2,7 @@
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/OptionUI.h"
 #include "TestWindow.h"
+#include "tests/support/ImportHook.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -172,6 +173,152 @@ TEST_F(PaintManagerInput, FocusRingOnlyByKeyboard) {
     EXPECT_FALSE(manager.IsFocusRingShown());
 }
 
+TEST_F(PaintManagerInput, WhoWantsToSeeTheFocusSeesItFromTheStart) {
+    BOOL former = FALSE;
+    SystemParametersInfoW(SPI_GETKEYBOARDCUES, 0, &former, 0);
+    const auto set = [](bool always) {
+        SystemParametersInfoW(SPI_SETKEYBOARDCUES, 0, reinterpret_cast<void*>(static_cast<INT_PTR>(always)), 0);
+    };
+    set(true);
+    TestWindow other(kLayout);
+    EXPECT_TRUE(other.PaintManager().IsFocusRingShown());
+    other.Click(L"b");
+    EXPECT_TRUE(other.PaintManager().IsFocusRingShown());
+    EXPECT_FALSE(manager.IsFocusRingShown()) << "made before";
+    window.SendMessage(WM_SETTINGCHANGE, SPI_SETKEYBOARDCUES);
+    EXPECT_TRUE(manager.IsFocusRingShown());
+    set(false);
+    window.SendMessage(WM_SETTINGCHANGE, 0);  // rarely names the setting
+    EXPECT_FALSE(manager.IsFocusRingShown());
+    set(former != FALSE);
+}
+
+TEST_F(PaintManagerInput, ALiftedFingerIsNowhere) {
+    window.Click(L"a");
+    EXPECT_EQ(manager.GetHot(), &window.Find(L"a"));
+    for (const LPARAM extra : {static_cast<LPARAM>(0xFF515700), static_cast<LPARAM>(0xFF515780)}) {
+        SetMessageExtraInfo(extra);
+        window.Click(L"a");
+        EXPECT_EQ(manager.GetHot(), nullptr);
+    }
+    EXPECT_EQ(window.Count(L"click a"), 3);
+    SetMessageExtraInfo(0);
+    window.Click(L"b");
+    EXPECT_EQ(manager.GetHot(), &window.Find(L"b"));
+}
+
+// --- a finger
+
+class Pan : public testing::Test {
+  protected:
+    // 200 high with a content of 600; the inner one is 100 high with a content of 300.
+    Pan() { current_ = this; }
+    ~Pan() override { current_ = nullptr; }
+
+    bool Gesture(DWORD id, DWORD flags, Point clientPx) {
+        POINT screen{clientPx.x, clientPx.y};
+        ClientToScreen(window.GetHWND(), &screen);
+        info_.dwID = id;
+        info_.dwFlags = flags;
+        info_.ptsLocation = {static_cast<SHORT>(screen.x), static_cast<SHORT>(screen.y)};
+        closed_ = 0;
+        LRESULT result = 1;
+        return manager.MessageHandler(WM_GESTURE, 0, kHandle, result);
+    }
+    int TopOf(const wchar_t* name) { return window.Find<CContainerUI>(name).GetScrollPos().y; }
+
+    static constexpr LPARAM kHandle = 77;
+    TestWindow window{
+        R"(<Window size="300,200"><VerticalLayout name="outer" vscrollbar="true"><VerticalLayout name="inner" height="100"
+        vscrollbar="true"><Button name="b0" height="300"/></VerticalLayout><Button name="b1" height="500"/></VerticalLayout></Window>)"};
+    CPaintManagerUI& manager = window.PaintManager();
+    int closed_ = 0;
+    bool refuses_ = false;
+    std::vector<GESTURECONFIG> asked_;
+
+  private:
+    static BOOL WINAPI Info(HGESTUREINFO handle, PGESTUREINFO info) {
+        EXPECT_EQ(reinterpret_cast<LPARAM>(handle), kHandle);
+        EXPECT_EQ(info->cbSize, sizeof(GESTUREINFO));
+        *info = current_->info_;
+        return !current_->refuses_;
+    }
+    static BOOL WINAPI Close(HGESTUREINFO) { return ++current_->closed_; }
+    static BOOL WINAPI Configure(HWND, DWORD, UINT count, PGESTURECONFIG config, UINT size) {
+        EXPECT_EQ(size, sizeof(GESTURECONFIG));
+        current_->asked_.assign(config, config + count);
+        return TRUE;
+    }
+
+    static inline Pan* current_ = nullptr;
+    GESTUREINFO info_{};
+    const HMODULE library_ = GetModuleHandleW(L"DuiLib.dll");
+    const harness::ImportHook get_{library_, "GetGestureInfo", &Info};
+    const harness::ImportHook close_{library_, "CloseGestureInfoHandle", &Close};
+    const harness::ImportHook configure_{library_, "SetGestureConfig", &Configure};
+};
+
+TEST_F(Pan, ScrollsWhatIsUnderTheFinger) {
+    manager.UpdateLayout();
+    EXPECT_TRUE(Gesture(GID_PAN, GF_BEGIN, {50, 180}));
+    EXPECT_EQ(closed_, 1) << "its owner closes it";
+    EXPECT_TRUE(Gesture(GID_PAN, 0, {50, 150}));
+    EXPECT_EQ(closed_, 1);
+    EXPECT_EQ(TopOf(L"outer"), 30);
+    EXPECT_TRUE(Gesture(GID_PAN, GF_INERTIA, {50, 140}));
+    EXPECT_TRUE(Gesture(GID_PAN, GF_END, {50, 145}));
+    EXPECT_EQ(TopOf(L"outer"), 35);
+    EXPECT_EQ(TopOf(L"inner"), 0);
+}
+
+TEST_F(Pan, GoesOnToTheOuterListAtTheEnd) {
+    manager.UpdateLayout();
+    Gesture(GID_PAN, GF_BEGIN, {50, 90});
+    Gesture(GID_PAN, 0, {50, 40});
+    EXPECT_EQ(TopOf(L"inner"), 50);
+    EXPECT_EQ(TopOf(L"outer"), 0);
+    Gesture(GID_PAN, 0, {50, -400});
+    EXPECT_EQ(TopOf(L"inner"), 200);
+    Gesture(GID_PAN, 0, {50, -420});
+    EXPECT_EQ(TopOf(L"outer"), 20);
+}
+
+TEST_F(Pan, GivesThePressUp) {
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"b1"), MK_LBUTTON);
+    ASSERT_EQ(manager.GetCapture(), &window.Find(L"b1"));
+    Gesture(GID_PAN, GF_BEGIN, {50, 180});
+    EXPECT_EQ(manager.GetCapture(), nullptr);
+    window.Mouse(WM_LBUTTONUP, window.CenterOf(L"b1"));
+    EXPECT_FALSE(window.Got(L"click b1"));
+}
+
+TEST_F(Pan, OtherGesturesAreTheSystems) {
+    manager.UpdateLayout();
+    for (const DWORD id : {GID_BEGIN, GID_END, GID_ZOOM, GID_TWOFINGERTAP}) {
+        EXPECT_FALSE(Gesture(id, GF_BEGIN, {50, 180}));
+        EXPECT_EQ(closed_, 0);
+    }
+    refuses_ = true;
+    EXPECT_FALSE(Gesture(GID_PAN, GF_BEGIN, {50, 180}));
+}
+
+TEST_F(Pan, SurvivesTheEndOfWhatItScrolls) {
+    manager.UpdateLayout();
+    Gesture(GID_PAN, GF_BEGIN, {50, 50});
+    window.Find<CContainerUI>(L"outer").RemoveAll();
+    EXPECT_TRUE(Gesture(GID_PAN, 0, {50, 20}));
+}
+
+TEST_F(Pan, IsAskedForUpAndDownOnly) {
+    LRESULT result = 0;
+    EXPECT_FALSE(manager.MessageHandler(WM_GESTURENOTIFY, 0, 0, result)) << "the system answers too";
+    ASSERT_EQ(asked_.size(), 1u);
+    EXPECT_EQ(asked_[0].dwID, static_cast<DWORD>(GID_PAN));
+    EXPECT_EQ(asked_[0].dwWant, static_cast<DWORD>(GC_PAN | GC_PAN_WITH_SINGLE_FINGER_VERTICALLY | GC_PAN_WITH_GUTTER |
+                                                   GC_PAN_WITH_INERTIA));
+    EXPECT_EQ(asked_[0].dwBlock, static_cast<DWORD>(GC_PAN_WITH_SINGLE_FINGER_HORIZONTALLY));
+}
+
 TEST_F(PaintManagerInput, EnterPressesTheFocusedButtonElseTheDefaultOne) {
     window.Key(VK_RETURN);
     EXPECT_EQ(window.Count(L"click ok"), 1);
@@ -198,7 +345,7 @@ TEST_F(PaintManagerInput, ArrowsWalkAGroupAndMoveASlider) {
     manager.SetFocus(&window.Find(L"two"), true);
     window.Key(VK_RIGHT);
     EXPECT_EQ(manager.GetFocus(), &window.Find(L"three"));
-    EXPECT_TRUE(window.Find<COptionUI>(L"three").IsSelected());
+    EXPECT_TRUE(PumpUntil([&] { return window.Find<COptionUI>(L"three").IsSelected(); }));
     EXPECT_FALSE(window.Find<COptionUI>(L"two").IsSelected());
     EXPECT_TRUE(manager.IsFocusRingShown());
     manager.SetFocus(&window.Find(L"slider"), true);

@@ -75,6 +75,66 @@ TEST_F(Scroll, WheelOverAChildScrolls) {
     EXPECT_EQ(Top(), 48) << "over a disabled control too";
 }
 
+TEST_F(Scroll, FineWheelsLoseNothing) {
+    Load(kLayout);
+    for (int i = 0; i < WHEEL_DELTA; ++i) {
+        Wheel({50, 50}, -1);
+    }
+    EXPECT_EQ(Top(), 48) << "120 steps of 1 are one of 120";
+    Wheel({50, 50}, -2);
+    EXPECT_EQ(Top(), 48) << "96 of 120 parts of a pixel";
+    Wheel({50, 50}, 1);
+    EXPECT_EQ(Top(), 48) << "turned back: what was left is dropped";
+    Wheel({50, 50}, 2);
+    EXPECT_EQ(Top(), 47);
+    Wheel({50, 50}, -3);
+    EXPECT_EQ(Top(), 48);
+}
+
+TEST_F(Scroll, TheWheelTakesAsManyLinesAsTheUserWants) {
+    Load(kLayout);
+    UINT former = 0;
+    SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &former, 0);
+    const auto topAfterANotchOf = [&](UINT lines) {
+        list->SetScrollPos({});
+        SystemParametersInfoW(SPI_SETWHEELSCROLLLINES, lines, nullptr, 0);
+        Wheel({50, 50}, -WHEEL_DELTA);
+        return Top();
+    };
+    EXPECT_EQ(topAfterANotchOf(1), 16);
+    EXPECT_EQ(topAfterANotchOf(6), 96);
+    EXPECT_EQ(topAfterANotchOf(WHEEL_PAGESCROLL), 200);
+    EXPECT_EQ(topAfterANotchOf(100), 200) << "no more than what is seen";
+    EXPECT_EQ(topAfterANotchOf(0), 0);
+    SystemParametersInfoW(SPI_SETWHEELSCROLLLINES, former, nullptr, 0);
+}
+
+TEST_F(Scroll, AWheelSidewaysScrollsSideways) {
+    Load(
+        R"(<Window size="300,200"><HorizontalLayout name="list" hscrollbar="true" vscrollbar="true"><Button name="b0" width="500"/>
+        <Button name="b1" width="500" height="600"/></HorizontalLayout></Window>)");
+    POINT screen{50, 50};
+    ClientToScreen(window->GetHWND(), &screen);
+    const auto sideways = [&](int delta) {
+        window->SendMessage(WM_MOUSEHWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(screen.x, screen.y));
+    };
+    sideways(WHEEL_DELTA);
+    EXPECT_EQ(list->GetScrollPos(), (Point{48, 0})) << "to the right";
+    sideways(-WHEEL_DELTA / 2);
+    EXPECT_EQ(list->GetScrollPos(), (Point{24, 0}));
+}
+
+TEST_F(Scroll, AWheelSidewaysMovesNoSlider) {
+    Load(
+        R"(<Window size="300,200"><VerticalLayout name="list"><Slider name="s" min="0" max="10" value="5"/></VerticalLayout></Window>)");
+    POINT screen{50, 50};
+    ClientToScreen(window->GetHWND(), &screen);
+    window->SendMessage(WM_MOUSEHWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(screen.x, screen.y));
+    EXPECT_FALSE(window->Got(L"valuechanged s"));
+    Wheel({50, 50}, WHEEL_DELTA);
+    EXPECT_TRUE(window->Got(L"valuechanged s"));
+}
+
 TEST_F(Scroll, WheelGoesOnToTheOuterContainerAtTheEnd) {
     Load(
         R"(<Window size="300,200"><VerticalLayout name="list" vscrollbar="true"><VerticalLayout name="inner" height="100"

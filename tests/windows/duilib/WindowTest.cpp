@@ -211,6 +211,122 @@ TEST_F(Window, ModalWindowDisablesItsOwnerAndGivesItsResult) {
     EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == ownerHwnd; }));
 }
 
+TEST_F(Window, TheSystemsCloseOfAModalWindowPressesItsCancelButton) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    const auto close = [&](TestWindow& box, WPARAM command) {
+        UIMainQueue::getInstance()->dispatch([&box, command] {
+            box.SendMessage(WM_SYSCOMMAND, command);
+            if (box.GetHWND() && !box.Got(L"click no")) {
+                box.Close();
+            }
+        });
+        box.onNotify = [&](TNotifyUI& msg) {
+            if (msg.type == NotifyType::kClick) {
+                box.Close(9);
+            }
+        };
+        return box.ShowModal();
+    };
+    constexpr char kBox[] = R"(<Window size="200,100" cancel="no"><Button name="no"/></Window>)";
+    for (const WPARAM command : {static_cast<WPARAM>(SC_CLOSE), static_cast<WPARAM>(SC_CLOSE | 3)}) {
+        TestWindow box(kBox, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+        EXPECT_EQ(close(box, command), 9u);
+        EXPECT_EQ(box.Count(L"click no"), 1);
+    }
+    for (const wchar_t* attribute : {L"enabled", L"visible"}) {
+        TestWindow box(kBox, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+        box.Find(L"no").SetAttribute(attribute, L"false");
+        EXPECT_EQ(close(box, SC_CLOSE), 0u) << "closed all the same";
+        EXPECT_FALSE(box.Got(L"click no"));
+    }
+    TestWindow without(R"(<Window size="200,100"><Button name="no"/></Window>)", WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    EXPECT_EQ(close(without, SC_CLOSE), 0u);
+    EXPECT_FALSE(without.Got(L"click no"));
+    TestWindow plain(kBox, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    plain.SendMessage(WM_SYSCOMMAND, SC_CLOSE);
+    EXPECT_EQ(plain.GetHWND(), nullptr);
+    EXPECT_FALSE(plain.Got(L"click no")) << "not modal";
+}
+
+TEST_F(Window, AWindowWithAnOwnerIsNeverMinimisedAlone) {
+    TestWindow owner(kLayout);
+    EXPECT_TRUE(GetWindowLongPtrW(owner.GetHWND(), GWL_STYLE) & WS_MINIMIZEBOX);
+    owner.ShowWindow();
+    TestWindow box(kLayout, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    EXPECT_FALSE(GetWindowLongPtrW(box.GetHWND(), GWL_STYLE) & WS_MINIMIZEBOX);
+    box.ShowWindow();
+    for (const WPARAM command : {static_cast<WPARAM>(SC_MINIMIZE), static_cast<WPARAM>(SC_MINIMIZE | 1)}) {
+        box.SendMessage(WM_SYSCOMMAND, command);
+        EXPECT_FALSE(IsIconic(box.GetHWND()));
+    }
+    owner.SendMessage(WM_SYSCOMMAND, SC_MINIMIZE);
+    EXPECT_TRUE(IsIconic(owner.GetHWND()));
+}
+
+TEST_F(Window, AModalWindowBeginsOnItsDefaultButton) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    constexpr char kBox[] =
+        R"(<Window size="200,100" default="yes"><VerticalLayout><Button name="no"/><Button name="yes"/>
+        </VerticalLayout></Window>)";
+    const auto focused = [](TestWindow& box) {
+        std::wstring name;
+        UIMainQueue::getInstance()->dispatch([&] {
+            const CControlUI* const focus = box.PaintManager().GetFocus();
+            name = focus ? focus->GetName() : L"";
+            box.Close();
+        });
+        box.ShowModal();
+        return name;
+    };
+    TestWindow box(kBox, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    EXPECT_EQ(focused(box), L"yes");
+    TestWindow chosen(kBox, WS_OVERLAPPEDWINDOW, owner.GetHWND());
+    chosen.PaintManager().SetFocus(&chosen.Find(L"no"));
+    EXPECT_EQ(focused(chosen), L"no") << "who has the focus keeps it";
+}
+
+TEST_F(Window, APaintThatThrowsIsNotAskedForForEver) {
+    class Thrower final : public IMessageFilterUI {
+      public:
+        bool FilterMessage(UINT message, WPARAM, LPARAM, LRESULT&) override {
+            if (message == WM_PAINT) {
+                ++paints;
+                throw std::runtime_error("no paint");
+            }
+            return false;
+        }
+        int paints = 0;
+    } thrower;
+    TestWindow window(kLayout);
+    window.ShowWindow();
+    PumpPending();
+    LogWatch own;
+    window.PaintManager().AddMessageFilter(&thrower);
+    InvalidateRect(window.GetHWND(), nullptr, FALSE);
+    PumpPending();
+    MSG msg{};
+    EXPECT_FALSE(PeekMessageW(&msg, window.GetHWND(), WM_PAINT, WM_PAINT, PM_NOREMOVE));
+    EXPECT_GE(thrower.paints, 1);
+    window.PaintManager().RemoveMessageFilter(&thrower);
+    EXPECT_TRUE(own.Has("no paint"));
+}
+
+TEST_F(Window, HasNoInputMethod) {
+    const HMODULE imm = LoadLibraryExW(L"imm32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    ASSERT_NE(imm, nullptr);
+    const auto get =
+        reinterpret_cast<HIMC(WINAPI*)(HWND)>(reinterpret_cast<void*>(GetProcAddress(imm, "ImmGetContext")));
+    const HWND other = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_NE(get(other), nullptr) << "others of the thread keep theirs";
+    DestroyWindow(other);
+    TestWindow window(kLayout);
+    EXPECT_EQ(get(window.GetHWND()), nullptr);
+}
+
 TEST_F(Window, ModalWindowsNestAndOpenFromWithinAClick) {
     TestWindow owner(kLayout);
     owner.ShowWindow();

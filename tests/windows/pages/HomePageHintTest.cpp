@@ -12,7 +12,7 @@ TEST_F(HomePageHintTest, AnEntryShowsItsNameBelowItsMiddle) {
     Host().optionHint.width = 100;
     Notify(L"img_five_background_btn", L"mouseenter");
     EXPECT_THAT(Host().optionHint.calls,
-                ElementsAre(L"text Café", L"anchor img_five_background_btn", L"position -30,33", L"show"));
+                ElementsAre(L"anchor img_five_background_btn", L"text Café", L"position -30,33", L"show"));
     EXPECT_THAT(Host().deleteHint.calls, IsEmpty());
 }
 
@@ -28,14 +28,14 @@ TEST_F(HomePageHintTest, DistancesFollowTheScale) {
     Notify(L"none_background_btn", L"mouseenter");
     // (40 - 61) / 2 is -10.
     EXPECT_THAT(Host().optionHint.calls,
-                ElementsAre(L"text None", L"anchor none_background_btn", L"position -20,66", L"show"));
+                ElementsAre(L"anchor none_background_btn", L"text None", L"position -20,66", L"show"));
 }
 
 TEST_F(HomePageHintTest, TheDeleteButtonHasItsOwn) {
     Page().AddCustomItem(L"custom_background_btn_2", L"drawable/LumiCamera/thumb_add.png", false);
     Notify(L"custom_background_btn_2_del", L"mouseenter");
     EXPECT_THAT(Host().deleteHint.calls,
-                ElementsAre(L"text Delete", L"anchor custom_background_btn_2_del", L"position -18,12", L"show"));
+                ElementsAre(L"anchor custom_background_btn_2_del", L"text Delete", L"position -18,12", L"show"));
     Notify(L"custom_background_btn_2_del", L"mouseleave");
     EXPECT_EQ(Host().deleteHint.calls.back(), L"hide");
     EXPECT_THAT(Host().optionHint.calls, IsEmpty());

@@ -2,6 +2,7 @@
 #include <array>
 #include <fstream>
 
+#include "DuiLib/UIMainQueue.h"
 #include "tests/support/CallTrace.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/FakeFileDialog.h"
@@ -50,9 +51,17 @@ class HomePageOwnFileTest : public HomePageTest {
         return CallsOf(kAddButton);
     }
 
-    FakeFileDialog dialog_;
+    // File names hold the time.
+    static std::vector<std::string> WithoutNames(std::vector<std::string> calls) {
+        for (std::string& call : calls) {
+            if (const std::size_t folder = call.find("C:\\"); folder != std::string::npos) {
+                call.resize(folder);
+            }
+        }
+        return calls;
+    }
 
-  private:
+    FakeFileDialog dialog_;
     std::vector<std::wstring> added_;
 };
 
@@ -85,11 +94,93 @@ TEST_F(HomePageOwnFileTest, AChosenFileTurnsFramingOffWithoutAWait) {
 }
 
 TEST_F(HomePageOwnFileTest, ACancelledDialogChangesNothing) {
+    ASSERT_TRUE(IsSelected(L"none_background_btn"));
+    dialog_.whileOpen = [this] {
+        EXPECT_TRUE(IsSelected(L"none_background_btn")) << "chosen until a file has been accepted";
+        EXPECT_FALSE(IsSelected(kAddButton));
+    };
     EXPECT_THAT(CallsOfAdding(L"", 0), IsEmpty());
     EXPECT_EQ(dialog_.shown, 1);
     EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
     EXPECT_TRUE(Control(kAddButton).IsEnabled());
     EXPECT_TRUE(IsSelected(L"none_background_btn"));
+}
+
+TEST_F(HomePageOwnFileTest, AnArrowComesToTheAddButtonAndNoFurther) {
+    Manager().UpdateLayout();
+    Manager().SetFocus(&Control(L"none_background_btn"), true);
+    SendMessageW(Host().GetHWND(), WM_KEYDOWN, VK_LEFT, 1);
+    EXPECT_EQ(Manager().GetFocus(), &Control(kAddButton));
+    bool later = false;
+    DuiLib::UIMainQueue::getInstance()->dispatchAfter(250, [&] { later = true; });
+    EXPECT_TRUE(Input::PumpUntil([&] { return later; }));
+    EXPECT_EQ(dialog_.shown, 0);
+    EXPECT_TRUE(IsSelected(L"none_background_btn"));
+    SendMessageW(Host().GetHWND(), WM_KEYDOWN, VK_RETURN, 1);
+    EXPECT_EQ(dialog_.shown, 1);
+}
+
+TEST_F(HomePageOwnFileTest, ADroppedFileIsAddedAsIfChosen) {
+    const std::vector<std::string> chosen = CallsOfAdding(MakePicture(L"one.bmp"), 0);
+    HomeService::GetInstance()->DeleteCustomBackground(Name(0));
+    Write(L"lumi_camera_person_track", 1);
+    Refresh();
+    harness::CallTrace trace;
+    Page().AddDroppedFiles({MakePicture(L"one.bmp")});
+    EXPECT_EQ(WithoutNames(trace.Take()), WithoutNames(chosen));
+    EXPECT_EQ(dialog_.shown, 1) << "that of the chosen one";
+    EXPECT_TRUE(IsSelected(Name(0)));
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+}
+
+TEST_F(HomePageOwnFileTest, SeveralDroppedFilesAreAddedWithoutTheWrongOnes) {
+    added_ = {Name(0), Name(1)};
+    const std::wstring text = OwnFolder() + L"no picture.txt";
+    std::ofstream(text.c_str()) << "no picture";
+    Page().AddDroppedFiles({MakePicture(L"one.bmp"), text, MakePicture(L"two.bmp")});
+    EXPECT_TRUE(IsSelected(Name(1)));
+    EXPECT_TRUE(Manager().FindControl(Name(0)));
+    EXPECT_FALSE(Manager().FindControl(Name(2)));
+    EXPECT_THAT(Host().Messages(), ElementsAre(0));
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 0);
+    EXPECT_EQ(Host().limitNotices, 0);
+}
+
+TEST_F(HomePageOwnFileTest, WrongDroppedFilesChangeNothing) {
+    const std::wstring text = OwnFolder() + L"no picture.txt";
+    std::ofstream(text.c_str()) << "no picture";
+    harness::CallTrace trace;
+    Page().AddDroppedFiles({text, OwnFolder()});
+    EXPECT_THAT(trace.Take(), IsEmpty());
+    EXPECT_TRUE(IsSelected(L"none_background_btn"));
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+}
+
+TEST_F(HomePageOwnFileTest, DroppedWhileAFileIsBeingChosenNothingHappens) {
+    const std::wstring path = MakePicture(L"one.bmp");
+    dialog_.whileOpen = [&] { Page().AddDroppedFiles({path}); };
+    EXPECT_THAT(CallsOf(kAddButton), IsEmpty());
+    EXPECT_FALSE(Manager().FindControl(Name(0)));
+}
+
+TEST_F(HomePageOwnFileTest, ThereIsRoomForSoManyDroppedFiles) {
+    HomeServiceTestAccess::Clear();
+    for (int i = 0; i < 32; ++i) {
+        HomeServiceTestAccess::AddCustomItem({Name(i), 0, 14 + i, L"C:\\nowhere.jpg", L"C:\\nowhere.png"});
+    }
+    Page().AddDroppedFiles({MakePicture(L"one.bmp"), MakePicture(L"two.bmp")});
+    EXPECT_EQ(Host().limitNotices, 1) << "once";
+    EXPECT_EQ(Number(L"lumi_camera_person_track"), 1);
+    EXPECT_TRUE(Control(kAddButton).IsEnabled());
+    HomeServiceTestAccess::Clear();
+}
+
+TEST_F(HomePageOwnFileTest, AnEntryTellsItsPlaceInTheGallery) {
+    Manager().UpdateLayout();
+    EXPECT_EQ(Control(L"none_background_btn").GetAccessibleDescription(), L"Background, 1 of 15");
+    EXPECT_EQ(Control(kAddButton).GetAccessibleDescription(), L"Background, 15 of 15");
+    EXPECT_EQ(Control(L"background_replace_btn_group").GetAccessibleInfo().name, L"Background");
 }
 
 TEST_F(HomePageOwnFileTest, ARefusedFileChangesNothing) {

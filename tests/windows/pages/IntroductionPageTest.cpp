@@ -79,6 +79,7 @@ TEST_F(IntroductionPageTest, TheMouseAndTheKeyboardChooseToo) {
     Input::Click(Control(kTabs[1].option));
     ExpectShown(kTabs[1]);
     Input::Key(VK_RIGHT);
+    EXPECT_TRUE(Input::PumpUntil([this] { return Control<DuiLib::COptionUI>(kTabs[2].option).IsSelected(); }));
     ExpectShown(kTabs[2]);
 }
 

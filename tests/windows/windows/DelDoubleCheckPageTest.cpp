@@ -98,6 +98,55 @@ TEST_F(DelDoubleCheckPageTest, ClosedByTheSystemNothingIsDeleted) {
     EXPECT_THAT(Items(), ElementsAre(L"custom_background_btn_0", L"custom_background_btn_1"));
 }
 
+TEST_F(DelDoubleCheckPageTest, TheSystemsCloseOfTheModalQuestionIsItsCancel) {
+    for (const bool limit : {false, true}) {
+        box_.emplace(&owner_.PaintManager());
+        box_->SetItemName(L"custom_background_btn_1");
+        if (limit) {
+            box_->SetMaxLimitText(L"Enough");
+        }
+        std::vector<std::wstring> clicked;
+        class Clicks final : public DuiLib::INotifyUI {
+          public:
+            explicit Clicks(std::vector<std::wstring>& names) : names_(names) {}
+            void Notify(DuiLib::TNotifyUI& msg) override {
+                if (msg.type == DuiLib::NotifyType::kClick) {
+                    names_.push_back(msg.sender->GetName());
+                }
+            }
+
+          private:
+            std::vector<std::wstring>& names_;
+        } clicks(clicked);
+        box_->PaintManager().AddNotifier(&clicks);
+        Script script;
+        script.When(
+            "the box is shown", [this] { return IsWindowVisible(box_->GetHWND()) != FALSE; },
+            [this, limit] {
+                const wchar_t* const first = limit ? L"maxLimit" : L"confirm";
+                EXPECT_EQ(box_->PaintManager().GetFocus(), &Control(first));
+                SendMessageW(box_->GetHWND(), WM_SYSCOMMAND, SC_CLOSE, 0);
+            });
+        script.Run([this] { EXPECT_EQ(box_->ShowModal(), 0U); });
+        EXPECT_THAT(clicked, ElementsAre(limit ? L"maxLimit" : L"cancel"));
+        EXPECT_EQ(Items().size(), 2U);
+    }
+}
+
+TEST_F(DelDoubleCheckPageTest, AScreenReaderGetsTitleAndQuestion) {
+    const DuiLib::WindowSpec& spec = box_->PaintManager().GetWindowSpec();
+    EXPECT_EQ(Control(spec.accTitle.c_str()).GetText(), L"Custom backgrounds");
+    EXPECT_EQ(Control(spec.accMessage.c_str()).GetText(), L"Delete this background? Your original file will be kept.");
+}
+
+TEST_F(DelDoubleCheckPageTest, NotificationsWithoutASenderDoNothing) {
+    for (const wchar_t* type : {L"click", L"mouseenter", L"mouseleave", L"buttondown"}) {
+        box_->PaintManager().SendNotify(nullptr, type);
+    }
+    EXPECT_TRUE(IsOpen());
+    EXPECT_EQ(Color(L"confirm"), kBlue);
+}
+
 TEST_F(DelDoubleCheckPageTest, ConfirmedWithoutANameNothingIsDeleted) {
     Input::Click(Control(L"confirm"));
     EXPECT_FALSE(IsOpen());

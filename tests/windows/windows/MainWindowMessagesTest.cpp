@@ -1,10 +1,12 @@
 // What the settings window tells the pages of its own messages, and the add button's click.
 #include <windows.h>
 
+#include <shlobj.h>
 #include <wtsapi32.h>
 
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/SliderUI.h"
+#include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
 
 namespace {
@@ -102,6 +104,41 @@ TEST_F(MainWindowMessagesTest, TheSessionsLockIsToldAndReachesTheBase) {
     Send(WM_WTSSESSION_CHANGE, WTS_SESSION_LOCK, 1);
     EXPECT_THAT(locks_->Kinds(), ElementsAre(ScreenLockKind(0)));
     EXPECT_EQ(passedOn.Count(WM_WTSSESSION_CHANGE), 1);
+}
+
+// What the shell gives the window that files are dropped on.
+HDROP MakeDrop(const std::wstring& paths) {  // each with its terminator
+    const std::size_t bytes = (paths.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
+    auto* const drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = TRUE;
+    memcpy(drop + 1, paths.c_str(), bytes);
+    GlobalUnlock(memory);
+    return static_cast<HDROP>(memory);
+}
+
+TEST_F(MainWindowMessagesTest, DroppedFilesGoToTheGallery) {
+    EXPECT_TRUE(GetWindowLongPtrW(Window().GetHWND(), GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
+    HubRecorder<GlobalUtils::MessageBoxKind> messages(GlobalUtils::kMessageBoxChannel);
+    const std::wstring longName = L"C:\\" + std::wstring(300, L'a') + L".txt";
+    const auto drop = [&] {
+        const std::wstring paths = L"C:\\nowhere.txt" + std::wstring(1, L'\0') + longName + std::wstring(1, L'\0');
+        SendMessageW(Window().GetHWND(), WM_DROPFILES, reinterpret_cast<WPARAM>(MakeDrop(paths)), 0);
+    };
+    EnableWindow(Window().GetHWND(), FALSE);
+    drop();
+    EXPECT_TRUE(messages.Kinds().empty()) << "under a box";
+    EnableWindow(Window().GetHWND(), TRUE);
+    drop();
+    EXPECT_EQ(messages.Kinds().size(), 2U) << "each is looked at";
+    Script script;
+    script.When(
+        "the message is shown", [] { return FindThreadWindow(L"MESSAGE BOX") != nullptr; },
+        [] { SendMessageW(FindThreadWindow(L"MESSAGE BOX"), WM_SYSCOMMAND, SC_CLOSE, 0); });
+    script.Run();
+    Input::Pump();
+    EXPECT_EQ(FindThreadWindow(L"MESSAGE BOX"), nullptr) << "said once";
 }
 
 TEST_F(MainWindowMessagesTest, UnlockingAndOtherSessionEventsAreNotTold) {

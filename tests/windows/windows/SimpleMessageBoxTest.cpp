@@ -100,15 +100,49 @@ TEST_F(SimpleMessageBoxTest, EscapeAndEnterAreTheButtons) {
     EXPECT_FALSE(MaskIsVisible());
 }
 
-TEST_F(SimpleMessageBoxTest, ClosedInAnotherWayTheMaskStays) {
+TEST_F(SimpleMessageBoxTest, TheSystemsCloseIsItsCloseButton) {
     ShowAnd([this] { SendMessageW(box_->GetHWND(), WM_SYSCOMMAND, SC_CLOSE, 0); });
+    EXPECT_FALSE(MaskIsVisible());
+    box_.emplace(&owner_.PaintManager());
+    ShowAnd([] { Input::KeyWith(VK_MENU, VK_F4); });
+    EXPECT_FALSE(MaskIsVisible());
+}
+
+TEST_F(SimpleMessageBoxTest, ClosedInAnotherWayTheMaskStaysAndTakesNoMouse) {
+    ShowAnd([this] { box_->Close(); });
     EXPECT_TRUE(MaskIsVisible());
+    owner_.PaintManager().UpdateLayout();
+    const DuiLib::Rect& place = owner_.Control(L"closebtn").GetPos();
+    EXPECT_TRUE(owner_.Control(L"mask_control").GetPos().Contains({place.left + 5, place.top + 5}));
+    EXPECT_EQ(owner_.PaintManager().FindControl(POINT{place.left + 5, place.top + 5}), &owner_.Control(L"closebtn"));
+}
+
+TEST_F(SimpleMessageBoxTest, WithoutAWindowNothingIsDimmed) {
+    DestroyWindow(box_->GetHWND());
+    box_->ShowBox();
+    EXPECT_FALSE(MaskIsVisible());
+}
+
+TEST_F(SimpleMessageBoxTest, BeginsOnItsButton) {
+    ShowAnd([this] {
+        EXPECT_EQ(box_->PaintManager().GetFocus(), &Control(L"msg_ok_btn"));
+        Input::Key(VK_SPACE);
+    });
+    EXPECT_FALSE(MaskIsVisible());
+}
+
+TEST_F(SimpleMessageBoxTest, AScreenReaderGetsTitleAndText) {
+    box_->SetContent(L"The camera is gone.");
+    const DuiLib::WindowSpec& spec = box_->PaintManager().GetWindowSpec();
+    EXPECT_EQ(Control(spec.accTitle.c_str()).GetText(), L"Pixora");
+    EXPECT_EQ(Control(spec.accMessage.c_str()).GetText(), L"The camera is gone.");
 }
 
 TEST_F(SimpleMessageBoxTest, OtherClicksDoNothing) {
     ShowAnd([this] {
         box_->PaintManager().SendNotify(&Control(L"msgbox_content"), L"click");
         box_->PaintManager().SendNotify(&Control(L"title_text"), L"click");
+        box_->PaintManager().SendNotify(nullptr, L"click");
         Input::Click(Control(L"buttons"));
         EXPECT_TRUE(IsWindowVisible(box_->GetHWND()));
         EXPECT_TRUE(MaskIsVisible());
@@ -156,6 +190,19 @@ TEST_F(SimpleMessageBoxTest, OnlyALinkOpensSomething) {
     manager.SendNotify(nullptr, L"link");
     manager.SendNotify(&Control(L"msgbox_content"), L"link");
     EXPECT_THAT(links.WaitFor(1), ElementsAre("https://support.example.com/one"));
+}
+
+TEST_F(SimpleMessageBoxTest, OnlyTheWebIsOpened) {
+    const std::string line = "[L4] no web address: C:\\windows\\notepad.exe(WindowStart::FollowLink)";
+    Expect(line);
+    box_->UseHtmlMessage();
+    const OpenedLinks links;
+    box_->SetContent(L"<a href=\"C:\\windows\\notepad.exe\">one</a>");
+    box_->PaintManager().SendNotify(&Control(L"msgbox_content"), L"link");
+    box_->SetContent(L"<a href=\"https://support.example.com/three\">one</a>");
+    box_->PaintManager().SendNotify(&Control(L"msgbox_content"), L"link");
+    EXPECT_THAT(links.WaitFor(1), ElementsAre("https://support.example.com/three"));
+    EXPECT_THAT(LogOf("WindowStart::FollowLink"), ElementsAre(line));
 }
 
 TEST_F(SimpleMessageBoxTest, WithoutAnOwnerThereIsNoBox) {

@@ -6,6 +6,7 @@
 
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/RenderEngine.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelButtonToolTip.h"
@@ -34,8 +35,8 @@ class ToolTipWndTest : public ProgramTest {
     // In the order in which pages do it.
     void Show(DuiLib::CControlUI& anchor, int dx, int dy, const std::wstring& text) {
         hint_.SetAnchor(&anchor);
-        hint_.SetPosition(dx, dy);
         hint_.SetToolTipText(text);
+        hint_.SetPosition(dx, dy);
         hint_.Show(true);
     }
     bool IsShown() const { return IsWindowVisible(hint_.GetHWND()) != FALSE; }
@@ -188,6 +189,46 @@ TEST_F(ToolTipWndTest, MadeAgainWhileShownItIsHidden) {
     owner_.PaintManager().SetDPI(144);
     hint_.Prepare(&owner_.PaintManager());
     EXPECT_FALSE(IsShown());
+}
+
+TEST_F(ToolTipWndTest, MadeAgainWhileShownItHasNoAnchor) {
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Minimize");
+    const RECT before = Place();
+    owner_.PaintManager().SetDPI(144);
+    hint_.Prepare(&owner_.PaintManager());
+    hint_.SetPosition(300, 300);
+    hint_.Show(true);
+    EXPECT_EQ(Place().left, before.left);
+    EXPECT_EQ(Place().top, before.top);
+}
+
+bool g_seenUncut = false;
+int g_cuts = 0;
+
+int WINAPI Cut(HWND window, HRGN region, BOOL) {
+    ++g_cuts;
+    g_seenUncut = g_seenUncut || IsWindowVisible(window);
+    DeleteObject(region);
+    return TRUE;
+}
+
+TEST_F(ToolTipWndTest, IsCutBeforeItIsSeen) {
+    g_seenUncut = false;
+    g_cuts = 0;
+    const harness::ImportHook hook(nullptr, "SetWindowRgn", &Cut);
+    Show(owner_.Control(L"minbtn"), 0, 0, L"Minimize");
+    EXPECT_TRUE(IsShown());
+    EXPECT_EQ(g_cuts, 1);
+    EXPECT_FALSE(g_seenUncut);
+}
+
+TEST_F(ToolTipWndTest, WithoutAWindowTheKeyboardStays) {
+    Expect("[L4] paintMgr nullptr(ToolTipWnd::Show)");
+    DestroyWindow(hint_.GetHWND());
+    SetFocus(owner_.GetHWND());
+    hint_.Show(true);
+    EXPECT_EQ(GetFocus(), owner_.GetHWND());
+    hint_.Show(false);
 }
 
 TEST_F(ToolTipWndTest, GoneWithItsOwnersWindowItIsMadeAgain) {

@@ -141,6 +141,75 @@ TEST_F(MainWindowTest, IsRegisteredForTheNewsOfItsSession) {
     Input::TakeQuit();
 }
 
+HWND WINAPI FindStranger(LPCWSTR, LPCWSTR) {
+    return GetDesktopWindow();
+}
+
+HWND WINAPI FindNobody(LPCWSTR, LPCWSTR) {
+    return nullptr;
+}
+
+TEST_F(MainWindowTest, AStrangersWindowHearsNothingOfTheSessionInItsPlace) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(GetDesktopWindow(), &process);
+    ASSERT_NE(process, GetCurrentProcessId());
+    Destroy();
+    for (const auto find : {&FindStranger, &FindNobody}) {
+        g_registered.clear();
+        MainWindow window;
+        {
+            const harness::FoundFunction hook("WTSRegisterSessionNotification", &Register);
+            const ImportHook stranger(nullptr, "FindWindowW", find);
+            window.Open(GetModuleHandleW(nullptr));
+        }
+        EXPECT_THAT(g_registered, ElementsAre(std::pair(window.GetHWND(), DWORD{NOTIFY_FOR_THIS_SESSION})));
+        DestroyWindow(window.GetHWND());
+        Input::TakeQuit();
+    }
+}
+
+BOOL WINAPI RefuseToRegister(HWND, DWORD) {
+    SetLastError(RPC_S_INVALID_BINDING);
+    return FALSE;
+}
+
+TEST_F(MainWindowTest, ASessionThatTellsNothingIsLogged) {
+    Destroy();
+    const harness::FoundFunction hook("WTSRegisterSessionNotification", &RefuseToRegister);
+    MainWindow window;
+    window.Open(GetModuleHandleW(nullptr));
+    EXPECT_TRUE(IsWindowVisible(window.GetHWND()));
+    EXPECT_THAT(LogOf("PxMainWnd::RegisterForSession"),
+                ElementsAre("[L3] no session notifications, error code: 1702(PxMainWnd::RegisterForSession)"));
+    DestroyWindow(window.GetHWND());
+    Input::TakeQuit();
+}
+
+// --- no window
+
+HWND WINAPI NoWindow(DWORD, LPCWSTR, LPCWSTR, DWORD, int, int, int, int, HWND, HMENU, HINSTANCE, LPVOID) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+TEST_F(MainWindowTest, WithoutAWindowTheRunEnds) {
+    Destroy();
+    const std::string line = "[L4] No window, error code: 8(CWindowWnd::Create)";
+    Expect(line);
+    const ImportHook hook(GetModuleHandleW(L"DuiLib.dll"), "CreateWindowExW", &NoWindow);
+    {
+        MainWindow window;
+        window.Run(GetModuleHandleW(nullptr));
+        EXPECT_EQ(window.GetHWND(), nullptr);
+    }
+    PxDialogWnd dialog;
+    dialog.Run(GetModuleHandleW(nullptr));
+    dialog.SetMessageText(L"nobody reads it");
+    EXPECT_EQ(dialog.GetHWND(), nullptr);
+    EXPECT_EQ(harness::TestLog::Count(line), 2) << "and nothing else is tried";
+    Input::TakeQuit();
+}
+
 TEST_F(MainWindowTest, StartsInItsFolderAndAwareOfItsMonitor) {
     Destroy();
     g_awareness = S_OK;

@@ -1,0 +1,183 @@
+// What the program says to a screen reader: the events that come, and what the object of each tells at that moment.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <oleacc.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "suite/common/ComReference.h"
+#include "tests/e2e/support/Machine.h"
+#include "tests/e2e/support/Program.h"
+#include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
+
+namespace e2e {
+namespace {
+
+struct Spoken {
+    DWORD event = 0;
+    HWND window = nullptr;
+    long child = 0;
+    std::wstring name, value, description, help;
+    long role = 0;
+    long state = 0;
+};
+
+// Records the events of one process, and asks each one's object at once, as a screen reader does. Thread: the test's,
+// which has to run messages.
+class Listener {
+  public:
+    explicit Listener(DWORD process) {
+        current_ = this;
+        hook_ = SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, Hear, process, 0, WINEVENT_OUTOFCONTEXT);
+    }
+    ~Listener() {
+        UnhookWinEvent(hook_);
+        current_ = nullptr;
+    }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    // Waits for an event that the condition likes; nothing when none comes.
+    template <typename Condition>
+    std::optional<Spoken> WaitFor(DWORD event, const Condition& condition) {
+        std::optional<Spoken> found;
+        harness::PumpUntil([&] {
+            for (const Spoken& spoken : heard_) {
+                if (spoken.event == event && condition(spoken)) {
+                    found = spoken;
+                }
+            }
+            return found.has_value();
+        });
+        return found;
+    }
+
+  private:
+    static void CALLBACK Hear(HWINEVENTHOOK, DWORD event, HWND window, LONG object, LONG child, DWORD, DWORD) {
+        if (object == OBJID_CLIENT && current_) {
+            current_->heard_.push_back(Ask({event, window, child, {}, {}, {}, {}, 0, 0}));
+        }
+    }
+    static std::wstring Take(HRESULT result, BSTR text) {
+        std::wstring taken = result == S_OK && text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+        SysFreeString(text);
+        return taken;
+    }
+    static Spoken Ask(Spoken spoken) {
+        suite::ComReference<IAccessible> object;
+        VARIANT child;
+        VariantInit(&child);
+        if (AccessibleObjectFromEvent(spoken.window, static_cast<DWORD>(OBJID_CLIENT), static_cast<DWORD>(spoken.child),
+                                      reinterpret_cast<IAccessible**>(object.PutVoid()), &child) != S_OK) {
+            return spoken;
+        }
+        const auto text = [&](HRESULT (STDMETHODCALLTYPE IAccessible::*get)(VARIANT, BSTR*)) {
+            BSTR got = nullptr;
+            const HRESULT result = (object.Get()->*get)(child, &got);
+            return Take(result, got);
+        };
+        spoken.name = text(&IAccessible::get_accName);
+        spoken.value = text(&IAccessible::get_accValue);
+        spoken.description = text(&IAccessible::get_accDescription);
+        spoken.help = text(&IAccessible::get_accHelp);
+        VARIANT number;
+        VariantInit(&number);
+        if (object->get_accRole(child, &number) == S_OK) {
+            spoken.role = number.lVal;
+        }
+        if (object->get_accState(child, &number) == S_OK) {
+            spoken.state = number.lVal;
+        }
+        return spoken;
+    }
+
+    static inline Listener* current_ = nullptr;
+    HWINEVENTHOOK hook_ = nullptr;
+    std::vector<Spoken> heard_;
+};
+
+class SpokenTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        Machine::ResetToInstalled();
+        program_.emplace();
+        ASSERT_TRUE(program_->WaitForWindow());
+        SetForegroundWindow(program_->Window());
+        listener_.emplace(program_->ProcessId());
+    }
+
+    std::optional<Program> program_;
+    std::optional<Listener> listener_;
+};
+
+TEST_F(SpokenTest, ABackgroundThatTheArrowsReachTellsItsPlaceAndThatItIsChosen) {
+    const auto none = program_->Find(L"none_background_btn");
+    ASSERT_TRUE(none);
+    AccessibleWindow(program_->Window()).Press(none->id);
+    const AccessibleWindow window(program_->Window());
+    for (int tabs = 0; tabs < 20 && window.FocusedId() != none->id; ++tabs) {
+        const long before = window.FocusedId();
+        program_->PressKey(VK_TAB);
+        ASSERT_TRUE(harness::PumpUntil([&] { return window.FocusedId() != before; }));
+    }
+    program_->PressKey(VK_RIGHT);
+    const auto focus = listener_->WaitFor(
+        EVENT_OBJECT_FOCUS, [](const Spoken& spoken) { return spoken.description == L"Background, 2 of 15"; });
+    ASSERT_TRUE(focus);
+    EXPECT_EQ(focus->name, L"Meeting room");
+    EXPECT_EQ(focus->help, L"Background, 2 of 15");
+    EXPECT_EQ(focus->role, ROLE_SYSTEM_RADIOBUTTON);
+    EXPECT_TRUE(focus->state & STATE_SYSTEM_FOCUSED);
+    const auto chosen = listener_->WaitFor(EVENT_OBJECT_STATECHANGE, [&](const Spoken& spoken) {
+        return spoken.child == focus->child && (spoken.state & STATE_SYSTEM_CHECKED) != 0;
+    });
+    EXPECT_TRUE(chosen);
+    // To the add button: it is told, and opens nothing.
+    program_->PressKey(VK_LEFT);
+    program_->PressKey(VK_LEFT);
+    const auto add = listener_->WaitFor(
+        EVENT_OBJECT_FOCUS, [](const Spoken& spoken) { return spoken.description == L"Background, 15 of 15"; });
+    ASSERT_TRUE(add);
+    EXPECT_EQ(add->role, ROLE_SYSTEM_PUSHBUTTON);
+    EXPECT_TRUE(harness::PumpUntil([] { return Machine::Number(L"lumi_camera_background_replacement") == 0U; }));
+    EXPECT_EQ(CountWindows(L"#32770"), 0);
+}
+
+TEST_F(SpokenTest, APageThatComesIsTold) {
+    program_->Click(L"show_detail_btn");
+    EXPECT_TRUE(listener_->WaitFor(EVENT_OBJECT_REORDER, [this](const Spoken& spoken) {
+        return spoken.window == program_->Window() && spoken.child == CHILDID_SELF && spoken.name == L"Pixora";
+    }));
+    EXPECT_TRUE(listener_->WaitFor(EVENT_OBJECT_SHOW,
+                                   [](const Spoken& spoken) { return spoken.role == ROLE_SYSTEM_PUSHBUTTON; }));
+}
+
+TEST_F(SpokenTest, ABoxTellsItsTitleAndItsTextAndBeginsOnItsButton) {
+    harness::TestLog::Allow(testing::_);  // there is no camera
+    program_->Click(L"preview_switch");
+    const auto dialog = listener_->WaitFor(EVENT_SYSTEM_DIALOGSTART, [](const Spoken&) { return true; });
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->name, L"Pixora");
+    EXPECT_EQ(dialog->role, ROLE_SYSTEM_DIALOG);
+    EXPECT_THAT(dialog->description, testing::HasSubstr(L"The camera can’t be used."));
+    EXPECT_EQ(dialog->help, dialog->description);
+    const auto button = listener_->WaitFor(EVENT_OBJECT_FOCUS, [&](const Spoken& spoken) {
+        return spoken.window == dialog->window && spoken.child != CHILDID_SELF;
+    });
+    ASSERT_TRUE(button);
+    EXPECT_EQ(button->name, L"OK");
+    EXPECT_TRUE(button->state & STATE_SYSTEM_FOCUSED);
+    EXPECT_TRUE(button->state & STATE_SYSTEM_DEFAULT);
+    // Alt+F4 is its close button: the window below can be used again.
+    program_->PressKey(VK_F4, true);
+    EXPECT_TRUE(listener_->WaitFor(EVENT_SYSTEM_DIALOGEND, [](const Spoken&) { return true; }));
+    ASSERT_TRUE(harness::PumpUntil([&] { return !IsWindow(dialog->window); }));
+    program_->Click(L"closebtn");
+    EXPECT_EQ(program_->WaitForEnd(), 0U);
+}
+
+}  // namespace
+}  // namespace e2e
