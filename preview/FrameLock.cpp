@@ -97,7 +97,7 @@ bool FrameLock::LockRows() {
 }
 
 void FrameLock::LockPacked() {
-    const std::int32_t stride = PackedStride(shape_.format, shape_.width);
+    const std::int32_t stride = GaplessStride(shape_.format, shape_.width);
     LockPlain(shape_.defaultStride < 0 ? -stride : stride);
     // More bytes than a frame has, by a row or more, are those of another shape.
     const SourceExtent extent = ExtentOf(shape_.format, stride, shape_.width, shape_.height);

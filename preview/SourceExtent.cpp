@@ -33,7 +33,7 @@ SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t wid
             std::max<std::int64_t>(0, lastRow) + RowBytes(format, std::llabs(step), width)};
 }
 
-std::int32_t PackedStride(PixelFormat format, std::uint32_t width) {
+std::int32_t GaplessStride(PixelFormat format, std::uint32_t width) {
     const auto columns = static_cast<std::int32_t>(width);
     switch (format) {
         case PixelFormat::kRgb32:

@@ -19,7 +19,7 @@ struct SourceExtent {
 SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t width, std::uint32_t height);
 
 // The distance of a frame's rows where they follow each other, as the system lays them out: RGB in units of four bytes.
-std::int32_t PackedStride(PixelFormat format, std::uint32_t width);
+std::int32_t GaplessStride(PixelFormat format, std::uint32_t width);
 
 // The bytes of a frame whose rows follow each other without a gap.
 std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height);

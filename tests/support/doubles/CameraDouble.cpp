@@ -17,8 +17,6 @@ namespace doubles {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience(20);
-
 // Whether somebody beside the watcher holds it.
 bool IsHeld(IUnknown* object) {
     object->AddRef();
@@ -45,9 +43,9 @@ void Cameras::Begin() {
     state.seen = {};
 }
 
-void Cameras::End() {
+void Cameras::End(std::chrono::seconds patience) {
     CameraState& state = CameraState::The();
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     const auto isOver = [&] {
         const std::scoped_lock lock(state.mutex);
         for (const CameraState::Watched& each : state.watched) {

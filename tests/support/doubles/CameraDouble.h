@@ -15,6 +15,7 @@
 #include <mfidl.h>
 #include <mfreadwrite.h>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -72,8 +73,8 @@ class Cameras {
   public:
     // One healthy camera that nobody has seen.
     static void Begin();
-    // Waits until everything that was handed out has come back; what has not is a broken rule (Violations).
-    static void End();
+    // Waits until all that was handed out has come back; what has not in that time is a broken rule (Violations).
+    static void End(std::chrono::seconds patience = std::chrono::seconds(20));
 
     static void Change(const std::function<void(CameraScript&)>& change);
     static CameraScript Script();

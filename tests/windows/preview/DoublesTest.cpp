@@ -27,6 +27,7 @@ using doubles::CameraType;
 using doubles::Graphics;
 using doubles::GraphicsScript;
 using doubles::Violations;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -417,11 +418,14 @@ TEST_F(CameraDoubleTest, WhatIsHeldIsNoticed) {
     EXPECT_EQ(Cameras::Seen().sourcesRunning, 1);
     EXPECT_EQ(Cameras::Seen().sourcesAlive, 1);
     EXPECT_EQ(Cameras::Seen().readersAlive, 1);
-    source_->AddRef();
+    IMFMediaSource* held = source_;
+    held->AddRef();
     Close();
     EXPECT_EQ(Cameras::Seen().sourcesRunning, 0);
     EXPECT_EQ(Cameras::Seen().sourcesAlive, 1);
-    source_ = nullptr;
+    Cameras::End(std::chrono::seconds(0));
+    EXPECT_THAT(Violations::Take(), Contains("somebody holds a source"));
+    ComRelease(held);
 }
 
 // --- buffers
