@@ -33,9 +33,13 @@ using GlobalUtils::MessageBoxKind;
 constinit suite::SystemLibrary wtsapi32(L"wtsapi32.dll");
 constinit suite::SystemFunction<decltype(&WTSRegisterSessionNotification)> registerSessionNotification(
     wtsapi32, "WTSRegisterSessionNotification");
+constinit suite::SystemFunction<decltype(&WTSUnRegisterSessionNotification)> unregisterSessionNotification(
+    wtsapi32, "WTSUnRegisterSessionNotification");
 
 // Kept with the messages that announce a move, though no system sends it for one.
 constexpr UINT kMoveSpare = 0x030B;
+
+constexpr unsigned kSessionRetryMs = 10'000;
 
 // Keys of the modal queue beside the message kinds, which are not negative.
 constexpr std::int32_t kDeletionKey = -1;
@@ -92,16 +96,18 @@ void PxMainWnd::Open(HINSTANCE instance) {
 
 void PxMainWnd::RegisterForSession() {
     HWND window = FindWindowW(GetWindowClassName(), nullptr);
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process != GetCurrentProcessId()) {
+    if (window != GetHWND()) {
         // Another program has a class of that name; its window would hear of the lock in this one's place.
         window = GetHWND();
     }
-    if (!registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION)) {
-        LogLine(LogLevel::kInfo, L"PxMainWnd::RegisterForSession", L"no session notifications, error code: ",
-                GetLastError());
+    if (registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION)) {
+        return;
     }
+    LogLine(LogLevel::kInfo, L"PxMainWnd::RegisterForSession", L"no session notifications, error code: ",
+            GetLastError());
+    // Right after signing in the service that tells of locks may not be there yet.
+    DuiLib::UIMainQueue::getInstance()->dispatchAfter(
+        kSessionRetryMs, [window] { registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION); });
 }
 
 void PxMainWnd::ActivateExisting() {
@@ -185,6 +191,7 @@ void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
 
 LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
     handled = false;
+    unregisterSessionNotification.CallOr(FALSE, GetHWND());
     PostQuitMessage(0);
     return 0;
 }
@@ -228,6 +235,14 @@ void PxMainWnd::PublishMove() {
     PublishPlace();
 }
 
+void PxMainWnd::PublishPower(WPARAM event) {
+    using GlobalUtils::PowerKind;
+    if (event == PBT_APMSUSPEND || event == PBT_APMRESUMEAUTOMATIC) {
+        KindNotifier<PowerKind>::GetInstance().Publish(
+            GlobalUtils::kPowerChannel, event == PBT_APMSUSPEND ? PowerKind::kSuspend : PowerKind::kResume);
+    }
+}
+
 void PxMainWnd::PublishPlace() {
     using GlobalUtils::PreviewPlaceKind;
     KindNotifier<PreviewPlaceKind>::GetInstance().Publish(GlobalUtils::kPreviewPlaceChannel,
@@ -251,6 +266,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 KindNotifier<ScreenLockKind>::GetInstance().Publish(GlobalUtils::kScreenLockChannel,
                                                                     ScreenLockKind::kLocked);
             }
+            break;
+        case WM_POWERBROADCAST:
+            PublishPower(wParam);
             break;
         case WM_SIZE:
         case WM_SIZING:

@@ -13,6 +13,7 @@ namespace {
 
 using GlobalUtils::BeautyKind;
 using GlobalUtils::OnListenKindInfo;
+using GlobalUtils::PowerKind;
 using GlobalUtils::PreviewPlaceKind;
 using GlobalUtils::ScreenLockKind;
 using GlobalUtils::WndMoveKind;
@@ -139,6 +140,17 @@ TEST_F(MainWindowMessagesTest, DroppedFilesGoToTheGallery) {
     script.Run();
     Input::Pump();
     EXPECT_EQ(FindThreadWindow(L"MESSAGE BOX"), nullptr) << "said once";
+}
+
+TEST_F(MainWindowMessagesTest, SleepAndWakingAreToldAndReachTheBase) {
+    HubRecorder<PowerKind> power(GlobalUtils::kPowerChannel);
+    PassedOnMessages passedOn(Manager());
+    for (const WPARAM event : {PBT_APMPOWERSTATUSCHANGE, PBT_APMSUSPEND, PBT_APMRESUMESUSPEND, PBT_APMRESUMEAUTOMATIC,
+                               PBT_POWERSETTINGCHANGE}) {
+        Send(WM_POWERBROADCAST, event);
+    }
+    EXPECT_THAT(power.Kinds(), ElementsAre(PowerKind::kSuspend, PowerKind::kResume));
+    EXPECT_EQ(passedOn.Count(WM_POWERBROADCAST), 5);
 }
 
 TEST_F(MainWindowMessagesTest, UnlockingAndOtherSessionEventsAreNotTold) {
