@@ -34,6 +34,10 @@ CameraFaults FaultsOf(const CameraOptions& options) {
         case CameraFault::kError:
             faults.errorAfter = options.after;
             break;
+        case CameraFault::kTaken:
+            faults.errorAfter = options.after;
+            faults.error = MF_E_HW_MFT_FAILED_START_STREAMING;
+            break;
         case CameraFault::kSilent:
             faults.silentAfter = options.after;
             break;
@@ -92,6 +96,8 @@ bool PlugIn() {
     }
     CameraSettings settings;
     settings.modes = {options.mode};
+    settings.openingTime = std::chrono::milliseconds(options.openingMs);
+    settings.closingTime = std::chrono::milliseconds(options.closingMs);
     if (options.picture == CameraPicture::kHalves) {
         settings.painter = PaintHalves;
     }

@@ -50,10 +50,10 @@ void ApplyWord(std::string_view name, std::string_view value, CameraOptions* opt
     static constexpr std::pair<std::string_view, CameraPicture> kPictures[] = {
         {"person", CameraPicture::kPerson}, {"bars", CameraPicture::kBars}, {"halves", CameraPicture::kHalves}};
     static constexpr std::pair<std::string_view, CameraFault> kFaults[] = {
-        {"none", CameraFault::kNone},       {"absent", CameraFault::kAbsent},       {"busy", CameraFault::kBusy},
-        {"refused", CameraFault::kRefused}, {"nostart", CameraFault::kNoStart},     {"error", CameraFault::kError},
-        {"silent", CameraFault::kSilent},   {"unplugged", CameraFault::kUnplugged}, {"end", CameraFault::kEnd},
-        {"empty", CameraFault::kEmpty},     {"short", CameraFault::kShort}};
+        {"none", CameraFault::kNone},       {"absent", CameraFault::kAbsent}, {"busy", CameraFault::kBusy},
+        {"refused", CameraFault::kRefused}, {"taken", CameraFault::kTaken},   {"nostart", CameraFault::kNoStart},
+        {"error", CameraFault::kError},     {"silent", CameraFault::kSilent}, {"unplugged", CameraFault::kUnplugged},
+        {"end", CameraFault::kEnd},         {"empty", CameraFault::kEmpty},   {"short", CameraFault::kShort}};
     if (name == "format") {
         Choose(kFormats, value, &options->mode.format);
     } else if (name == "picture") {
@@ -69,6 +69,10 @@ void ApplyWord(std::string_view name, std::string_view value, CameraOptions* opt
         }
     } else if (name == "after") {
         options->after = ParseNumber<std::int64_t>(value).value_or(options->after);
+    } else if (name == "opening") {
+        options->openingMs = ParseNumber<std::uint32_t>(value).value_or(options->openingMs);
+    } else if (name == "closing") {
+        options->closingMs = ParseNumber<std::uint32_t>(value).value_or(options->closingMs);
     } else if (name == "opens") {
         options->opens = ParseNumber<std::int64_t>(value).value_or(options->opens);
     }

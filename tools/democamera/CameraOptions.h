@@ -3,8 +3,9 @@
 //
 //   format=rgb32|rgb24|yuy2|nv12|mjpg   nv12       size=WIDTHxHEIGHT   1280x720      rate=FRAMES   30, a second
 //   picture=person|bars|halves          person     halves: left half red, right half blue
-//   fault=NAME   none   absent busy refused nostart error silent unplugged end empty short: see CameraFaults
+//   fault=NAME   none   absent busy refused nostart error taken silent unplugged end empty short: CameraFaults
 //   after=FRAMES 0      when the fault begins, for those that come while frames are delivered
+//   opening=MS   0      how long it takes to open         closing=MS   0      to shut it down, each time
 //   opens=COUNT  all    how many openings the fault holds for; a later one finds the camera well
 // An unknown word or a bad value is left out. Pure function, any thread.
 #include <cstdint>
@@ -14,7 +15,20 @@
 
 namespace democamera {
 
-enum class CameraFault { kNone, kAbsent, kBusy, kRefused, kNoStart, kError, kSilent, kUnplugged, kEnd, kEmpty, kShort };
+enum class CameraFault {
+    kNone,
+    kAbsent,
+    kBusy,
+    kRefused,
+    kNoStart,
+    kError,
+    kTaken,
+    kSilent,
+    kUnplugged,
+    kEnd,
+    kEmpty,
+    kShort
+};
 enum class CameraPicture { kPerson, kBars, kHalves };
 
 struct CameraOptions {
@@ -23,6 +37,8 @@ struct CameraOptions {
     CameraFault fault = CameraFault::kNone;
     std::int64_t after = 0;
     std::int64_t opens = -1;  // -1: all
+    std::uint32_t openingMs = 0;
+    std::uint32_t closingMs = 0;
 };
 
 CameraOptions ParseCameraOptions(std::string_view text);

@@ -2,6 +2,8 @@
 
 #include <mferror.h>
 
+#include <thread>
+
 #include "suite/logger/QxLogger.h"
 #include "tools/democamera/DemoMediaSource.h"
 
@@ -31,6 +33,7 @@ void DemoCamera::Unplug() {
 HRESULT DemoCamera::OpenSource(IMFMediaSource** source) {
     *source = nullptr;
     ++seen_.tried;
+    std::this_thread::sleep_for(settings_.openingTime);
     if (!pluggedIn_) {
         return MF_E_VIDEO_RECORDING_DEVICE_INVALIDATED;
     }

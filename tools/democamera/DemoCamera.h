@@ -10,6 +10,7 @@
 #include <mfidl.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,6 +31,9 @@ struct CameraSettings {
     // Instead of the painter: writes the FrameBytes(mode) bytes of a frame as they are delivered. On the camera's
     // thread.
     std::function<void(const CameraMode& mode, std::uint8_t* frame, std::uint64_t frameIndex)> rawPainter;
+    // How long it takes to open the camera, and to shut it down.
+    std::chrono::milliseconds openingTime{0};
+    std::chrono::milliseconds closingTime{0};
     // Sees each sample after it was handed to the reader; on the camera's thread.
     std::function<void(IMFSample* sample)> delivered;
 };
@@ -39,6 +43,7 @@ struct CameraFaults {
     HRESULT openResult = S_OK;         // of opening, 0xC00D3704: in use by another program
     HRESULT startResult = S_OK;        // of starting to read
     std::int64_t errorAfter = -1;      // the source reports an error and ends
+    HRESULT error = E_FAIL;            // which one
     std::int64_t silentAfter = -1;     // no more frames, and no word about it
     std::int64_t unpluggedAfter = -1;  // the device is gone: an event, an error, and it cannot be opened any more
     std::int64_t endAfter = -1;        // end of the stream

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <new>
+#include <thread>
 #include <vector>
 
 #include "suite/common/ComReference.h"
@@ -178,6 +179,9 @@ STDMETHODIMP DemoMediaSource::Pause() {
 }
 
 STDMETHODIMP DemoMediaSource::Shutdown() {
+    if (!shutDown_) {
+        std::this_thread::sleep_for(camera_->Settings().closingTime);
+    }
     const std::lock_guard guard(lock_);
     if (shutDown_) {
         return MF_E_SHUTDOWN;

@@ -9,6 +9,7 @@
 
 #include <mfidl.h>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -56,7 +57,7 @@ class DemoMediaSource : public suite::ComObject<IMFMediaSource, IMFMediaEventGen
     // Guarded by lock_.
     DemoMediaStream* stream_ = nullptr;
     bool announced_ = false;
-    bool shutDown_ = false;
+    std::atomic<bool> shutDown_ = false;
 };
 #pragma GCC diagnostic pop
 

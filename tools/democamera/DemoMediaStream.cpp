@@ -195,7 +195,7 @@ bool DemoMediaStream::CheckFaults(const CameraFaults& faults) {
             source->ReportFailure(MEVideoCaptureDeviceRemoved, S_OK);
             source->ReportFailure(MEError, MF_E_VIDEO_RECORDING_DEVICE_INVALIDATED);
         } else if (error) {
-            source->ReportFailure(MEError, E_FAIL);
+            source->ReportFailure(MEError, faults.error);
         } else {
             QueueEvent(MEEndOfStream, GUID_NULL, S_OK, nullptr);
             source->ReportFailure(MEEndOfPresentation, S_OK);
