@@ -1,0 +1,117 @@
+#include "tests/support/doubles/FileReaderDouble.h"
+
+#include <mfapi.h>
+#include <mferror.h>
+
+#include <cstring>
+
+#include "preview/ReaderSystem.h"
+#include "suite/common/ComObject.h"
+#include "suite/common/ComRelease.h"
+#include "tests/support/doubles/Violations.h"
+
+namespace doubles {
+
+FileScript& Files::Script() {
+    static FileScript script;
+    return script;
+}
+
+int& Files::Reads() {
+    static int reads = 0;
+    return reads;
+}
+
+namespace {
+
+HRESULT Unused(const char* call) {
+    Violations::Add(std::string("IMFSourceReader::") + call + " is not for a cover");
+    return E_NOTIMPL;
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // deleted by Release alone
+class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
+  public:
+    STDMETHODIMP GetStreamSelection(DWORD, WINBOOL*) override { return Unused("GetStreamSelection"); }
+    STDMETHODIMP SetStreamSelection(DWORD, WINBOOL) override { return Unused("SetStreamSelection"); }
+    STDMETHODIMP GetNativeMediaType(DWORD, DWORD, IMFMediaType**) override { return Unused("GetNativeMediaType"); }
+    STDMETHODIMP SetCurrentPosition(REFGUID, REFPROPVARIANT) override { return Unused("SetCurrentPosition"); }
+    STDMETHODIMP Flush(DWORD) override { return Unused("Flush"); }
+    STDMETHODIMP GetServiceForStream(DWORD, REFGUID, REFIID, void**) override { return Unused("GetServiceForStream"); }
+    STDMETHODIMP GetPresentationAttribute(DWORD, REFGUID, PROPVARIANT*) override {
+        return Unused("GetPresentationAttribute");
+    }
+
+    STDMETHODIMP SetCurrentMediaType(DWORD, DWORD*, IMFMediaType* type) override {
+        GUID subtype = {};
+        type->GetGUID(MF_MT_SUBTYPE, &subtype);
+        return Files::Script().acceptsYuy2 && subtype == MFVideoFormat_YUY2 ? S_OK : MF_E_INVALIDMEDIATYPE;
+    }
+    STDMETHODIMP GetCurrentMediaType(DWORD, IMFMediaType** type) override {
+        *type = nullptr;
+        if (asked_ && FAILED(Files::Script().currentTypeLater)) {
+            return Files::Script().currentTypeLater;
+        }
+        asked_ = true;
+        *type = MakeType(current_);
+        return S_OK;
+    }
+    STDMETHODIMP ReadSample(DWORD, DWORD, DWORD* stream, DWORD* flags, LONGLONG* time, IMFSample** sample) override {
+        const auto& frames = Files::Script().frames;
+        const auto number = static_cast<std::size_t>(Files::Reads()++);
+        *stream = 0;
+        *time = 0;
+        *sample = nullptr;
+        if (number >= frames.size()) {
+            *flags = MF_SOURCE_READERF_ENDOFSTREAM;
+            return S_OK;
+        }
+        const FileFrame& frame = frames[number];
+        *flags = frame.flags;
+        if (frame.newType) {
+            current_ = *frame.newType;
+        }
+        if (FAILED(frame.result) || frame.bytes.empty()) {
+            return frame.result;
+        }
+        IMFMediaBuffer* buffer = nullptr;
+        BYTE* data = nullptr;
+        const auto size = static_cast<DWORD>(frame.bytes.size());
+        if (FAILED(MFCreateMemoryBuffer(size, &buffer))) {
+            return E_OUTOFMEMORY;
+        }
+        buffer->Lock(&data, nullptr, nullptr);
+        std::memcpy(data, frame.bytes.data(), size);
+        buffer->Unlock();
+        buffer->SetCurrentLength(size);
+        *sample = MakeSample(buffer, 0);
+        ComRelease(buffer);
+        return S_OK;
+    }
+
+  private:
+    CameraType current_ = Files::Script().delivers;
+    bool asked_ = false;
+};
+#pragma GCC diagnostic pop
+
+}  // namespace
+
+}  // namespace doubles
+
+namespace reader_system {
+
+HRESULT CreateFromMediaSource(IMFMediaSource* /*source*/, IMFAttributes* /*attributes*/, IMFSourceReader** reader) {
+    *reader = nullptr;
+    doubles::Violations::Add("a camera is read with the files' double");
+    return E_NOTIMPL;
+}
+
+HRESULT CreateFromUrl(const wchar_t* /*path*/, IMFSourceReader** reader) {
+    doubles::Files::Reads() = 0;
+    *reader = new doubles::FileReaderDouble;
+    return S_OK;
+}
+
+}  // namespace reader_system
