@@ -20,6 +20,7 @@ using GlobalUtils::BeautyKind;
 using GlobalUtils::FeatureStatusTuple;
 using GlobalUtils::MessageBoxKind;
 using GlobalUtils::OnListenKindInfo;
+using GlobalUtils::PowerKind;
 using GlobalUtils::PreviewPlaceKind;
 using GlobalUtils::ScreenLockKind;
 
@@ -100,6 +101,8 @@ void HomePage::SubscribeHub() {
     subscribe(GlobalUtils::kOnListenChannel, std::function<void(OnListenKindInfo&)>([this](OnListenKindInfo& info) {
                   livePreview_.OnCaptureError(static_cast<HRESULT>(info.wParam));
               }));
+    subscribe(GlobalUtils::kPowerChannel,
+              std::function<void(PowerKind&)>([this](PowerKind& kind) { livePreview_.OnPower(kind); }));
 }
 
 void HomePage::Initialize() {

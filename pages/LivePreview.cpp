@@ -1,11 +1,18 @@
 #include "pages/LivePreview.h"
 
+#include <mferror.h>
+
+#include <chrono>
 #include <utility>
 
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/PaintManagerUI.h"
+#include "DuiLib/UIMainQueue.h"
 #include "pages/PageHost.h"
+#include "preview/CameraThreads.h"
+#include "preview/DeviceLink.h"
 #include "preview/Preview.h"
+#include "preview/ServedWait.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
@@ -15,9 +22,19 @@ using GlobalUtils::MessageBoxKind;
 
 constexpr wchar_t kSwitchName[] = L"preview_switch";
 constexpr wchar_t kAreaName[] = L"preview_wnd";
+constexpr wchar_t kTextName[] = L"preview_text";
 
 // Blocks the UI thread on purpose: the first frames are drawn before the switch can be clicked again.
-constexpr DWORD kFirstFramesWaitMs = 400;
+constexpr std::chrono::milliseconds kFirstFramesWait{400};
+
+// Some cameras take five seconds to wake up.
+constexpr unsigned kMostOpeningMs = 10'000;
+
+// Devices take a while to come back after the computer slept.
+constexpr std::uint64_t kAfterResumeMs = 10'000;
+constexpr unsigned kBetweenOpeningsMs = 1000;
+
+constexpr unsigned kBetweenReleasesMs = 1000;
 
 // Ticks of the preview window, one a second: a camera that has delivered nothing for so long is given up. Counted in
 // ticks, and not by the clock, so that the time that the computer sleeps does not count.
@@ -29,10 +46,16 @@ constexpr HRESULT kDeviceInUse = static_cast<HRESULT>(0xC00D3704);
 
 constexpr int kStarted = 1;
 
+// A further reference, for whoever else needs the object.
+std::shared_ptr<Preview> Share(Preview* preview) {
+    preview->AddRef();
+    return {preview, [](Preview* object) { ComRelease(object); }};
+}
+
 // Messages of a kind that wait for the window and are of no use any more.
-void DropMessages(HWND window, UINT first, UINT last) {
+void DropMessages(HWND window, UINT kind) {
     MSG message;
-    while (PeekMessageW(&message, window, first, last, PM_REMOVE)) {
+    while (PeekMessageW(&message, window, kind, kind, PM_REMOVE)) {
     }
 }
 
@@ -43,11 +66,15 @@ LivePreview::LivePreview(PageHost* host, DuiLib::CPaintManagerUI* paintManager, 
       paintManager_(paintManager),
       find_(std::move(find)),
       images_(std::move(images)),
-      window_({[this] { Stop(); }, [this] { OnTick(); }}) {}
+      window_({[this] { Stop(); }, [this] { OnTick(); }, [this] { RecoverDevice(); },
+               [this](const std::wstring& link) { OnDeviceRemoved(link); }}),
+      self_(std::make_shared<LivePreview*>(this)) {}
 
 LivePreview::~LivePreview() {
     Stop();
     window_.Destroy();
+    // What is left now stays: its thread is still inside the graphics device.
+    std::erase_if(left_, Release);
 }
 
 void LivePreview::Initialize() {
@@ -55,30 +82,48 @@ void LivePreview::Initialize() {
     area_ = find_(kAreaName);
 }
 
+// --- turning it on
+
 int LivePreview::OnCreate(HWND parentWindow) {
     if (!window_.Create(parentWindow, DuiLib::CPaintManagerUI::GetInstance())) {
-        LogLine(4, L"HomePage::OnCreate", L"video null !");
+        LogLine(LogLevel::kError, L"HomePage::OnCreate", L"video null !");
         return 0;
+    }
+    if (const DuiLib::CControlUI* text = find_(kTextName)) {
+        window_.SetName(text->GetText());
     }
     Place();
     return 1;
 }
 
 int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
+    Stop();
     const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_);
     if (FAILED(result)) {
-        LogLine(4, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);
+        LogLine(LogLevel::kError, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);
         return 0;
     }
     return 1;
 }
 
-void LivePreview::Click(DuiLib::CControlUI* sender) {
-    if (!preview_ && host_ && OnCreate(host_->GetWindow())) {
+void LivePreview::MakeCapture() {
+    // A device that is refused is told in a box, whose loop delivers further clicks.
+    makingCapture_ = true;
+    if (host_ && OnCreate(host_->GetWindow())) {
         CreateMF(window_.Get(), host_->GetWindow());
     }
+    makingCapture_ = false;
+}
+
+void LivePreview::Click(DuiLib::CControlUI* sender) {
+    if (makingCapture_ || opening_) {
+        return;
+    }
     if (!preview_) {
-        LogLine(4, L"HomePage::ClickPreview", L"Init g_pPreview error");
+        MakeCapture();
+    }
+    if (!preview_) {
+        LogLine(LogLevel::kError, L"HomePage::ClickPreview", L"Init g_pPreview error");
         return;
     }
     if (preview_->State() == kStarted) {
@@ -96,37 +141,164 @@ void LivePreview::Click(DuiLib::CControlUI* sender) {
 void LivePreview::Start(DuiLib::CControlUI* sender) {
     switch_ = sender;
     DrawSwitch(sender, true);
-    UpdateWindow(host_->GetWindow());  // what follows takes its time
     sender->SetEnabled(false);
-    if (preview_->Start(0)) {
-        lastFrameTickMs_ = preview_->LastFrameTickMs();
-        ticksWithoutFrame_ = 0;
-        window_.Show(paintManager_->GetDPI(), IsAreaShown());
-        window_.WantTicks(true);
-        Sleep(kFirstFramesWaitMs);
-    } else {
-        Stop();
-        ShowOff(find_(kSwitchName));
-        host_->ShowMessage(MessageBoxKind::kCameraUnavailable);
+    if (host_) {
+        UpdateWindow(host_->GetWindow());  // the wait for the first frames may come before the next painting
     }
-    // A second click that came meanwhile was not meant to end what it did not see.
-    DropMessages(host_->GetWindow(), WM_LBUTTONDOWN, WM_LBUTTONDBLCLK);
-    sender->SetEnabled(true);
+    Open();
 }
 
+void LivePreview::Open() {
+    opening_ = std::make_shared<Opening>(Opening{this});
+    if (preview::BeginOpening([capture = Share(preview_), opening = std::weak_ptr<Opening>(opening_)] {
+            OpenOnCameraThread(*capture, opening);
+        })) {
+        Later(kMostOpeningMs, &LivePreview::GiveUpOpening);
+    } else {
+        FailOpening();
+    }
+}
+
+void LivePreview::OpenOnCameraThread(Preview& capture, const std::weak_ptr<Opening>& opening) {
+    const bool started = capture.Start(0);
+    if (opening.expired()) {
+        capture.Close();  // the preview may have been ended before Start began
+    }
+    DuiLib::UIMainQueue::getInstance()->dispatch([opening, started] {
+        if (const auto alive = opening.lock()) {
+            alive->page->OnOpened(started);
+        }
+    });
+}
+
+void LivePreview::OnOpened(bool started) {
+    if (started) {
+        ShowPicture();
+    } else if (IsShortlyAfterResume()) {
+        OpenLater();
+    } else {
+        FailOpening();
+    }
+}
+
+void LivePreview::ShowPicture() {
+    const auto opening = std::make_shared<Opening>(Opening{this});
+    opening_ = opening;  // the time of the opening does not count any more
+    lastFrameTickMs_ = preview_->LastFrameTickMs();
+    ticksWithoutFrame_ = 0;
+    window_.Show(paintManager_->GetDPI(), IsAreaShown());
+    window_.WantTicks(true);
+    preview::PauseServed(kFirstFramesWait);
+    if (opening == opening_) {
+        // After the input that came meanwhile: a click of the switch was not meant to end what it did not see.
+        Later(0, &LivePreview::EndOpening);
+    }
+}
+
+void LivePreview::EndOpening() {
+    opening_.reset();
+    EnableSwitch();
+}
+
+void LivePreview::FailOpening() {
+    Stop();
+    ShowOff(find_(kSwitchName));
+    if (host_) {
+        host_->ShowMessage(MessageBoxKind::kCameraUnavailable);
+    }
+    EnableSwitch();
+}
+
+void LivePreview::GiveUpOpening() {
+    LogLine(LogLevel::kError, L"LivePreview::GiveUpOpening", L"the camera does not open");
+    FailOpening();
+}
+
+void LivePreview::Later(unsigned delayMs, void (LivePreview::*operation)()) const {
+    const auto task = [opening = std::weak_ptr<Opening>(opening_), operation] {
+        if (const auto alive = opening.lock()) {
+            (alive->page->*operation)();
+        }
+    };
+    if (delayMs == 0) {
+        DuiLib::UIMainQueue::getInstance()->dispatch(task);
+    } else {
+        DuiLib::UIMainQueue::getInstance()->dispatchAfter(delayMs, task);
+    }
+}
+
+void LivePreview::OpenLater() {
+    opening_ = std::make_shared<Opening>(Opening{this});
+    Later(kBetweenOpeningsMs, &LivePreview::Open);
+}
+
+bool LivePreview::IsShortlyAfterResume() const {
+    return resumedTickMs_ != 0 && GetTickCount64() - resumedTickMs_ < kAfterResumeMs;
+}
+
+// --- turning it off
+
 void LivePreview::Stop() {
-    if (!preview_) {
+    opening_.reset();
+    Preview* capture = std::exchange(preview_, nullptr);
+    if (!capture) {
         return;
     }
     window_.WantTicks(false);
-    preview_->Close();
-    preview_->DestroyRenderer();
-    ComRelease(preview_);
+    capture->Close();
+    if (!Release(capture)) {
+        LogLine(LogLevel::kInfo, L"LivePreview::Stop", L"the graphics device is busy; it is released later");
+        left_.push_back(capture);
+        ReleaseLeftLater();
+    }
     // Nothing is posted any more: what waits belongs to the capture that has just ended.
     if (host_ && host_->GetWindow()) {
-        DropMessages(host_->GetWindow(), Preview::kEventMessage, Preview::kEventMessage);
+        DropMessages(host_->GetWindow(), Preview::kEventMessage);
     }
 }
+
+bool LivePreview::Release(Preview* capture) {
+    const bool released = capture->DestroyRenderer();
+    if (released) {
+        ComRelease(capture);
+    }
+    return released;
+}
+
+void LivePreview::ReleaseLeftLater() const {
+    DuiLib::UIMainQueue::getInstance()->dispatchAfter(kBetweenReleasesMs, [self = std::weak_ptr<LivePreview*>(self_)] {
+        if (const auto alive = self.lock()) {
+            (*alive)->ReleaseLeft();
+        }
+    });
+}
+
+void LivePreview::ReleaseLeft() {
+    std::erase_if(left_, Release);
+    if (!left_.empty()) {
+        ReleaseLeftLater();
+    }
+}
+
+void LivePreview::OnScreenLock() {
+    if (!preview_) {
+        return;
+    }
+    Stop();
+    DrawSwitch(find_(kSwitchName), false);
+    EnableSwitch();
+    window_.Destroy();
+}
+
+void LivePreview::OnPower(GlobalUtils::PowerKind kind) {
+    if (kind == GlobalUtils::PowerKind::kSuspend) {
+        OnScreenLock();
+    } else {
+        resumedTickMs_ = GetTickCount64();
+    }
+}
+
+// --- the controls
 
 void LivePreview::ShowOff(DuiLib::CControlUI* previewSwitch) {
     DrawSwitch(previewSwitch, false);
@@ -143,6 +315,12 @@ void LivePreview::DrawSwitch(DuiLib::CControlUI* control, bool on) const {
     button->SetChecked(on);
 }
 
+void LivePreview::EnableSwitch() const {
+    if (switch_) {
+        switch_->SetEnabled(true);
+    }
+}
+
 void LivePreview::Place() {
     window_.Place(paintManager_->GetDPI(), IsAreaShown());
 }
@@ -151,20 +329,18 @@ bool LivePreview::IsAreaShown() const {
     return area_ && area_->IsShown();
 }
 
-void LivePreview::OnScreenLock() {
-    if (!preview_) {
-        return;
-    }
-    Stop();
-    DrawSwitch(find_(kSwitchName), false);
-    window_.Destroy();
-}
+// --- while it runs
 
 void LivePreview::OnCaptureError(HRESULT code) {
     if (code == 0) {
         return;
     }
+    LogLine(LogLevel::kInfo, L"LivePreview::OnCaptureError", L"the camera preview fails: 0x", std::hex, code);
     const bool wasOn = preview_ != nullptr;
+    if (wasOn && IsShortlyAfterResume()) {
+        OpenAgain();
+        return;
+    }
     if (wasOn) {
         Stop();
         if (host_) {
@@ -174,24 +350,60 @@ void LivePreview::OnCaptureError(HRESULT code) {
     // A camera that another program holds turns everything off, whatever was known of it.
     if (wasOn || code == kDeviceInUse) {
         ShowOff(find_(kSwitchName));
-        if (switch_) {
-            switch_->SetEnabled(true);
-        }
+        EnableSwitch();
     }
     if (host_) {
         host_->ShowMessage(MessageBoxKind::kCameraUnavailable);
     }
 }
 
-void LivePreview::OnTick() {
+void LivePreview::OpenAgain() {
+    preview_->Close();
     if (!preview_) {
+        return;  // a message that came meanwhile has ended it
+    }
+    if (switch_) {
+        switch_->SetEnabled(false);
+    }
+    OpenLater();
+}
+
+void LivePreview::OnTick() {
+    Place();  // not every system tells when something has changed the windows' order
+    RecoverDevice();
+    CheckSilence();
+}
+
+void LivePreview::RecoverDevice() {
+    if (!preview_ || !preview_->IsDeviceLost()) {
         return;
     }
-    Place();  // not every system tells when something has changed the windows' order
+    // The system may send messages to the window, which may end the preview.
+    const std::shared_ptr<Preview> capture = Share(preview_);
+    const HRESULT result = capture->RecoverDevice();
+    if (FAILED(result) && capture.get() == preview_) {
+        LogLine(LogLevel::kError, L"LivePreview::RecoverDevice", L"the graphics device does not come back: 0x",
+                std::hex, result);
+        OnCaptureError(result);
+    }
+}
+
+void LivePreview::CheckSilence() {
+    if (!preview_ || opening_) {
+        return;
+    }
     const std::uint64_t lastFrame = preview_->LastFrameTickMs();
     ticksWithoutFrame_ = lastFrame == lastFrameTickMs_ ? ticksWithoutFrame_ + 1 : 0;
     lastFrameTickMs_ = lastFrame;
     if (ticksWithoutFrame_ >= kMostTicksWithoutFrame) {
-        OnCaptureError(kNoFrames);
+        // Where a read told why there is no frame, that is the reason.
+        const HRESULT failure = preview_->LastReadFailure();
+        OnCaptureError(FAILED(failure) ? failure : kNoFrames);
+    }
+}
+
+void LivePreview::OnDeviceRemoved(const std::wstring& link) {
+    if (preview_ && preview::IsSameDevice(link, preview_->CameraLink())) {
+        OnCaptureError(MF_E_VIDEO_RECORDING_DEVICE_INVALIDATED);
     }
 }

@@ -1,17 +1,30 @@
 #pragma once
 // The live camera picture of the home page: its switch, its window, the capture, and what ends it.
 //
-// The page hands on what concerns the preview: clicks of the switch, moves of the window, the screen's lock, errors of
-// the capture. The class knows nothing of the page but two of its controls, which it finds by name ("preview_switch",
-// "preview_wnd"). A camera that falls silent is given up after five seconds.
+// The page hands on what concerns the preview: clicks of the switch, moves of the window, the screen's lock, the
+// computer's sleep, errors of the capture. The class knows nothing of the page but some of its controls, which it finds
+// by name ("preview_switch", "preview_wnd", "preview_text").
+//
+// A camera takes its time, and a broken one all of it, so the window never waits for one:
+//   - Opening runs on a thread of its own, with the switch drawn on and disabled. What follows (the window shown, the
+//     wait for the first frames, the switch enabled) happens when that thread reports. Meanwhile everything else works,
+//     and a click of the switch does not count, by whatever device; clicks that wait in the queue when the switch is
+//     enabled come to their own controls first. What ends the preview before that (lock, sleep, an error, the page's
+//     end) drops the opening: its thread closes the camera itself when it comes back.
+//   - Closing is bounded (Preview::Close); a capture whose graphics device hangs is kept and given up later.
+//   - A lost graphics device is asked for here, on the window's thread, when the capture posts and then once a second.
+//   - A camera that falls silent is given up after five seconds, an opening that does not end after ten.
 // Thread: UI thread.
 #include <windows.h>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "pages/PreviewWindow.h"
+#include "service/GlobalUtils.h"
 
 class PageHost;
 class Preview;
@@ -46,18 +59,52 @@ class LivePreview {
     void Click(DuiLib::CControlUI* sender);
     // Places the window anew over the preview area, or hides it while that is not to be seen.
     void Place();
+    // Frees the camera; the user turns the preview on again.
     void OnScreenLock();
+    // Sleep frees the camera too; and for ten seconds after it a camera that fails is opened again, and not told.
+    void OnPower(GlobalUtils::PowerKind kind);
     // Zero is no error.
     void OnCaptureError(HRESULT code);
 
   private:
+    // One opening of the camera, from the click until the switch can be clicked again. Owned by its page alone: who
+    // finds it gone comes too late.
+    struct Opening {
+        LivePreview* page;
+    };
+
+    void MakeCapture();
     void Start(DuiLib::CControlUI* sender);
+    void Open();
+    // On another thread.
+    static void OpenOnCameraThread(Preview& capture, const std::weak_ptr<Opening>& opening);
+    void OnOpened(bool started);
+    void ShowPicture();
+    // The switch can be clicked again.
+    void EndOpening();
+    void FailOpening();
+    void GiveUpOpening();
+    // Runs the operation after a time, unless the opening has ended by then.
+    void Later(unsigned delayMs, void (LivePreview::*operation)()) const;
+    // Opens the camera in a second; closes it before.
+    void OpenLater();
+    void OpenAgain();
+    bool IsShortlyAfterResume() const;
+
     // Stops and releases the capture, if there is one; the picture and the switch stay as they are.
     void Stop();
+    // Whether the capture gave its device back, and is released.
+    static bool Release(Preview* capture);
+    void ReleaseLeft();
+    void ReleaseLeftLater() const;
     void ShowOff(DuiLib::CControlUI* previewSwitch);
     void DrawSwitch(DuiLib::CControlUI* control, bool on) const;
+    void EnableSwitch() const;
     bool IsAreaShown() const;
     void OnTick();
+    void RecoverDevice();
+    void CheckSilence();
+    void OnDeviceRemoved(const std::wstring& link);
 
     // --- constant after construction
     PageHost* const host_;                         // borrowed; may be null
@@ -70,6 +117,11 @@ class LivePreview {
     DuiLib::CControlUI* area_ = nullptr;    // borrowed from the page's tree
     PreviewWindow window_;
     Preview* preview_ = nullptr;         // owned reference; null: the preview is off
+    std::shared_ptr<Opening> opening_;   // null: none is under way
+    std::vector<Preview*> left_;         // owned references of captures whose device is in use still
+    bool makingCapture_ = false;         // a box may be open
     std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
     int ticksWithoutFrame_ = 0;
+    std::uint64_t resumedTickMs_ = 0;           // 0: never
+    const std::shared_ptr<LivePreview*> self_;  // ends with it: queued tasks hold a weak_ptr
 };

@@ -2,9 +2,12 @@
 
 #include <windowsx.h>
 
+#include <dbt.h>
+
 #include <exception>
 #include <utility>
 
+#include "preview/Preview.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {
@@ -19,6 +22,9 @@ constexpr int kWidthDip = 598;
 constexpr int kHeightDip = 354;
 constexpr RECT kRegionDip = {40, 40, 558, 315};
 constexpr int kCornerPx = 32;
+
+// The kind of device that cameras are announced as.
+constexpr GUID kCaptureDevices = {0x65e8773d, 0x8f56, 0x11d0, {0xa3, 0xb9, 0x00, 0xa0, 0xc9, 0x22, 0x31, 0x96}};
 
 // Set while the window is destroyed on purpose: its WM_DESTROY must not end the program then.
 bool g_restarting = false;
@@ -52,7 +58,20 @@ bool PreviewWindow::Create(HWND owner, HINSTANCE instance) {
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
     ShowWindow(window_, SW_HIDE);
+    AskForRemovals();
     return true;
+}
+
+void PreviewWindow::SetName(const std::wstring& name) const {
+    SetWindowTextW(window_, name.c_str());
+}
+
+void PreviewWindow::AskForRemovals() {
+    DEV_BROADCAST_DEVICEINTERFACE_W filter = {};
+    filter.dbcc_size = sizeof filter;
+    filter.dbcc_devicetype = DBT_DEVTYP_DEVICEINTERFACE;
+    filter.dbcc_classguid = kCaptureDevices;
+    removals_ = RegisterDeviceNotificationW(window_, &filter, DEVICE_NOTIFY_WINDOW_HANDLE);
 }
 
 void PreviewWindow::Destroy() {
@@ -69,15 +88,15 @@ void PreviewWindow::Place(int dpi, bool areaShown) {
     const bool visible = shown_ && areaShown && IsWindowVisible(owner_) && !IsIconic(owner_);
     if (!visible)
         ShowWindow(window_, SW_HIDE);
-    if (IsIconic(owner_))
-        return;  // its client area is nowhere
     POINT origin = {Scale(kOffsetDip, dpi), Scale(kOffsetDip, dpi)};
     ClientToScreen(owner_, &origin);
     RECT before = {};
     GetWindowRect(window_, &before);
     const SIZE size = {Scale(kWidthDip, dpi), Scale(kHeightDip, dpi)};
+    // The client area of a minimised window is nowhere, but no graphics device is made for a window without a size.
+    const UINT keep = IsIconic(owner_) ? SWP_NOMOVE : 0;
     SetWindowPos(window_, nullptr, origin.x, origin.y, size.cx, size.cy,
-                 SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_NOACTIVATE);
+                 SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_NOACTIVATE | keep);
     if (before.right - before.left != size.cx || before.bottom - before.top != size.cy) {
         // The window takes the region over.
         SetWindowRgn(
@@ -144,7 +163,7 @@ LRESULT CALLBACK PreviewWindow::Procedure(HWND window, UINT message, WPARAM wPar
         try {
             return self->Handle(window, message, wParam, lParam);
         } catch (const std::exception& error) {
-            LogLine(4, L"PreviewWindow::Procedure", L"unexpected exception: ", error.what());
+            LogLine(LogLevel::kError, L"PreviewWindow::Procedure", L"unexpected exception: ", error.what());
         }
     }
     return DefWindowProcW(window, message, wParam, lParam);
@@ -156,6 +175,7 @@ LRESULT PreviewWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM l
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             if (events_.destroyed)
                 events_.destroyed();
+            UnregisterDeviceNotification(std::exchange(removals_, nullptr));
             window_ = nullptr;
             if (std::exchange(g_restarting, false))
                 return 0;
@@ -168,6 +188,16 @@ LRESULT PreviewWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM l
             if (wParam == kTickTimer && events_.tick)
                 events_.tick();
             return 0;
+        case Preview::kDeviceMessage:
+            if (events_.deviceLost)
+                events_.deviceLost();
+            return 0;
+        case WM_DEVICECHANGE:
+            OnDeviceChange(wParam, lParam);
+            return TRUE;
+        case WM_MOUSEACTIVATE:
+            // Keys go where they went before.
+            return MA_NOACTIVATE;
         case WM_NCHITTEST: {
             const LRESULT hit = DefWindowProcW(window, message, wParam, lParam);
             return hit == HTCLIENT && IsLeftButtonHeld() ? HTCAPTION : hit;
@@ -191,9 +221,19 @@ LRESULT PreviewWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM l
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
+void PreviewWindow::OnDeviceChange(WPARAM wParam, LPARAM lParam) const {
+    const auto* header = reinterpret_cast<const DEV_BROADCAST_HDR*>(lParam);
+    if (wParam == DBT_DEVICEREMOVECOMPLETE && header && header->dbch_devicetype == DBT_DEVTYP_DEVICEINTERFACE &&
+        events_.deviceRemoved)
+        events_.deviceRemoved(reinterpret_cast<const DEV_BROADCAST_DEVICEINTERFACE_W*>(lParam)->dbcc_name);
+}
+
 void PreviewWindow::DragOwner(LPARAM screenPoint) const {
+    // A click on any other part of the program would bring it to the front.
+    const bool enabled = IsWindowEnabled(owner_) != FALSE;
+    SetForegroundWindow(enabled ? owner_ : GetLastActivePopup(owner_));
     // Not while a message box stands over the main window.
-    if (!IsWindowEnabled(owner_))
+    if (!enabled)
         return;
     ReleaseCapture();
     SendMessageW(owner_, WM_NCLBUTTONDOWN, HTCAPTION, screenPoint);

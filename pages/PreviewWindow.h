@@ -3,17 +3,20 @@
 //
 // A popup that the main window owns. It is transparent until it is shown for the first time, has the shape of the
 // rounded preview area, stands at fixed numbers relative to the main window's client area, and drags the main window
-// when it is dragged. The renderer draws; this class never paints. Thread: UI thread.
+// when it is dragged. It never takes the keyboard. The renderer draws; this class never paints. Thread: UI thread.
 #include <windows.h>
 
 #include <functional>
+#include <string>
 
 class PreviewWindow {
   public:
     // What its owner is told; on the UI thread.
     struct Events {
-        std::function<void()> destroyed;  // the window is about to go, with the main window or by itself
-        std::function<void()> tick;       // once a second while ticks are wanted
+        std::function<void()> destroyed;   // the window is about to go, with the main window or by itself
+        std::function<void()> tick;        // once a second while ticks are wanted
+        std::function<void()> deviceLost;  // the capture has posted that its graphics device is lost
+        std::function<void(const std::wstring& link)> deviceRemoved;  // a camera was taken out
     };
 
     explicit PreviewWindow(Events events);
@@ -26,6 +29,8 @@ class PreviewWindow {
     // The window goes without ending the program.
     void Destroy();
     HWND Get() const { return window_; }
+    // What a screen reader calls it.
+    void SetName(const std::wstring& name) const;
 
     // Moves the window right above the main window and cuts it to its shape, for the main window's scale; hidden while
     // the main window is minimised or hidden, or `areaShown` is false, whether it was shown or not.
@@ -38,6 +43,8 @@ class PreviewWindow {
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void AskForRemovals();
+    void OnDeviceChange(WPARAM wParam, LPARAM lParam) const;
     void Raise();
     bool IsAboveOwner() const;
     void DragOwner(LPARAM screenPoint) const;
@@ -45,5 +52,6 @@ class PreviewWindow {
     const Events events_;
     HWND window_ = nullptr;
     HWND owner_ = nullptr;  // borrowed; it destroys this window when it goes
-    bool shown_ = false;    // wanted by Show and Hide
+    HDEVNOTIFY removals_ = nullptr;
+    bool shown_ = false;  // wanted by Show and Hide
 };

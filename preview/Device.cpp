@@ -2,18 +2,27 @@
 
 #include <mferror.h>
 
+#include <utility>
+
 #include "preview/Direct3DSystem.h"
 #include "preview/FrameLock.h"
 #include "preview/LetterBox.h"
 #include "preview/MediaFoundation.h"
 #include "preview/MirrorPicture.h"
 #include "preview/SourceExtent.h"
+#include "preview/VisiblePart.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {
 
 constexpr UINT kBackBuffers = 2;
+
+// The device cannot be used now, and can be again later.
+constexpr bool IsLoss(HRESULT result) {
+    return result == D3DERR_DEVICELOST || result == D3DERR_DEVICENOTRESET || result == D3DERR_NOTAVAILABLE;
+}
 
 struct CreationError {
     HRESULT result;
@@ -42,38 +51,50 @@ Device::~Device() {
 }
 
 HRESULT Device::Open(HWND window) {
-    if (device_ != nullptr) {
+    if (device_) {
         return S_OK;
     }
-    if (direct3d_ == nullptr) {
+    HRESULT result = FindDirect3D();
+    if (SUCCEEDED(result)) {
+        result = CreateDevice(window);
+        if (FAILED(result)) {
+            TellCreationError(result);
+        }
+    }
+    return result;
+}
+
+HRESULT Device::FindDirect3D() {
+    if (!direct3d_) {
         direct3d_ = direct3d_system::Create9(D3D_SDK_VERSION);
-        if (direct3d_ == nullptr) {
+        if (!direct3d_) {
             return E_FAIL;
         }
     }
     D3DDISPLAYMODE mode = {};
-    HRESULT result = direct3d_->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &mode);
-    if (SUCCEEDED(result)) {
-        result = direct3d_->CheckDeviceType(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, mode.Format, D3DFMT_X8R8G8B8, TRUE);
-    }
+    const HRESULT result = direct3d_->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &mode);
     if (FAILED(result)) {
         return result;
     }
+    return direct3d_->CheckDeviceType(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, mode.Format, D3DFMT_X8R8G8B8, TRUE);
+}
+
+HRESULT Device::CreateDevice(HWND window) {
     D3DPRESENT_PARAMETERS parameters = {};
     parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
     parameters.SwapEffect = D3DSWAPEFFECT_COPY;
     parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
     parameters.Windowed = TRUE;
     parameters.hDeviceWindow = window;
-    result =
+    const D3DPRESENT_PARAMETERS asked = parameters;  // the system writes the window's size of now into its own
+    const HRESULT result =
         direct3d_->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, window,
                                 D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_FPU_PRESERVE, &parameters, &device_);
-    if (FAILED(result)) {
-        TellCreationError(result);
-        return result;
+    if (SUCCEEDED(result)) {
+        window_ = window;
+        windowThread_ = GetCurrentThreadId();
+        deviceParameters_ = asked;
     }
-    window_ = window;
-    deviceParameters_ = parameters;
     return result;
 }
 
@@ -95,6 +116,11 @@ HRESULT Device::ConfigureVideo(IMFMediaType* type) {
     if (SUCCEEDED(result)) {
         result = CreateSwapChain();
     }
+    if (IsLoss(result)) {
+        // The type is all right: the swap chain comes with the device.
+        loss_.Notice();
+        result = S_OK;
+    }
     if (FAILED(result)) {
         format_ = 0;
         converter_ = nullptr;
@@ -111,7 +137,7 @@ HRESULT Device::AdoptMediaType(IMFMediaType* type) {
         return result;
     }
     converter_ = preview::FindFormat(subtype);
-    if (converter_ == nullptr) {
+    if (!converter_) {
         return MF_E_INVALIDMEDIATYPE;
     }
     result = MFGetAttributeSize(type, MF_MT_FRAME_SIZE, &widthPx_, &heightPx_);
@@ -140,13 +166,15 @@ HRESULT Device::AdoptMediaType(IMFMediaType* type) {
         pixelAspect_[1] = 1;
     }
     format_ = subtype.Data1;
+    picture_ = preview::VisiblePart(type, static_cast<LONG>(widthPx_), static_cast<LONG>(heightPx_));
+    tellsBadBuffers_ = true;
     return S_OK;
 }
 
 HRESULT Device::CreateSwapChain() {
     ComRelease(swapChain_);
-    if (device_ == nullptr) {
-        return E_FAIL;
+    if (!device_) {
+        return loss_.IsLost() ? D3DERR_DEVICELOST : E_FAIL;
     }
     D3DPRESENT_PARAMETERS parameters = {};
     parameters.BackBufferWidth = widthPx_;
@@ -165,48 +193,57 @@ void Device::UpdateTargetRect() {
     RECT client = {};
     GetClientRect(window_, &client);
     const preview::PictureSize size = preview::CorrectAspect(
-        {static_cast<LONG>(widthPx_), static_cast<LONG>(heightPx_)}, pixelAspect_[0], pixelAspect_[1]);
+        {picture_.right - picture_.left, picture_.bottom - picture_.top}, pixelAspect_[0], pixelAspect_[1]);
     const preview::PictureRect box = preview::LetterBox(size, {client.left, client.top, client.right, client.bottom});
     SetRect(&destination_, box.left, box.top, box.right, box.bottom);
 }
 
 HRESULT Device::DrawSample(IMFMediaBuffer* buffer) {
-    if (converter_ == nullptr) {
+    if (!converter_) {
         return MF_E_INVALIDREQUEST;
     }
-    if (device_ == nullptr || swapChain_ == nullptr) {
+    if (!device_ || !swapChain_) {
         return S_OK;
     }
-    const HRESULT result = CheckDevice();
-    if (FAILED(result)) {
-        return result;
+    HRESULT result = CheckDevice();
+    if (SUCCEEDED(result)) {
+        const preview::FrameLock frame(buffer, {converter_->format, widthPx_, heightPx_, defaultStride_});
+        if (FAILED(frame.Result())) {
+            return frame.Result();
+        }
+        if (!frame.Holds()) {
+            TellBadBuffer();
+            return S_FALSE;
+        }
+        result = DrawFrame(frame.FirstRow(), frame.Stride());
     }
-    const preview::FrameLock frame(buffer, defaultStride_, heightPx_);
-    if (FAILED(frame.Result())) {
-        return frame.Result();
+    if (IsLoss(result)) {
+        loss_.Notice();
+        result = S_OK;
     }
-    if (!frame.Holds(converter_->format, widthPx_, heightPx_)) {
-        return S_FALSE;
+    return result;
+}
+
+void Device::TellBadBuffer() {
+    if (std::exchange(tellsBadBuffers_, false)) {
+        LogLine(LogLevel::kError, L"Device::DrawSample", L"a buffer does not hold a frame of ", widthPx_, L'x',
+                heightPx_);
     }
-    return DrawFrame(frame.FirstRow(), frame.Stride());
 }
 
 HRESULT Device::DrawFrame(const BYTE* firstRow, LONG stride) {
-    IDirect3DSurface9* surface = nullptr;
-    HRESULT result = swapChain_->GetBackBuffer(0, D3DBACKBUFFER_TYPE_MONO, &surface);
-    if (SUCCEEDED(result)) {
-        D3DLOCKED_RECT locked = {};
-        result = surface->LockRect(&locked, nullptr, D3DLOCK_NOSYSLOCK);
-        if (SUCCEEDED(result)) {
-            Convert(&locked, firstRow, stride);
-            result = surface->UnlockRect();
-        }
-        if (SUCCEEDED(result)) {
-            result = Present(surface);
-        }
+    suite::ComReference<IDirect3DSurface9> surface;
+    HRESULT result = swapChain_->GetBackBuffer(0, D3DBACKBUFFER_TYPE_MONO, surface.Put());
+    if (FAILED(result)) {
+        return result;
     }
-    ComRelease(surface);
-    return result;
+    D3DLOCKED_RECT locked = {};
+    result = surface->LockRect(&locked, nullptr, D3DLOCK_NOSYSLOCK);
+    if (SUCCEEDED(result)) {
+        Convert(&locked, firstRow, stride);
+        result = surface->UnlockRect();
+    }
+    return SUCCEEDED(result) ? Present(surface.Get()) : result;
 }
 
 void Device::Convert(D3DLOCKED_RECT* locked, const BYTE* firstRow, LONG stride) {
@@ -224,61 +261,107 @@ void Device::Convert(D3DLOCKED_RECT* locked, const BYTE* firstRow, LONG stride) 
 
 void Device::MirrorState(D3DLOCKED_RECT* locked) {
     if (locked->pBits == nullptr) {
-        LogLine(4, L"Device::MirrorState", L"Fail to get D3DLOCKED_RECT!");
+        LogLine(LogLevel::kError, L"Device::MirrorState", L"Fail to get D3DLOCKED_RECT!");
         return;
     }
     preview::MirrorPicture(static_cast<BYTE*>(locked->pBits), static_cast<UINT32>(locked->Pitch), widthPx_, heightPx_);
 }
 
 HRESULT Device::Present(IDirect3DSurface9* surface) {
-    IDirect3DSurface9* backBuffer = nullptr;
-    HRESULT result = device_->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &backBuffer);
+    // The picture's part of the surface, which is mirrored.
+    const auto width = static_cast<LONG>(widthPx_);
+    const RECT source = {width - picture_.right, picture_.top, width - picture_.left, picture_.bottom};
+    const bool whole =
+        source.left == 0 && source.top == 0 && source.right == width && source.bottom == static_cast<LONG>(heightPx_);
+    suite::ComReference<IDirect3DSurface9> backBuffer;
+    HRESULT result = device_->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, backBuffer.Put());
     if (SUCCEEDED(result)) {
-        result = device_->ColorFill(backBuffer, nullptr, D3DCOLOR_ARGB(0xFF, 0, 0, 0));
+        result = device_->ColorFill(backBuffer.Get(), nullptr, D3DCOLOR_ARGB(0xFF, 0, 0, 0));
     }
     if (SUCCEEDED(result)) {
-        result = device_->StretchRect(surface, nullptr, backBuffer, &destination_, D3DTEXF_LINEAR);
+        result =
+            device_->StretchRect(surface, whole ? nullptr : &source, backBuffer.Get(), &destination_, D3DTEXF_LINEAR);
     }
     if (SUCCEEDED(result)) {
         result = device_->Present(nullptr, nullptr, nullptr, nullptr);
-        // Kept: a present that fails must not end the preview; a device that is lost is found before the next frame.
-        if (static_cast<LONG>(GetLastError()) >= 0) {
-            result = S_OK;
+        if (SUCCEEDED(result)) {
+            loss_.Present();
+        } else {
+            loss_.Notice();  // nothing else tells that the device was lost; Recover finds out what it is
+            // Kept: a present that fails must not end the preview.
+            if (static_cast<LONG>(GetLastError()) >= 0) {
+                result = S_OK;
+            }
         }
     }
-    ComRelease(backBuffer);
     return result;
 }
 
 HRESULT Device::CheckDevice() {
-    if (device_ == nullptr) {
+    if (!device_) {
         return E_FAIL;
     }
+    if (GetCurrentThreadId() != windowThread_) {
+        return loss_.IsLost() ? D3DERR_DEVICELOST : D3D_OK;
+    }
     const HRESULT result = device_->TestCooperativeLevel();
-    return result == D3DERR_DEVICELOST || result == D3DERR_DEVICENOTRESET ? Reset() : result;
+    // A device that is lost cannot be reset yet.
+    return result == D3DERR_DEVICENOTRESET ? Reset() : result;
 }
 
 HRESULT Device::Reset() {
-    if (device_ != nullptr) {
+    if (device_) {
+        ComRelease(swapChain_);  // while one lives, no reset works
         D3DPRESENT_PARAMETERS parameters = deviceParameters_;
         if (FAILED(device_->Reset(&parameters))) {
             Destroy();
         }
     }
-    HRESULT result = S_OK;
-    if (device_ == nullptr) {
-        result = Open(window_);
+    if (!device_) {
+        HRESULT result = FindDirect3D();
+        if (SUCCEEDED(result)) {
+            result = CreateDevice(window_);
+        }
         if (FAILED(result)) {
             return result;
         }
     }
-    if (swapChain_ == nullptr && format_ != 0) {
-        result = CreateSwapChain();
-        if (SUCCEEDED(result)) {
-            UpdateTargetRect();
-        }
+    return RestoreSwapChain();
+}
+
+HRESULT Device::RestoreSwapChain() {
+    if (swapChain_ || format_ == 0) {
+        return S_OK;
+    }
+    const HRESULT result = CreateSwapChain();
+    if (SUCCEEDED(result)) {
+        UpdateTargetRect();
     }
     return result;
+}
+
+HRESULT Device::Recover(std::uint64_t nowMs) {
+    if (!loss_.IsLost()) {
+        return S_OK;
+    }
+    if (!loss_.BeginTry(nowMs)) {
+        return S_FALSE;
+    }
+    if (loss_.IsOver()) {
+        return D3DERR_DEVICELOST;
+    }
+    if (loss_.WantsNewObject()) {
+        Destroy();
+    }
+    HRESULT result = device_ ? CheckDevice() : Reset();
+    if (SUCCEEDED(result)) {
+        result = RestoreSwapChain();
+    }
+    if (SUCCEEDED(result)) {
+        loss_.Find();
+        return S_OK;
+    }
+    return IsLoss(result) && !loss_.IsLastTry() ? S_FALSE : result;
 }
 
 void Device::Destroy() {

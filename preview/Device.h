@@ -4,14 +4,21 @@
 // It owns a windowed device on the preview window and an additional swap chain whose lockable back buffer has the
 // video's size. Each frame is converted straight into that back buffer, mirrored so that the user sees himself as in a
 // looking-glass, and then scaled into the window with black bars around it. Presenting never waits for the display.
-// Threads: no lock of its own, and the device is not made for several threads. Open runs on the window's thread,
-// ConfigureVideo where the camera is opened, DrawSample on the thread that delivers frames; the owner sees to it that
-// no two operations run at once.
+//
+// A lost device (see DeviceLoss.h) is no failure: frames are dropped, and Recover makes it work again. Direct3D ties a
+// device to the thread of its window: only there it may be asked, reset and released, so another thread that draws
+// only notices that it is lost.
+// Threads: no lock of its own, and the device is not made for several threads; the owner sees to it that no two
+// operations run at once. Open, Recover and Destroy run on the window's thread, ConfigureVideo where the camera is
+// opened, DrawSample on the thread that delivers frames.
 #include <windows.h>
 
 #include <d3d9.h>
 #include <mfidl.h>
 
+#include <cstdint>
+
+#include "preview/DeviceLoss.h"
 #include "preview/FormatTable.h"
 
 class Device {
@@ -33,8 +40,15 @@ class Device {
     // failure nothing is configured.
     [[nodiscard]] HRESULT ConfigureVideo(IMFMediaType* type);
 
-    // Converts, mirrors and presents one frame. S_FALSE: the buffer was too short for the agreed size and was dropped.
+    // Converts, mirrors and presents one frame. S_OK also for a frame that is dropped because there is no device for
+    // now. S_FALSE: the buffer does not hold a frame of the agreed size and was dropped.
     [[nodiscard]] HRESULT DrawSample(IMFMediaBuffer* buffer);
+
+    // Frames are dropped until Recover has found the device again.
+    bool IsLost() const { return loss_.IsLost(); }
+    // Tries to get a lost device back, once a second at most, and never with a box. S_FALSE: not yet. A failure: it
+    // will not come back. REQUIRES: the window's thread.
+    [[nodiscard]] HRESULT Recover(std::uint64_t nowMs);
 
     // Releases swap chain, device and Direct3D object. Size and format survive, so that a reset can build them anew.
     void Destroy();
@@ -47,23 +61,31 @@ class Device {
     IDirect3DDevice9* Direct3DDevice() const { return device_; }
 
   private:
+    HRESULT FindDirect3D();
+    HRESULT CreateDevice(HWND window);
     HRESULT AdoptMediaType(IMFMediaType* type);
     HRESULT CreateSwapChain();
     void UpdateTargetRect();
     HRESULT DrawFrame(const BYTE* firstRow, LONG stride);
     void Convert(D3DLOCKED_RECT* locked, const BYTE* firstRow, LONG stride);
     HRESULT Present(IDirect3DSurface9* surface);
+    void TellBadBuffer();
     HRESULT CheckDevice();
     HRESULT Reset();
+    HRESULT RestoreSwapChain();
 
     HWND window_ = nullptr;  // borrowed
+    DWORD windowThread_ = 0;
     IDirect3DDevice9* device_ = nullptr;
     IDirect3D9* direct3d_ = nullptr;
     IDirect3DSwapChain9* swapChain_ = nullptr;
-    D3DPRESENT_PARAMETERS deviceParameters_ = {};
+    D3DPRESENT_PARAMETERS deviceParameters_ = {};  // with no size, which is the window's at each reset
+    preview::DeviceLoss loss_;
     DWORD format_ = 0;  // the first 32 bits of the subtype; 0: not configured
     UINT32 widthPx_ = 0;
     UINT32 heightPx_ = 0;
+    RECT picture_ = {};               // the part of a frame that is to be seen
+    bool tellsBadBuffers_ = false;    // none was told of since the type was adopted
     UINT32 pixelAspect_[2] = {1, 1};  // width to height
     LONG defaultStride_ = 0;          // bytes; negative: bottom-up
     UINT32 interlaceMode_ = MFVideoInterlace_Progressive;

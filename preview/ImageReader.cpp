@@ -30,29 +30,29 @@ bool ImageReader::OpenFirstFrame(const std::wstring& path) {
     const HRESULT created = CoCreateInstance(CLSID_WICImagingFactory2, nullptr, CLSCTX_INPROC_SERVER,
                                              IID_IWICImagingFactory, reinterpret_cast<void**>(&factory_));
     if (created != S_OK) {
-        LogLine(4, kOpen, L"open error creatInstance", created);
+        LogLine(LogLevel::kError, kOpen, L"open error creatInstance", created);
         return false;
     }
     if (factory_->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
                                             &decoder_) != S_OK) {
-        LogLine(4, kOpen, L"open error creatDecoder");
+        LogLine(LogLevel::kError, kOpen, L"open error creatDecoder");
         return false;
     }
     if (decoder_->GetFrame(0, &frame_) != S_OK) {
-        LogLine(4, kOpen, L"open error getFrame");
+        LogLine(LogLevel::kError, kOpen, L"open error getFrame");
         return false;
     }
     if (frame_->GetSize(&widthPx_, &heightPx_) != S_OK) {
-        LogLine(4, kOpen, L"open error getSize");
+        LogLine(LogLevel::kError, kOpen, L"open error getSize");
         return false;
     }
     WICPixelFormatGUID format = {};
     if (frame_->GetPixelFormat(&format) != S_OK) {
-        LogLine(4, kOpen, L"open error GetPixelFormat");
+        LogLine(LogLevel::kError, kOpen, L"open error GetPixelFormat");
         return false;
     }
     if (!IsAccepted(format)) {
-        LogLine(4, kOpen, L"open error pixelFormat not support");
+        LogLine(LogLevel::kError, kOpen, L"open error pixelFormat not support");
         return false;
     }
     return true;

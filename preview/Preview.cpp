@@ -3,44 +3,33 @@
 #include <shlwapi.h>
 
 #include <new>
+#include <utility>
 
 #include "preview/CameraAllowList.h"
+#include "preview/CameraThreads.h"
+#include "preview/ReadPause.h"
 #include "preview/ReaderPark.h"
+#include "preview/ReaderSystem.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
-namespace {
+using preview::SampleGuard;
 
-class SampleGuard {
-  public:
-    explicit SampleGuard(CRITICAL_SECTION& lock) : lock_(lock) { EnterCriticalSection(&lock_); }
-    ~SampleGuard() { LeaveCriticalSection(&lock_); }
-    SampleGuard(const SampleGuard&) = delete;
-    SampleGuard& operator=(const SampleGuard&) = delete;
-
-  private:
-    CRITICAL_SECTION& lock_;
-};
-
-}  // namespace
-
-Preview::Preview(HWND videoWindow, HWND eventWindow) : videoWindow_(videoWindow), eventWindow_(eventWindow) {
-    InitializeCriticalSection(&sampleLock_);
-}
+Preview::Preview(HWND videoWindow, HWND eventWindow) : videoWindow_(videoWindow), eventWindow_(eventWindow) {}
 
 Preview::~Preview() {
     Close();
     ComRelease(spareReference_);
     DestroyRenderer();
-    DeleteCriticalSection(&sampleLock_);
 }
 
 HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** result) {
-    if (videoWindow == nullptr || eventWindow == nullptr || result == nullptr) {
+    if (!videoWindow || !eventWindow || !result) {
         return E_POINTER;
     }
     auto* preview = new (std::nothrow) Preview(videoWindow, eventWindow);
-    if (preview == nullptr) {
+    if (!preview) {
         return E_OUTOFMEMORY;
     }
     const HRESULT status = preview->Initialize();
@@ -48,7 +37,7 @@ HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** re
         *result = preview;
         preview->AddRef();
     }
-    preview->Release();
+    ComRelease(preview);
     return status;
 }
 
@@ -56,54 +45,67 @@ HRESULT Preview::Initialize() {
     return renderer_.Open(videoWindow_);
 }
 
-bool Preview::Start(UINT32 /*ignored*/) {
-    // A preview that reads is closed before the start lock is taken: its callback may hold the sample lock and wait
-    // for the start lock.
-    Close();
-    const std::lock_guard guard(startLock_);
-    Close();
-    const INT32 index = SelectDevice();
-    if (index < 0) {
-        return false;
-    }
-    if (!CreateDeviceSource(index)) {
-        LogLine(4, L"Preview::Start", L"create device source error!");
-        return false;
-    }
-    lastFrameTickMs_ = GetTickCount64();
-    state_ = 1;
-    return true;
-}
-
 HRESULT Preview::Close() {
-    const SampleGuard guard(sampleLock_);
-    if (IMFSourceReader* reader = reader_.exchange(nullptr)) {
-        // Kept: not released here, under the lock; a callback on its way finds null and returns.
+    IMFSourceReader* reader = nullptr;
+    std::shared_ptr<preview::OpenCamera> camera;
+    {
+        const std::scoped_lock lock(captureLock_);
+        ++generation_;
+        state_ = 0;
+        reader = reader_.exchange(nullptr);
+        camera = std::move(camera_);
+        ComRelease(spareReference_);
+        CoTaskMemFree(symbolicLink_);
+        symbolicLink_ = nullptr;
+        symbolicLinkLength_ = 0;
+    }
+    {
+        // The picture that is being drawn comes to its end. Where it does not, the device hangs, and the camera does
+        // not wait for it: a frame keeps its own memory.
+        const SampleGuard drawn(sampleLock_, kDrawingWait);
+        drawingHangs_ = !drawn.IsHeld();
+    }
+    if (reader) {
+        // Kept: not released here; a callback on its way finds null and returns.
         preview::ParkReader(reader);
     }
-    ComRelease(spareReference_);
-    CoTaskMemFree(symbolicLink_);
-    symbolicLink_ = nullptr;
-    symbolicLinkLength_ = 0;
-    state_ = 0;
-    if (mediaSource_ != nullptr) {
-        mediaSource_->Shutdown();
-        ComRelease(mediaSource_);
+    if (camera && !preview::CloseCamera(std::move(camera), kClosingWait)) {
+        LogLine(LogLevel::kInfo, L"Preview::Close", L"the camera takes long to close; nobody waits for it");
     }
-    if (devices_ != nullptr) {
-        for (UINT32 i = 0; i < deviceCount_; ++i) {
-            ComRelease(devices_[i]);
-        }
-        CoTaskMemFree(devices_);
-        devices_ = nullptr;
-    }
-    ComRelease(enumerationAttributes_);
-    ComRelease(mediaType_);
     return S_OK;
 }
 
-void Preview::DestroyRenderer() {
+bool Preview::DestroyRenderer() {
+    if (recovering_) {
+        return false;
+    }
+    // Close has waited already.
+    const SampleGuard guard(sampleLock_, drawingHangs_ ? std::chrono::milliseconds(0) : kDrawingWait);
+    if (!guard.IsHeld()) {
+        return false;
+    }
     renderer_.Destroy();
+    return true;
+}
+
+HRESULT Preview::RecoverDevice() {
+    if (recovering_) {
+        return S_FALSE;
+    }
+    const SampleGuard guard(sampleLock_, kDrawingWait);
+    if (!guard.IsHeld()) {
+        return S_FALSE;
+    }
+    recovering_ = true;
+    const HRESULT result = renderer_.Recover(GetTickCount64());
+    recovering_ = false;
+    deviceLost_ = renderer_.IsLost();
+    return result;
+}
+
+std::wstring Preview::CameraLink() const {
+    const std::scoped_lock lock(captureLock_);
+    return camera_ ? camera_->link : std::wstring();
 }
 
 bool Preview::IsAllowedCamera(std::wstring symbolicLink) {
@@ -130,28 +132,53 @@ STDMETHODIMP_(ULONG) Preview::Release() {
     return count;
 }
 
-STDMETHODIMP Preview::OnReadSample(HRESULT /*status*/, DWORD /*streamIndex*/, DWORD /*streamFlags*/,
-                                   LONGLONG timestampHns, IMFSample* sample) {
-    if (reader_ == nullptr) {
+void Preview::PostFailure(HRESULT result, UINT32 generation) {
+    // Under the lock: what Close has ended posts nothing any more.
+    const std::scoped_lock lock(captureLock_);
+    if (generation == generation_) {
+        PostMessageW(eventWindow_, eventMessage_, static_cast<WPARAM>(result), 0);
+    }
+}
+
+void Preview::TellLoss() {
+    if (renderer_.IsLost() && !deviceLost_.exchange(true)) {
+        PostMessageW(videoWindow_, kDeviceMessage, 0, 0);
+    }
+}
+
+// --- reading
+
+STDMETHODIMP Preview::OnReadSample(HRESULT status, DWORD /*streamIndex*/, DWORD streamFlags, LONGLONG timestampHns,
+                                   IMFSample* sample) {
+    const UINT32 generation = generation_;
+    if (!reader_) {
         return S_OK;
     }
     try {
         const SampleGuard guard(sampleLock_);
         // Closed while this callback waited.
-        if (reader_ == nullptr) {
+        if (generation != generation_) {
             return S_OK;
         }
-        return HandleSample(timestampHns, sample);
+        const HRESULT result = HandleSample(status, streamFlags, timestampHns, sample);
+        if (FAILED(result)) {
+            PostFailure(result, generation);
+        }
+        return result;
     } catch (...) {
-        LogLine(4, L"Preview::OnReadSample", L"exception in the reader's callback");
+        LogLine(LogLevel::kError, L"Preview::OnReadSample", L"exception in the reader's callback");
+        PostFailure(E_FAIL, generation);
         return E_FAIL;
     }
 }
 
-// Kept: a failed read without a sample only leads to the next read.
-HRESULT Preview::HandleSample(LONGLONG timestampHns, IMFSample* sample) {
+HRESULT Preview::HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample) {
+    const DWORD typeChanged = MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED | MF_SOURCE_READERF_NATIVEMEDIATYPECHANGED;
     HRESULT result = S_OK;
-    if (sample != nullptr) {
+    if ((streamFlags & typeChanged) != 0 && (streamFlags & MF_SOURCE_READERF_ERROR) == 0) {
+        result = AdoptChangedType();
+    }
+    if (sample && SUCCEEDED(result)) {
         if (firstSamplePending_) {
             baseTimeHns_ = timestampHns;
             firstSamplePending_ = FALSE;
@@ -160,39 +187,115 @@ HRESULT Preview::HandleSample(LONGLONG timestampHns, IMFSample* sample) {
         if (SUCCEEDED(result)) {
             result = DrawFirstBuffer(sample);
         }
-        if (FAILED(result)) {
-            PostFailure(result);
-            return result;
-        }
-        result = S_OK;
     }
-    {
-        const std::lock_guard guard(startLock_);
-        if (state_ == 1 && reader_ != nullptr) {
-            result = RequestSample();
-        }
-    }
-    if (FAILED(result)) {
-        PostFailure(result);
+    return SUCCEEDED(result) ? ReadOn(status, streamFlags, sample != nullptr) : result;
+}
+
+// The reader delivers another type from now on, with this sample.
+HRESULT Preview::AdoptChangedType() {
+    suite::ComReference<IMFMediaType> type;
+    HRESULT result = reader_.load()->GetCurrentMediaType(reader_system::kVideoStream, type.Put());
+    if (SUCCEEDED(result)) {
+        result = renderer_.ConfigureVideo(type.Get());
+        TellLoss();
     }
     return result;
 }
 
 HRESULT Preview::DrawFirstBuffer(IMFSample* sample) {
-    IMFMediaBuffer* buffer = nullptr;
-    HRESULT result = sample->GetBufferByIndex(0, &buffer);
+    suite::ComReference<IMFMediaBuffer> buffer;
+    HRESULT result = sample->GetBufferByIndex(0, buffer.Put());
     if (SUCCEEDED(result)) {
-        result = renderer_.DrawSample(buffer);
+        result = renderer_.DrawSample(buffer.Get());
+        TellLoss();
         if (result == S_OK) {
             lastFrameTickMs_ = GetTickCount64();
+            lastReadFailure_ = S_OK;
         }
     }
-    ComRelease(buffer);
-    return result;
+    return SUCCEEDED(result) ? S_OK : result;
 }
 
-void Preview::PostFailure(HRESULT result) {
-    PostMessageW(eventWindow_, eventMessage_, static_cast<WPARAM>(result), 0);
+// Kept: a failed read without a sample only leads to the next read. But the next one may fail as fast: from the third
+// in a row each waits a little. After an error of the reader nothing may be asked of it any more; that read fails here.
+HRESULT Preview::ReadOn(HRESULT status, DWORD streamFlags, bool hasSample) {
+    if (!hasSample && FAILED(status)) {
+        lastReadFailure_ = status;
+    }
+    if ((streamFlags & MF_SOURCE_READERF_ERROR) != 0) {
+        return FAILED(status) ? status : E_FAIL;
+    }
+    if (hasSample) {
+        readsWithoutFrame_ = 0;
+    } else if ((streamFlags & MF_SOURCE_READERF_STREAMTICK) == 0) {
+        ++readsWithoutFrame_;
+        const int pauseMs = preview::PauseBeforeReadMs(readsWithoutFrame_);
+        if (pauseMs > 0 && ReadAfterPause(pauseMs)) {
+            return S_OK;
+        }
+    }
+    return RequestSample();
+}
+
+HRESULT Preview::RequestSample() {
+    const std::scoped_lock guard(startLock_);
+    IMFSourceReader* reader = reader_;
+    if (state_ != 1 || !reader) {
+        return S_OK;
+    }
+    // Closed in this moment, the reader waits in the park; a call that hangs may take longer than that.
+    reader->AddRef();
+    const HRESULT result = reader->ReadSample(reader_system::kVideoStream, 0, nullptr, nullptr, nullptr, nullptr);
+    if (reader_ == reader) {
+        ComRelease(reader);  // not the last one, which must not be given back here
+    } else {
+        preview::ParkReader(reader);
+    }
+    // What the last read told is the better reason.
+    return FAILED(result) && FAILED(lastReadFailure_) ? lastReadFailure_.load() : result;
+}
+
+namespace {
+
+struct Pause {
+    Preview* preview;  // a reference
+    UINT32 generation;
+};
+
+}  // namespace
+
+bool Preview::ReadAfterPause(int pauseMs) {
+    constexpr LONGLONG kHnsPerMs = 10'000;
+    auto pause = std::make_unique<Pause>(Pause{this, generation_});
+    PTP_TIMER timer = CreateThreadpoolTimer(OnPauseOver, pause.get(), nullptr);
+    if (!timer) {
+        return false;
+    }
+    AddRef();
+    (void)pause.release();
+    ULARGE_INTEGER relative;
+    relative.QuadPart = static_cast<ULONGLONG>(-pauseMs * kHnsPerMs);
+    FILETIME due = {relative.LowPart, relative.HighPart};
+    SetThreadpoolTimer(timer, &due, 0, 0);
+    return true;
+}
+
+void CALLBACK Preview::OnPauseOver(PTP_CALLBACK_INSTANCE /*instance*/, void* context, PTP_TIMER timer) {
+    const std::unique_ptr<Pause> pause(static_cast<Pause*>(context));
+    pause->preview->ReadNow(pause->generation);
+    CloseThreadpoolTimer(timer);
+    ComRelease(pause->preview);
+}
+
+void Preview::ReadNow(UINT32 generation) {
+    const SampleGuard guard(sampleLock_);
+    if (generation != generation_) {
+        return;
+    }
+    const HRESULT result = RequestSample();
+    if (FAILED(result)) {
+        PostFailure(result, generation);
+    }
 }
 
 STDMETHODIMP Preview::OnFlush(DWORD /*streamIndex*/) {

@@ -1,24 +1,30 @@
 // The part of Preview that finds, opens and agrees with the camera; all of it runs under the start lock.
-#include <string>
+#include <utility>
 
 #include "preview/CameraSystem.h"
 #include "preview/MediaFoundation.h"
 #include "preview/Preview.h"
+#include "preview/ReaderPark.h"
 #include "preview/ReaderSystem.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
+using preview::SampleGuard;
+using reader_system::kVideoStream;
+
 namespace {
 
-constexpr DWORD kVideoStream = static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
-
-// How many formats are offered to a camera while one type after the other is tried, not counting the first offer of
-// each format to each type. A camera that accepts nothing ends in a failure, not in a walk without end.
+// How many types are set in all, whatever the camera lists: one that accepts nothing ends in a failure, not in a walk
+// without end.
 constexpr UINT32 kMostOffers = 64;
+
+// For what is drawn in the last moment of the capture before.
+constexpr std::chrono::seconds kRendererPatience{2};
+constexpr HRESULT kRendererBusy = HRESULT_FROM_WIN32(ERROR_TIMEOUT);
 
 // Null text (the read failed) gives an empty link.
 std::wstring TakeText(WCHAR* text) {
-    std::wstring copy = text != nullptr ? text : L"";
+    std::wstring copy = text ? text : L"";
     CoTaskMemFree(text);
     return copy;
 }
@@ -40,62 +46,102 @@ HRESULT CopyNativeType(IMFSourceReader* reader, DWORD index, IMFMediaType** copy
 
 }  // namespace
 
+bool Preview::Start(UINT32 /*ignored*/) {
+    // A preview that reads is closed before the start lock is taken: its callback may hold the sample lock and wait
+    // for the start lock.
+    Close();
+    const std::scoped_lock guard(startLock_);
+    Close();
+    openingGeneration_ = generation_;
+    published_ = false;
+    opening_ = std::make_shared<preview::OpenCamera>();
+    const INT32 index = SelectDevice();
+    const bool opened = index >= 0 && CreateDeviceSource(index);
+    const std::shared_ptr<preview::OpenCamera> camera = std::move(opening_);
+    ComRelease(openingReader_);
+    bool cancelled = false;
+    {
+        const std::scoped_lock lock(captureLock_);
+        cancelled = IsCancelled();
+        if (!cancelled) {
+            camera_ = camera;  // what a failure leaves is the next Close's
+            state_ = opened ? 1 : 0;
+            lastFrameTickMs_ = GetTickCount64();
+        }
+    }
+    if (cancelled && !published_) {
+        camera->ShutDown();
+    } else if (!cancelled && !opened && index >= 0) {
+        LogLine(LogLevel::kError, L"Preview::Start", L"create device source error!");
+    }
+    return opened && !cancelled;
+}
+
 INT32 Preview::SelectDevice() {
-    deviceCount_ = 0;
-    if (FAILED(media_foundation::CreateAttributes(&enumerationAttributes_, 1)) ||
-        FAILED(enumerationAttributes_->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE,
-                                               MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID))) {
+    preview::OpenCamera& camera = *opening_;
+    if (FAILED(media_foundation::CreateAttributes(&camera.enumerationAttributes, 1)) ||
+        FAILED(camera.enumerationAttributes->SetGUID(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE,
+                                                     MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_GUID))) {
         return -1;
     }
-    if (FAILED(camera_system::EnumDeviceSources(enumerationAttributes_, &devices_, &deviceCount_))) {
-        LogLine(4, L"Preview::SelectDevice", L"enum device error!");
+    if (FAILED(camera_system::EnumDeviceSources(camera.enumerationAttributes, &camera.devices, &camera.deviceCount))) {
+        LogLine(LogLevel::kError, L"Preview::SelectDevice", L"enum device error!");
         return -1;
     }
-    if (deviceCount_ == 0) {
-        LogLine(4, L"Preview::SelectDevice", L"can not find any video device!");
+    if (camera.deviceCount == 0) {
+        LogLine(LogLevel::kError, L"Preview::SelectDevice", L"can not find any video device!");
         return -1;
     }
-    for (UINT32 i = 0; i < deviceCount_; ++i) {
+    for (UINT32 i = 0; i < camera.deviceCount; ++i) {
         WCHAR* text = nullptr;
         UINT32 length = 0;
-        const HRESULT result =
-            devices_[i]->GetAllocatedString(MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_SYMBOLIC_LINK, &text, &length);
-        const std::wstring link = TakeText(text);
-        if (SUCCEEDED(result) && IsAllowedCamera(link)) {
+        const HRESULT result = camera.devices[i]->GetAllocatedString(
+            MF_DEVSOURCE_ATTRIBUTE_SOURCE_TYPE_VIDCAP_SYMBOLIC_LINK, &text, &length);
+        camera.link = TakeText(text);
+        if (SUCCEEDED(result) && IsAllowedCamera(camera.link)) {
             return static_cast<INT32>(i);
         }
     }
-    LogLine(4, L"Preview::SelectDevice", L"can not find any valid video device!");
+    LogLine(LogLevel::kError, L"Preview::SelectDevice", L"can not find any valid video device!");
     return -1;
 }
 
 bool Preview::CreateDeviceSource(INT32 index) {
-    const auto fail = [](const wchar_t* text) {
-        LogLine(4, L"Preview::CreateDeviceSource", text);
+    preview::OpenCamera& camera = *opening_;
+    // What Close has ended fails for that reason alone.
+    const auto fail = [this](const wchar_t* text, HRESULT result) {
+        if (!IsCancelled()) {
+            LogLine(LogLevel::kError, L"Preview::CreateDeviceSource", text);
+            LogLine(LogLevel::kInfo, L"Preview::CreateDeviceSource", L"the reason is 0x", std::hex, result,
+                    result == E_ACCESSDENIED ? L": the privacy settings keep the camera from this program" : L"");
+        }
         return false;
     };
-    if (FAILED(camera_system::CreateDeviceSource(devices_[index], &mediaSource_))) {
-        return fail(L"create device source error!");
+    HRESULT result = camera_system::CreateDeviceSource(camera.devices[index], &camera.source);
+    if (FAILED(result)) {
+        return fail(L"create device source error!", result);
     }
     IMFAttributes* attributes = nullptr;
     if (FAILED(media_foundation::CreateAttributes(&attributes, 1))) {
         return false;
     }
     attributes->SetUnknown(MF_SOURCE_READER_ASYNC_CALLBACK, this);
-    const HRESULT created = CreateReader(mediaSource_, attributes);
+    result = CreateReader(camera.source, attributes);
     ComRelease(attributes);
-    if (FAILED(created)) {
-        return fail(L"create source reader error!");
+    if (FAILED(result)) {
+        return fail(L"create source reader error!", result);
     }
-    IMFSourceReader* reader = reader_;
-    if (FAILED(reader->GetCurrentMediaType(kVideoStream, &mediaType_))) {
-        return fail(L"get media type error!");
+    result = openingReader_->GetCurrentMediaType(kVideoStream, &camera.mediaType);
+    if (FAILED(result)) {
+        return fail(L"get media type error!", result);
     }
-    if (FAILED(mediaType_->GetGUID(MF_MT_SUBTYPE, &subtype_))) {
-        return fail(L"get subtype error!");
+    result = camera.mediaType->GetGUID(MF_MT_SUBTYPE, &camera.subtype);
+    if (FAILED(result)) {
+        return fail(L"get subtype error!", result);
     }
-    if (FAILED(MFGetAttributeSize(mediaType_, MF_MT_FRAME_SIZE, &frameWidthPx_, &frameHeightPx_))) {
-        return fail(L"get frame size error!");
+    result = MFGetAttributeSize(camera.mediaType, MF_MT_FRAME_SIZE, &camera.frameWidthPx, &camera.frameHeightPx);
+    if (FAILED(result)) {
+        return fail(L"get frame size error!", result);
     }
     return true;
 }
@@ -106,19 +152,37 @@ HRESULT Preview::CreateReader(IMFMediaSource* source, IMFAttributes* attributes)
     if (SUCCEEDED(result)) {
         result = NegotiateMediaType(reader);
     }
-    firstSamplePending_ = TRUE;
-    baseTimeHns_ = 0;
-    // Only now may a callback find a reader: a late one of an earlier reader must not draw while the renderer is being
-    // configured.
-    reader_ = reader;
-    if (SUCCEEDED(result) && reader != nullptr) {
-        result = RequestSample();
+    if (!reader) {
+        return result;
     }
-    return result;
+    openingReader_ = reader;
+    reader->AddRef();  // may be closed and released by others from here on
+    if (!Publish(reader)) {
+        preview::ParkReader(reader);
+        return E_ABORT;
+    }
+    return SUCCEEDED(result) ? reader->ReadSample(kVideoStream, 0, nullptr, nullptr, nullptr, nullptr) : result;
 }
 
-HRESULT Preview::RequestSample() {
-    return reader_.load()->ReadSample(kVideoStream, 0, nullptr, nullptr, nullptr, nullptr);
+bool Preview::Publish(IMFSourceReader* reader) {
+    // Only now may a callback find a reader: a late one of an earlier reader must not draw while the renderer is being
+    // configured.
+    const SampleGuard guard(sampleLock_, kRendererPatience);
+    if (!guard.IsHeld()) {
+        return false;
+    }
+    firstSamplePending_ = TRUE;
+    baseTimeHns_ = 0;
+    readsWithoutFrame_ = 0;
+    lastReadFailure_ = S_OK;
+    const std::scoped_lock lock(captureLock_);
+    if (IsCancelled()) {
+        return false;
+    }
+    camera_ = opening_;
+    reader_ = reader;
+    published_ = true;
+    return true;
 }
 
 HRESULT Preview::NegotiateMediaType(IMFSourceReader* reader) {
@@ -126,12 +190,12 @@ HRESULT Preview::NegotiateMediaType(IMFSourceReader* reader) {
     IMFMediaType* type = nullptr;
     HRESULT result = reader->GetCurrentMediaType(kVideoStream, &type);
     if (SUCCEEDED(result)) {
-        result = TryMediaType(reader, type);
+        result = TryMediaType(reader, type, true);
     }
     ComRelease(type);
-    for (DWORD index = 0; FAILED(result); ++index) {
+    for (DWORD index = 0; FAILED(result) && offersLeft_ > 0 && !IsCancelled(); ++index) {
         const HRESULT copied = CopyNativeType(reader, index, &type);
-        result = SUCCEEDED(copied) ? TryMediaType(reader, type) : copied;
+        result = SUCCEEDED(copied) ? TryMediaType(reader, type, false) : copied;
         ComRelease(type);
         if (FAILED(copied)) {
             break;
@@ -140,38 +204,74 @@ HRESULT Preview::NegotiateMediaType(IMFSourceReader* reader) {
     return result;
 }
 
-HRESULT Preview::TryMediaType(IMFSourceReader* reader, IMFMediaType* type) {
+HRESULT Preview::TryMediaType(IMFSourceReader* reader, IMFMediaType* type, bool isCurrent) {
     GUID subtype = {};
     HRESULT result = type->GetGUID(MF_MT_SUBTYPE, &subtype);
-    if (SUCCEEDED(result) && !renderer_.IsFormatSupported(subtype)) {
-        result = OfferFormats(reader, type, &subtype);
-    }
     if (FAILED(result)) {
         return result;
     }
-    negotiatedSubtype_ = subtype;
-    return renderer_.ConfigureVideo(type);
+    const bool supported = renderer_.IsFormatSupported(subtype);
+    if (supported && isCurrent) {
+        return ConfigureRenderer(type);
+    }
+    // A type that can be drawn, but is not the current one, is made so first.
+    result = supported ? Offer(reader, type) : OfferFormats(reader, type);
+    if (FAILED(result)) {
+        return result;
+    }
+    // The renderer is configured for what the reader delivers: a decoder decides size and stride itself.
+    IMFMediaType* delivered = nullptr;
+    result = reader->GetCurrentMediaType(kVideoStream, &delivered);
+    if (SUCCEEDED(result)) {
+        result = ConfigureRenderer(delivered);
+    }
+    ComRelease(delivered);
+    return result;
 }
 
-// Offers the renderer's formats in their order. Kept: past the table's end the last offer is repeated, for a camera may
-// refuse for a moment only; but the repetitions of all types together are limited.
-HRESULT Preview::OfferFormats(IMFSourceReader* reader, IMFMediaType* type, GUID* subtype) {
-    const size_t formats = preview::FormatTable().size();
-    for (UINT index = 0;; ++index) {
-        (void)renderer_.GetFormat(index, subtype);
-        HRESULT result = type->SetGUID(MF_MT_SUBTYPE, *subtype);
-        if (FAILED(result)) {
-            return result;
-        }
-        result = reader->SetCurrentMediaType(kVideoStream, nullptr, type);
-        if (SUCCEEDED(result)) {
-            return result;
-        }
-        if (offersLeft_ > 0) {
-            --offersLeft_;
-        }
-        if (offersLeft_ == 0 && index + 1 >= formats) {
-            return result;
-        }
+// Offers the renderer's formats in their order, each once: what was refused once is refused again.
+HRESULT Preview::OfferFormats(IMFSourceReader* reader, IMFMediaType* type) {
+    IMFMediaType* offered = nullptr;
+    HRESULT result = media_foundation::CreateMediaType(&offered);
+    if (SUCCEEDED(result)) {
+        result = type->CopyAllItems(offered);
     }
+    if (FAILED(result)) {
+        ComRelease(offered);
+        return result;
+    }
+    // They are those of the type that the offer is copied from.
+    offered->DeleteItem(MF_MT_DEFAULT_STRIDE);
+    offered->DeleteItem(MF_MT_SAMPLE_SIZE);
+    GUID subtype = {};
+    bool accepted = false;
+    for (UINT index = 0; !accepted && offersLeft_ > 0 && SUCCEEDED(renderer_.GetFormat(index, &subtype)); ++index) {
+        result = offered->SetGUID(MF_MT_SUBTYPE, subtype);
+        if (FAILED(result)) {
+            break;
+        }
+        result = Offer(reader, offered);
+        accepted = SUCCEEDED(result);
+    }
+    ComRelease(offered);
+    return result;
+}
+
+HRESULT Preview::Offer(IMFSourceReader* reader, IMFMediaType* type) {
+    --offersLeft_;
+    return reader->SetCurrentMediaType(kVideoStream, nullptr, type);
+}
+
+HRESULT Preview::ConfigureRenderer(IMFMediaType* type) {
+    HRESULT result = type->GetGUID(MF_MT_SUBTYPE, &opening_->negotiatedSubtype);
+    if (FAILED(result)) {
+        return result;
+    }
+    const SampleGuard guard(sampleLock_, kRendererPatience);
+    if (!guard.IsHeld() || IsCancelled()) {
+        return kRendererBusy;
+    }
+    result = renderer_.ConfigureVideo(type);
+    TellLoss();
+    return result;
 }

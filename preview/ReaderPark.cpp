@@ -4,6 +4,7 @@
 #include <mutex>
 #include <vector>
 
+#include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
 namespace preview {
@@ -32,10 +33,10 @@ class ReaderPark {
     static void CALLBACK OnTimer(PTP_CALLBACK_INSTANCE /*instance*/, void* context, PTP_TIMER /*timer*/) {
         try {
             for (IMFSourceReader* reader : static_cast<ReaderPark*>(context)->TakeDue()) {
-                reader->Release();
+                ComRelease(reader);
             }
         } catch (...) {
-            LogLine(4, L"ReaderPark::OnTimer", L"exception while readers are released");
+            LogLine(LogLevel::kError, L"ReaderPark::OnTimer", L"exception while readers are released");
         }
     }
 
@@ -82,7 +83,7 @@ void ParkReader(IMFSourceReader* reader) {
     try {
         ThePark().Add(reader);
     } catch (...) {
-        LogLine(4, L"preview::ParkReader", L"no memory to park a reader; it is leaked");
+        LogLine(LogLevel::kError, L"preview::ParkReader", L"no memory to park a reader; it is leaked");
     }
 }
 

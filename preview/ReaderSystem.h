@@ -11,6 +11,9 @@
 
 namespace reader_system {
 
+// Of a reader's calls: the only stream that anybody reads.
+constexpr DWORD kVideoStream = static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
+
 // MFCreateSourceReaderFromMediaSource.
 HRESULT CreateFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes, IMFSourceReader** reader);
 

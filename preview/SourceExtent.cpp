@@ -33,6 +33,21 @@ SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t wid
             std::max<std::int64_t>(0, lastRow) + RowBytes(format, std::llabs(step), width)};
 }
 
+std::int32_t GaplessStride(PixelFormat format, std::uint32_t width) {
+    const auto columns = static_cast<std::int32_t>(width);
+    switch (format) {
+        case PixelFormat::kRgb32:
+            return 4 * columns;
+        case PixelFormat::kRgb24:
+            return (3 * columns + 3) / 4 * 4;
+        case PixelFormat::kYuy2:
+            return (columns + 1) / 2 * 4;
+        case PixelFormat::kNv12:
+            break;
+    }
+    return columns;
+}
+
 std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height) {
     const std::int64_t rowBytes = RowBytes(format, 0, width);
     const std::int64_t rows = format == PixelFormat::kNv12 ? std::int64_t{height} + height / 2 : std::int64_t{height};

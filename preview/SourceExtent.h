@@ -7,7 +7,7 @@
 
 namespace preview {
 
-// REQUIRES of both functions: width and height are at most this.
+// REQUIRES of each function: width and height are at most this.
 constexpr std::uint32_t kMostSide = 0x8000;
 
 // The bytes that a converter reads, relative to the first row's start: from `begin` (0 or less) up to `end`.
@@ -17,6 +17,9 @@ struct SourceExtent {
 };
 
 SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t width, std::uint32_t height);
+
+// The distance of a frame's rows where they follow each other, as the system lays them out: RGB in units of four bytes.
+std::int32_t GaplessStride(PixelFormat format, std::uint32_t width);
 
 // The bytes of a frame whose rows follow each other without a gap.
 std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height);

@@ -5,30 +5,44 @@
 #include "preview/CoverFrame.h"
 #include "preview/MediaFoundation.h"
 #include "preview/ReaderSystem.h"
+#include "preview/SourceExtent.h"
+#include "preview/VisiblePart.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 
-namespace {
+using reader_system::kVideoStream;
 
-constexpr DWORD kVideoStream = static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
+namespace {
 
 constexpr int kMaxCoverFrames = 30;
 constexpr int kMaxCoverReads = 90;  // reads may bring no frame, but no file shall keep the program busy for ever
 constexpr UINT kNotDark = 24;
 
-// Empty when the buffer does not hold a whole frame.
-preview::CoverFrame ShrinkSample(IMFSample* sample, UINT width, UINT height, UINT maxWidth, UINT maxHeight) {
+// Empty when the buffer does not hold a whole frame of that type.
+preview::CoverFrame ShrinkSample(IMFSample* sample, IMFMediaType* type, UINT maxWidth, UINT maxHeight) {
     preview::CoverFrame frame;
-    IMFMediaBuffer* buffer = nullptr;
+    UINT32 width = 0, height = 0;
+    if (MFGetAttributeSize(type, MF_MT_FRAME_SIZE, &width, &height) != S_OK || width == 0 || height == 0 ||
+        width > preview::kMostSide || height > preview::kMostSide) {
+        return frame;
+    }
+    suite::ComReference<IMFMediaBuffer> buffer;
     BYTE* data = nullptr;
     DWORD length = 0;
-    if (sample->ConvertToContiguousBuffer(&buffer) == S_OK && buffer->Lock(&data, nullptr, &length) == S_OK) {
-        const UINT stride = (width + 1) / 2 * 4;
-        if (width > 0 && height > 0 && UINT64{stride} * height <= length) {
-            frame = preview::ShrinkYuy2(data, stride, width, height, maxWidth, maxHeight);
-        }
-        buffer->Unlock();
+    if (sample->ConvertToContiguousBuffer(buffer.Put()) != S_OK || buffer->Lock(&data, nullptr, &length) != S_OK) {
+        return frame;
     }
-    ComRelease(buffer);
+    const UINT stride = (width + 1) / 2 * 4;
+    if (UINT64{stride} * height <= length) {
+        // Two columns share their colour.
+        RECT part = preview::VisiblePart(type, static_cast<LONG>(width), static_cast<LONG>(height));
+        part.left &= ~1L;
+        const BYTE* first =
+            data + static_cast<std::size_t>(part.top) * stride + 2 * static_cast<std::size_t>(part.left);
+        frame = preview::ShrinkYuy2(first, stride, static_cast<UINT>(part.right - part.left),
+                                    static_cast<UINT>(part.bottom - part.top), maxWidth, maxHeight);
+    }
+    buffer->Unlock();
     return frame;
 }
 
@@ -77,23 +91,29 @@ bool VideoReader::GetFrameSize(UINT* widthPx, UINT* heightPx) {
 }
 
 HBITMAP VideoReader::ReadCover(UINT maxWidthPx, UINT maxHeightPx) {
+    constexpr DWORD kNoMore = MF_SOURCE_READERF_ENDOFSTREAM | static_cast<DWORD>(MF_SOURCE_READERF_ERROR);
     preview::CoverFrame cover;
     int frames = 0;
-    for (int reads = 0; reader_ != nullptr && reads < kMaxCoverReads && frames < kMaxCoverFrames; ++reads) {
+    for (int reads = 0; reader_ && reads < kMaxCoverReads && frames < kMaxCoverFrames; ++reads) {
         DWORD stream = 0, flags = 0;
         LONGLONG time = 0;
-        IMFSample* sample = nullptr;
-        const HRESULT result = reader_->ReadSample(kVideoStream, 0, &stream, &flags, &time, &sample);
-        if (SUCCEEDED(result) && sample != nullptr) {
+        suite::ComReference<IMFSample> sample;
+        const HRESULT result = reader_->ReadSample(kVideoStream, 0, &stream, &flags, &time, sample.Put());
+        if (SUCCEEDED(result) && (flags & MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED) != 0) {
+            // A decoder that has seen the first frame knows its size better.
+            ComRelease(mediaType_);
+            if (reader_->GetCurrentMediaType(kVideoStream, &mediaType_) != S_OK) {
+                break;
+            }
+        }
+        if (SUCCEEDED(result) && sample) {
             ++frames;
-            preview::CoverFrame next = ShrinkSample(sample, frameWidthPx_, frameHeightPx_, maxWidthPx, maxHeightPx);
+            preview::CoverFrame next = ShrinkSample(sample.Get(), mediaType_, maxWidthPx, maxHeightPx);
             if (!next.pixels.empty()) {
                 cover = std::move(next);
             }
         }
-        ComRelease(sample);
-        if (FAILED(result) || (flags & (MF_SOURCE_READERF_ENDOFSTREAM | MF_SOURCE_READERF_ERROR)) != 0 ||
-            cover.MeanBrightness() > kNotDark) {
+        if (FAILED(result) || (flags & kNoMore) != 0 || cover.MeanBrightness() > kNotDark) {
             break;
         }
     }

@@ -29,6 +29,8 @@ enum class MessageBoxKind : std::int32_t {
 };
 
 enum class ScreenLockKind : std::int32_t { kLocked = 0 };
+// The computer goes to sleep, or has woken up.
+enum class PowerKind : std::int32_t { kSuspend = 0, kResume = 1 };
 enum class WndMoveKind : std::int32_t { kMoved = 0 };
 // Says that the preview window has to be placed again.
 enum class PreviewPlaceKind : std::int32_t { kPlaceAgain = 0 };
@@ -46,6 +48,7 @@ inline constexpr std::int32_t kPreviewPlaceChannel = 2;
 inline constexpr std::int32_t kScreenLockChannel = 3;
 inline constexpr std::int32_t kWndMoveChannel = 4;
 inline constexpr std::int32_t kOnListenChannel = 6;
+inline constexpr std::int32_t kPowerChannel = 7;
 
 // The background part of a snapshot.
 struct CustBkgrdInfo {

@@ -32,9 +32,13 @@ using GlobalUtils::MessageBoxKind;
 constinit suite::SystemLibrary wtsapi32(L"wtsapi32.dll");
 constinit suite::SystemFunction<decltype(&WTSRegisterSessionNotification)> registerSessionNotification(
     wtsapi32, "WTSRegisterSessionNotification");
+constinit suite::SystemFunction<decltype(&WTSUnRegisterSessionNotification)> unregisterSessionNotification(
+    wtsapi32, "WTSUnRegisterSessionNotification");
 
 // Kept with the messages that announce a move, though no system sends it for one.
 constexpr UINT kMoveSpare = 0x030B;
+
+constexpr unsigned kSessionRetryMs = 10'000;
 
 // Keys of the modal queue beside the message kinds, which are not negative.
 constexpr std::int32_t kDeletionKey = -1;
@@ -79,8 +83,13 @@ void PxMainWnd::Open(HINSTANCE instance) {
     SetIcon(1);
     CenterWindow();
     ToolTipWnd::GetInstance(&PaintManager());
-    const HWND window = FindWindowW(GetWindowClassName(), nullptr);
-    registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION);
+    // Not the window that is found by its class, which may be a stranger's: only its own tells this one of a lock.
+    const HWND window = GetHWND();
+    if (!registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION)) {
+        // Right after signing in the service that tells of locks may not be there yet.
+        DuiLib::UIMainQueue::getInstance()->dispatchAfter(
+            kSessionRetryMs, [window] { registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION); });
+    }
     ShowWindow(true, true);
 }
 
@@ -155,6 +164,7 @@ void PxMainWnd::OnClick(DuiLib::TNotifyUI& msg) {
 
 LRESULT PxMainWnd::OnDestroy(WPARAM, LPARAM, bool& handled) {
     handled = false;
+    unregisterSessionNotification.CallOr(FALSE, GetHWND());
     PostQuitMessage(0);
     return 0;
 }
@@ -198,6 +208,14 @@ void PxMainWnd::PublishMove() {
     PublishPlace();
 }
 
+void PxMainWnd::PublishPower(WPARAM event) {
+    using GlobalUtils::PowerKind;
+    if (event == PBT_APMSUSPEND || event == PBT_APMRESUMEAUTOMATIC) {
+        KindNotifier<PowerKind>::GetInstance().Publish(
+            GlobalUtils::kPowerChannel, event == PBT_APMSUSPEND ? PowerKind::kSuspend : PowerKind::kResume);
+    }
+}
+
 void PxMainWnd::PublishPlace() {
     using GlobalUtils::PreviewPlaceKind;
     KindNotifier<PreviewPlaceKind>::GetInstance().Publish(GlobalUtils::kPreviewPlaceChannel,
@@ -223,6 +241,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 KindNotifier<ScreenLockKind>::GetInstance().Publish(GlobalUtils::kScreenLockChannel,
                                                                     ScreenLockKind::kLocked);
             }
+            break;
+        case WM_POWERBROADCAST:
+            PublishPower(wParam);
             break;
         case WM_SIZE:
         case WM_SIZING:

@@ -67,6 +67,7 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     void PublishMove();
     // The preview's window, which stands over this one, has to follow.
     static void PublishPlace();
+    static void PublishPower(WPARAM event);
 
     std::map<std::wstring, std::unique_ptr<PageBase>> pages_;
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows

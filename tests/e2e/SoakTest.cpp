@@ -131,6 +131,7 @@ class SoakTest : public testing::Test {
     // what stays loaded, a hundred megabytes on some systems. A random click may come to it early, late or never.
     void UsePreview() {
         constexpr int kTimes = 3;
+        Machine::Expect("[L4] can not find any video device!(Preview::SelectDevice)");
         for (int i = 0; i < kTimes; ++i) {
             program_->Click(L"preview_switch");
             ASSERT_TRUE(WaitUntil([this] { return GetLastActivePopup(program_->Window()) != program_->Window(); }));

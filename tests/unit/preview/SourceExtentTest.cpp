@@ -35,6 +35,17 @@ TEST(SourceExtent, TheLargestSizesDoNotOverflow) {
     EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb32, kMostSide, kMostSide), 0x100000000LL);
 }
 
+TEST(GaplessStride, RowsFollowEachOtherInTheSystemsUnits) {
+    EXPECT_EQ(GaplessStride(PixelFormat::kRgb32, 161), 644);
+    EXPECT_EQ(GaplessStride(PixelFormat::kRgb24, 160), 480);
+    EXPECT_EQ(GaplessStride(PixelFormat::kRgb24, 161), 484);
+    EXPECT_EQ(GaplessStride(PixelFormat::kRgb24, 163), 492);
+    EXPECT_EQ(GaplessStride(PixelFormat::kYuy2, 160), 320);
+    EXPECT_EQ(GaplessStride(PixelFormat::kYuy2, 161), 324);
+    EXPECT_EQ(GaplessStride(PixelFormat::kNv12, 160), 160);
+    EXPECT_EQ(GaplessStride(PixelFormat::kRgb32, kMostSide), 0x20000);
+}
+
 TEST(PackedFrameBytes, OfTheUsualSizes) {
     EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb32, 1280, 720), 3686400);
     EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb24, 1280, 720), 2764800);

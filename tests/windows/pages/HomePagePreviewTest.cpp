@@ -42,7 +42,7 @@ class HomePagePreviewTest : public HomePageTest {
     }
     void TearDown() override {
         HomePageTest::TearDown();
-        EXPECT_EQ(camera_->Seen().running, 0) << "the page left the camera open";
+        EXPECT_TRUE(IsCameraFree()) << "the page left the camera open";
         democamera::SetCameras({});
     }
 
@@ -87,16 +87,25 @@ class HomePagePreviewTest : public HomePageTest {
                                       : L"file='drawable/LumiCamera/unchecked.png' reverse='true'";
         EXPECT_EQ(button.GetNormalImage(), image);
         EXPECT_EQ(button.GetHotImage(), image);
-        EXPECT_TRUE(button.IsEnabled());
         return on;
+    }
+    // While the camera is opened it can not.
+    bool CanBeClicked() { return Control(L"preview_switch").IsEnabled(); }
+    void PressSwitch() {
+        Press(L"preview_switch");
+        ASSERT_TRUE(Wait([this] { return CanBeClicked(); }));
+    }
+    bool IsCameraFree() {
+        return Wait([this] { return camera_->Seen().running == 0; });
     }
     void ExpectOff() {
         EXPECT_FALSE(IsSwitchOn());
+        EXPECT_TRUE(CanBeClicked());
         EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
-        EXPECT_EQ(camera_->Seen().running, 0);
+        EXPECT_TRUE(IsCameraFree());
     }
     void TurnOn() {
-        Press(L"preview_switch");
+        PressSwitch();
         ASSERT_TRUE(IsSwitchOn());
         ASSERT_TRUE(FramesCome());
     }
@@ -179,20 +188,10 @@ TEST_F(HomePagePreviewTest, TheSwitchTurnsItOffThoughTheCameraWasLost) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
-TEST_F(HomePagePreviewTest, ClicksThatCameWhileItStartedAreDropped) {
-    const auto& button = Control(L"preview_switch").GetPos();
-    const LPARAM point = MAKELPARAM((button.left + button.right) / 2, (button.top + button.bottom) / 2);
-    PostMessageW(Host().GetHWND(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-    PostMessageW(Host().GetHWND(), WM_LBUTTONUP, 0, point);
-    Press(L"preview_switch");
-    ASSERT_TRUE(FramesCome());
-    EXPECT_TRUE(IsSwitchOn());
-}
-
 TEST_F(HomePagePreviewTest, WithoutACameraItSaysSo) {
     Expect(kNoDevice);
     democamera::SetCameras({});
-    Press(L"preview_switch");
+    PressSwitch();
     ExpectOff();
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
 }
@@ -258,7 +257,7 @@ TEST_F(HomePagePreviewTest, ALockedScreenTakesTheWindowWithoutEndingTheProgram) 
     Lock();
     EXPECT_THAT(PreviewWindows(), IsEmpty());
     EXPECT_FALSE(IsSwitchOn());
-    EXPECT_EQ(camera_->Seen().running, 0);
+    EXPECT_TRUE(IsCameraFree());
     Serve();
     EXPECT_FALSE(Input::TakeQuit());
     TurnOn();
@@ -268,7 +267,7 @@ TEST_F(HomePagePreviewTest, ALockedScreenTakesTheWindowWithoutEndingTheProgram) 
 TEST_F(HomePagePreviewTest, AWindowThatIsDestroyedByOthersEndsTheProgramAndFreesTheCamera) {
     TurnOn();
     DestroyWindow(PreviewWindow());
-    EXPECT_EQ(camera_->Seen().running, 0);
+    EXPECT_TRUE(IsCameraFree());
     Serve();
     EXPECT_TRUE(Input::TakeQuit());
 }
@@ -277,7 +276,7 @@ TEST_F(HomePagePreviewTest, ThePageThatGoesTakesTheCameraWithIt) {
     TurnOn();
     DestroyPage();
     EXPECT_THAT(PreviewWindows(), IsEmpty());
-    EXPECT_EQ(camera_->Seen().running, 0);
+    EXPECT_TRUE(IsCameraFree());
     Serve();
     EXPECT_FALSE(Input::TakeQuit());
 }
@@ -289,7 +288,7 @@ TEST_F(HomePagePreviewTest, ManyCyclesUseOneWindow) {
         window = window ? window : PreviewWindow();
         ASSERT_EQ(PreviewWindow(), window);
         Press(L"preview_switch");
-        ASSERT_EQ(camera_->Seen().running, 0);
+        ASSERT_TRUE(IsCameraFree());
     }
     EXPECT_EQ(camera_->Seen().opened, Cycles());
     EXPECT_THAT(Messages(), IsEmpty());
@@ -338,7 +337,7 @@ TEST_F(HomePagePreviewTest, AnythingAtAnyMomentNeitherHangsNorCrashes) {
         ASSERT_LE(PreviewWindows().size(), 1U);
         ASSERT_LE(camera_->Seen().running, 1);
         if (!IsSwitchOn()) {
-            ASSERT_EQ(camera_->Seen().running, 0);
+            ASSERT_TRUE(IsCameraFree());  // its opening may not know yet that it is not wanted
         }
         harness::PumpFor(std::chrono::milliseconds(random() % 20));
     }

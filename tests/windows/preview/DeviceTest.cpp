@@ -310,6 +310,8 @@ TEST_F(DeviceTest, ABufferThatIsTooShortIsDropped) {
     IMFMediaBuffer* small = PlaneBuffer(MakeFrame(PixelFormat::kYuy2, 32, 24), false);
     EXPECT_EQ(device_.DrawSample(small), S_FALSE);
     ComRelease(small);
+    const std::string line = "a buffer does not hold a frame of 64x48(Device::DrawSample)";
+    EXPECT_EQ(TakeFailures(), std::vector(6, line)) << "each configured type's first one is told";
 }
 
 TEST_F(DeviceTest, WithoutADeviceFramesAreDropped) {

@@ -11,6 +11,7 @@ namespace preview_test {
 namespace {
 
 constexpr wchar_t kWindowClass[] = L"PreviewTestWindow";
+constexpr UINT kDeviceMessage = WM_APP + 2;
 // Away from the screen's corner, where a desktop may keep something.
 constexpr int kWindowLeft = 40;
 constexpr int kWindowTop = 30;
@@ -52,6 +53,10 @@ LRESULT CALLBACK TestWindow::Procedure(HWND window, UINT message, WPARAM wParam,
     auto* self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (message == harness::Protocol::kCaptureFailed && self != nullptr) {
         self->events_.push_back(wParam);
+        return 0;
+    }
+    if (message == kDeviceMessage && self != nullptr) {
+        ++self->deviceMessages_;
         return 0;
     }
     if (message == WM_PAINT) {
@@ -116,6 +121,17 @@ void PreviewTest::SetUpTestSuite() {
 void PreviewTest::TearDownTestSuite() {
     MFShutdown();
     CoUninitialize();
+}
+
+std::vector<std::string> PreviewTest::Notes() {
+    constexpr std::string_view kLevel = "[L3] ";
+    std::vector<std::string> notes;
+    for (const std::string& line : harness::TestLog::Lines()) {
+        if (line.starts_with(kLevel)) {
+            notes.push_back(line.substr(kLevel.size()));
+        }
+    }
+    return notes;
 }
 
 }  // namespace preview_test

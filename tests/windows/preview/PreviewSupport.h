@@ -36,12 +36,15 @@ class TestWindow {
     void Resize(int width, int height);
     // Numbers of the messages WM_APP + 1 that arrived, with their first parameter.
     const std::vector<WPARAM>& Events() const { return events_; }
+    // How many messages WM_APP + 2 arrived.
+    int DeviceMessages() const { return deviceMessages_; }
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     HWND window_;
     std::vector<WPARAM> events_;
+    int deviceMessages_ = 0;
 };
 
 // What the screen shows where the window's client area is: 0x00RRGGBB, top row first.
@@ -59,6 +62,10 @@ Shot WaitForShot(HWND window, const std::function<bool(const Shot&)>& condition)
 // Whether no channel differs by more.
 bool IsNear(std::uint32_t a, std::uint32_t b, int tolerance);
 
+inline bool IsSame(const RECT& a, const RECT& b) {
+    return EqualRect(&a, &b) != FALSE;
+}
+
 class PreviewTest : public testing::Test {
   protected:
     static void SetUpTestSuite();
@@ -66,6 +73,8 @@ class PreviewTest : public testing::Test {
 
     // The level 4 lines since the last call, as "text(Class::Function)". One that a test does not take fails it.
     static std::vector<std::string> TakeFailures() { return harness::TestLog::TakeFailures(); }
+    // The level 3 lines of the test, in the same form.
+    static std::vector<std::string> Notes();
 };
 
 }  // namespace preview_test

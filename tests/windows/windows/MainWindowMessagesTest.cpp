@@ -11,6 +11,7 @@ namespace {
 
 using GlobalUtils::BeautyKind;
 using GlobalUtils::OnListenKindInfo;
+using GlobalUtils::PowerKind;
 using GlobalUtils::PreviewPlaceKind;
 using GlobalUtils::ScreenLockKind;
 using GlobalUtils::WndMoveKind;
@@ -102,6 +103,17 @@ TEST_F(MainWindowMessagesTest, TheSessionsLockIsToldAndReachesTheBase) {
     Send(WM_WTSSESSION_CHANGE, WTS_SESSION_LOCK, 1);
     EXPECT_THAT(locks_->Kinds(), ElementsAre(ScreenLockKind(0)));
     EXPECT_EQ(passedOn.Count(WM_WTSSESSION_CHANGE), 1);
+}
+
+TEST_F(MainWindowMessagesTest, SleepAndWakingAreToldAndReachTheBase) {
+    HubRecorder<PowerKind> power(GlobalUtils::kPowerChannel);
+    PassedOnMessages passedOn(Manager());
+    for (const WPARAM event : {PBT_APMPOWERSTATUSCHANGE, PBT_APMSUSPEND, PBT_APMRESUMESUSPEND, PBT_APMRESUMEAUTOMATIC,
+                               PBT_POWERSETTINGCHANGE}) {
+        Send(WM_POWERBROADCAST, event);
+    }
+    EXPECT_THAT(power.Kinds(), ElementsAre(PowerKind::kSuspend, PowerKind::kResume));
+    EXPECT_EQ(passedOn.Count(WM_POWERBROADCAST), 5);
 }
 
 TEST_F(MainWindowMessagesTest, UnlockingAndOtherSessionEventsAreNotTold) {

@@ -141,6 +141,61 @@ TEST_F(MainWindowTest, IsRegisteredForTheNewsOfItsSession) {
     Input::TakeQuit();
 }
 
+// Only its own window can pass a lock on to its pages.
+TEST_F(MainWindowTest, IsRegisteredItselfThoughAStrangersWindowIsFound) {
+    Destroy();
+    WNDCLASSW description = {};
+    description.lpfnWndProc = DefWindowProcW;
+    description.hInstance = GetModuleHandleW(L"kernel32.dll");  // classes are known by name and module
+    description.lpszClassName = L"Camera";
+    ASSERT_NE(RegisterClassW(&description), 0);
+    const HWND stranger = CreateWindowExW(WS_EX_TOPMOST, L"Camera", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr,
+                                          description.hInstance, nullptr);
+    ASSERT_NE(stranger, nullptr);
+    ASSERT_EQ(FindWindowW(L"Camera", nullptr), stranger);
+    g_registered.clear();
+    {
+        const harness::FoundFunction hook("WTSRegisterSessionNotification", &Register);
+        MainWindow window;
+        window.Open(GetModuleHandleW(nullptr));
+        EXPECT_THAT(g_registered, ElementsAre(std::pair(window.GetHWND(), DWORD{NOTIFY_FOR_THIS_SESSION})));
+        DestroyWindow(window.GetHWND());
+    }
+    DestroyWindow(stranger);
+    UnregisterClassW(L"Camera", description.hInstance);
+    Input::TakeQuit();
+}
+
+BOOL WINAPI RefuseToRegister(HWND window, DWORD flags) {
+    g_registered.emplace_back(window, flags);
+    return FALSE;
+}
+
+std::vector<HWND> g_unregistered;
+
+BOOL WINAPI Unregister(HWND window) {
+    g_unregistered.push_back(window);
+    return TRUE;
+}
+
+TEST_F(MainWindowTest, ARegistrationThatIsRefusedIsTriedOnceMore) {
+    Destroy();
+    g_registered.clear();
+    g_unregistered.clear();
+    const harness::FoundFunction hook("WTSRegisterSessionNotification", &RefuseToRegister);
+    const harness::FoundFunction end("WTSUnRegisterSessionNotification", &Unregister);
+    MainWindow window;
+    window.Open(GetModuleHandleW(nullptr));
+    const HWND handle = window.GetHWND();
+    EXPECT_EQ(g_registered.size(), 1U) << "not at once";
+    EXPECT_TRUE(Input::PumpUntil([] { return g_registered.size() == 2; }));
+    EXPECT_EQ(g_registered.back(), std::pair(handle, DWORD{NOTIFY_FOR_THIS_SESSION}));
+    EXPECT_THAT(g_unregistered, IsEmpty());
+    DestroyWindow(handle);
+    EXPECT_THAT(g_unregistered, ElementsAre(handle));
+    Input::TakeQuit();
+}
+
 TEST_F(MainWindowTest, StartsInItsFolderAndAwareOfItsMonitor) {
     Destroy();
     g_awareness = S_OK;

@@ -1,0 +1,713 @@
+// The home page's preview on a graphics system and a camera that keep every rule: what hangs, what is lost, what fails,
+// and what the user can do meanwhile.
+#include <mfapi.h>
+
+#include <dbt.h>
+
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "preview/ServedWait.h"
+#include "service/KindNotifier.h"
+#include "suite/common/Handle.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/doubles/CameraDouble.h"
+#include "tests/support/doubles/Gate.h"
+#include "tests/support/doubles/GraphicsDouble.h"
+#include "tests/support/doubles/Violations.h"
+#include "tests/windows/pages/PageTests.h"
+
+namespace {
+
+using doubles::CameraAnswer;
+using doubles::Cameras;
+using doubles::CameraScript;
+using doubles::CameraType;
+using doubles::Gate;
+using doubles::Graphics;
+using doubles::GraphicsScript;
+using doubles::Violations;
+using GlobalUtils::OnListenKindInfo;
+using GlobalUtils::PowerKind;
+using GlobalUtils::ScreenLockKind;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr int kCameraUnavailable = 5;
+constexpr HRESULT kInUse = static_cast<HRESULT>(0xC00D3704);
+constexpr char kSourceError[] = "[L4] create device source error!(Preview::CreateDeviceSource)";
+constexpr char kStartError[] = "[L4] create device source error!(Preview::Start)";
+
+class LivePreviewTest : public HomePageTest {
+  protected:
+    void SetUp() override {
+        Graphics::Begin();
+        Cameras::Begin();
+        ChangeCamera([](CameraScript& script) { script.natives = {Yuy2()}; });
+        Violations::Take();
+        HomePageTest::SetUp();
+    }
+    void TearDown() override {
+        HomePageTest::TearDown();
+        Cameras::End();
+        EXPECT_THAT(Violations::Take(), IsEmpty());
+        EXPECT_EQ(Graphics::Seen().objectsAlive, 0);
+        EXPECT_EQ(Graphics::Seen().devicesAlive, 0);
+    }
+
+    static CameraType Yuy2() {
+        CameraType type;
+        type.subtype = MFVideoFormat_YUY2;
+        return type;
+    }
+    static void ChangeCamera(const std::function<void(CameraScript&)>& change) { Cameras::Change(change); }
+    static void ChangeGraphics(const std::function<void(GraphicsScript&)>& change) { Graphics::Change(change); }
+    template <typename Condition>
+    static bool Wait(const Condition& condition) {
+        return Input::PumpUntil(condition);
+    }
+
+    template <typename Kind>
+    static void Publish(std::int32_t channel, Kind kind) {
+        KindNotifier<Kind>::GetInstance().Publish(channel, std::move(kind));
+    }
+    static void Lock() { Publish(GlobalUtils::kScreenLockChannel, ScreenLockKind::kLocked); }
+    static void Sleeps() { Publish(GlobalUtils::kPowerChannel, PowerKind::kSuspend); }
+    static void WakesUp() { Publish(GlobalUtils::kPowerChannel, PowerKind::kResume); }
+    static void Tell(HRESULT code) {
+        Publish(GlobalUtils::kOnListenChannel, OnListenKindInfo{static_cast<std::uintptr_t>(code), 0});
+    }
+
+    HWND PreviewWindow() {
+        for (HWND each = nullptr; (each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr;) {
+            if (GetWindow(each, GW_OWNER) == Host().GetHWND()) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    DuiLib::CButtonUI& Switch() { return Control<DuiLib::CButtonUI>(L"preview_switch"); }
+    bool IsOn() { return Switch().IsChecked() == true; }
+    bool CanBeClicked() { return Switch().IsEnabled(); }
+    void PressSwitch() {
+        Press(L"preview_switch");
+        ASSERT_TRUE(Wait([this] { return CanBeClicked(); }));
+    }
+    void TurnOn() {
+        PressSwitch();
+        ASSERT_TRUE(IsOn());
+        ASSERT_TRUE(FramesCome());
+    }
+    static bool FramesCome() {
+        const int goal = Graphics::Seen().presents + 3;
+        return Wait([&] { return Graphics::Seen().presents >= goal; });
+    }
+    static bool IsCameraFree() {
+        return Wait([] { return Cameras::Seen().sourcesRunning == 0; });
+    }
+    void ExpectOff() {
+        EXPECT_FALSE(IsOn());
+        EXPECT_TRUE(CanBeClicked());
+        EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
+        EXPECT_TRUE(IsCameraFree());
+    }
+    std::vector<int> Messages() {
+        Input::Pump();
+        return Host().Messages();
+    }
+    bool WaitForMessage() {
+        return Wait([this] { return !Host().Messages().empty(); });
+    }
+    static void ExpectSourceError() {
+        Expect(kSourceError);
+        Expect(kStartError);
+    }
+};
+
+// --- opening
+
+TEST_F(LivePreviewTest, WhileTheCameraOpensEverythingElseWorks) {
+    Gate gate;
+    ChangeCamera([&](CameraScript& script) { script.withinActivation = [&] { gate.Pass(); }; });
+    Press(L"preview_switch");
+    ASSERT_TRUE(gate.WaitUntilReached());
+    EXPECT_TRUE(IsOn()) << "drawn on at once";
+    EXPECT_FALSE(CanBeClicked());
+    EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
+    Press(L"correct_sight_btn");
+    EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn")) << "a click of another control";
+    // A click that reaches the page all the same, by whatever way, does not count.
+    Notify(L"preview_switch", L"click");
+    Press(L"preview_switch");
+    Input::Pump();
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(Cameras::Seen().activations, 1);
+    gate.Open();
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(IsOn());
+    EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
+    EXPECT_TRUE(FramesCome());
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+// Whatever ends it before the camera is open: the switch can be clicked, and the camera does not stay open.
+TEST_F(LivePreviewTest, AnOpeningThatIsNotWantedAnyMoreClosesTheCameraItself) {
+    const std::function<void()> endings[] = {[] { Lock(); }, [] { Sleeps(); }, [] { Tell(E_FAIL); }};
+    for (const auto& end : endings) {
+        Gate gate;
+        ChangeCamera([&](CameraScript& script) { script.withinActivation = [&] { gate.Pass(); }; });
+        Press(L"preview_switch");
+        ASSERT_TRUE(gate.WaitUntilReached());
+        end();
+        EXPECT_FALSE(IsOn());
+        EXPECT_TRUE(CanBeClicked());
+        const int sources = Cameras::Seen().sources;
+        gate.Open();
+        EXPECT_TRUE(Wait([&] { return Cameras::Seen().sources == sources + 1; }));
+        EXPECT_TRUE(IsCameraFree());
+        EXPECT_EQ(Cameras::Seen().reads, 0);
+    }
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable)) << "of the error alone";
+    ChangeCamera([](CameraScript& script) { script.withinActivation = nullptr; });
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, ThePageMayGoWhileTheCameraOpens) {
+    Gate gate;
+    ChangeCamera([&](CameraScript& script) { script.withinActivation = [&] { gate.Pass(); }; });
+    Press(L"preview_switch");
+    ASSERT_TRUE(gate.WaitUntilReached());
+    DestroyPage();
+    gate.Open();
+    EXPECT_TRUE(Wait([] { return Cameras::Seen().sources == 1; }));
+    EXPECT_TRUE(IsCameraFree());
+}
+
+TEST_F(LivePreviewTest, AnOpeningThatDoesNotEndIsGivenUp) {
+    Expect("[L4] the camera does not open(LivePreview::GiveUpOpening)");
+    Gate gate;
+    ChangeCamera([&](CameraScript& script) {
+        script.withinActivation = [&] {
+            if (Cameras::Seen().activations == 1) {
+                gate.Pass();
+            }
+        };
+    });
+    const ULONGLONG begin = GetTickCount64();
+    Press(L"preview_switch");
+    EXPECT_TRUE(WaitForMessage());
+    EXPECT_GE(GetTickCount64() - begin, 9'900U) << "some cameras take five seconds";
+    EXPECT_FALSE(IsOn());
+    EXPECT_TRUE(CanBeClicked());
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    TurnOn();
+    gate.Open();
+    EXPECT_TRUE(Wait([] { return Cameras::Seen().sources == 2 && Cameras::Seen().sourcesRunning == 1; }))
+        << "what came too late was closed";
+    EXPECT_TRUE(IsOn());
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(LivePreviewTest, ACameraThatCannotBeOpenedIsToldOnce) {
+    for (const HRESULT code : {kInUse, E_ACCESSDENIED, E_FAIL}) {
+        ExpectSourceError();
+        ChangeCamera([&](CameraScript& script) { script.activate = code; });
+        const std::size_t before = Messages().size();
+        PressSwitch();
+        ExpectOff();
+        EXPECT_EQ(Messages().size(), before + 1);
+    }
+    ChangeCamera([](CameraScript& script) { script.activate = S_OK; });
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, ARefusedDeviceIsToldInOneBoxHoweverOftenTheUserClicks) {
+    Expect("[L4] Preview::CreateInstance failed.-2005530518(HomePage::CreateMF)");
+    Expect("[L4] Init g_pPreview error(HomePage::ClickPreview)");
+    int clicks = 0;
+    ChangeGraphics([&](GraphicsScript& script) {
+        script.createDevice = D3DERR_NOTAVAILABLE;
+        script.whileBoxIsShown = [&] {
+            for (; clicks < 3; ++clicks) {
+                Press(L"preview_switch");
+            }
+        };
+    });
+    Press(L"preview_switch");
+    EXPECT_EQ(clicks, 3);
+    EXPECT_EQ(Graphics::Seen().boxes.size(), 1U);
+    EXPECT_EQ(harness::TestLog::Count("[L4] Init g_pPreview error(HomePage::ClickPreview)"), 1);
+    ExpectOff();
+    EXPECT_THAT(Messages(), IsEmpty());
+    ChangeGraphics([](GraphicsScript& script) { script.createDevice = S_OK; });
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, AMinimisedWindowGetsItsDeviceToo) {
+    ShowWindow(Host().GetHWND(), SW_MINIMIZE);
+    ASSERT_TRUE(IsIconic(Host().GetHWND()));
+    TurnOn();
+    EXPECT_EQ(Graphics::Seen().refusals, 0);
+    EXPECT_EQ(Graphics::Seen().backBuffer.cx, 596);
+    EXPECT_EQ(Graphics::Seen().backBuffer.cy, 352);
+    EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
+    ShowWindow(Host().GetHWND(), SW_RESTORE);
+}
+
+// --- the wait for the first frames
+
+// While it lives, the wait for the first frames is an action of the test, and over with it.
+class InsteadOfWait {
+  public:
+    explicit InsteadOfWait(std::function<void()> action)
+        : hook_(nullptr, "MsgWaitForMultipleObjectsEx", &InsteadOfWait::Wait) {
+        action_ = std::move(action);
+        original_ = hook_.Original<decltype(&MsgWaitForMultipleObjectsEx)>();
+    }
+    InsteadOfWait(const InsteadOfWait&) = delete;
+    InsteadOfWait& operator=(const InsteadOfWait&) = delete;
+    bool IsDone() const { return !action_; }
+
+  private:
+    static DWORD WINAPI Wait(DWORD handles, const HANDLE* handle, DWORD timeMs, DWORD kinds, DWORD flags) {
+        constexpr DWORD kFirstFramesMs = 400;
+        if (handles != 0 || kinds != QS_SENDMESSAGE || timeMs != kFirstFramesMs) {
+            return original_(handles, handle, timeMs, kinds, flags);
+        }
+        std::exchange(action_, nullptr)();
+        return WAIT_TIMEOUT;
+    }
+    static inline std::function<void()> action_;
+    static inline decltype(&MsgWaitForMultipleObjectsEx) original_ = nullptr;
+
+    const harness::ImportHook hook_;
+};
+
+class FirstFramesTest : public LivePreviewTest {
+  protected:
+    POINT Middle(const std::wstring& control) {
+        const DuiLib::Rect& place = Control(control).GetPos();
+        POINT middle = {(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+        ClientToScreen(Host().GetHWND(), &middle);
+        return middle;
+    }
+    static void ClickAt(POINT screen) {
+        SetCursorPos(screen.x, screen.y);
+        INPUT inputs[2] = {};
+        inputs[0].type = inputs[1].type = INPUT_MOUSE;
+        inputs[0].mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
+        inputs[1].mi.dwFlags = MOUSEEVENTF_LEFTUP;
+        SendInput(2, inputs, sizeof inputs[0]);
+    }
+    static void PressSpace() {
+        INPUT inputs[2] = {};
+        inputs[0].type = inputs[1].type = INPUT_KEYBOARD;
+        inputs[0].ki.wVk = inputs[1].ki.wVk = VK_SPACE;
+        inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
+        SendInput(2, inputs, sizeof inputs[0]);
+    }
+};
+
+TEST_F(FirstFramesTest, ClicksThatComeMeanwhileCountForOtherControlsOnly) {
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    const POINT preview = Middle(L"preview_switch");
+    const POINT other = Middle(L"show_detail_btn");
+    const InsteadOfWait wait([&] {
+        ClickAt(preview);
+        ClickAt(other);
+        ClickAt(preview);
+    });
+    Press(L"preview_switch");
+    EXPECT_TRUE(Wait([&] { return wait.IsDone() && CanBeClicked(); }));
+    EXPECT_THAT(Host().shownPages, ElementsAre(L"IntroductionPage 0"));
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(Cameras::Seen().activations, 1);
+    Input::Park();
+}
+
+TEST_F(FirstFramesTest, KeysThatComeMeanwhileDoNotTurnItOffAgain) {
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Manager().SetFocus(&Switch(), true);
+    const InsteadOfWait wait([] {
+        PressSpace();
+        PressSpace();
+        PressSpace();
+    });
+    Press(L"preview_switch");
+    EXPECT_TRUE(Wait([&] { return wait.IsDone() && CanBeClicked(); }));
+    Input::Pump();
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(Cameras::Seen().activations, 1);
+    EXPECT_TRUE(Switch().IsFocused()) << "the keyboard is where it was";
+    PressSpace();
+    EXPECT_TRUE(Wait([this] { return !IsOn(); })) << "the next one counts";
+}
+
+TEST_F(FirstFramesTest, AnErrorThatComesMeanwhileEndsIt) {
+    const InsteadOfWait wait([this] { SendMessageW(Host().GetHWND(), WM_APP + 1, static_cast<WPARAM>(E_FAIL), 0); });
+    Press(L"preview_switch");
+    EXPECT_TRUE(Wait([&] { return wait.IsDone(); }));
+    Input::Pump();
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+// --- the waits themselves
+
+TEST(ServedWaitTest, WhatOthersSendIsServedWhileAThreadWaits) {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    const suite::Handle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::atomic<bool> answered = false;
+    // Only an answer sets the event, so a wait that did not serve would last to its end.
+    std::thread sender([&] {
+        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
+        SetEvent(done.Get());
+    });
+    EXPECT_TRUE(preview::WaitServed(done.Get(), std::chrono::seconds(20)));
+    EXPECT_TRUE(answered);
+    sender.join();
+    ResetEvent(done.Get());
+    EXPECT_FALSE(preview::WaitServed(done.Get(), std::chrono::milliseconds(1)));
+
+    answered = false;
+    std::thread second([&] {
+        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
+        SetEvent(done.Get());
+    });
+    while (WaitForSingleObject(done.Get(), 0) != WAIT_OBJECT_0) {
+        preview::PauseServed(std::chrono::milliseconds(5));
+    }
+    EXPECT_TRUE(answered);
+    second.join();
+    DestroyWindow(window);
+}
+
+TEST(ServedWaitTest, InputAndPostedMessagesStayInTheirQueue) {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    PostMessageW(window, WM_APP, 1, 2);
+    preview::PauseServed(std::chrono::milliseconds(20));
+    MSG message = {};
+    EXPECT_TRUE(PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE));
+    DestroyWindow(window);
+}
+
+TEST(ServedWaitTest, APauseLastsItsTime) {
+    const auto begin = std::chrono::steady_clock::now();
+    preview::PauseServed(std::chrono::milliseconds(60));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(60));
+}
+
+// --- what hangs
+
+// Counts, while it lives, the pauses in which this thread waits for the one that draws: each is a millisecond or more.
+class DrawingWaits {
+  public:
+    DrawingWaits() : hook_(nullptr, "MsgWaitForMultipleObjectsEx", &DrawingWaits::Wait) {
+        thread_ = GetCurrentThreadId();
+        count_ = 0;
+        original_ = hook_.Original<decltype(&MsgWaitForMultipleObjectsEx)>();
+    }
+    DrawingWaits(const DrawingWaits&) = delete;
+    DrawingWaits& operator=(const DrawingWaits&) = delete;
+    static int Count() { return count_; }
+
+  private:
+    static DWORD WINAPI Wait(DWORD handles, const HANDLE* handle, DWORD timeMs, DWORD kinds, DWORD flags) {
+        if (handles == 0 && kinds == QS_SENDMESSAGE && timeMs == 1 && GetCurrentThreadId() == thread_) {
+            ++count_;
+        }
+        return original_(handles, handle, timeMs, kinds, flags);
+    }
+    static inline DWORD thread_ = 0;
+    static inline int count_ = 0;
+    static inline decltype(&MsgWaitForMultipleObjectsEx) original_ = nullptr;
+
+    const harness::ImportHook hook_;
+};
+
+// In each of these the graphics device hangs while it draws, and lets go only at the end; whatever ends the preview
+// waits a tenth of a second for it, once.
+class HangingDeviceTest : public LivePreviewTest {
+  protected:
+    void SetUp() override {
+        LivePreviewTest::SetUp();
+        TurnOn();
+        ChangeGraphics([this](GraphicsScript& script) { script.withinPresent = [this] { gate_.Pass(); }; });
+        ASSERT_TRUE(gate_.WaitUntilReached());
+        waits_.emplace();
+    }
+    void TearDown() override {
+        EXPECT_GE(waits_->Count(), 1);
+        EXPECT_LE(waits_->Count(), 100);
+        waits_.reset();
+        EXPECT_EQ(Graphics::Seen().devicesAlive, 1) << "it was taken from the thread that uses it";
+        ChangeGraphics([](GraphicsScript& script) { script.withinPresent = nullptr; });
+        gate_.Open();
+        EXPECT_TRUE(Wait([] { return Graphics::Seen().devicesAlive == 0; })) << "it is released later";
+        LivePreviewTest::TearDown();
+    }
+
+    Gate gate_;
+    std::optional<DrawingWaits> waits_;
+};
+
+TEST_F(HangingDeviceTest, TheSwitchTurnsItOff) {
+    Press(L"preview_switch");
+    ExpectOff();
+    EXPECT_THAT(Log(), Contains("[L3] the graphics device is busy; it is released later(LivePreview::Stop)"));
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(HangingDeviceTest, TheLockFreesTheCamera) {
+    Lock();
+    EXPECT_TRUE(IsCameraFree());
+    EXPECT_EQ(PreviewWindow(), nullptr);
+    EXPECT_FALSE(IsOn());
+}
+
+TEST_F(HangingDeviceTest, TheRuleOfTheSilentCameraEndsIt) {
+    EXPECT_TRUE(WaitForMessage());
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(HangingDeviceTest, AnErrorEndsIt) {
+    Tell(E_FAIL);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(HangingDeviceTest, ItsWindowMayGo) {
+    DestroyWindow(PreviewWindow());
+    EXPECT_TRUE(IsCameraFree());
+    EXPECT_TRUE(Input::TakeQuit());
+}
+
+TEST_F(LivePreviewTest, ThePageMayGoWhileTheDeviceHangs) {
+    TurnOn();
+    Gate gate;
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    DestroyPage();
+    EXPECT_TRUE(IsCameraFree());
+    gate.Open();
+    // Nobody is left to release it: its process ends.
+    EXPECT_TRUE(Wait([] { return Cameras::Seen().callbacks == Cameras::Seen().reads; }));
+    EXPECT_EQ(Graphics::Seen().devicesAlive, 1);
+    Graphics::Forget();
+}
+
+TEST_F(LivePreviewTest, ACameraThatHangsWhenItIsClosedIsClosedLater) {
+    Gate gate;
+    TurnOn();
+    ChangeCamera([&](CameraScript& script) { script.withinShutdown = [&] { gate.Pass(); }; });
+    Press(L"preview_switch");
+    EXPECT_FALSE(IsOn());
+    EXPECT_TRUE(CanBeClicked());
+    EXPECT_EQ(Cameras::Seen().sourcesRunning, 1);
+    ChangeCamera([](CameraScript& script) { script.withinShutdown = nullptr; });
+    Press(L"preview_switch");  // waits for the camera, and nobody for it
+    EXPECT_TRUE(IsOn());
+    gate.Open();
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(FramesCome());
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+// --- what fails while it runs
+
+TEST_F(LivePreviewTest, AnErrorOfTheFirstReadIsToldAtOnce) {
+    ChangeCamera([](CameraScript& script) {
+        script.answer = [](int) {
+            CameraAnswer answer;
+            answer.status = kInUse;
+            answer.flags = MF_SOURCE_READERF_ERROR;
+            return answer;
+        };
+    });
+    Press(L"preview_switch");
+    EXPECT_TRUE(WaitForMessage());
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    EXPECT_THAT(Log(), Contains("[L3] the camera preview fails: 0xc00d3704(LivePreview::OnCaptureError)"));
+    EXPECT_EQ(Cameras::Seen().reads, 1);
+}
+
+TEST_F(LivePreviewTest, WhatTheReadsToldIsTheReasonOfTheSilence) {
+    TurnOn();
+    ChangeCamera([](CameraScript& script) {
+        script.answer = [](int) {
+            CameraAnswer answer;
+            answer.status = kInUse;
+            return answer;
+        };
+    });
+    EXPECT_TRUE(WaitForMessage());
+    ExpectOff();
+    EXPECT_THAT(Log(), Contains("[L3] the camera preview fails: 0xc00d3704(LivePreview::OnCaptureError)"));
+}
+
+TEST_F(LivePreviewTest, SilenceWithoutAReasonIsATimeout) {
+    TurnOn();
+    ChangeCamera([](CameraScript& script) {
+        script.answer = [](int) {
+            CameraAnswer answer;
+            answer.never = true;
+            return answer;
+        };
+    });
+    EXPECT_TRUE(WaitForMessage());
+    ExpectOff();
+    EXPECT_THAT(Log(), Contains("[L3] the camera preview fails: 0x800705b4(LivePreview::OnCaptureError)"));
+}
+
+TEST_F(LivePreviewTest, ALostDeviceIsNoErrorAndThePictureGoesOn) {
+    TurnOn();
+    Graphics::TakeDesktop();
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().levels >= 3; })) << "it is asked for again and again";
+    Graphics::GiveDesktopBack();
+    EXPECT_TRUE(FramesCome());
+    EXPECT_TRUE(IsOn());
+    EXPECT_TRUE(CanBeClicked());
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+}
+
+TEST_F(LivePreviewTest, ADeviceThatStaysLostLongerThanACameraMayBeSilentIsNoError) {
+    TurnOn();
+    Graphics::TakeDesktop();
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().objects >= 2; })) << "after five seconds with a new object";
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().refusals >= 3; }));
+    EXPECT_TRUE(IsOn());
+    Graphics::GiveDesktopBack();
+    EXPECT_TRUE(FramesCome());
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+}
+
+TEST_F(LivePreviewTest, ADeviceThatDoesNotComeBackIsToldOnceAndWithoutABox) {
+    Expect("[L4] the graphics device does not come back: 0x8876017c(LivePreview::RecoverDevice)");
+    TurnOn();
+    ChangeGraphics([](GraphicsScript& script) {
+        script.reset = D3DERR_DRIVERINTERNALERROR;
+        script.createDevice = D3DERR_OUTOFVIDEOMEMORY;
+    });
+    Graphics::TakeDesktopFor(1);
+    EXPECT_TRUE(WaitForMessage());
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+    ChangeGraphics([](GraphicsScript& script) { script = {}; });
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, ACameraThatIsTakenOutIsToldByItsName) {
+    TurnOn();
+    const auto takeOut = [this](const std::wstring& link, WPARAM event) {
+        std::vector<std::uint8_t> bytes(sizeof(DEV_BROADCAST_DEVICEINTERFACE_W) + 2 * link.size());
+        auto* device = reinterpret_cast<DEV_BROADCAST_DEVICEINTERFACE_W*>(bytes.data());
+        device->dbcc_size = static_cast<DWORD>(bytes.size());
+        device->dbcc_devicetype = DBT_DEVTYP_DEVICEINTERFACE;
+        memcpy(device->dbcc_name, link.data(), 2 * link.size());
+        return SendMessageW(PreviewWindow(), WM_DEVICECHANGE, event, reinterpret_cast<LPARAM>(device));
+    };
+    const std::wstring own = L"\\\\?\\USB#VID_05C8&PID_0001&MI_00#double#{65e8773d-8f56-11d0-a3b9-00a0c9223196}";
+    EXPECT_EQ(takeOut(L"\\\\?\\USB#VID_046D&PID_0825#other#{65e8773d}", DBT_DEVICEREMOVECOMPLETE), TRUE);
+    EXPECT_EQ(takeOut(own, DBT_DEVICEARRIVAL), TRUE);
+    SendMessageW(PreviewWindow(), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_TRUE(IsOn());
+    takeOut(own, DBT_DEVICEREMOVECOMPLETE);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    EXPECT_THAT(Log(), Contains("[L3] the camera preview fails: 0xc00d3ea2(LivePreview::OnCaptureError)"));
+}
+
+// --- sleep
+
+TEST_F(LivePreviewTest, SleepFreesTheCameraAsTheLockDoes) {
+    TurnOn();
+    Sleeps();
+    EXPECT_EQ(PreviewWindow(), nullptr);
+    EXPECT_FALSE(IsOn());
+    EXPECT_TRUE(IsCameraFree());
+    Input::Pump();
+    EXPECT_FALSE(Input::TakeQuit());
+    WakesUp();
+    EXPECT_FALSE(IsOn()) << "the user decides when it is on again";
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, AfterSleepACameraThatCannotBeOpenedIsTriedAgain) {
+    for (int i = 0; i < 2; ++i) {
+        ExpectSourceError();
+    }
+    WakesUp();
+    ChangeCamera([](CameraScript& script) {
+        script.activate = E_FAIL;
+        script.withinActivation = [] {
+            if (Cameras::Seen().activations == 3) {
+                ChangeCamera([](CameraScript& later) { later.activate = S_OK; });
+            }
+        };
+    });
+    Press(L"preview_switch");
+    EXPECT_TRUE(Wait([] { return Cameras::Seen().activations == 2; }));
+    EXPECT_TRUE(IsOn());
+    EXPECT_FALSE(CanBeClicked());
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(FramesCome());
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(Cameras::Seen().activations, 3);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(LivePreviewTest, TenSecondsAfterSleepItIsTold) {
+    ExpectSourceError();
+    WakesUp();
+    ChangeCamera([](CameraScript& script) { script.activate = E_FAIL; });
+    const ULONGLONG begin = GetTickCount64();
+    Press(L"preview_switch");
+    EXPECT_TRUE(WaitForMessage());
+    EXPECT_GE(GetTickCount64() - begin, 9'500U);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(LivePreviewTest, AfterSleepACameraThatFailsIsOpenedAgain) {
+    TurnOn();
+    WakesUp();
+    Tell(kInUse);
+    EXPECT_TRUE(IsOn());
+    EXPECT_FALSE(CanBeClicked());
+    EXPECT_TRUE(IsCameraFree());
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(Cameras::Seen().activations, 2);
+    EXPECT_TRUE(FramesCome());
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+// --- the window
+
+TEST_F(LivePreviewTest, AClickOnThePictureLeavesTheKeyboardWhereItWas) {
+    TurnOn();
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    EXPECT_EQ(SendMessageW(PreviewWindow(), WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(Host().GetHWND()),
+                           MAKELPARAM(HTCAPTION, WM_LBUTTONDOWN)),
+              MA_NOACTIVATE);
+    EXPECT_EQ(GetFocus(), Host().GetHWND());
+}
+
+TEST_F(LivePreviewTest, ThePicturesWindowHasAName) {
+    ASSERT_EQ(Page().OnCreate(Host().GetHWND()), 1);
+    wchar_t name[100] = {};
+    GetWindowTextW(PreviewWindow(), name, 100);
+    EXPECT_STRNE(name, L"");
+    EXPECT_EQ(name, Control(L"preview_text").GetText());
+}
+
+}  // namespace
