@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "DuiLib/OptionUI.h"
-#include "DuiLib/UIMainQueue.h"
 #include "pages/SwitchImages.h"
 #include "preview/MediaFoundation.h"
 #include "service/HomeService.h"
@@ -37,7 +36,7 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
       gallery_(*this, model_),
       livePreview_(Owner(), paintManager, [this](const wchar_t* name) { return Find(name); },
                    {SwitchImageOf(SwitchImage::kChecked), SwitchImageOf(SwitchImage::kUnchecked)}),
-      self_(std::make_shared<HomePage*>(this)) {
+      relay_([this](const FeatureStatusTuple& snapshot) { ShowSnapshot(snapshot); }) {
     if (!model_) {
         return;
     }
@@ -117,11 +116,7 @@ void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
         ShowSnapshot(snapshot);
         return;
     }
-    DuiLib::UIMainQueue::getInstance()->dispatch([page = std::weak_ptr<HomePage*>(self_), snapshot] {
-        if (const auto alive = page.lock()) {
-            (*alive)->ShowSnapshot(snapshot);
-        }
-    });
+    relay_.Hand(snapshot);
 }
 
 void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <aclapi.h>
 #include <sddl.h>
 
 #include <memory>
@@ -11,6 +10,7 @@
 
 #include "setup/SharedFolderRules.h"
 #include "suite/common/Handle.h"
+#include "suite/common/UserSid.h"
 
 namespace setup {
 namespace {
@@ -25,30 +25,6 @@ struct LocalFreeDeleter {
 };
 template <typename T>
 using LocalMemory = std::unique_ptr<T, LocalFreeDeleter>;
-
-std::wstring TextOf(PSID identifier) {
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(identifier, &text)) {
-        return {};
-    }
-    const LocalMemory<wchar_t> owned(text);
-    return text;
-}
-
-std::wstring OwnUser() {
-    HANDLE opened = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) {
-        return {};
-    }
-    const suite::Handle token(opened);
-    DWORD size = 0;
-    GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
-    std::vector<std::byte> buffer(size);
-    if (!GetTokenInformation(token.Get(), TokenUser, buffer.data(), size, &size)) {
-        return {};
-    }
-    return TextOf(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid);
-}
 
 // The right to give a folder to the administrators and to change the rights of somebody else's.
 void EnablePrivilege(const wchar_t* name) {
@@ -89,14 +65,7 @@ FolderFacts FactsOf(HANDLE folder, const std::wstring& path) {
     }
     facts.isFolder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     facts.isLink = ((information.dwFileAttributes | byName) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    PSID owner = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    facts.error = GetSecurityInfo(folder, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
-                                  &descriptor);
-    const LocalMemory<void> owned(descriptor);
-    if (facts.error == 0) {
-        facts.owner = TextOf(owner);
-    }
+    facts.owner = suite::OwnerSid(folder, facts.error);
     return facts;
 }
 
@@ -104,7 +73,7 @@ Verdict Look(const std::wstring& path) {
     const suite::Handle folder = Hold(path, 0);
     FolderFacts facts;
     facts.error = folder ? 0 : GetLastError();
-    return Judge(folder ? FactsOf(folder.Get(), path) : facts, OwnUser());
+    return Judge(folder ? FactsOf(folder.Get(), path) : facts, suite::OwnUserSid());
 }
 
 bool MayUse(Verdict verdict, bool foreignToo) {
@@ -148,7 +117,8 @@ std::vector<std::wstring> Find(const std::wstring& folder, const wchar_t* patter
 // Open as long as somebody could exchange it for a link; none when it is one already.
 suite::Handle HoldTrueFolder(const std::wstring& path) {
     suite::Handle held = Hold(path, 0);
-    return held && Judge(FactsOf(held.Get(), path), OwnUser()) != Verdict::kPlanted ? std::move(held) : suite::Handle();
+    return held && Judge(FactsOf(held.Get(), path), suite::OwnUserSid()) != Verdict::kPlanted ? std::move(held)
+                                                                                              : suite::Handle();
 }
 
 void DeletePicturesIn(const std::wstring& folder) {

@@ -307,7 +307,10 @@ void PxMainWnd::ShowFirstPage() {
 }
 
 void PxMainWnd::CloseWindow() {
-    DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+    // Once, however often it is asked for.
+    if (!closing_.exchange(true)) {
+        DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+    }
 }
 
 void PxMainWnd::QueueModal(std::int32_t key, std::function<void()> show) {

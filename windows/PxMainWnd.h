@@ -7,6 +7,7 @@
 // operations of PageHost that may be called from any thread.
 #include <windows.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -71,6 +72,7 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     std::map<std::wstring, std::unique_ptr<PageBase>> pages_;
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows
     std::unique_ptr<PageSwitcher> switcher_;
+    std::atomic<bool> closing_ = false;  // any thread
     bool changingDpi_ = false;
     VideoThumbnail thumbnail_;
     ModalQueue modals_;
