@@ -163,9 +163,10 @@ void HomePage::ShowCameraIllustration() {
 
 void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& background) {
     std::wstring name = background.btnName;
-    const bool fileOpens = !background.path.empty() && std::ifstream(background.path.c_str()).good();
-    // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's.
-    if (!fileOpens && name == L"custom_background_option") {
+    // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's. The
+    // file may lie on a share that is gone, so it is only touched where that counts.
+    if (name == L"custom_background_option" &&
+        (background.path.empty() || !std::ifstream(background.path.c_str()).good())) {
         name = L"none_background_btn";
     }
     if (auto* option = FindAs<DuiLib::COptionUI>(name)) {

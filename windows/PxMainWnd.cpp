@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <thread>
 
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/UICulture.h"
@@ -272,17 +271,13 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void PxMainWnd::RegisterVideoThumbnail() {
-    // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
-    std::thread([this] {
-        try {
-            const HomeService* model = HomeService::GetInstance();
-            if (model) {
-                thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
-            }
-        } catch (const std::exception& error) {
-            LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+    try {
+        if (const HomeService* model = HomeService::GetInstance()) {
+            thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
         }
-    }).join();
+    } catch (const std::exception& error) {
+        LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
+    }
 }
 
 void PxMainWnd::TrackHover(LPARAM lParam) {

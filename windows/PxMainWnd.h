@@ -3,8 +3,7 @@
 // publications on the notification hub.
 //
 // Layout: the tab container "wnd_container", the buttons "minbtn" and "closebtn", the dimming layer "mask_control".
-// Threads: UI thread, but for the video thumbnail's short-lived thread, which the UI thread waits for, and the
-// operations of PageHost that may be called from any thread.
+// Threads: UI thread, but for the operations of PageHost that may be called from any thread.
 #include <windows.h>
 
 #include <atomic>
