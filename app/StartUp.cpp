@@ -95,6 +95,9 @@ void StartUp(HINSTANCE instance, const wchar_t* cmdLine) {
         LogLine(LogLevel::kInfo, kEntry, L"enter cmdLine is wrong");
         return;
     }
+    // An update that has to close the program starts it again; the system does so only for one that has run for a
+    // while.
+    RegisterApplicationRestart(L"run", RESTART_NO_CRASH | RESTART_NO_HANG);
     PixoraMutex::GetInstance();
     const StartWindow kind = ChooseStartWindow(ReadStartSettings());
     if (kind == StartWindow::kSettings) {

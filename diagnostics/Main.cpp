@@ -4,6 +4,7 @@
 #include <lmcons.h>
 #include <shellscalingapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -21,23 +22,45 @@
 namespace diagnostics {
 namespace {
 
+constexpr DWORD kLongestName = 256;  // of a domain, with its terminator
+
+// Of the environment; empty when there is none.
+std::wstring Variable(const wchar_t* name) {
+    wchar_t value[kLongestName] = {};
+    return GetEnvironmentVariableW(name, value, kLongestName) < kLongestName ? value : L"";
+}
+
 std::wstring FileName(const std::wstring& path) {
     return path.substr(path.find_last_of(L"\\/") + 1);
 }
 
-// Of the user, of the computer, and of the files that the user took for backgrounds.
+// Of the user, and of the files that the user took for backgrounds.
 std::vector<std::wstring> PersonalNames() {
     wchar_t user[UNLEN + 1] = {};
     DWORD userSize = UNLEN + 1;
     GetUserNameW(user, &userSize);
-    wchar_t computer[MAX_COMPUTERNAME_LENGTH + 1] = {};
-    DWORD computerSize = MAX_COMPUTERNAME_LENGTH + 1;
-    GetComputerNameW(computer, &computerSize);
-    std::vector<std::wstring> names{user, computer};
+    std::vector<std::wstring> names{user, Variable(L"USERNAME")};
     std::wstring group;
     SettingsStore::Read(SettingNames::kCustomImageGroup, group);
     for (const CustomImageRecord& record : CustomImageGroup::Parse(group)) {
         names.push_back(FileName(record.sourcePath));
+    }
+    return names;
+}
+
+// Of the computer and of the domain that the user signed in to. No network is asked.
+std::vector<std::wstring> MachineNames() {
+    std::vector<std::wstring> names;
+    for (int format = ComputerNameNetBIOS; format < ComputerNameMax; ++format) {
+        wchar_t computer[kLongestName] = {};
+        DWORD size = kLongestName;
+        GetComputerNameExW(static_cast<COMPUTER_NAME_FORMAT>(format), computer, &size);
+        names.emplace_back(computer);
+    }
+    for (const wchar_t* variable :
+         {L"COMPUTERNAME", L"USERDOMAIN", L"USERDOMAIN_ROAMINGPROFILE", L"USERDNSDOMAIN", L"LOGONSERVER"}) {
+        const std::wstring name = Variable(variable);
+        names.push_back(name.substr(std::min(name.find_first_not_of(L'\\'), name.size())));
     }
     return names;
 }
@@ -98,7 +121,7 @@ int Run(const std::vector<std::wstring>& words) {
         }
     }
     Report report;
-    const PersonalData personal(PersonalNames());
+    const PersonalData personal(PersonalNames(), MachineNames());
     AddProgram(report, personal);
     AddSettings(report);
     AddCameras(report, personal);

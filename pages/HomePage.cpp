@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "DuiLib/OptionUI.h"
-#include "DuiLib/UIMainQueue.h"
 #include "pages/SwitchImages.h"
 #include "preview/MediaFoundation.h"
 #include "service/HomeService.h"
@@ -38,7 +37,7 @@ HomePage::HomePage(DuiLib::CPaintManagerUI* paintManager)
       gallery_(*this, model_),
       livePreview_(Owner(), paintManager, [this](const wchar_t* name) { return Find(name); },
                    {SwitchImageOf(SwitchImage::kChecked), SwitchImageOf(SwitchImage::kUnchecked)}),
-      self_(std::make_shared<HomePage*>(this)) {
+      relay_([this](const FeatureStatusTuple& snapshot) { ShowSnapshot(snapshot); }) {
     if (!model_) {
         return;
     }
@@ -120,11 +119,7 @@ void HomePage::Refresh(const FeatureStatusTuple& snapshot) {
         ShowSnapshot(snapshot);
         return;
     }
-    DuiLib::UIMainQueue::getInstance()->dispatch([page = std::weak_ptr<HomePage*>(self_), snapshot] {
-        if (const auto alive = page.lock()) {
-            (*alive)->ShowSnapshot(snapshot);
-        }
-    });
+    relay_.Hand(snapshot);
 }
 
 void HomePage::ShowSnapshot(const FeatureStatusTuple& snapshot) {
@@ -171,9 +166,10 @@ void HomePage::ShowCameraIllustration() {
 
 void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& background) {
     std::wstring name = background.btnName;
-    const bool fileOpens = !background.path.empty() && std::ifstream(background.path.c_str()).good();
-    // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's.
-    if (!fileOpens && name == L"custom_background_option") {
+    // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's. The
+    // file may lie on a share that is gone, so it is only touched where that counts.
+    if (name == L"custom_background_option" &&
+        (background.path.empty() || !std::ifstream(background.path.c_str()).good())) {
         name = L"none_background_btn";
     }
     if (auto* option = FindAs<DuiLib::COptionUI>(name)) {

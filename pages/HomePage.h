@@ -16,6 +16,7 @@
 #include "pages/FeatureConfig.h"
 #include "pages/LivePreview.h"
 #include "pages/PageBase.h"
+#include "pages/SnapshotRelay.h"
 #include "service/GlobalUtils.h"
 #include "service/SettingsWatcher.h"
 
@@ -28,7 +29,8 @@ class HomePage : public PageBase {
 
     void Initialize() override;
     void OnScaleChanged() override;
-    // Shows a snapshot of the settings in every control. Any thread: other threads' calls are handed over.
+    // Shows a snapshot of the settings in every control. Any thread: what comes from another one is shown a moment
+    // later, and not at all when a newer one came meanwhile.
     void Refresh(const GlobalUtils::FeatureStatusTuple& snapshot);
 
     // --- gallery: see BackgroundGallery
@@ -80,8 +82,7 @@ class HomePage : public PageBase {
     BackgroundGallery gallery_;
     LivePreview livePreview_;
 
-    // Ends with the page; queued tasks hold a weak_ptr to it.
-    std::shared_ptr<HomePage*> self_;
+    SnapshotRelay relay_;
     std::vector<std::function<void()>> unsubscribe_;
     std::unique_ptr<SettingsWatcher> watcher_;  // stopped first
 };

@@ -105,5 +105,7 @@ bool SaveBitmapToFile(HBITMAP bitmap, const std::wstring& path) {
     fileHeader.bfType = 0x4D42;  // "BM"
     fileHeader.bfSize = static_cast<DWORD>(fileSize);
     fileHeader.bfOffBits = preview::kFileHeaderBytes + preview::kInfoHeaderBytes;
-    return WriteAll(file, &fileHeader, sizeof fileHeader) && WriteAll(file, header, static_cast<DWORD>(fileSize));
+    // Flushed here, so that nobody has to open it again, which a virus scanner may forbid.
+    return WriteAll(file, &fileHeader, sizeof fileHeader) && WriteAll(file, header, static_cast<DWORD>(fileSize)) &&
+           FlushFileBuffers(file.Get());
 }

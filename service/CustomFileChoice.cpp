@@ -5,6 +5,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 #include "preview/ImageReader.h"
 #include "preview/VideoReader.h"
@@ -32,6 +33,24 @@ constexpr UINT kMaxImageWidth = 4096;
 constexpr UINT kMaxImageHeight = 4096;
 constexpr UINT kMaxVideoWidth = 1920;
 constexpr UINT kMaxVideoHeight = 1200;
+
+struct Size {
+    UINT width = 0;
+    UINT height = 0;
+};
+
+// On a thread of its own, with a limit: the file may lie on a share that is gone, or its decoder hang.
+template <typename Reader, typename GetSize>
+std::optional<Size> LookAt(const std::wstring& path, GetSize getSize) {
+    const auto size = std::make_shared<Size>();
+    const bool opened = pictures::RunWhilePainting(
+        [path, size, getSize] {
+            Reader reader;
+            return reader.Open(path) && getSize(reader, *size);
+        },
+        pictures::kVideoPatience);
+    return opened ? std::optional(*size) : std::nullopt;
+}
 
 }  // namespace
 
@@ -91,14 +110,13 @@ bool CustomFileChoice::IsAccepted(const std::wstring& path) {
 }
 
 bool CustomFileChoice::CheckImageFile(const std::wstring& path) {
-    ImageReader reader;
-    UINT width = 0;
-    UINT height = 0;
-    if (!reader.Open(path) || !reader.GetSize(&width, &height)) {
+    const std::optional<Size> size = LookAt<ImageReader>(
+        path, [](ImageReader& reader, Size& found) { return reader.GetSize(&found.width, &found.height); });
+    if (!size) {
         PublishMessage(MessageBoxKind::kFileUnreadable);
         return false;
     }
-    if (width > kMaxImageWidth || height > kMaxImageHeight) {
+    if (size->width > kMaxImageWidth || size->height > kMaxImageHeight) {
         PublishMessage(MessageBoxKind::kImageTooLarge);
         return false;
     }
@@ -106,18 +124,9 @@ bool CustomFileChoice::CheckImageFile(const std::wstring& path) {
 }
 
 bool CustomFileChoice::CheckVideoFile(const std::wstring& path) {
-    struct Size {
-        UINT width = 0;
-        UINT height = 0;
-    };
-    const auto size = std::make_shared<Size>();
-    const bool opened = pictures::RunWhilePainting(
-        [path, size] {
-            VideoReader reader;
-            return reader.Open(path) && reader.GetFrameSize(&size->width, &size->height);
-        },
-        pictures::kVideoPatience);
-    if (!opened) {
+    const std::optional<Size> size = LookAt<VideoReader>(
+        path, [](VideoReader& reader, Size& found) { return reader.GetFrameSize(&found.width, &found.height); });
+    if (!size) {
         PublishMessage(MessageBoxKind::kFileUnreadable);
         return false;
     }

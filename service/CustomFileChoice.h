@@ -4,7 +4,7 @@
 //
 // Why: what the dialog gives may be anything; each refusal is one kind of message, published here. What happens with
 // an accepted file is others' business.
-// Threads: UI thread, which paints while a video is looked at.
+// Threads: UI thread, which paints while a file is looked at.
 #include <windows.h>
 
 #include <string>

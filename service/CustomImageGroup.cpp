@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <set>
+
+#include "service/pictures/CustomItemNames.h"
 
 namespace CustomImageGroup {
 
@@ -57,6 +60,12 @@ std::optional<CustomImageRecord> ParseRecord(std::wstring_view piece) {
                              std::wstring(fields[4])};
 }
 
+// Kept stricter than "fewer than five fields": a number that cannot be read is damage too, and costs nothing, since the
+// piece stays in the string.
+bool CouldBeOurs(const CustomImageRecord& record) {
+    return pictures::CustomItemNames::IsItemName(record.name) && (record.isVideo == 0 || record.isVideo == 1);
+}
+
 }  // namespace
 
 std::wstring Serialise(const std::vector<CustomImageRecord>& records) {
@@ -69,6 +78,21 @@ std::wstring Serialise(const std::vector<CustomImageRecord>& records) {
         text.append(record.sourcePath).append(kItemSeparator);
     }
     return text;
+}
+
+Contents Read(std::wstring_view text) {
+    Contents contents;
+    std::set<std::wstring> names;
+    while (!text.empty()) {
+        const std::wstring_view piece = TakePiece(text, kItemSeparator);
+        std::optional<CustomImageRecord> record = ParseRecord(piece);
+        if (record && CouldBeOurs(*record) && names.insert(record->name).second) {
+            contents.records.push_back(*std::move(record));
+        } else if (!piece.empty()) {
+            contents.rest.append(piece).append(kItemSeparator);
+        }
+    }
+    return contents;
 }
 
 std::vector<CustomImageRecord> Parse(std::wstring_view text) {

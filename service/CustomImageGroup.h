@@ -2,8 +2,8 @@
 // The user's own backgrounds as records, and the registry string that lists them: records to text and back.
 //
 // Why: the string is shared with the camera service and may be damaged or come from another version; what cannot be
-// read costs that record only. A record whose path holds a separator cannot be told from damage, for the format has no
-// escape. Threads: pure functions, any thread.
+// read costs that record only, and stays in the string. A record whose path holds a separator cannot be told from
+// damage, for the format has no escape. Threads: pure functions, any thread.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,6 +27,17 @@ inline constexpr std::wstring_view kFieldSeparator = L"[(&,f!=)]";
 
 // Name, index, isVideo, thumbPath, sourcePath; every record, the last included, ends with the item separator.
 std::wstring Serialise(const std::vector<CustomImageRecord>& records);
+
+// The string as the program uses it.
+struct Contents {
+    // What the program itself could have written: each item name once, 32 at most, since there are no more names.
+    std::vector<CustomImageRecord> records;
+    // All other pieces as they were, each with its separator: damaged ones, and those of another version.
+    std::wstring rest;
+
+    bool operator==(const Contents&) const = default;
+};
+Contents Read(std::wstring_view text);
 
 // Pieces with fewer than five fields, or with a number that is no decimal 32-bit integer, are dropped; fields after
 // the fifth are ignored.

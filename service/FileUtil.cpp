@@ -6,6 +6,7 @@
 #include <shlwapi.h>
 
 #include "service/pictures/FileKinds.h"
+#include "suite/common/Patience.h"
 #include "suite/logger/QxLogger.h"
 
 namespace {
@@ -44,6 +45,18 @@ bool FileUtil::FileExists(const std::wstring& path) const {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
+bool FileUtil::IsGone(const std::wstring& path) const {
+    if (FileExists(path)) {
+        return false;
+    }
+    const DWORD error = GetLastError();
+    if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+        return false;
+    }
+    const std::size_t slash = path.find_last_of(L"\\/");
+    return slash != std::wstring::npos && PathIsDirectoryW(path.substr(0, slash + 1).c_str()) != FALSE;
+}
+
 bool FileUtil::CreateResDirectory(const std::wstring& path) const {
     if (PathIsDirectoryW(path.c_str())) {
         LogLine(LogLevel::kInfo, L"FileUtil::CreateResDirectory", L"Now Directory is Exist");
@@ -58,7 +71,7 @@ bool FileUtil::CreateResDirectory(const std::wstring& path) const {
 }
 
 bool FileUtil::CopyFileToDest(const std::wstring& source, const std::wstring& destination) const {
-    if (!CopyFileW(source.c_str(), destination.c_str(), FALSE)) {
+    if (!suite::TryWhileHeld([&] { return CopyFileW(source.c_str(), destination.c_str(), FALSE) != FALSE; })) {
         const DWORD error = GetLastError();
         LogLine(LogLevel::kError, L"HomeService::CopyFileToDest", L"Copy File To Resource Fail,ErrorCode:", error);
         return false;

@@ -13,6 +13,8 @@ class FileUtil {
     bool IsImageFile(const std::wstring& path) const;
     // Files and folders alike.
     bool FileExists(const std::wstring& path) const;
+    // Missing in a folder that can be looked at. Anything else may come back: a share, a drive, a right.
+    bool IsGone(const std::wstring& path) const;
     // Makes the last component of the path, with full access for every user of the machine: the camera service and
     // other users' sessions work in there too. True when the folder is there afterwards; one that was there before
     // keeps its access list. The parent must exist.

@@ -10,13 +10,14 @@
 #include "service/pictures/CustomFolder.h"
 #include "service/pictures/PaintingWait.h"
 #include "suite/common/FolderListing.h"
+#include "suite/common/HeldFolder.h"
 #include "suite/logger/QxLogger.h"
 
 namespace service {
 
 // Every file that lies in the shared folder itself goes into the user's folder, but for the pictures that were made
 // there: those are newer.
-bool OlderLayout::CopyPictures(const std::set<std::wstring>& newer) const {
+bool OlderLayout::CopyPictures(const std::set<std::wstring>& newer, std::set<std::wstring>& copied) const {
     const std::wstring base = pictures::CustomFolder::kBase;
     suite::FolderListing entry(base + L"\\*");
     const bool canBeListed = entry || entry.IsComplete();
@@ -25,7 +26,14 @@ bool OlderLayout::CopyPictures(const std::set<std::wstring>& newer) const {
         if (entry.IsFolder() || newer.contains(destination)) {
             continue;
         }
-        if (!FileUtil::GetInstance().CopyFileToDest(base + L"\\" + entry.Name(), destination)) {
+        // What it leads to is not everybody's to read, or not the user's to write.
+        if (entry.IsLink() || suite::IsLink(destination)) {
+            LogLine(LogLevel::kInfo, L"HomeService::SyncCustomImg", L"a link is not copied: ", entry.Name());
+            continue;
+        }
+        if (FileUtil::GetInstance().CopyFileToDest(base + L"\\" + entry.Name(), destination)) {
+            copied.insert(destination);
+        } else {
             LogLine(LogLevel::kError, L"HomeService::SyncCustomImg", L"copyFile error:", entry.Name());
         }
     }
@@ -40,7 +48,7 @@ bool OlderLayout::MoveIntoUserFolder() const {
     if (moved != 0) {
         return true;
     }
-    std::vector<CustomImageRecord> records = SettingsStore::ReadCustomImages();
+    auto [records, rest] = SettingsStore::ReadCustomImages();
     std::set<std::wstring> newer;
     for (const CustomImageRecord& record : records) {
         if (record.thumbPath == pictures::CustomFolder::PicturePath(userSid_, record.name) &&
@@ -48,7 +56,8 @@ bool OlderLayout::MoveIntoUserFolder() const {
             newer.insert(record.thumbPath);
         }
     }
-    if (!CopyPictures(newer)) {
+    std::set<std::wstring> copied;
+    if (!pictures::RunWhilePainting([&] { return CopyPictures(newer, copied); })) {
         return false;
     }
 
@@ -57,33 +66,39 @@ bool OlderLayout::MoveIntoUserFolder() const {
     int replacement = 0;
     SettingsStore::Read(SettingNames::kBackgroundReplacement, replacement);
     for (CustomImageRecord& record : records) {
-        MoveRecord(record);
+        MoveRecord(record, copied.contains(pictures::CustomFolder::PicturePath(userSid_, record.name)));
         if (record.name == selected && replacement == FeatureTables::kCustomIndex) {
             SettingsStore::Write(SettingNames::kBackgroundImagePath,
                                  record.isVideo != 0 ? record.sourcePath : record.thumbPath);
         }
     }
+    // Kept: whoever has no backgrounds gets no list.
     if (!records.empty()) {
-        SettingsStore::WriteCustomImages(records);
+        SettingsStore::WriteCustomImages(records, rest);
     }
     SettingsStore::Write(SettingNames::kSyncCustom, 1);
     return true;
 }
 
-// A picture that could not be brought over stays in use where it lies.
-void OlderLayout::MoveRecord(CustomImageRecord& record) const {
+// A picture that could not be brought over stays in use where it lies. The cover of a video is made anew; what stands
+// for one that has none is worth less than an older cover.
+void OlderLayout::MoveRecord(CustomImageRecord& record, bool pictureIsCopied) const {
+    using pictures::BackgroundPicture::Result;
+    using pictures::BackgroundPicture::StandIn;
     const std::wstring picture = pictures::CustomFolder::PicturePath(userSid_, record.name);
     if (record.thumbPath == picture) {
         return;
     }
     const FileUtil& files = FileUtil::GetInstance();
+    bool isThere = pictureIsCopied;
     if (record.isVideo != 0 && files.FileExists(record.sourcePath)) {
-        pictures::RunWhilePainting([&] {
-            return pictures::BackgroundPicture::Make(record.sourcePath, true, picture) ==
-                   pictures::BackgroundPicture::Result::kMade;
+        const StandIn standIn =
+            pictureIsCopied || files.FileExists(record.thumbPath) ? StandIn::kNone : StandIn::kWritten;
+        isThere |= pictures::RunWhilePainting([&] {
+            return pictures::BackgroundPicture::Make(record.sourcePath, true, picture, standIn) == Result::kMade;
         });
     }
-    if (files.FileExists(picture) || !files.FileExists(record.thumbPath)) {
+    if (isThere) {
         record.thumbPath = picture;
     }
 }

@@ -19,8 +19,9 @@ class OlderLayout {
     [[nodiscard]] bool MoveIntoUserFolder() const;
 
   private:
-    bool CopyPictures(const std::set<std::wstring>& newer) const;
-    void MoveRecord(CustomImageRecord& record) const;
+    // `copied`: what lies in the user's folder now.
+    bool CopyPictures(const std::set<std::wstring>& newer, std::set<std::wstring>& copied) const;
+    void MoveRecord(CustomImageRecord& record, bool pictureIsCopied) const;
 
     const std::wstring userSid_;
 };

@@ -27,8 +27,17 @@ const std::wstring* OwnBackgroundList::PathOf(const std::wstring& key) const {
     return found == paths_.end() ? nullptr : &found->second;
 }
 
-void OwnBackgroundList::Assign(std::vector<CustomImageRecord> records) {
+OwnBackgroundList::Paths OwnBackgroundList::Taken() const {
+    Paths taken = paths_;
+    for (const CustomImageRecord& record : records_) {
+        taken.try_emplace(record.name, record.thumbPath);
+    }
+    return taken;
+}
+
+void OwnBackgroundList::Assign(std::vector<CustomImageRecord> records, std::wstring rest) {
     records_ = std::move(records);
+    rest_ = std::move(rest);
     paths_.clear();
 }
 

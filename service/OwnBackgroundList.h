@@ -22,13 +22,17 @@ class OwnBackgroundList {
     const std::vector<CustomImageRecord>& Records() const { return records_; }
     const Paths& FilePaths() const { return paths_; }
     bool IsFull() const;
+    // What the registry's list holds beside the records, see CustomImageGroup::Contents.
+    const std::wstring& Rest() const { return rest_; }
+    // The names that a new item cannot have: of items in the gallery, and of those that are only listed.
+    Paths Taken() const;
     // Null when there is no such item. Valid until the list changes.
     const CustomImageRecord* Find(const std::wstring& itemName) const;
     // Of an item, or of its video; null when it has none. Valid until the list changes.
     const std::wstring* PathOf(const std::wstring& key) const;
 
     // Replaces everything; no item has a path then.
-    void Assign(std::vector<CustomImageRecord> records);
+    void Assign(std::vector<CustomImageRecord> records, std::wstring rest = {});
     void Append(const CustomImageRecord& record);
     // The item's picture is that of its record; the video counts for videos only.
     void SetPaths(const std::wstring& itemName, const std::wstring& videoPath);
@@ -44,6 +48,7 @@ class OwnBackgroundList {
     std::size_t Position(const std::wstring& itemName) const;
 
     std::vector<CustomImageRecord> records_;
+    std::wstring rest_;
     Paths paths_;
 };
 

@@ -3,7 +3,8 @@
 #include <windows.h>
 
 #include <array>
-#include <set>
+#include <chrono>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "service/GlobalUtils.h"
 #include "service/KindNotifier.h"
 #include "service/OlderLayout.h"
+#include "service/OwnFolders.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
 #include "service/pictures/BackgroundPicture.h"
@@ -29,15 +31,7 @@ namespace {
 
 constexpr int kMoveAttempts = 3;
 constexpr DWORD kPathSize = 260;
-
-// Records that name no item, or one that another names already, are damage: their cells could not be told apart.
-std::vector<CustomImageRecord> WithItemNamesOnce(std::vector<CustomImageRecord> records) {
-    std::set<std::wstring> seen;
-    std::erase_if(records, [&seen](const CustomImageRecord& record) {
-        return !pictures::CustomItemNames::IsItemName(record.name) || !seen.insert(record.name).second;
-    });
-    return records;
-}
+constexpr std::chrono::seconds kLookPatience{2};
 
 bool CanBeListed(const std::wstring& path) {
     return path.find(CustomImageGroup::kItemSeparator) == std::wstring::npos &&
@@ -55,6 +49,21 @@ std::wstring ListedPath(const std::wstring& path) {
     return CanBeListed(result) ? result : std::wstring();
 }
 
+enum class Look { kThere, kGone, kUnknown };
+
+// The file may lie on a share that does not answer.
+Look LookAt(const std::wstring& path) {
+    const auto look = std::make_shared<Look>(Look::kUnknown);
+    const bool answered = pictures::RunWhilePainting(
+        [path, look] {
+            const FileUtil& files = FileUtil::GetInstance();
+            *look = files.FileExists(path) ? Look::kThere : files.IsGone(path) ? Look::kGone : Look::kUnknown;
+            return true;
+        },
+        kLookPatience);
+    return answered ? *look : Look::kUnknown;
+}
+
 }  // namespace
 
 void OwnBackgrounds::SetAddToGallery(AddToGallery::Function callback) {
@@ -69,32 +78,36 @@ void OwnBackgrounds::SetList(OwnBackgroundList list) {
     list_ = std::move(list);
 }
 
-bool OwnBackgrounds::MakeUserFolder() const {
-    const FileUtil& files = FileUtil::GetInstance();
-    return files.CreateResDirectory(pictures::CustomFolder::kBase) &&
-           files.CreateResDirectory(pictures::CustomFolder::OfUser(userSid_));
-}
-
 void OwnBackgrounds::Load(const std::wstring& userSid) {
-    constexpr wchar_t kFunction[] = L"HomeService::InitCustomImage";
     userSid_ = userSid;
     if (userSid_.empty()) {
-        LogLine(LogLevel::kError, kFunction, L"Get user SID failed");
+        LogLine(LogLevel::kError, L"HomeService::InitCustomImage", L"Get user SID failed");
         return;
     }
-    const FileUtil& files = FileUtil::GetInstance();
-    if (!files.CreateResDirectory(pictures::CustomFolder::kBase)) {
-        LogLine(LogLevel::kError, kFunction, L"Create Res Folder Failed");
-        return;
+    LoadList();
+}
+
+bool OwnBackgrounds::LoadList() {
+    const OwnFolders folders(userSid_);
+    switch (folders.GetState()) {
+        case OwnFolders::State::kUsable:
+            pictures::BackgroundPicture::RemoveUnfinished(pictures::CustomFolder::OfUser(userSid_));
+            for (int attempt = 0; attempt < kMoveAttempts && !MoveOlderLayout(); ++attempt) {
+            }
+            break;
+        case OwnFolders::State::kNoUserFolder:
+            break;
+        case OwnFolders::State::kNoSharedFolder:
+            LogLine(LogLevel::kError, L"HomeService::InitCustomImage", L"Create Res Folder Failed");
+            return false;
+        case OwnFolders::State::kRefused:
+            return false;
     }
-    const std::wstring userFolder = pictures::CustomFolder::OfUser(userSid_);
-    if (files.CreateResDirectory(userFolder)) {
-        pictures::BackgroundPicture::RemoveUnfinished(userFolder);
-        for (int attempt = 0; attempt < kMoveAttempts && !MoveOlderLayout(); ++attempt) {
-        }
-    }
-    list_.Assign(WithItemNamesOnce(SettingsStore::ReadCustomImages()));
+    CustomImageGroup::Contents stored = SettingsStore::ReadCustomImages();
+    list_.Assign(std::move(stored.records), std::move(stored.rest));
+    isLoaded_ = true;
     ShowStoredItems();
+    return true;
 }
 
 bool OwnBackgrounds::MoveOlderLayout() const {
@@ -104,8 +117,13 @@ bool OwnBackgrounds::MoveOlderLayout() const {
 void OwnBackgrounds::ShowStoredItems() {
     std::vector<std::wstring> stale;
     for (const CustomImageRecord& record : list_.Records()) {
-        if (!FileUtil::GetInstance().FileExists(record.thumbPath)) {
-            stale.push_back(record.name);
+        if (const FileUtil& files = FileUtil::GetInstance(); !files.FileExists(record.thumbPath)) {
+            if (files.IsGone(record.thumbPath)) {
+                stale.push_back(record.name);
+            } else {
+                LogLine(LogLevel::kInfo, L"HomeService::InitCustomImage", record.name,
+                        L" stays without a cell: its picture cannot be looked at");
+            }
             continue;
         }
         list_.SetPaths(record.name, record.sourcePath);
@@ -118,12 +136,20 @@ void OwnBackgrounds::ShowStoredItems() {
 }
 
 bool OwnBackgrounds::Add(const std::wstring& sourcePath) {
+    // A folder that could not be had at the start may be there by now, and the list has to be known before it is
+    // written. Nobody has refused a 33rd item of a list that was not known.
+    if (userSid_.empty() || (!isLoaded_ && (!LoadList() || list_.IsFull()))) {
+        PublishMessage(MessageBoxKind::kBackgroundNotSaved);
+        return false;
+    }
     const bool isVideo = FileUtil::GetInstance().IsVideoFile(sourcePath);
     const std::wstring listedPath = ListedPath(sourcePath);
-    const std::wstring name = pictures::CustomItemNames::NextFree(list_.FilePaths());
+    const std::wstring name = pictures::CustomItemNames::NextFree(list_.Taken());
     const std::wstring picture = pictures::CustomFolder::PicturePath(userSid_, name);
+    const OwnFolders folders(userSid_);
     // A video is used where it lies, so its path must survive; an image's is a mere note.
-    if (picture.empty() || (isVideo && listedPath.empty()) || !MakeUserFolder()) {
+    if ((isVideo && listedPath.empty()) || folders.GetState() != OwnFolders::State::kUsable ||
+        !SettingsStore::MayWriteCustomImages()) {
         PublishMessage(MessageBoxKind::kBackgroundNotSaved);
         return false;
     }
@@ -146,7 +172,7 @@ bool OwnBackgrounds::Add(const std::wstring& sourcePath) {
     list_.Append({name, isVideo ? 1 : 0, index, picture, listedPath});
     list_.SetPaths(name, sourcePath);
     SettingsStore::Write(SettingNames::kBackgroundImagePath, isVideo ? sourcePath : picture);
-    SettingsStore::WriteCustomImages(list_.Records());
+    SettingsStore::WriteCustomImages(list_.Records(), list_.Rest());
     SettingsStore::Write(SettingNames::kBackgroundReplacement, FeatureTables::kCustomIndex);
     SettingsStore::Write(SettingNames::kSelectedButtonName, name);
     return true;
@@ -159,9 +185,12 @@ bool OwnBackgrounds::Select(const std::wstring& itemName) {
     }
     std::wstring key = itemName;
     if (record->isVideo != 0) {
-        if (!FileUtil::GetInstance().FileExists(record->sourcePath)) {
-            PublishMessage(MessageBoxKind::kBackgroundGone);
-            Delete(itemName);
+        const Look look = LookAt(record->sourcePath);
+        if (look != Look::kThere) {
+            PublishMessage(look == Look::kGone ? MessageBoxKind::kBackgroundGone : MessageBoxKind::kFileUnreadable);
+            if (look == Look::kGone) {
+                Delete(itemName);
+            }
             return false;
         }
         key += pictures::CustomItemNames::kVideoSuffix;
@@ -180,17 +209,23 @@ bool OwnBackgrounds::Delete(std::wstring itemName) {
     if (!list_.Find(itemName)) {
         return false;
     }
+    // Kept: the record in memory goes before the file; the list is written last.
+    const std::wstring picture = Forget(itemName);
     std::wstring selected;
     SettingsStore::Read(SettingNames::kSelectedButtonName, selected);
     if (selected == itemName) {
         SettingsStore::Write(SettingNames::kBackgroundReplacement, 0);
     }
-    const std::wstring picture = Forget(itemName);
     // A damaged list may name any file; only a picture of the program's own making is deleted.
-    if (pictures::CustomItemNames::IsPictureOf(itemName, picture)) {
-        pictures::BackgroundPicture::Remove(picture);
+    if (pictures::CustomItemNames::IsPictureOf(itemName, picture) &&
+        OwnFolders(userSid_).GetState() != OwnFolders::State::kRefused) {
+        // Somebody may be looking at it for a moment.
+        pictures::RunWhilePainting([&picture] {
+            pictures::BackgroundPicture::Remove(picture);
+            return true;
+        });
     }
-    SettingsStore::WriteCustomImages(list_.Records());
+    SettingsStore::WriteCustomImages(list_.Records(), list_.Rest());
     return true;
 }
 

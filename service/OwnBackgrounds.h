@@ -34,7 +34,8 @@ class OwnBackgrounds {
     void SetList(OwnBackgroundList list);
 
   private:
-    bool MakeUserFolder() const;
+    // False when the folders cannot be had or not be trusted; the list is then not loaded, and must not be written.
+    bool LoadList();
     void ShowStoredItems();
     // Takes record, cell and the picture's entry away; gives the picture's path, empty when it had none. Files and
     // registry stay as they are.
@@ -43,6 +44,7 @@ class OwnBackgrounds {
     AddToGallery addToGallery_;
     RemoveFromGallery removeFromGallery_;
     std::wstring userSid_;  // empty before Load, or when the user cannot be told
+    bool isLoaded_ = false;
     OwnBackgroundList list_;
 };
 

@@ -3,9 +3,23 @@
 #include <cstddef>
 
 #include "service/SettingNames.h"
+#include "suite/common/RegistryKey.h"
+#include "suite/logger/QxLogger.h"
 #include "suite/registry/Registry.h"
 
 namespace SettingsStore {
+
+namespace {
+
+// Of whatever type.
+bool IsThere(const std::wstring& name) {
+    suite::RegistryKey key;
+    return RegOpenKeyExW(HKEY_CURRENT_USER, SettingNames::kSystemKeyPath, 0, KEY_QUERY_VALUE, key.Put()) ==
+               ERROR_SUCCESS &&
+           RegQueryValueExW(key.Get(), name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+}
+
+}  // namespace
 
 bool Read(const wchar_t* name, int& value) {
     return DE::Registry::GetValue(HKEY_CURRENT_USER, SettingNames::kKeyPath, name, value, KEY_ALL_ACCESS);
@@ -33,14 +47,28 @@ std::array<std::int32_t, service::kBeautyLevels.size()> ReadBeautyLevels() {
     return levels;
 }
 
-std::vector<CustomImageRecord> ReadCustomImages() {
+CustomImageGroup::Contents ReadCustomImages() {
     std::wstring group;
     Read(SettingNames::kCustomImageGroup, group);
-    return CustomImageGroup::Parse(group);
+    return CustomImageGroup::Read(group);
 }
 
-void WriteCustomImages(const std::vector<CustomImageRecord>& records) {
-    Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(records));
+bool MayWriteCustomImages() {
+    const std::wstring name = SettingNames::kCustomImageGroup;
+    std::wstring group;
+    if (!IsThere(name) || Read(name.c_str(), group)) {
+        return true;
+    }
+    LogLine(LogLevel::kError, L"SettingsStore::MayWriteCustomImages", name, L" is no text, it is left alone");
+    return false;
+}
+
+bool WriteCustomImages(const std::vector<CustomImageRecord>& records, const std::wstring& rest) {
+    if (!MayWriteCustomImages()) {
+        return false;
+    }
+    Write(SettingNames::kCustomImageGroup, CustomImageGroup::Serialise(records) + rest);
+    return true;
 }
 
 void CreateDefaultsOnFirstRun() {

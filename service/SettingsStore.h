@@ -25,9 +25,12 @@ void Write(const wchar_t* name, const std::wstring& value);
 // Kept for compatibility.
 std::array<std::int32_t, service::kBeautyLevels.size()> ReadBeautyLevels();
 
-// The list of the user's own backgrounds; pieces that cannot be read are left out.
-std::vector<CustomImageRecord> ReadCustomImages();
-void WriteCustomImages(const std::vector<CustomImageRecord>& records);
+// The list of the user's own backgrounds.
+CustomImageGroup::Contents ReadCustomImages();
+// False when the value is there and is no text: whoever wrote it may know what it is, so it is left alone. Logged.
+[[nodiscard]] bool MayWriteCustomImages();
+// As MayWriteCustomImages; then it is written.
+bool WriteCustomImages(const std::vector<CustomImageRecord>& records, const std::wstring& rest);
 
 // Creates the key with its ten defaults when it does not exist. A key that exists is left alone, whatever it lacks.
 void CreateDefaultsOnFirstRun();

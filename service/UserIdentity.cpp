@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <sddl.h>
 #include <wtsapi32.h>
 #define SECURITY_WIN32
 #include <security.h>
@@ -12,6 +11,7 @@
 
 #include "suite/common/Handle.h"
 #include "suite/common/SystemLibrary.h"
+#include "suite/common/UserSid.h"
 
 namespace {
 
@@ -24,13 +24,15 @@ constinit suite::SystemFunction<decltype(&GetUserNameExW)> getUserName(secur32, 
 
 constexpr DWORD kNameSize = 260;  // characters, of user and domain names; bytes, of an identifier
 
-// "domain\user" of the session's user. The token is given to services only; without it the name is that of the account
-// that the program runs under, which is the session's user wherever the program was simply started by him.
-std::wstring SessionUserName(DWORD session) {
-    HANDLE rawToken = nullptr;
-    const bool gotToken = queryUserToken.CallOr(FALSE, session, &rawToken) != FALSE;
-    const suite::Handle token(gotToken ? rawToken : nullptr);
-    const bool impersonating = gotToken && ImpersonateLoggedOnUser(token.Get()) != FALSE;
+// Of the session's user. The system gives it to services only.
+suite::Handle SessionToken(DWORD session) {
+    HANDLE token = nullptr;
+    return suite::Handle(queryUserToken.CallOr(FALSE, session, &token) != FALSE ? token : nullptr);
+}
+
+// "domain\user" of the token's user.
+std::wstring UserName(HANDLE token) {
+    const bool impersonating = ImpersonateLoggedOnUser(token) != FALSE;
     std::array<wchar_t, kNameSize> name{};
     ULONG length = kNameSize;
     const bool gotName = getUserName.CallOr(FALSE, NameSamCompatible, name.data(), &length) != FALSE;
@@ -52,17 +54,18 @@ std::wstring SidOfAccount(const std::wstring& name) {
     if (!LookupAccountNameW(nullptr, name.c_str(), sid.data(), &sidSize, domain.data(), &domainSize, &use)) {
         return {};
     }
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(sid.data(), &text)) {
-        return {};
-    }
-    std::wstring result(text);
-    LocalFree(text);
-    return result;
+    return suite::SidText(sid.data());
 }
 
+// Without the session's token the program's own user counts: that is the session's wherever the program was simply
+// started by him, and it is known without asking a network.
 std::wstring SidOfSession(DWORD session) {
-    return SidOfAccount(SessionUserName(session));
+    const suite::Handle token = SessionToken(session);
+    if (!token) {
+        return suite::OwnUserSid();
+    }
+    const std::wstring sid = SidOfAccount(UserName(token.Get()));
+    return sid.empty() ? suite::TokenUserSid(token.Get()) : sid;
 }
 
 std::wstring SidOfFirstActiveSession() {

@@ -3,17 +3,11 @@
 // Pure: SharedFolders.h finds the facts.
 #include <string>
 
+#include "suite/common/FolderFacts.h"
+
 namespace setup {
 
-struct FolderFacts {
-    // The system's number when the folder could not be looked at; then nothing below counts.
-    unsigned long error = 0;
-    bool isFolder = false;
-    // A junction or another reparse point: it leads to somewhere else.
-    bool isLink = false;
-    // Identifier in text form.
-    std::wstring owner;
-};
+using suite::FolderFacts;
 
 enum class Verdict {
     kMissing,

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <aclapi.h>
 #include <sddl.h>
 
 #include <memory>
@@ -11,6 +10,8 @@
 
 #include "setup/SharedFolderRules.h"
 #include "suite/common/Handle.h"
+#include "suite/common/HeldFolder.h"
+#include "suite/common/UserSid.h"
 
 namespace setup {
 namespace {
@@ -25,30 +26,6 @@ struct LocalFreeDeleter {
 };
 template <typename T>
 using LocalMemory = std::unique_ptr<T, LocalFreeDeleter>;
-
-std::wstring TextOf(PSID identifier) {
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(identifier, &text)) {
-        return {};
-    }
-    const LocalMemory<wchar_t> owned(text);
-    return text;
-}
-
-std::wstring OwnUser() {
-    HANDLE opened = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) {
-        return {};
-    }
-    const suite::Handle token(opened);
-    DWORD size = 0;
-    GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
-    std::vector<std::byte> buffer(size);
-    if (!GetTokenInformation(token.Get(), TokenUser, buffer.data(), size, &size)) {
-        return {};
-    }
-    return TextOf(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid);
-}
 
 // The right to give a folder to the administrators and to change the rights of somebody else's.
 void EnablePrivilege(const wchar_t* name) {
@@ -71,40 +48,11 @@ LocalMemory<void> Rights() {
     return LocalMemory<void>(descriptor);
 }
 
-// The folder itself and not what a link leads to. As long as it is open nobody can rename, delete or exchange it.
-suite::Handle Hold(const std::wstring& path, DWORD access) {
-    return suite::Handle(CreateFileW(path.c_str(), FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | READ_CONTROL | access,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                     FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-}
-
-FolderFacts FactsOf(HANDLE folder, const std::wstring& path) {
-    FolderFacts facts;
-    BY_HANDLE_FILE_INFORMATION information{};
-    // By name too: Wine tells a link there only.
-    const DWORD byName = GetFileAttributesW(path.c_str());
-    if (!GetFileInformationByHandle(folder, &information) || byName == INVALID_FILE_ATTRIBUTES) {
-        facts.error = GetLastError();
-        return facts;
-    }
-    facts.isFolder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    facts.isLink = ((information.dwFileAttributes | byName) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    PSID owner = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    facts.error = GetSecurityInfo(folder, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
-                                  &descriptor);
-    const LocalMemory<void> owned(descriptor);
-    if (facts.error == 0) {
-        facts.owner = TextOf(owner);
-    }
-    return facts;
-}
-
 Verdict Look(const std::wstring& path) {
-    const suite::Handle folder = Hold(path, 0);
+    const suite::Handle folder = suite::HoldFolder(path, 0);
     FolderFacts facts;
     facts.error = folder ? 0 : GetLastError();
-    return Judge(folder ? FactsOf(folder.Get(), path) : facts, OwnUser());
+    return Judge(folder ? suite::FactsOf(folder.Get(), path) : facts, suite::OwnUserSid());
 }
 
 bool MayUse(Verdict verdict, bool foreignToo) {
@@ -121,8 +69,8 @@ DWORD MakeFolder(const std::wstring& path) {
 // Only the folder itself: what users have in it stays theirs. REQUIRES: the folder above belongs to administrators.
 bool TakeOver(const std::wstring& path) {
     const LocalMemory<void> rights = Rights();
-    const suite::Handle folder = Hold(path, WRITE_DAC | WRITE_OWNER);
-    if (!rights || !folder || FactsOf(folder.Get(), path).isLink) {
+    const suite::Handle folder = suite::HoldFolder(path, WRITE_DAC | WRITE_OWNER);
+    if (!rights || !folder || suite::FactsOf(folder.Get(), path).isLink) {
         return false;
     }
     return SetKernelObjectSecurity(
@@ -147,8 +95,9 @@ std::vector<std::wstring> Find(const std::wstring& folder, const wchar_t* patter
 
 // Open as long as somebody could exchange it for a link; none when it is one already.
 suite::Handle HoldTrueFolder(const std::wstring& path) {
-    suite::Handle held = Hold(path, 0);
-    return held && Judge(FactsOf(held.Get(), path), OwnUser()) != Verdict::kPlanted ? std::move(held) : suite::Handle();
+    suite::Handle held = suite::HoldFolder(path, 0);
+    return held && Judge(suite::FactsOf(held.Get(), path), suite::OwnUserSid()) != Verdict::kPlanted ? std::move(held)
+                                                                                                     : suite::Handle();
 }
 
 void DeletePicturesIn(const std::wstring& folder) {

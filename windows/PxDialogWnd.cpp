@@ -1,6 +1,7 @@
 #include "windows/PxDialogWnd.h"
 
 #include <new>
+#include <utility>
 
 #include "DuiLib/UIMainQueue.h"
 #include "service/ServiceMessages.h"
@@ -51,7 +52,7 @@ void PxDialogWnd::InitIPCMessageClient() {
 
 void PxDialogWnd::OnMessageReceive(const TagIPCMessageItem& item) {
     if (item.slot[ServiceMessages::kMessageCode] != ServiceMessages::kNotificationCode ||
-        item.slot[ServiceMessages::kSubCode] != ServiceMessages::kResetSubCode) {
+        item.slot[ServiceMessages::kSubCode] != ServiceMessages::kResetSubCode || std::exchange(closing_, true)) {
         return;
     }
     LogLine(LogLevel::kError, L"PxDialogWnd::OnMessageReceive", L"OnMessageReceive close win");

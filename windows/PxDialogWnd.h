@@ -46,4 +46,5 @@ class PxDialogWnd : public DuiLib::WindowImplBase {
 
     std::unique_ptr<IPCMessageClient> client_;  // stopped before the rest of the window goes
     std::unique_ptr<PostSender> postSender_;
+    bool closing_ = false;  // the pipe client's thread
 };

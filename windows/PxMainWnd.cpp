@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <system_error>
-#include <thread>
 
 #include "DuiLib/ButtonUI.h"
 #include "DuiLib/UICulture.h"
@@ -321,23 +319,12 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void PxMainWnd::RegisterVideoThumbnail() {
-    const auto tell = [](const std::exception& error) {
-        LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
-    };
     try {
-        // On a thread of its own, joined at once: the shell's extractors never see the UI thread's apartment.
-        std::thread([this, tell] {
-            try {
-                const HomeService* model = HomeService::GetInstance();
-                if (model) {
-                    thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
-                }
-            } catch (const std::exception& error) {
-                tell(error);
-            }
-        }).join();
-    } catch (const std::system_error& error) {
-        tell(error);  // no thread: the window is painted all the same
+        if (const HomeService* model = HomeService::GetInstance()) {
+            thumbnail_.Register(PaintManager(), model->GetBackgroundImagePath());
+        }
+    } catch (const std::exception& error) {
+        LogLine(LogLevel::kError, L"PxMainWnd::RegisterVideoThumbnail", L"no thumbnail: ", error.what());
     }
 }
 
@@ -377,7 +364,10 @@ void PxMainWnd::ShowFirstPage() {
 }
 
 void PxMainWnd::CloseWindow() {
-    DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+    // Once, however often it is asked for.
+    if (!closing_.exchange(true)) {
+        DuiLib::UIMainQueue::getInstance()->dispatch([window = GetHWND()] { WindowStart::CloseAndQuit(window); });
+    }
 }
 
 void PxMainWnd::QueueModal(std::int32_t key, std::function<void()> show) {

@@ -3,12 +3,12 @@
 // publications on the notification hub.
 //
 // Layout: the tab container "wnd_container", the buttons "minbtn" and "closebtn", the dimming layer "mask_control".
-// Threads: UI thread, but for the video thumbnail's short-lived thread, which the UI thread waits for, and the
-// operations of PageHost that may be called from any thread.
+// Threads: UI thread, but for the operations of PageHost that may be called from any thread.
 #include <windows.h>
 
 #include <shellapi.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -79,6 +79,7 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     std::map<std::wstring, std::unique_ptr<PageBase>> pages_;
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows
     std::unique_ptr<PageSwitcher> switcher_;
+    std::atomic<bool> closing_ = false;  // any thread
     bool changingDpi_ = false;
     VideoThumbnail thumbnail_;
     ModalQueue modals_;

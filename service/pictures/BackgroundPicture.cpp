@@ -12,6 +12,8 @@
 #include "suite/common/FolderListing.h"
 #include "suite/common/GdiObject.h"
 #include "suite/common/Handle.h"
+#include "suite/common/HeldFolder.h"
+#include "suite/common/Patience.h"
 #include "suite/logger/QxLogger.h"
 
 namespace pictures::BackgroundPicture {
@@ -39,25 +41,36 @@ void AllowChanges(const std::wstring& picture) {
     }
 }
 
-// Nothing of a picture that lies in the system's memory only is taken for stored.
+// Nothing of a picture that lies in the system's memory only is taken for stored. A link is not exchanged.
 bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
-    {
-        const suite::Handle file(
-            CreateFileW(unfinished.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (!file || !FlushFileBuffers(file.Get())) {
-            return false;
-        }
+    if (suite::IsLink(unfinished) || suite::IsLink(target)) {
+        SetLastError(ERROR_CANT_ACCESS_FILE);
+        return false;
     }
     AllowChanges(target);
-    return MoveFileExW(unfinished.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+    return suite::TryWhileHeld([&] {
+        return MoveFileExW(unfinished.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+               FALSE;
+    });
 }
 
+void DeleteUnlessLink(const std::wstring& path) {
+    if (!suite::IsLink(path)) {
+        [[maybe_unused]] const bool deleted = suite::TryWhileHeld([&] { return DeleteFileW(path.c_str()) != FALSE; });
+    }
+}
+
+// Whoever looks at the file meanwhile keeps nobody from deleting or exchanging it.
 bool WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes) {
-    const suite::Handle file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    suite::Handle file;
     DWORD written = 0;
-    return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-           written == bytes.size();
+    return suite::TryWhileHeld([&] {
+               file = suite::Handle(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                                nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+               return static_cast<bool>(file);
+           }) &&
+           WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+           written == bytes.size() && FlushFileBuffers(file.Get());
 }
 
 Result WriteImage(const std::wstring& source, const std::wstring& path) {
@@ -75,12 +88,16 @@ Result WriteCover(const std::wstring& video, const std::wstring& path) {
         LogLine(LogLevel::kInfo, kFunction, L"The video has no cover");
         return Result::kNothingToShow;
     }
-    return SaveBitmapToFile(cover.Get(), path) ? Result::kMade : Result::kNotWritten;
+    return suite::TryWhileHeld([&] { return SaveBitmapToFile(cover.Get(), path); }) ? Result::kMade
+                                                                                    : Result::kNotWritten;
 }
 
 // The source, or else what stands for one that cannot be read.
-Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& path) {
+Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& path, StandIn standIn) {
     Result result = isVideo ? WriteCover(source, path) : WriteImage(source, path);
+    if (standIn == StandIn::kNone) {
+        return result;
+    }
     if (result == Result::kNothingToShow) {
         result = WriteImage(kFallbackOfSuite, path);
     }
@@ -92,29 +109,37 @@ Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& pa
 
 }  // namespace
 
-Result Make(const std::wstring& source, bool isVideo, const std::wstring& target) {
+Result Make(const std::wstring& source, bool isVideo, const std::wstring& target, StandIn standIn) {
     const std::wstring unfinished = target + kUnfinishedSuffix;
-    Result result = WriteAny(source, isVideo, unfinished);
+    if (suite::IsLink(unfinished)) {
+        LogLine(LogLevel::kError, kFunction, L"No picture is written through a link");
+        return Result::kNotWritten;
+    }
+    Result result = WriteAny(source, isVideo, unfinished, standIn);
     if (result == Result::kMade && !MoveIntoPlace(unfinished, target)) {
         result = Result::kNotWritten;
     }
     if (result != Result::kMade) {
         const DWORD error = GetLastError();
-        LogLine(LogLevel::kError, kFunction, L"No picture is stored: ", error);
-        DeleteFileW(unfinished.c_str());
+        // Without one that stands for it, a source that cannot be loaded is no failure.
+        const bool isWanted = standIn == StandIn::kWritten || result == Result::kNotWritten;
+        LogLine(isWanted ? LogLevel::kError : LogLevel::kInfo, kFunction, L"No picture is stored: ", error);
+        DeleteUnlessLink(unfinished);
     }
     return result;
 }
 
 void Remove(const std::wstring& picture) {
-    AllowChanges(picture);
-    DeleteFileW(picture.c_str());
+    if (!suite::IsLink(picture)) {
+        AllowChanges(picture);
+        DeleteUnlessLink(picture);
+    }
 }
 
 void RemoveUnfinished(const std::wstring& folder) {
     const std::wstring pattern = folder + L"\\" + std::wstring(CustomItemNames::kPrefix) + L"*" + kUnfinishedSuffix;
     for (suite::FolderListing entry(pattern); entry; entry.Next()) {
-        DeleteFileW((folder + L"\\" + entry.Name()).c_str());
+        DeleteUnlessLink(folder + L"\\" + entry.Name());
     }
 }
 

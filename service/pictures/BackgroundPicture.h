@@ -14,10 +14,13 @@ enum class Result {
     kNotWritten,     // the folder does not take the file
 };
 
+// Whether a picture that stands for such is written where the source cannot be loaded.
+enum class StandIn { kWritten, kNone };
+
 // Writes `target`, over an older one: an image as JPEG; a video's cover as a bitmap file, whatever the name ends in.
-// Where the source cannot be loaded, the picture that stands for such is written. After a failure an older target is
-// as it was. `source` is only read.
-[[nodiscard]] Result Make(const std::wstring& source, bool isVideo, const std::wstring& target);
+// After a failure an older target is as it was. `source` is only read.
+[[nodiscard]] Result Make(const std::wstring& source, bool isVideo, const std::wstring& target,
+                          StandIn standIn = StandIn::kWritten);
 
 // Deletes a picture, a write-protected one too; what cannot be deleted stays.
 void Remove(const std::wstring& picture);

@@ -1,7 +1,5 @@
 #include "service/pictures/CustomItemNames.h"
 
-#include <algorithm>
-
 namespace pictures::CustomItemNames {
 
 std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken) {
@@ -16,11 +14,16 @@ std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken) {
 }
 
 bool IsItemName(std::wstring_view name) {
-    if (!name.starts_with(kPrefix) || name.size() == kPrefix.size()) {
+    if (!name.starts_with(kPrefix)) {
         return false;
     }
     const std::wstring_view number = name.substr(kPrefix.size());
-    return std::all_of(number.begin(), number.end(), [](wchar_t unit) { return unit >= L'0' && unit <= L'9'; });
+    for (std::int32_t n = 0; n < kLimit; ++n) {
+        if (number == std::to_wstring(n)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool IsPictureOf(std::wstring_view name, std::wstring_view path) {

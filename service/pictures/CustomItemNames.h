@@ -21,7 +21,7 @@ inline constexpr std::int32_t kLimit = 32;
 // The first name that is not a key of the map; the last name when all are.
 std::wstring NextFree(const std::map<std::wstring, std::wstring>& taken);
 
-// The prefix and a number of one or more digits, and nothing else.
+// The prefix and a number below the limit, written as NextFree writes it, and nothing else.
 bool IsItemName(std::wstring_view name);
 // Whether the file is the picture of that item, by its name: in any folder, "custom_background_btn_3.jpg".
 bool IsPictureOf(std::wstring_view name, std::wstring_view path);

@@ -37,8 +37,9 @@ struct Picture {
 };
 
 int OrientationOf(const std::wstring& path) {
-    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
     std::vector<std::uint8_t> beginning(kNotesBytes);
     DWORD read = 0;
     if (!file || !ReadFile(file.Get(), beginning.data(), kNotesBytes, &read, nullptr)) {
@@ -177,18 +178,23 @@ void SetQuality(IPropertyBag2* options) {
     options->Write(1, &option, &value);
 }
 
-std::vector<std::uint8_t> BytesOf(IStream* stream) {
+HRESULT BytesOf(IStream* stream, std::vector<std::uint8_t>& bytes) {
     HGLOBAL memory = nullptr;
     STATSTG state = {};
-    if (FAILED(GetHGlobalFromStream(stream, &memory)) || FAILED(stream->Stat(&state, STATFLAG_NONAME))) {
-        return {};
+    HRESULT result = GetHGlobalFromStream(stream, &memory);
+    if (SUCCEEDED(result)) {
+        result = stream->Stat(&state, STATFLAG_NONAME);
     }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(state.cbSize.QuadPart));
-    if (const void* data = GlobalLock(memory)) {
-        std::copy_n(static_cast<const std::uint8_t*>(data), bytes.size(), bytes.begin());
-        GlobalUnlock(memory);
+    if (FAILED(result)) {
+        return result;
     }
-    return bytes;
+    const auto* const data = static_cast<const std::uint8_t*>(GlobalLock(memory));
+    if (!data) {
+        return E_OUTOFMEMORY;
+    }
+    bytes.assign(data, data + state.cbSize.QuadPart);
+    GlobalUnlock(memory);
+    return S_OK;
 }
 
 // `write` gives the frame its size, format and rows.
@@ -224,7 +230,7 @@ HRESULT Encode(IWICImagingFactory* factory, const std::function<HRESULT(IWICBitm
         result = encoder->Commit();
     }
     if (SUCCEEDED(result)) {
-        file = BytesOf(stream.Get());
+        result = BytesOf(stream.Get(), file);
     }
     return result;
 }

@@ -13,8 +13,12 @@ namespace pictures {
 // Without end: the work may use what lives as long as the call.
 inline constexpr std::chrono::milliseconds kWithoutEnd{-1};
 
+// How many works may be left to themselves at a time.
+inline constexpr int kMostLeftBehind = 4;
+
 // False when the work says so, when it threw or could not be started, which is logged, or when the time is over: the
-// work is then left to itself, so with a limit it must own whatever it uses.
+// work is then left to itself, so with a limit it must own whatever it uses. Where four are left already, one with a
+// limit is not begun.
 bool RunWhilePainting(std::function<bool()> work, std::chrono::milliseconds atMost = kWithoutEnd);
 
 }  // namespace pictures

@@ -20,8 +20,9 @@ constexpr UINT kBandRows = 64;
 
 // What the file begins with; the thumbnail is in there if it has one.
 std::vector<std::uint8_t> BeginningOf(const std::wstring& path) {
-    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const suite::Handle file(CreateFileW(path.c_str(), GENERIC_READ,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
     std::vector<std::uint8_t> bytes(JpegThumbnail::kSearchBytes);
     DWORD read = 0;
     if (!file || !ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {

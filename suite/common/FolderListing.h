@@ -43,6 +43,8 @@ class FolderListing {
     const WIN32_FIND_DATAW& Entry() const { return entry_; }
     const wchar_t* Name() const { return entry_.cFileName; }
     bool IsFolder() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+    // It leads to somewhere else.
+    bool IsLink() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0; }
 
     // Once at the end: true when every entry was seen, none being there included; false when the folder, or the rest
     // of it, cannot be looked at.

@@ -12,6 +12,8 @@ namespace suite {
 namespace {
 
 constexpr DWORD kLockWaitMs = 500;
+// Writers hold it for microseconds; on a busy machine one may have to wait for its turn meanwhile.
+constexpr DWORD kSoonMs = 20;
 constexpr std::uint64_t kRotationRetryBytes = 64 * 1024;
 
 Handle MakeMutex(const std::wstring& path) {
@@ -55,8 +57,8 @@ std::wstring SharedAppendFile::MutexName(const std::wstring& path) {
 }
 
 bool SharedAppendFile::Open() {
-    const MutexLock lock(mutex_.Get(), kLockWaitMs);
-    return lock.IsHeld() && Reopen();
+    const MutexLock lock(mutex_.Get(), kSoonMs);
+    return lock.IsHeld() ? Reopen() : static_cast<bool>(OpenWithFolders());
 }
 
 bool SharedAppendFile::Append(std::string_view line) {
@@ -65,6 +67,11 @@ bool SharedAppendFile::Append(std::string_view line) {
         return Write(OpenForAppend().Get(), line);
     }
     return EnsureRoom() && Write(file_.Get(), line);
+}
+
+bool SharedAppendFile::AppendSoon(std::string_view line) {
+    const MutexLock lock(mutex_.Get(), kSoonMs);
+    return lock.IsHeld() && EnsureRoom() && Write(file_.Get(), line);
 }
 
 void SharedAppendFile::Close() {
@@ -101,16 +108,21 @@ bool SharedAppendFile::EnsureRoom() {
 
 bool SharedAppendFile::Reopen() {
     file_.Reset();  // first: a deleted file keeps its name until the last handle is closed
-    file_ = OpenForAppend();
-    if (!file_ && GetLastError() == ERROR_PATH_NOT_FOUND) {
+    file_ = OpenWithFolders();
+    return static_cast<bool>(file_);
+}
+
+Handle SharedAppendFile::OpenWithFolders() const {
+    Handle file = OpenForAppend();
+    if (!file && GetLastError() == ERROR_PATH_NOT_FOUND) {
         try {
             MakeFolders(path_.substr(0, path_.find_last_of(L'\\')));
         } catch (const std::bad_alloc&) {
-            return false;
+            return {};
         }
-        file_ = OpenForAppend();
+        file = OpenForAppend();
     }
-    return static_cast<bool>(file_);
+    return file;
 }
 
 // True when the path is free again. An older file that somebody holds fast is lost or skipped; that harms nothing.

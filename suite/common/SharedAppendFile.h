@@ -28,16 +28,21 @@ class SharedAppendFile {
 
     const std::wstring& Path() const { return path_; }
 
-    // Creates the folders and the file. False when the file cannot be written; a later Append tries again.
+    // Creates the folders and the file, whoever holds the mutex. False when the file cannot be written; a later Append
+    // tries again.
     bool Open();
-    // Writes `line` as it is. False when it could not be written or the file is full.
+    // Writes `line` as it is. False when it could not be written or the file is full. Waits for the mutex, half a
+    // second at most.
     bool Append(std::string_view line);
+    // As Append, and false at once when somebody keeps the mutex; then nothing was written.
+    bool AppendSoon(std::string_view line);
     // Closes the file until the next Append.
     void Close();
 
   private:
     bool EnsureRoom();
     bool Reopen();
+    Handle OpenWithFolders() const;
     bool Rotate();
     Handle OpenForAppend() const;
     std::wstring OlderPath(int number) const;

@@ -7,6 +7,8 @@
 // caller's thread, a crash or unbounded memory: a frame that is not through after 2 s, either way, drops the
 // connection. While no server is there the client looks for one every 2 s (a fraction of a millisecond of work), so
 // one that starts late is found; a message that is posted meanwhile looks at once. An absent server is not logged.
+// A server that runs for somebody else than the system, a service, an administrator or the same user is never listened
+// to.
 // Frames are described in suite/ipc/PipeFrame.h.
 // Threads: operations from any thread; callbacks run on the client's own thread, one at a time, and may post. Nothing
 // throws. While the destructor or UnRegisterMessageCallbackAll

@@ -8,7 +8,9 @@
 #include <optional>
 #include <utility>
 
+#include "suite/common/UserSid.h"
 #include "suite/ipc/SentMessageWait.h"
+#include "suite/ipc/ServerIdentity.h"
 #include "suite/logger/QxLogger.h"
 
 namespace suite {
@@ -45,7 +47,7 @@ bool PipeLink::Start() {
     if (!wake_) {
         return false;
     }
-    if (!OpenPipe()) {
+    if (OpenPipe() == Opening::kAbsent) {
         schedule_.TryFailed(Now());
     }
     thread_ = Handle(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadEntry, this, 0, nullptr)));
@@ -67,7 +69,7 @@ bool PipeLink::Post(const TagIPCMessageItem& item) {
         return false;
     }
     const std::scoped_lock lock(mutex_);
-    if (stopping_ || (!connected_ && !(schedule_.MayTryForMessage(Now()) && OpenPipe()))) {
+    if (stopping_ || (!connected_ && !(schedule_.MayTryForMessage(Now()) && OpenPipe() == Opening::kOpened))) {
         return false;
     }
     const bool queued = queue_.Push(std::move(*frame));
@@ -94,7 +96,7 @@ void PipeLink::Run() {
 }
 
 // REQUIRES: mutex_ is held or no other thread knows the link yet; not connected.
-bool PipeLink::OpenPipe() {
+PipeLink::Opening PipeLink::OpenPipe() {
     Handle pipe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                             FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr));
     if (!pipe) {
@@ -104,13 +106,32 @@ bool PipeLink::OpenPipe() {
             openFailureTold_ = true;
             LogLine(LogLevel::kError, L"IPCMessageClient::OpenPipe", L"the pipe cannot be opened, error code: ", error);
         }
-        return false;
+        return Opening::kAbsent;
     }
-    opened_ = std::move(pipe);
-    connected_ = true;
     openFailureTold_ = false;
     schedule_.Connected(Now());
-    return true;
+    if (!BelievesServer(pipe.Get())) {
+        schedule_.Ended(Now(), RetrySchedule::Ending::kMisbehaved);
+        return Opening::kStranger;
+    }
+    strangerTold_ = false;
+    opened_ = std::move(pipe);
+    connected_ = true;
+    return Opening::kOpened;
+}
+
+// REQUIRES: as OpenPipe.
+bool PipeLink::BelievesServer(HANDLE pipe) {
+    const PipeServerIdentity server = IdentityOfServer(pipe);
+    if (IsTrustedServer(server, OwnUserSid())) {
+        return true;
+    }
+    if (!std::exchange(strangerTold_, true)) {
+        LogLine(LogLevel::kError, L"IPCMessageClient::BelievesServer",
+                L"the pipe's server may be anybody's, it is not listened to; owner and user: ", server.pipeOwner, L", ",
+                server.processUser);
+    }
+    return false;
 }
 
 // Nothing when the link is to end.
@@ -121,7 +142,7 @@ Handle PipeLink::WaitForPipe() {
             const std::scoped_lock lock(mutex_);
             // A pipe that was opened before the stop is still served, for what was queued with it.
             if (!opened_ && !stopping_ && autoReconnect_) {
-                if (Now() >= schedule_.NextTry() && !OpenPipe()) {
+                if (Now() >= schedule_.NextTry() && OpenPipe() == Opening::kAbsent) {
                     schedule_.TryFailed(Now());
                 }
                 nextTry = schedule_.NextTry();

@@ -3,7 +3,9 @@
 //
 // Why: one thread of its own does all reading and writing, so that no server can make a caller wait. A caller that
 // posts may open the pipe itself, since opening a local pipe never waits; the thread takes over from there.
-// Overlapped I/O only. The server may know who the client is but not act in its name (SECURITY_IDENTIFICATION).
+// Overlapped I/O only. The server may know who the client is but not act in its name (SECURITY_IDENTIFICATION), and
+// before anything is said or read it has to be one that may be believed (PipeServerTrust.h); another one is told once
+// and left alone like one that misbehaves.
 // Threads: Post from any thread; Start and Stop from the owner's thread, once each; the rest is the link's own.
 #include <windows.h>
 
@@ -43,11 +45,13 @@ class PipeLink {
   private:
     using TimeMs = RetrySchedule::TimeMs;
 
+    enum class Opening { kOpened, kAbsent, kStranger };
     enum class Ending { kStopped, kLost, kNotRead, kRefused, kHalfFrame };
 
     static unsigned __stdcall ThreadEntry(void* link);
     void Run();
-    bool OpenPipe();
+    Opening OpenPipe();
+    bool BelievesServer(HANDLE pipe);
     Handle WaitForPipe();
     void Serve(Handle pipe);
     Ending Exchange(PipeStream& stream);
@@ -73,6 +77,7 @@ class PipeLink {
     FrameQueue queue_;
     RetrySchedule schedule_;
     bool openFailureTold_ = false;
+    bool strangerTold_ = false;
 
     // The link's thread.
     const wchar_t* refusalText_ = L"";

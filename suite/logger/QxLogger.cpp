@@ -5,20 +5,19 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "suite/common/LocalFolder.h"
-#include "suite/common/SharedAppendFile.h"
+#include "suite/logger/LogFile.h"
 #include "suite/logger/LogText.h"
 
 namespace {
 
-constexpr std::uint64_t kFileLimitBytes = 2 * 1024 * 1024;
-constexpr int kOlderFiles = 4;
 constexpr std::size_t kMostEarlyLines = 1000;
 
 struct State {
-    std::atomic<suite::SharedAppendFile*> open{nullptr};  // set once, when logging to the file begins
+    std::atomic<suite::LogFile*> open{nullptr};  // set once, when logging to the file begins
 
     std::mutex lock;
     // Guarded by lock.
@@ -41,7 +40,7 @@ std::string FormatNow(int level, std::wstring_view text) {
 
 void Deliver(std::string line) {
     State& state = TheState();
-    suite::SharedAppendFile* file = state.open.load();
+    suite::LogFile* file = state.open.load();
     if (!file) {
         std::scoped_lock guard(state.lock);
         file = state.open.load();
@@ -52,7 +51,7 @@ void Deliver(std::string line) {
             return;
         }
     }
-    file->Append(line);
+    file->Write(std::move(line));
 }
 
 bool Start(State& state) {
@@ -61,12 +60,12 @@ bool Start(State& state) {
         return false;
     }
     const std::wstring path = folder + L"\\Velmora\\Quillon\\Logs\\" + suite::ProgramName() + L".log";
-    auto file = std::make_unique<suite::SharedAppendFile>(path, kFileLimitBytes, kOlderFiles);
+    auto file = std::make_unique<suite::LogFile>(path);
     if (!file->Open()) {
         return false;
     }
     for (const std::string& line : state.earlyLines) {
-        file->Append(line);
+        file->Write(line);
     }
     state.open.store(file.release());
     return true;
@@ -106,6 +105,15 @@ void QxLogger::Log(int level, const std::wostringstream& stream) {
 }
 
 std::wstring QxLogger::FilePath() const {
-    const suite::SharedAppendFile* file = TheState().open.load();
+    const suite::LogFile* file = TheState().open.load();
     return file ? file->Path() : std::wstring();
+}
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
+    if (reason == DLL_PROCESS_DETACH && processEnds) {
+        if (suite::LogFile* const file = TheState().open.load()) {
+            file->FlushAtExit();
+        }
+    }
+    return TRUE;
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "suite/common/LocalFolder.h"
+#include "suite/common/SlimLock.h"
 #include "suite/logger/QxLogger.h"
 
 namespace suite {
@@ -16,17 +17,6 @@ constexpr std::size_t kMostMessages = 4096;
 constexpr ULONGLONG kExitFlushMs = 500;
 
 std::atomic<Spool*> theSpool{nullptr};
-
-class Lock {
-  public:
-    explicit Lock(SRWLOCK& lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_); }
-    ~Lock() { ReleaseSRWLockExclusive(&lock_); }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-
-  private:
-    SRWLOCK& lock_;
-};
 
 std::string AsLine(const std::string& message) {
     std::string line = message;
@@ -66,7 +56,7 @@ bool Spool::Put(const std::string& message) {
     try {
         std::string line = AsLine(message);
         {
-            Lock guard(lock_);
+            const SlimLock guard(lock_);
             if (queue_.size() >= kMostMessages || !StartThread()) {
                 return false;
             }
@@ -104,14 +94,19 @@ DWORD WINAPI Spool::ThreadEntry(void* spool) {
     return 0;
 }
 
+bool Spool::IsIdle() {
+    const SlimLock guard(lock_);
+    return queue_.empty();
+}
+
 void Spool::WriteForever() {
     for (;;) {
+        if (IsIdle()) {
+            file_.Close();  // without the lock: somebody may hold the file's mutex
+        }
         const std::string* line = nullptr;  // stays where it is while others are queued behind it
         {
-            Lock guard(lock_);
-            if (queue_.empty()) {
-                file_.Close();
-            }
+            const SlimLock guard(lock_);
             while (queue_.empty()) {
                 SleepConditionVariableSRW(&wake_, &lock_, INFINITE, 0);
             }
@@ -122,7 +117,7 @@ void Spool::WriteForever() {
             LogLine(LogLevel::kError, L"Spool::WriteForever",
                     L"usage events are lost: the spool file is full or cannot be written");
         }
-        Lock guard(lock_);
+        const SlimLock guard(lock_);
         queue_.pop_front();
     }
 }

@@ -34,6 +34,7 @@ class Spool {
     static Spool* Make();
     static DWORD WINAPI ThreadEntry(void* spool);
     void WriteForever();
+    bool IsIdle();
     bool StartThread();
 
     SharedAppendFile file_;

@@ -57,4 +57,30 @@ TEST(CustomImageGroupTest, APartOfASeparatorIsText) {
     EXPECT_EQ(Parse(Serialise(records)), records);
 }
 
+TEST(CustomImageGroupTest, WhatTheProgramCouldNotHaveWrittenIsKeptAsItIs) {
+    const std::wstring four = L"custom_background_btn_5[(&,f!=)]1[(&,f!=)]0[(&,f!=)]C:\\u\\5.jpg[(&;i!-)]";
+    const std::wstring again = Serialise({{kImage.name, 0, 3, L"C:\\x.jpg", L"D:\\x.png"}});
+    const std::wstring others = Serialise({{L"custom_background_btn_32", 0, 0, L"t", L"s"},
+                                           {L"custom_background_btn_01", 0, 0, L"t", L"s"},
+                                           {L"none_background_btn", 0, 0, L"t", L"s"},
+                                           {L"custom_background_btn_2", 2, 0, L"t", L"s"},
+                                           {L"custom_background_btn_2", -1, 0, L"t", L"s"}});
+    const CustomImageGroup::Contents contents = CustomImageGroup::Read(
+        four + Serialise({kImage}) + again + L"[(&;i!-)]" + others + Serialise({kVideo}) + L"cut off");
+    EXPECT_EQ(contents.records, (Records{kImage, kVideo}));
+    EXPECT_EQ(contents.rest, four + again + others + L"cut off[(&;i!-)]");
+    EXPECT_EQ(CustomImageGroup::Read(Serialise(contents.records) + contents.rest), contents);
+}
+
+TEST(CustomImageGroupTest, ThirtyTwoRecordsAreUsed) {
+    Records many;
+    for (int n = 0; n < 40; ++n) {
+        many.push_back({L"custom_background_btn_" + std::to_wstring(n), 0, n, L"t", L"s"});
+    }
+    const CustomImageGroup::Contents contents = CustomImageGroup::Read(Serialise(many));
+    EXPECT_EQ(contents.records, Records(many.begin(), many.begin() + 32));
+    EXPECT_EQ(contents.rest, Serialise(Records(many.begin() + 32, many.end())));
+    EXPECT_EQ(CustomImageGroup::Read(L""), CustomImageGroup::Contents{});
+}
+
 }  // namespace

@@ -50,11 +50,12 @@ TEST(CustomItemNamesTest, OtherNamesBelongToNoItem) {
 }
 
 TEST(CustomItemNames, AnItemNameIsThePrefixAndANumber) {
-    for (const wchar_t* name : {L"custom_background_btn_0", L"custom_background_btn_31", L"custom_background_btn_007"})
+    for (const wchar_t* name : {L"custom_background_btn_0", L"custom_background_btn_31"})
         EXPECT_TRUE(CustomItemNames::IsItemName(name)) << name;
     for (const wchar_t* name :
          {L"", L"custom_background_btn_", L"custom_background_btn_1_del", L"custom_background_btn",
-          L"none_background_btn", L"custom_background_btn_-1", L" custom_background_btn_1"})
+          L"none_background_btn", L"custom_background_btn_-1", L" custom_background_btn_1", L"custom_background_btn_32",
+          L"custom_background_btn_007", L"custom_background_btn_4294967296"})
         EXPECT_FALSE(CustomItemNames::IsItemName(name)) << name;
 }
 

@@ -63,6 +63,26 @@ TEST(OwnBackgroundListTest, AGapIsClosedByThoseBehindIt) {
     EXPECT_EQ(list.Find(L"c")->index, 15);
 }
 
+TEST(OwnBackgroundListTest, NamesAreTakenByWhatIsOnlyListedToo) {
+    OwnBackgroundList list = Three();
+    list.SetPaths(L"b", L"E:\\clip.mp4");
+    list.Remove(L"b");
+    list.SetPaths(L"a", L"");
+    EXPECT_THAT(list.Taken(),
+                ElementsAre(Pair(L"a", L"C:\\a.jpg"), Pair(L"b_video", L"E:\\clip.mp4"), Pair(L"c", L"C:\\c.jpg")));
+}
+
+TEST(OwnBackgroundListTest, TheRestComesWithTheRecords) {
+    OwnBackgroundList list;
+    EXPECT_EQ(list.Rest(), L"");
+    list.Assign({kImage}, L"rest");
+    list.Append(kLast);
+    list.Remove(L"a");
+    EXPECT_EQ(list.Rest(), L"rest");
+    list.Assign({kImage});
+    EXPECT_EQ(list.Rest(), L"");
+}
+
 TEST(OwnBackgroundListTest, ThirtyTwoAreFull) {
     OwnBackgroundList list;
     list.Assign(std::vector<CustomImageRecord>(31, kImage));

@@ -92,6 +92,25 @@ TEST(StartUpTest, AWrongCommandLineEndsItAfterTheCrashHandler) {
     EXPECT_FALSE(suite.TakeRecord()) << "once for the process";
 }
 
+std::vector<std::pair<std::wstring, DWORD>> g_restarts;
+HRESULT WINAPI NoteRestart(PCWSTR commandLine, DWORD flags) {
+    g_restarts.emplace_back(commandLine, flags);
+    return S_OK;
+}
+
+TEST(StartUpTest, AnUpdateThatClosesItStartsItAgain) {
+    const harness::PrivateRegistry registry;
+    FakeSuite suite;
+    harness::SettingsKey::SetInstalled();
+    const ImportHook restart(nullptr, "RegisterApplicationRestart", &NoteRestart);
+    StartUp(nullptr, L"Run");
+    EXPECT_THAT(g_restarts, IsEmpty());
+    g_noMemory = true;
+    StartUp(nullptr, L"run");
+    g_noMemory = false;
+    EXPECT_THAT(g_restarts, ElementsAre(testing::Pair(L"run", DWORD{RESTART_NO_CRASH | RESTART_NO_HANG})));
+}
+
 TEST(StartUpTest, WithoutMemoryForItsWindowItEnds) {
     const harness::PrivateRegistry registry;
     FakeSuite suite;

@@ -187,5 +187,47 @@ TEST_F(DiagnosticsProgramTest, TheReportNamesNobody) {
     EXPECT_THAT(shown_, Not(HasSubstr("\\" + name + "\\")));
 }
 
+// A variable of the environment while one lives.
+class Variable {
+  public:
+    Variable(const wchar_t* name, const wchar_t* value) : name_(name) { SetEnvironmentVariableW(name, value); }
+    ~Variable() { SetEnvironmentVariableW(name_, nullptr); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+  private:
+    const wchar_t* const name_;
+};
+
+TEST_F(DiagnosticsProgramTest, AMachineFullOfPersonalDataLeavesNoneInTheReport) {
+    const Variable domain(L"USERDOMAIN", L"MUSTERFIRMA");
+    const Variable dnsDomain(L"USERDNSDOMAIN", L"intern.musterfirma.example");
+    const Variable server(L"LOGONSERVER", L"\\\\DCSEVEN");
+    wchar_t computer[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
+    ASSERT_TRUE(GetComputerNameW(computer, &size));
+    const std::string machine(computer, computer + std::wcslen(computer));
+    const SettingsValue group(L"lumi_camera_custom_img_group",
+                              L"custom_background_btn_0[(&,f!=)]1[(&,f!=)]1[(&,f!=)]C:\\a.jpg[(&,f!=)]"
+                              L"\\\\heimserver\\erika\\Taufe 2021.mp4[(&;i!-)]");
+    const SettingsValue path(L"lumi_camera_background_image_path", L"\\\\heimserver\\erika\\Taufe 2021.mp4");
+    AppendToLog(
+        "one \\\\heimserver\\share\\x.jpg two C:\\Users\\erika.muster.MUSTERFIRMA\\x.jpg three"
+        " MUSTERFIRMA\\" +
+        machine + " four " + machine +
+        ".intern.musterfirma.example five"
+        " erika@musterfirma.example six S-1-12-1-31415926-27182818-1-2 seven S-1-5-21-31415926-27182818-3-1001"
+        " eight dcseven nine Taufe 2021.mp4 ten(a)");
+    Run(L"");
+    EXPECT_THAT(shown_,
+                HasSubstr("one \\\\<machine>\\share\\x.jpg two C:\\Users\\<user>\\x.jpg three <name>\\<name> four"
+                          " <name>.<name> five <address> six S-1-12-1-<account> seven S-1-5-21-<account>"
+                          " eight <name> nine <name> ten(a)"));
+    for (const char* personal :
+         {"heimserver", "erika", "MUSTER", "muster", "intern.", "31415926", "27182818", "Taufe"}) {
+        EXPECT_THAT(shown_, Not(HasSubstr(personal))) << personal;
+    }
+}
+
 }  // namespace
 }  // namespace diagnostics

@@ -10,7 +10,8 @@ RawPipe::RawPipe(const std::wstring& name, DWORD maxInstances)
 bool RawPipe::Accept() {
     Begin();
     ConnectNamedPipe(pipe_.Get(), &overlapped_);
-    if (GetLastError() == ERROR_PIPE_CONNECTED) {
+    // No data: it has gone already.
+    if (GetLastError() == ERROR_PIPE_CONNECTED || GetLastError() == ERROR_NO_DATA) {
         return true;
     }
     DWORD count = 0;

@@ -84,7 +84,7 @@ TEST_F(HomePageRefreshTest, WhatComesAfterItsEndIsDropped) {
     MakePageOnly();
     Page().Initialize();
     bool later = false;
-    DuiLib::UIMainQueue::getInstance()->dispatch([&later] { later = true; });
+    DuiLib::UIMainQueue::getInstance()->dispatchAfter(2 * SnapshotRelay::kApartMs, [&later] { later = true; });
     ASSERT_TRUE(Input::PumpUntil([&later] { return later; }));
     EXPECT_TRUE(IsDrawnOff(L"open_camera_btn"));
 }

@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "service/pictures/CustomItemNames.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace CustomItemNames = pictures::CustomItemNames;
@@ -124,6 +125,22 @@ TEST_F(OwnAddTest, ATruncatedPictureDoesNoHarm) {
     Model().AddCustomBackground(photo);
     ExpectAllAgree();
     EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+}
+
+void* WINAPI CannotBeLocked(HGLOBAL) {
+    return nullptr;
+}
+
+TEST_F(OwnAddTest, APictureThatCannotBeReadBackIsNotListed) {
+    Expect(kNotStored);
+    const Values before = AllValues();
+    {
+        const harness::ImportHook hook(nullptr, "GlobalLock", &CannotBeLocked);
+        EXPECT_FALSE(Model().AddCustomBackground(Media(L"red.jpg")));
+    }
+    EXPECT_THAT(TakeKinds(), ElementsAre(0));
+    ExpectUnchanged(before);
+    EXPECT_FALSE(fs::exists(Picture(0)));
 }
 
 TEST_F(OwnAddTest, AFolderThatRefusesTheFileLeavesTheOldList) {

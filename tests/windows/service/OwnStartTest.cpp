@@ -68,6 +68,129 @@ TEST_F(OwnStartTest, DamagedPiecesAreDroppedAndTheOthersShown) {
     EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
     EXPECT_TRUE(Model().DeleteCustomBackground(Name(2)));
     EXPECT_THAT(gallery_, IsEmpty());
+    EXPECT_EQ(Text(L"lumi_camera_custom_img_group"), L"four[(&,f!=)]1[(&,f!=)]0[(&,f!=)]x[(&;i!-)]rubbish[(&;i!-)]" +
+                                                         Piece(0, false, Picture(1), L"the name again") +
+                                                         L"none_background_btn[(&,f!=)]1[(&,f!=)]0[(&,f!=)]" +
+                                                         Picture(1).wstring() + L"[(&,f!=)]x[(&;i!-)]")
+        << "what is not understood is not deleted";
+}
+
+TEST_F(OwnStartTest, ThirtyTwoOfALongListAreShownAndTheRestIsKept) {
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    std::wstring shown;
+    std::wstring rest;
+    for (int i = 0; i < 32; ++i) {
+        shown += Piece(i, false, Picture(0), L"a");
+    }
+    for (int i = 32; i < 2000; ++i) {
+        rest += Piece(i, false, Picture(0), L"a");
+    }
+    rest += L"custom_background_btn_99999999999999999999[(&,f!=)]0[(&,f!=)]0[(&,f!=)]x[(&,f!=)]y[(&;i!-)]";
+    SetGroup(rest + shown);
+    Start();
+    EXPECT_EQ(gallery_.size(), 32u);
+    EXPECT_TRUE(Model().IsCustomFull());
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(31)));
+    const std::wstring left = Text(L"lumi_camera_custom_img_group");
+    EXPECT_TRUE(left.ends_with(rest));
+    EXPECT_EQ(Saved().size(), 31u + 1969u);
+}
+
+TEST_F(OwnStartTest, AListOfAnotherTypeIsLeftAlone) {
+    const std::string line =
+        "lumi_camera_custom_img_group is no text, it is left alone(SettingsStore::MayWriteCustomImages)";
+    Expect(line);
+    Write(L"lumi_camera_custom_img_group", 4711);
+    Start();
+    EXPECT_THAT(gallery_, IsEmpty());
+    EXPECT_FALSE(Model().AddCustomBackground(Media(L"red.jpg")));
+    EXPECT_THAT(TakeKinds(), ElementsAre(10));
+    EXPECT_EQ(Number(L"lumi_camera_custom_img_group"), 4711);
+    EXPECT_FALSE(fs::exists(Picture(0)));
+    EXPECT_FALSE(Read(L"background_selected_btnName")) << "nothing is selected";
+    // Also when it comes to be of another type later.
+    Write(L"lumi_camera_custom_img_group", L"");
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    Write(L"lumi_camera_custom_img_group", 4712);
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_EQ(Number(L"lumi_camera_custom_img_group"), 4712);
+    EXPECT_EQ(LogLines(line), 2);
+}
+
+TEST_F(OwnStartTest, AFolderThatCanBeHadLaterCostsNothing) {
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    const Records before = Saved();
+    const std::vector<char> picture = Content(Picture(0));
+    Expect("Create Res Folder Failed(HomeService::InitCustomImage)");
+    const fs::path aside = Base().wstring() + L"-aside";
+    fs::rename(Base(), aside);
+    std::ofstream(Base()) << "no folder";
+    Start();
+    EXPECT_THAT(gallery_, IsEmpty());
+    EXPECT_FALSE(Model().AddCustomBackground(Media(L"blue.png")));
+    EXPECT_THAT(TakeKinds(), ElementsAre(10));
+    fs::remove(Base());
+    fs::rename(aside, Base());
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"blue.png")));
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0), Name(1)));
+    ASSERT_EQ(Saved().size(), 2u);
+    EXPECT_EQ(Saved()[0], before[0]);
+    EXPECT_EQ(Content(Picture(0)), picture);
+    ExpectAllAgree();
+}
+
+TEST_F(OwnStartTest, AFullListThatIsFoundLateIsNotWrittenOver) {
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    std::wstring full;
+    for (int i = 0; i < 32; ++i) {
+        full += Piece(i, false, Picture(0), L"a");
+    }
+    SetGroup(full);
+    Expect("Create Res Folder Failed(HomeService::InitCustomImage)");
+    const fs::path aside = Base().wstring() + L"-aside";
+    fs::rename(Base(), aside);
+    std::ofstream(Base()) << "no folder";
+    Start();
+    fs::remove(Base());
+    fs::rename(aside, Base());
+    EXPECT_FALSE(Model().AddCustomBackground(Media(L"blue.png")));
+    EXPECT_THAT(TakeKinds(), ElementsAre(10));
+    EXPECT_EQ(gallery_.size(), 32u);
+    EXPECT_EQ(Text(L"lumi_camera_custom_img_group"), full);
+}
+
+// No such drive: a stick that was pulled out, a share that is not connected.
+TEST_F(OwnStartTest, APictureThatCannotBeLookedAtKeepsItsRecordAndItsName) {
+    const std::wstring away = L"Q:\\away\\custom_background_btn_0.jpg";
+    Write(L"sync_custom", 1);
+    SetGroup(Piece(0, false, away, L"a"));
+    Start();
+    EXPECT_THAT(gallery_, IsEmpty());
+    EXPECT_EQ(LogLines("custom_background_btn_0 stays without a cell: its picture cannot be looked at"
+                       "(HomeService::InitCustomImage)"),
+              1);
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(1)));
+    ASSERT_EQ(Saved().size(), 2u);
+    EXPECT_EQ(Saved()[0].thumbPath, away);
+    EXPECT_TRUE(fs::exists(Picture(1)));
+}
+
+TEST_F(OwnStartTest, AVideoThatCannotBeLookedAtIsToldAndStays) {
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    const std::wstring stored = Piece(0, true, Picture(0), L"Q:\\clip.mp4");
+    SetGroup(stored);
+    Start();
+    EXPECT_FALSE(Model().SelectCustomBackground(Name(0)));
+    EXPECT_THAT(TakeKinds(), ElementsAre(0));
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0)));
+    EXPECT_EQ(Text(L"lumi_camera_custom_img_group"), stored);
+    EXPECT_TRUE(fs::exists(Picture(0)));
 }
 
 TEST_F(OwnStartTest, ARecordWithoutItsPictureDisappears) {
@@ -177,9 +300,33 @@ TEST_F(OlderLayoutTest, WhatCannotBeCopiedStaysInUseWhereItLies) {
     // A folder stands in the way of the first picture.
     fs::create_directories(Picture(0) / L"inside");
     Start();
+    EXPECT_EQ(Saved()[0].thumbPath, Old(0).wstring());
     EXPECT_EQ(Saved()[1].thumbPath, Picture(1).wstring());
     EXPECT_EQ(gallery_.size(), 2u);
     EXPECT_TRUE(fs::exists(Old(0)));
+}
+
+TEST_F(OlderLayoutTest, AVideoWithoutACoverKeepsItsOldOne) {
+    std::ofstream(clip_) << "no video";
+    Start();
+    EXPECT_EQ(Content(Picture(1)), Content(Media(L"green.jpg")));
+    EXPECT_EQ(Saved()[1].thumbPath, Picture(1).wstring());
+}
+
+TEST_F(OlderLayoutTest, AVideoWithoutAnyCoverGetsWhatStandsForOne) {
+    std::ofstream(clip_) << "no video";
+    fs::remove(Old(1));
+    Start();
+    EXPECT_THAT(GalleryNames(), ElementsAre(Name(0), Name(1)));
+    EXPECT_TRUE(IsJpeg(Picture(1)));
+    EXPECT_EQ(Saved()[1].thumbPath, Picture(1).wstring());
+}
+
+TEST_F(OlderLayoutTest, WhatItDoesNotUnderstandIsKept) {
+    const std::wstring rest = L"four[(&,f!=)]1[(&,f!=)]0[(&,f!=)]x[(&;i!-)]";
+    SetGroup(rest + Piece(0, false, Old(0), L"D:\\a.jpg"));
+    Start();
+    EXPECT_EQ(Text(L"lumi_camera_custom_img_group"), Piece(0, false, Picture(0), L"D:\\a.jpg") + rest);
 }
 
 TEST_F(OlderLayoutTest, NewerPicturesAreNotOverwritten) {

@@ -5,6 +5,7 @@
 //   service_helper switch          turns the camera switch on and ends at once
 //   service_helper check FILE      as a video background: 0 when it is accepted, else 100 and the kind of message
 //   service_helper add FILE        adds that file as background again and again, until it is ended
+//   service_helper hold FOLDER NAME   holds each new file of the folder for a moment, until it is ended
 //   service_helper churn FILE      deletes all backgrounds and adds that file five times, again and again
 #include <windows.h>
 
@@ -16,11 +17,16 @@
 #include "service/KindNotifier.h"
 #include "service/pictures/CustomItemNames.h"
 #include "suite/logger/QxLogger.h"
+#include "tests/windows/service/FileHolder.h"
 
 namespace CustomItemNames = pictures::CustomItemNames;
 
 int wmain(int argc, wchar_t** argv) {
     QxLogger::GetInstance()->InitProcessLogger();
+    if (argc > 3 && std::wstring(argv[1]) == L"hold") {
+        HoldNewFiles(argv[2], argv[3]);
+        return 3;
+    }
     HKEY registry = nullptr;
     if (RegCreateKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\PixoraServiceHelper", 0, nullptr, REG_OPTION_VOLATILE,
                         KEY_ALL_ACCESS, nullptr, &registry, nullptr) != ERROR_SUCCESS ||

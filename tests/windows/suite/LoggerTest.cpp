@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <future>
 #include <map>
 #include <regex>
 #include <set>
+#include <thread>
 
+#include "suite/common/SharedAppendFile.h"
 #include "suite/common/Utf8.h"
 #include "tests/support/Harness.h"
 #include "tests/support/TestLog.h"
@@ -149,6 +152,60 @@ TEST(LoggerTest, AKilledWriterBlocksNobody) {
     const std::vector<std::string> texts = Texts(folder.HelperLogLines());
     ASSERT_GE(texts.size(), 20u);
     ExpectAllLines({texts.end() - 20, texts.end()}, {"one"}, 1, 20);
+}
+
+// Holds the lock of a log file, on a thread of its own, while it lives.
+class LockHolder {
+  public:
+    explicit LockHolder(const fs::path& log)
+        : mutex_(CreateMutexW(nullptr, FALSE, suite::SharedAppendFile::MutexName(log.wstring()).c_str())) {
+        std::promise<bool> held;
+        thread_ = std::thread([&held, this] {
+            held.set_value(WaitForSingleObject(mutex_.Get(), 5000) == WAIT_OBJECT_0);
+            WaitForSingleObject(done_.Get(), INFINITE);
+            ReleaseMutex(mutex_.Get());
+        });
+        EXPECT_TRUE(held.get_future().get());
+    }
+    ~LockHolder() {
+        SetEvent(done_.Get());
+        thread_.join();
+    }
+    LockHolder(const LockHolder&) = delete;
+    LockHolder& operator=(const LockHolder&) = delete;
+
+  private:
+    const suite::Handle done_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    const suite::Handle mutex_;
+    std::thread thread_;
+};
+
+TEST(LoggerTest, ALockThatSomebodyKeepsCostsTheCallersNothing) {
+    const fs::path log = QxLogger::GetInstance()->FilePath();
+    const std::size_t before = ReadLines(log).size();
+    std::vector<std::string> expected;
+    {
+        const LockHolder holder(log);
+        for (int line = 0; line < 50; ++line) {
+            LogLine(3, L"Held", line);
+            expected.push_back("3 " + std::to_string(line) + "(Held)");
+        }
+        EXPECT_LT(ReadLines(log).size(), before + 50) << "they came back before the lines were written";
+        ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).size() >= before + 50; })) << "yet none is lost";
+    }
+    LogLine(3, L"Held", L"last");
+    expected.push_back("3 last(Held)");
+    ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).size() >= before + 51; }));
+    std::vector<std::string> lines = ReadLines(log);
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
+    EXPECT_EQ(Texts(lines), expected) << "in their order";
+}
+
+TEST(LoggerTest, ARunWhoseStartFindsTheLockKeptHasALogAllTheSame) {
+    TestFolder folder;
+    const LockHolder holder(folder.LogFolder() / L"suite_helper.log");
+    EXPECT_EQ(Helper(L"log one 1 200 20").Wait(), 0u);
+    ExpectAllLines(Texts(folder.HelperLogLines()), {"one"}, 1, 200);
 }
 
 std::string FirstLine(const fs::path& path) {

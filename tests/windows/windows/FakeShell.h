@@ -32,6 +32,8 @@ class FakeShell final : private IShellFolder, private IExtractImage {
     DWORD thread = 0;
     std::atomic<int> covers = 0;
     bool locationAsked = false;
+    // Each cover is only made once this is signalled; borrowed, null for at once.
+    HANDLE gate = nullptr;
 
   private:
     static HRESULT WINAPI Desktop(IShellFolder** folder) {
@@ -73,6 +75,9 @@ class FakeShell final : private IShellFolder, private IExtractImage {
     }
     STDMETHODIMP Extract(HBITMAP* picture) override {
         thread = GetCurrentThreadId();
+        if (gate) {
+            WaitForSingleObject(gate, INFINITE);
+        }
         constexpr int kWidth = 320;
         constexpr int kHeight = 180;
         std::vector<DWORD> pixels;

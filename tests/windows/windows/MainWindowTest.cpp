@@ -1,7 +1,9 @@
 // The settings window: opening, its buttons, its pages, what it drags by.
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/Layouts.h"
+#include "DuiLib/UIMainQueue.h"
 #include "pages/IntroductionPage.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/Protocol.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
@@ -222,6 +224,31 @@ TEST_F(MainWindowTest, ClosesFromAnotherThread) {
     std::thread([] { Window().CloseWindow(); }).join();
     EXPECT_TRUE(Exists());
     EXPECT_TRUE(Input::PumpUntil([] { return !Exists(); }));
+    EXPECT_TRUE(Input::TakeQuit());
+}
+
+int g_quits = 0;
+const harness::ImportHook* g_postQuit = nullptr;
+
+void WINAPI CountQuit(int code) {
+    ++g_quits;
+    g_postQuit->Original<decltype(&PostQuitMessage)>()(code);
+}
+
+TEST_F(MainWindowTest, HoweverOftenItIsToldToCloseItClosesOnce) {
+    const harness::ImportHook hook(nullptr, "PostQuitMessage", &CountQuit);
+    g_postQuit = &hook;
+    g_quits = 0;
+    std::thread([] {
+        for (int i = 0; i < 100; ++i)
+            Window().CloseWindow();
+    }).join();
+    bool later = false;
+    DuiLib::UIMainQueue::getInstance()->dispatch([&later] { later = true; });
+    EXPECT_TRUE(Input::PumpUntil([&later] { return later; }));
+    EXPECT_FALSE(Exists());
+    EXPECT_LE(g_quits, 2) << "once for the window's end, once for the loop's";
+    EXPECT_GE(g_quits, 1);
     EXPECT_TRUE(Input::TakeQuit());
 }
 

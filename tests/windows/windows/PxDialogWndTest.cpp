@@ -136,7 +136,8 @@ TEST_F(PxDialogWndTest, OneMessageOfOneCodeClosesIt) {
     EXPECT_FALSE(Input::TakeQuit());
 
     Expect(kClosed);
-    receive(Protocol::kNotificationCode, Protocol::kResetSubCode);
+    for (int i = 0; i < 3; ++i)
+        receive(Protocol::kNotificationCode, Protocol::kResetSubCode);
     EXPECT_TRUE(Input::PumpUntil([this] { return !IsOpen(); }));
     EXPECT_THAT(LogOf("PxDialogWnd::OnMessageReceive"), ElementsAre(kClosed));
     EXPECT_TRUE(Input::TakeQuit());

@@ -1,7 +1,11 @@
 #include "windows/VideoThumbnail.h"
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 
+#include "suite/common/Handle.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/windows/FakeShell.h"
 #include "tests/windows/windows/WindowTests.h"
@@ -30,6 +34,13 @@ class VideoThumbnailTest : public ProgramTest {
         return path;
     }
 
+    // Paints until the file has been looked at.
+    void Register(const std::wstring& path) {
+        thumbnail_.Register(window_.PaintManager(), path);
+        ASSERT_TRUE(Input::PumpUntil([this] { return !thumbnail_.IsLooking(); }));
+        thumbnail_.Register(window_.PaintManager(), path);
+    }
+
     OwnerWindow window_;
     VideoThumbnail thumbnail_;
 };
@@ -37,19 +48,19 @@ class VideoThumbnailTest : public ProgramTest {
 TEST_F(VideoThumbnailTest, WhatIsNoReadableVideoIsNotRegistered) {
     const std::wstring picture = MakeFile(L"picture.jpg");
     for (const std::wstring& path : {std::wstring(), std::wstring(L"C:\\nowhere\\film.mp4"), picture, OwnFolder()}) {
-        thumbnail_.Register(window_.PaintManager(), path);
+        Register(path);
         EXPECT_FALSE(window_.PaintManager().HasImage(path));
     }
 }
 
 TEST_F(VideoThumbnailTest, AVideoWithoutACoverIsNotRegistered) {
     const std::wstring film = MakeFile(L"film.mp4");
-    thumbnail_.Register(window_.PaintManager(), film);
-    thumbnail_.Register(window_.PaintManager(), film);
+    Register(film);
+    Register(film);
     EXPECT_FALSE(window_.PaintManager().HasImage(film));
     const std::wstring bare = L"film.mp4";  // without a folder
     SetCurrentDirectoryW(OwnFolder().c_str());
-    thumbnail_.Register(window_.PaintManager(), bare);
+    Register(bare);
     EXPECT_FALSE(window_.PaintManager().HasImage(bare));
     SetCurrentDirectoryW(ProgramFolder().c_str());
 }
@@ -57,7 +68,7 @@ TEST_F(VideoThumbnailTest, AVideoWithoutACoverIsNotRegistered) {
 TEST_F(VideoThumbnailTest, AVideosCoverIsRegisteredUnderItsPath) {
     FakeShell shell;
     const std::wstring film = MakeFile(L"covered.mp4");
-    thumbnail_.Register(window_.PaintManager(), film);
+    Register(film);
     EXPECT_TRUE(window_.PaintManager().HasImage(film));
     EXPECT_EQ(shell.folder + L"\\" + shell.file, film);
     EXPECT_FALSE(shell.locationAsked) << "the extractor's own size applies";
@@ -87,7 +98,7 @@ TEST_F(VideoThumbnailTest, ACoverThatIsThereIsNotMadeAgain) {
     FakeShell shell;
     const std::wstring film = MakeFile(L"known.mp4");
     for (int paint = 0; paint < 3; ++paint)
-        thumbnail_.Register(window_.PaintManager(), film);
+        Register(film);
     EXPECT_EQ(shell.covers, 1);
 }
 
@@ -95,10 +106,95 @@ TEST_F(VideoThumbnailTest, OnlyReadableVideosAreLookedAt) {
     FakeShell shell;
     for (const std::wstring& path :
          {std::wstring(), std::wstring(L"C:\\nowhere\\film.mp4"), MakeFile(L"picture.jpg"), MakeFile(L"film.MP4")}) {
-        thumbnail_.Register(window_.PaintManager(), path);
+        Register(path);
         EXPECT_FALSE(window_.PaintManager().HasImage(path));
     }
     EXPECT_EQ(shell.covers, 0);
+}
+
+// An extractor that hangs, a share that is gone: the paint goes on, and the window is painted again when it came.
+TEST_F(VideoThumbnailTest, ACoverThatTakesLongIsRegisteredLater) {
+    const suite::Handle gate(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    FakeShell shell;
+    shell.gate = gate.Get();
+    const std::wstring film = MakeFile(L"slow.mp4");
+    const HWND window = window_.PaintManager().GetPaintWindow();
+    ShowWindow(window, SW_SHOWNOACTIVATE);
+    for (int paint = 0; paint < 3; ++paint)
+        thumbnail_.Register(window_.PaintManager(), film);
+    EXPECT_TRUE(thumbnail_.IsLooking()) << "one thread, whom nobody waits for";
+    EXPECT_FALSE(window_.PaintManager().HasImage(film));
+    Input::Pump();
+    ValidateRect(window, nullptr);
+    SetEvent(gate.Get());
+    EXPECT_TRUE(harness::WaitUntil([&] { return GetUpdateRect(window, nullptr, FALSE) != FALSE; }));
+    thumbnail_.Register(window_.PaintManager(), film);
+    EXPECT_TRUE(window_.PaintManager().HasImage(film));
+    EXPECT_EQ(shell.covers, 1);
+}
+
+TEST_F(VideoThumbnailTest, AnotherPathDoesNotWaitForTheOneBefore) {
+    const suite::Handle gate(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const std::wstring slow = MakeFile(L"hangs.mp4");
+    const std::wstring film = MakeFile(L"next.mp4");
+    FakeShell shell;
+    shell.gate = gate.Get();
+    thumbnail_.Register(window_.PaintManager(), slow);
+    EXPECT_TRUE(thumbnail_.IsLooking());
+    shell.gate = nullptr;
+    Register(film);
+    EXPECT_TRUE(window_.PaintManager().HasImage(film));
+    SetEvent(gate.Get());
+    EXPECT_TRUE(harness::WaitUntil([&] { return shell.covers == 2; }));
+}
+
+TEST_F(VideoThumbnailTest, FourThreadsAreLeftBehindAtMost) {
+    const suite::Handle gate(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    FakeShell shell;
+    shell.gate = gate.Get();
+    for (int i = 0; i < 6; ++i)
+        thumbnail_.Register(window_.PaintManager(), MakeFile(L"hangs" + std::to_wstring(i) + L".mp4"));
+    EXPECT_FALSE(thumbnail_.IsLooking()) << "the fifth and the sixth were not begun";
+    SetEvent(gate.Get());
+    EXPECT_TRUE(harness::WaitUntil([&] { return shell.covers == 4; }));
+    const std::wstring film = MakeFile(L"after.mp4");
+    EXPECT_TRUE(Input::PumpUntil([&] {
+        thumbnail_.Register(window_.PaintManager(), film);
+        return window_.PaintManager().HasImage(film);
+    })) << "they have made room";
+    EXPECT_EQ(shell.covers, 5);
+}
+
+int g_opened = 0;
+const harness::ImportHook* g_create = nullptr;
+
+HANDLE WINAPI CountOpened(const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD creation,
+                          DWORD flags, HANDLE pattern) {
+    g_opened += std::wstring(path).ends_with(L"fails.mp4") ? 1 : 0;
+    return g_create->Original<decltype(&CreateFileW)>()(path, access, share, security, creation, flags, pattern);
+}
+
+TEST_F(VideoThumbnailTest, APathThatFailedIsLeftAlone) {
+    const harness::ImportHook hook(nullptr, "CreateFileW", &CountOpened);
+    g_create = &hook;
+    g_opened = 0;
+    const std::wstring film = MakeFile(L"fails.mp4");
+    g_opened = 0;
+    for (int paint = 0; paint < 20; ++paint)
+        Register(film);
+    EXPECT_EQ(g_opened, 1);
+}
+
+TEST_F(VideoThumbnailTest, AFileThatHasChangedIsLookedAtAgain) {
+    const std::wstring film = MakeFile(L"changes.mp4");
+    Register(film);
+    ASSERT_FALSE(window_.PaintManager().HasImage(film));
+    FakeShell shell;
+    std::filesystem::last_write_time(film, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    EXPECT_TRUE(Input::PumpUntil([&] {
+        thumbnail_.Register(window_.PaintManager(), film);
+        return window_.PaintManager().HasImage(film);
+    }));
 }
 
 // Each paint asks for the cover of the background in use.
