@@ -262,8 +262,7 @@ TEST_F(ButtonInput, LeftForAnotherAWalkedOptionIsClickedAtOnce) {
     window.SendMessage(WM_KEYDOWN, VK_DOWN, 1);
     window.PaintManager().SetFocus(&window.Find(L"b"), true);
     EXPECT_FALSE(Selected(L"o2")) << "not within the change of the focus";
-    PumpPending();
-    EXPECT_TRUE(Selected(L"o2"));
+    EXPECT_TRUE(PumpUntil([&] { return Selected(L"o2"); }));
     EXPECT_EQ(window.Count(L"click o2"), 1);
     SetHeld(VK_DOWN, false);
 }

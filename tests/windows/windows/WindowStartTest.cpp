@@ -10,6 +10,7 @@
 #include "tests/support/ImportHook.h"
 #include "tests/windows/support/Script.h"
 #include "tests/windows/windows/WindowTests.h"
+#include "windows/PxDialogWnd.h"
 
 namespace {
 
