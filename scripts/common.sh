@@ -152,7 +152,7 @@ start_display() {
     Xvfb -displayfd 3 -screen 0 "${size}x24" -nolisten tcp -noreset 3>"$pipe" >/dev/null 2>&1 &
     display_pids+=" $!"
     local number=
-    read -r -t 20 number <"$pipe" || true
+    read -r -t 60 number <"$pipe" || true
     rm -f "$pipe"
     [ -n "$number" ] || die "the headless display did not start"
     export DISPLAY=:$number
