@@ -134,9 +134,11 @@ class BackgroundsTest : public testing::Test {
         program_->PressKey(key);
         ASSERT_TRUE(WaitUntil([window] { return CountWindows(window) == 0; }));
     }
+    // Of a box that is visible; its controls may come a moment later.
     static std::wstring BoxText(const wchar_t* window) {
         const AccessibleWindow box(FindWindowW(window, nullptr));
-        const auto content = box.Find(L"msgbox_content");
+        std::optional<AccessibleControl> content;
+        WaitUntil([&] { return (content = box.Find(L"msgbox_content")).has_value(); });
         return content ? content->name : std::wstring();
     }
     // What the gallery, the registry and the camera service each say of the background in use.

@@ -259,13 +259,20 @@ bool Program::Reveal(const std::wstring& name) const {
 }
 
 std::optional<std::wstring> Program::TakeMessage() const {
+    std::optional<AccessibleControl> text;
+    std::optional<AccessibleControl> button;
     HWND box = nullptr;
-    if (!WaitUntil([&] { return (box = FindWindowW(kMessageClass, nullptr)) && IsWindowVisible(box); }))
-        return std::nullopt;
-    const AccessibleWindow content(box);
-    const auto text = content.Find(L"msgbox_content");
-    const auto button = content.Find(L"msg_ok_btn");
-    if (!text || !button || CountWindows(kMessageClass) != 1 || !content.Press(button->id) ||
+    // It may be visible before its controls have their places, and so are found.
+    WaitUntil([&] {
+        box = FindWindowW(kMessageClass, nullptr);
+        if (!box || !IsWindowVisible(box))
+            return false;
+        const AccessibleWindow content(box);
+        text = content.Find(L"msgbox_content");
+        button = content.Find(L"msg_ok_btn");
+        return text && button;
+    });
+    if (!text || !button || CountWindows(kMessageClass) != 1 || !AccessibleWindow(box).Press(button->id) ||
         !WaitUntil([] { return CountWindows(kMessageClass) == 0; })) {
         return std::nullopt;
     }

@@ -22,7 +22,7 @@ constexpr long kReaderBlocksPerFrame = 6;
 // PIXORA_PREVIEW_CYCLES sets another number of cycles, for the long run: 1000. Then with WINE_D3D_CONFIG=csmt=0x1:
 // without a thread for the graphics commands Wine keeps something of each thread that has drawn and ended.
 int Cycles() {
-    return FromEnvironment("PIXORA_PREVIEW_CYCLES", 50);
+    return FromEnvironment("PIXORA_PREVIEW_CYCLES", 30);
 }
 
 class CycleTest : public CaptureTest {
@@ -96,7 +96,7 @@ TEST_F(CycleTest, NothingIsLeftBehind) {
 
 // PIXORA_PREVIEW_FRAMES sets another number of frames, for the long run.
 TEST_F(CycleTest, FramesLeaveNothingBehind) {
-    const int frames = FromEnvironment("PIXORA_PREVIEW_FRAMES", 3000);
+    const int frames = FromEnvironment("PIXORA_PREVIEW_FRAMES", 1500);
     CameraSettings settings = SmallCamera(CameraFormat::kNv12);
     settings.modes.front().framesPerSecond = 1000;
     UseCamera(settings);
