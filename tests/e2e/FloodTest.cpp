@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "suite/ipc/PipeFrame.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/ProcessFootprint.h"
 #include "tests/e2e/support/Program.h"
