@@ -3,8 +3,8 @@
 //
 // A page calls SetAnchor, SetToolTipText, SetPosition (which may depend on the text's width) and Show(true). The popup
 // hides when the pointer leaves the explained control or comes onto the popup itself, when the main window loses the
-// focus, and when texts get another size. Layout: a text "tooltip_text" in the visible part, "tooltip_bubble". Sizes and
-// distances are 96-DPI units unless a name says px. Thread: UI thread.
+// focus, and when texts get another size. Layout: a text "tooltip_text" in the visible part, "tooltip_bubble". Sizes
+// and distances are 96-DPI units unless a name says px. Thread: UI thread.
 #include <windows.h>
 
 #include <string>

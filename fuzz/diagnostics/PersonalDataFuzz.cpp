@@ -73,9 +73,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     std::wstring(L"\\/\"<>|:*?\r\n\t").find(behind[0]) != std::wstring::npos);
         }
     }
-    for (std::size_t at = lower.find(L"s-1-5-21-"); at != lower.npos; at = lower.find(L"s-1-5-21-", at + 1)) {
-        const bool wordStarts = at == 0 || !IsWordPart(lower[at - 1]);
-        REQUIRE(!wordStarts || lower.substr(at + 9).starts_with(L"<account>"));
+    // Identifiers of accounts: behind their beginning stands no number. A beginning alone names nobody.
+    for (const std::wstring start : {L"s-1-5-21-", L"s-1-12-1-", L"s-1-11-96-"}) {
+        for (std::size_t at = lower.find(start); at != lower.npos; at = lower.find(start, at + 1)) {
+            const bool wordStarts = at == 0 || !IsWordPart(lower[at - 1]);
+            const std::wstring behind = lower.substr(at + start.size());
+            REQUIRE(!wordStarts || behind.empty() || std::wstring(L"0123456789-").find(behind[0]) == behind.npos);
+        }
     }
     for (const std::wstring& name : names) {
         const std::wstring known = Lower(name);

@@ -16,6 +16,7 @@ from support import COMMS, PROGRAM, PROGRAM_KEY, SHORTCUT, UNINSTALL_KEY, check,
 LOCAL = f"drive_c/users/{pwd.getpwuid(os.getuid()).pw_name}/AppData/Local/Velmora/Quillon"
 OTHERS = {f"{PROGRAM}/Neighbour.exe", f"{LOCAL}/Report/events.jsonl"}
 SETTINGS_KEY = r"HKEY_CURRENT_USER\Software\Velmora\Quillon\LumiCamera"
+SIGNATURE_POLICY = r"hkey_current_user\software\microsoft\windows\currentversion\wintrust"
 OWN_SETTINGS = ["lumi_camera_switch", "lumi_camera_background_replacement", "lumi_camera_eye_correction"]
 DRIVER_SETTINGS = ["filter_driver_install", "init_algorithm"]
 EXIT_RUNNING = 3
@@ -128,8 +129,9 @@ def files_made(wine, before):
 
 
 def added_to_registry(wine, before):
-    """Without the keys that the settings lie in."""
-    return {line for line in wine.registry() - before if not SETTINGS_KEY.lower().startswith(line.lower())}
+    """Without the keys that the settings lie in, and what the system notes when it is first asked for a signature."""
+    return {line for line in wine.registry() - before
+            if not SETTINGS_KEY.lower().startswith(line.lower()) and not line.lower().startswith(SIGNATURE_POLICY)}
 
 
 def check_kept(wine, files_before, registry_before):

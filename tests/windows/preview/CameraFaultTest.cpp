@@ -16,7 +16,6 @@ using doubles::Cameras;
 using doubles::CameraScript;
 using doubles::Graphics;
 using doubles::GraphicsScript;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -29,7 +29,6 @@ using doubles::GraphicsScript;
 using doubles::Violations;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 // --- Direct3D
