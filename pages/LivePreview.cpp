@@ -98,6 +98,7 @@ int LivePreview::OnCreate(HWND parentWindow) {
 
 int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
     Stop();
+    std::erase_if(left_, Release);  // of a window that has let go of its device the next one can be made
     const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_);
     if (FAILED(result)) {
         LogLine(LogLevel::kError, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);

@@ -294,6 +294,23 @@ TEST_F(CameraFaultTest, AGraphicsDeviceThatHangsHoldsNobodyUp) {
     EXPECT_EQ(Camera().reads, reads);
 }
 
+TEST_F(CameraFaultTest, AStartWhileTheLastPictureIsDrawnWorks) {
+    Gate gate;
+    MakeAndStart();
+    EXPECT_TRUE(WaitForPresents(1));
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    ChangeCamera([&](CameraScript& script) {
+        script.withinActivation = [&] {
+            ChangeGraphics([&](GraphicsScript& graphics) { graphics.withinPresent = nullptr; });
+            gate.Open();
+        };
+    });
+    EXPECT_TRUE(Start()) << "the start waited for the picture, and who drew it for the start";
+    EXPECT_TRUE(WaitForPresents(2));
+    EXPECT_THAT(Posted(), IsEmpty());
+}
+
 TEST_F(CameraFaultTest, WhoClosesServesWhatTheDeviceSends) {
     Gate gate;
     MakeAndStart();
