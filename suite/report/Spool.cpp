@@ -57,7 +57,7 @@ bool Spool::Put(const std::string& message) {
         std::string line = AsLine(message);
         {
             const SlimLock guard(lock_);
-            if (queue_.size() >= kMostMessages || !StartThread()) {
+            if (queue_.size() + taken_.size() - written_ >= kMostMessages || !StartThread()) {
                 return false;
             }
             queue_.push_back(std::move(line));
@@ -104,21 +104,22 @@ void Spool::WriteForever() {
         if (IsIdle()) {
             file_.Close();  // without the lock: somebody may hold the file's mutex
         }
-        const std::string* line = nullptr;  // stays where it is while others are queued behind it
         {
             const SlimLock guard(lock_);
             while (queue_.empty()) {
                 SleepConditionVariableSRW(&wake_, &lock_, INFINITE, 0);
             }
-            line = &queue_.front();
+            written_ = 0;
+            taken_.clear();
+            taken_.swap(queue_);
         }
-        if (!file_.Append(*line) && !toldFailure_) {
-            toldFailure_ = true;
-            LogLine(LogLevel::kError, L"Spool::WriteForever",
-                    L"usage events are lost: the spool file is full or cannot be written");
+        for (; written_ < taken_.size(); ++written_) {
+            if (!file_.Append(taken_[written_]) && !toldFailure_) {
+                toldFailure_ = true;
+                LogLine(LogLevel::kError, L"Spool::WriteForever",
+                        L"usage events are lost: the spool file is full or cannot be written");
+            }
         }
-        const SlimLock guard(lock_);
-        queue_.pop_front();
     }
 }
 
@@ -129,10 +130,12 @@ void Spool::FlushAtExit() {
         return;
     }
     const ULONGLONG deadline = GetTickCount64() + kExitFlushMs;
-    for (const std::string& line : spool->queue_) {
-        if (!spool->file_.Append(line) || GetTickCount64() > deadline) {
-            break;
-        }
+    const auto write = [&](const std::string& line) {
+        return spool->file_.Append(line) && GetTickCount64() <= deadline;
+    };
+    const auto rest = spool->taken_.cbegin() + static_cast<std::ptrdiff_t>(spool->written_);
+    if (std::all_of(rest, spool->taken_.cend(), write)) {
+        (void)std::all_of(spool->queue_.cbegin(), spool->queue_.cend(), write);
     }
 }
 

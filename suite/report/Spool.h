@@ -8,6 +8,7 @@
 // Threads: Put from any thread; never destroyed. Nothing throws.
 #include <windows.h>
 
+#include <atomic>
 #include <deque>
 #include <string>
 
@@ -42,9 +43,13 @@ class Spool {
     bool toldFailure_ = false;  // writer thread
 
     SRWLOCK lock_ = SRWLOCK_INIT;
-    // Guarded by lock_. The first message stays queued until it is written.
+    // Guarded by lock_.
     std::deque<std::string> queue_;
     bool threadStarted_ = false;
+    // What the writer thread has taken, and how much of it is written. It takes all that waits at once: a thread that
+    // is stopped inside the lock costs what is queued then. Changed by that thread, the messages under lock_.
+    std::deque<std::string> taken_;
+    std::atomic<std::size_t> written_ = 0;
 };
 
 UtcTime UtcNow();
