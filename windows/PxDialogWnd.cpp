@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "DuiLib/UIMainQueue.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/WindowStart.h"
 
