@@ -8,6 +8,7 @@ import tree
 LIBRARY = "duilib/include"
 LINK = "service/link"
 PICTURES = "service/pictures"
+PIXELS = "preview/pixels"
 ALLOWED = {
     "app": {"app", "windows", "suite", LIBRARY},
     "windows": {"windows", "pages", "service", LINK, PICTURES, "suite", LIBRARY},
@@ -17,14 +18,16 @@ ALLOWED = {
     "service": {"service", LINK, PICTURES, "preview", "suite", LIBRARY},
     # The link to the camera service and the pictures know no setting.
     LINK: {LINK, "suite"},
-    PICTURES: {PICTURES, "preview", "suite"},
-    "preview": {"preview", "suite"},
+    PICTURES: {PICTURES, "preview", PIXELS, "suite"},
+    "preview": {"preview", PIXELS, "suite"},
+    # Arithmetic alone.
+    PIXELS: {PIXELS},
     "duilib": {"duilib", LIBRARY, "suite"},
     "diagnostics": {"diagnostics", "service", LINK, "preview", "suite"},
     "setup": {"setup", "suite"},
     "suite": {"suite"},
 }
-ROOMS = (LIBRARY, LINK, PICTURES)
+ROOMS = (LIBRARY, LINK, PICTURES, PIXELS)
 
 # The rooms of the UI library, what each may see. A public header belongs to the room that its class is written in, but
 # for PaintManagerUI.h: controls call their window through it, so it is declared with them and written in the window.
