@@ -2,6 +2,7 @@
 """The tests for a real PC: packed, unpacked in a folder with a blank and a letter of another script, started by
 run-tests.cmd on a machine of its own; the report is read, and files and registry are compared before and after."""
 import html
+import json
 import os
 import re
 import shutil
@@ -20,6 +21,7 @@ PATTERN = os.environ.get("PIXORA_PROOF_TESTS", "^(app_test|suite_url_test|previe
 SETTINGS = r"HKCU\Software\Velmora\Quillon\LumiCamera"
 THEME = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize"
 PICTURE = f"{COMMS}/LumiCamera/S-1/custom_background_btn_0.jpg"
+PIPE = r"\\.\Pipe\iNotoraAssistant"
 FOLDER = "drive_c/Eigene Tests я"
 # As on a PC, where what only Wine allows is skipped.
 ON_A_PC = {"PIXORA_NO_WINE": "1"}
@@ -119,7 +121,8 @@ def check_refusals(wine):
     before = registry_of(wine)
     check(start(wine, "app_test") == 2, "without --yes and without anybody who presses a key nothing begins")
     check(start(wine, "--yes", "no_such_test") == 2, "nor without a test")
-    with support.holding(wine, wine.tool("PixoraService.exe"), says=b'{"event":"ready"}'):
+    listening = json.dumps({"event": "listening", "pipe": PIPE}, separators=(",", ":")).encode()
+    with support.holding(wine, wine.tool("PixoraService.exe"), says=listening):
         check(start(wine, "--yes", "app_test") == 2, "nor while a service has the pipe")
     check(not wine.exists(f"{FOLDER}/report.html") and registry_of(wine) == before, "and nothing has changed")
 
