@@ -15,6 +15,7 @@
 #include "preview/pixels/PixelConverter.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
+#include "tests/support/WineOnly.h"
 #include "tools/democamera/FrameEncoder.h"
 
 namespace e2e {
@@ -53,7 +54,9 @@ class PreviewTest : public testing::Test {
             EXPECT_EQ(program_->WaitForEnd(), 0U);
         }
         program_.reset();
-        RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels");
+        if (harness::MayUseWine()) {
+            RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels");
+        }
         SetEnvironmentVariableW(L"PIXORA_DEMO_CAMERA", nullptr);
     }
 
@@ -190,6 +193,7 @@ class PreviewAtScale : public PreviewTest, public testing::WithParamInterface<in
 
 TEST_P(PreviewAtScale, FillsTheAreaAndNothingElse) {
     dpi_ = GetParam();
+    PIXORA_WINE_ONLY("the scale of the screen is the user's");
     const DWORD value = static_cast<DWORD>(dpi_);
     RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
     OpenWithPicture(L"size=1280x720");
@@ -260,6 +264,7 @@ class PreviewPixels : public PreviewTest, public testing::WithParamInterface<std
 TEST_P(PreviewPixels, AreTheCamerasOwn) {
     const auto& [dpi, name] = GetParam();
     dpi_ = dpi;
+    PIXORA_WINE_ONLY("the scale of the screen is the user's");
     const DWORD value = static_cast<DWORD>(dpi_);
     RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
     static const std::map<std::wstring, std::pair<democamera::CameraFormat, preview::PixelFormat>> kFormats = {

@@ -8,6 +8,7 @@
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/support/TestLog.h"
+#include "tests/support/WineOnly.h"
 #include "tools/service/PipeServer.h"
 
 namespace e2e {
@@ -193,6 +194,7 @@ TEST_F(SettingsWindowTest, TheIntroductionOpensAndRemembersItsTab) {
 }
 
 TEST_F(SettingsWindowTest, TheOnlineIntroductionOpensInTheBrowser) {
+    PIXORA_WINE_ONLY(Machine::kNoLinks);
     Open();
     program_->Click(L"show_introduction_btn");
     ASSERT_TRUE(WaitUntil([] { return !Machine::OpenedLinks().empty(); }));

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/WineOnly.h"
+
 // Wine looks in the registry where a program's DLLs come from; Windows cannot be told so.
 class DllOrigin {
   public:
@@ -20,7 +22,7 @@ class DllOrigin {
     DllOrigin(const DllOrigin&) = delete;
     DllOrigin& operator=(const DllOrigin&) = delete;
 
-    static bool CanBe() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+    static bool CanBe() { return harness::MayUseWine(); }
 
   private:
     const std::wstring key_;

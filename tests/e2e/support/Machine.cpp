@@ -26,11 +26,11 @@ std::vector<std::string> LinesOf(const std::wstring& path) {
     return lines;
 }
 
-// The stand-in for the desktop's opener, which the test run puts first on the path, writes here.
+// The stand-in for the desktop's opener, which the test run puts first on the path, writes here. Empty: there is none.
 std::wstring LinksFile() {
     wchar_t path[MAX_PATH] = {};
-    GetEnvironmentVariableW(L"PIXORA_OPENED_LINKS", path, MAX_PATH);
-    return L"Z:" + std::wstring(path);
+    const bool isNamed = GetEnvironmentVariableW(L"PIXORA_OPENED_LINKS", path, MAX_PATH) > 0;
+    return isNamed ? L"Z:" + std::wstring(path) : std::wstring();
 }
 
 }  // namespace
@@ -48,7 +48,9 @@ const std::wstring& ProgramName() {
 void Reset() {
     SettingsKey::Delete();
     TestLog::StartOver();
-    DeleteFileW(LinksFile().c_str());
+    if (const std::wstring links = LinksFile(); !links.empty()) {
+        DeleteFileW(links.c_str());
+    }
 }
 
 void ResetToInstalled() {

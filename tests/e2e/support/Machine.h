@@ -41,6 +41,8 @@ bool WaitForLog(const std::string& line);
 // That line of level 4 comes; any other one fails the test.
 void Expect(const std::string& line);
 
+// Why a test of them may be skipped.
+inline constexpr char kNoLinks[] = "links would reach the user's browser";
 // The addresses that the system's default program was asked to open, oldest first.
 std::vector<std::string> OpenedLinks();
 

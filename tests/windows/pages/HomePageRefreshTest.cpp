@@ -10,6 +10,7 @@
 #include "DuiLib/UIMainQueue.h"
 #include "service/KindNotifier.h"
 #include "tests/support/Protocol.h"
+#include "tests/support/WineOnly.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/OpenedLinks.h"
 
@@ -283,6 +284,7 @@ TEST_F(HomePageRefreshTest, ShowsTheDetailsPage) {
 }
 
 TEST_F(HomePageRefreshTest, OpensTheIntroductionOfTheLabel) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     Control(L"Pixora_Introduce_Url").SetText(L"https://support.example.com/three");
     const OpenedLinks links;
     Press(L"show_introduction_btn");
@@ -290,6 +292,7 @@ TEST_F(HomePageRefreshTest, OpensTheIntroductionOfTheLabel) {
 }
 
 TEST_F(HomePageRefreshTest, WithoutAnAddressNothingIsOpened) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     const OpenedLinks links;
     Control(L"Pixora_Introduce_Url").SetText(L"");
     Press(L"show_introduction_btn");

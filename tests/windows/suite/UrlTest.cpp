@@ -7,6 +7,7 @@
 #include "suite/url/UrlsManager.h"
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
+#include "tests/support/WineOnly.h"
 #include "tests/windows/suite/TestFolder.h"
 
 using ntx::util::UrlsManager;
@@ -16,7 +17,8 @@ namespace {
 // Makes the helper the program for web addresses while the test runs: it writes the address that it gets into a file.
 class UrlTest : public testing::Test {
   protected:
-    UrlTest() {
+    void SetUp() override {
+        PIXORA_WINE_ONLY("another program for web links would be the machine's");
         const std::filesystem::path helper =
             std::filesystem::path(suite::ProgramPath()).parent_path() / L"suite_helper.exe";
         for (const wchar_t* scheme : {L"http", L"https"}) {

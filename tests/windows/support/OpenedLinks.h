@@ -11,6 +11,9 @@
 
 class OpenedLinks {
   public:
+    // Elsewhere the system asks its own table, which names the user's browser.
+    static constexpr char kWhy[] = "links would reach the user's browser";
+
     OpenedLinks();
     ~OpenedLinks();
     OpenedLinks(const OpenedLinks&) = delete;

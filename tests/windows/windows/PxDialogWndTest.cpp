@@ -6,6 +6,7 @@
 #include "DuiLib/TextUI.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/Protocol.h"
+#include "tests/support/WineOnly.h"
 #include "tests/windows/support/OpenedLinks.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
@@ -144,6 +145,7 @@ TEST_F(PxDialogWndTest, OneMessageOfOneCodeClosesIt) {
 }
 
 TEST_F(PxDialogWndTest, MarkupHasLinksAndDoesNotDragTheWindow) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     EXPECT_TRUE(Control(L"msgbox_content").IsNcHit());
     dialog_->UseHtmlMessage();
     EXPECT_FALSE(Control(L"msgbox_content").IsNcHit());

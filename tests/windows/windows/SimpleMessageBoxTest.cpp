@@ -1,6 +1,7 @@
 #include "windows/SimpleMessageBox.h"
 
 #include "DuiLib/TextUI.h"
+#include "tests/support/WineOnly.h"
 #include "tests/windows/support/OpenedLinks.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/support/Script.h"
@@ -161,6 +162,7 @@ TEST_F(SimpleMessageBoxTest, PlainTextDragsTheBoxAndMarkupDoesNot) {
 }
 
 TEST_F(SimpleMessageBoxTest, FollowsItsLinks) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     box_->UseHtmlMessage();
     box_->SetContent(L"<a href=\"https://support.example.com/one\">one</a>");
     auto& text = dynamic_cast<DuiLib::CTextUI&>(Control(L"msgbox_content"));
@@ -180,6 +182,7 @@ TEST_F(SimpleMessageBoxTest, FollowsItsLinks) {
 }
 
 TEST_F(SimpleMessageBoxTest, OnlyALinkOpensSomething) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     box_->UseHtmlMessage();
     box_->SetContent(L"<a href=\"https://support.example.com/one\">one</a>");
     const OpenedLinks links;
@@ -193,6 +196,7 @@ TEST_F(SimpleMessageBoxTest, OnlyALinkOpensSomething) {
 }
 
 TEST_F(SimpleMessageBoxTest, OnlyTheWebIsOpened) {
+    PIXORA_WINE_ONLY(OpenedLinks::kWhy);
     const std::string line = "[L4] no web address: C:\\windows\\notepad.exe(WindowStart::FollowLink)";
     Expect(line);
     box_->UseHtmlMessage();
