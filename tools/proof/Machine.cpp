@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include "service/ServiceMessages.h"
 #include "service/SettingNames.h"
+#include "service/link/ServiceMessages.h"
 #include "service/pictures/CustomFolder.h"
 #include "suite/common/Handle.h"
 #include "suite/common/RegistryKey.h"
