@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "diagnostics/LastRun.h"
 #include "diagnostics/Sections.h"
 #include "suite/common/FolderListing.h"
 #include "suite/common/LocalFolder.h"
@@ -48,8 +49,10 @@ void AddLog(Report& report, const PersonalData& personal) {
     report.Note(suite::ToUtf8(personal.Mask(path)) + ", its times are " + ZoneOfLocalTime());
     std::ifstream file(std::filesystem::path(path), std::ios::binary);
     std::deque<std::string> lines;
+    LastRun run;
     for (std::string line; std::getline(file, line);) {
         lines.push_back(line);
+        run.Add(line);
         if (lines.size() > kLastLines) {
             lines.pop_front();
         }
@@ -60,6 +63,7 @@ void AddLog(Report& report, const PersonalData& personal) {
     if (lines.empty()) {
         report.Note("there are none");
     }
+    report.Note(run.Text());
     const int dumps = CountFiles(local + L"\\QUILLON\\CrashDumps\\Pixora-*.dmp");
     report.Note("crash dumps of Pixora: " + std::to_string(dumps));
 }

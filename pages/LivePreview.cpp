@@ -11,6 +11,7 @@
 #include "pages/PageHost.h"
 #include "preview/CameraThreads.h"
 #include "preview/DeviceLink.h"
+#include "preview/DeviceLoss.h"
 #include "preview/Preview.h"
 #include "preview/ServedWait.h"
 #include "suite/common/ComRelease.h"
@@ -190,6 +191,7 @@ void LivePreview::ShowPicture() {
     opening_ = opening;  // the time of the opening does not count any more
     lastFrameTickMs_ = preview_->LastFrameTickMs();
     ticksWithoutFrame_ = 0;
+    isLossLogged_ = false;
     window_.Show(paintManager_->GetDPI(), IsAreaShown());
     NameArea(kPictureText);
     window_.WantTicks(true);
@@ -391,6 +393,9 @@ void LivePreview::RecoverDevice() {
     if (!preview_ || !preview_->IsDeviceLost()) {
         return;
     }
+    if (!std::exchange(isLossLogged_, true)) {
+        LogLine(LogLevel::kInfo, L"LivePreview::RecoverDevice", preview::kDeviceLostLine);
+    }
     // The system may send messages to the window, which may end the preview.
     const std::shared_ptr<Preview> capture = Share(preview_);
     const HRESULT result = capture->RecoverDevice();
@@ -398,6 +403,8 @@ void LivePreview::RecoverDevice() {
         LogLine(LogLevel::kError, L"LivePreview::RecoverDevice", L"the graphics device does not come back: 0x",
                 std::hex, result);
         OnCaptureError(result);
+    } else if (result == S_OK && std::exchange(isLossLogged_, false)) {
+        LogLine(LogLevel::kInfo, L"LivePreview::RecoverDevice", preview::kDeviceBackLine);
     }
 }
 

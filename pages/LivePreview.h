@@ -124,6 +124,7 @@ class LivePreview {
     bool makingCapture_ = false;         // a box may be open
     std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
     int ticksWithoutFrame_ = 0;
+    bool isLossLogged_ = false;                 // of the device that is lost now
     std::uint64_t resumedTickMs_ = 0;           // 0: never
     const std::shared_ptr<LivePreview*> self_;  // ends with it: queued tasks hold a weak_ptr
 };

@@ -9,6 +9,10 @@
 
 namespace preview {
 
+// In the log, once a loss. PixoraDiagnostics counts them.
+inline constexpr const wchar_t* kDeviceLostLine = L"the graphics device is lost";
+inline constexpr const wchar_t* kDeviceBackLine = L"the graphics device is back";
+
 class DeviceLoss {
   public:
     static constexpr std::uint64_t kBetweenTriesMs = 1000;

@@ -12,6 +12,7 @@ FORBIDDEN = [
     re.compile(r"\bPart" + r"s? \d+\.\d"),
     re.compile(r"(?<![A-Za-z0-9_.])/(?:wo" + r"rk|ro" + r"ot|fa" + r"rm)/"),
     re.compile(r"deb\.deb" + r"ian\.org|registry\.npm" + r"js"),
+    re.compile(r"^(?:<{7}|\|{7}|>{7})(?: |$)"),  # what a merge left
 ]
 
 

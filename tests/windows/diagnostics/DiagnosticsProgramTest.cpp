@@ -46,13 +46,18 @@ class SettingsValue {
     const wchar_t* const name_;
 };
 
-// A failure that Pixora tells of.
-void AppendToLog(const std::string& text) {
-    harness::TestLog::Expect("[L4] " + text);
+// A line of Pixora's.
+void AppendToLog(const std::string& text, int level) {
     const std::wstring log = suite::LocalDataFolder() + L"\\Velmora\\Quillon\\Logs";
     ASSERT_TRUE(suite::MakeFolders(log));
     std::ofstream(fs::path(log + L"\\Pixora.log"), std::ios::app)
-        << "2026-11-21 10:00:00.000 [L4] [1] " << text << "\n";
+        << "2026-11-21 10:00:00.000 [L" << level << "] [1] " << text << "\n";
+}
+
+// A failure that Pixora tells of.
+void AppendToLog(const std::string& text) {
+    harness::TestLog::Expect("[L4] " + text);
+    AppendToLog(text, 4);
 }
 
 class DiagnosticsProgramTest : public testing::Test {
@@ -174,6 +179,16 @@ TEST_F(DiagnosticsProgramTest, TheReportNamesNoFileOfTheUsers) {
     Run(L"");
     EXPECT_THAT(shown_, HasSubstr("copyFile error:<name>(a)"));
     EXPECT_THAT(shown_, Not(HasSubstr("birthday")));
+}
+
+TEST_F(DiagnosticsProgramTest, LossesOfTheGraphicsDeviceInTheLastRunAreCounted) {
+    AppendToLog("the graphics device is lost(LivePreview::RecoverDevice)", 3);
+    AppendToLog("SetProcessDpiAwareness fail, error code: -2147024891(PxMainWnd::DPIAware)", 3);
+    AppendToLog("the graphics device is lost(LivePreview::RecoverDevice)", 3);
+    AppendToLog("the graphics device is back(LivePreview::RecoverDevice)", 3);
+    Run(L"");
+    EXPECT_THAT(shown_, HasSubstr("graphics device lost: 1 times, back: 1 times, in the last run, since 2026-11-21 "
+                                  "10:00:00\n"));
 }
 
 TEST_F(DiagnosticsProgramTest, TheReportNamesNobody) {

@@ -38,6 +38,8 @@ using testing::IsEmpty;
 constexpr int kCameraUnavailable = 5;
 constexpr HRESULT kInUse = static_cast<HRESULT>(0xC00D3704);
 constexpr char kSourceError[] = "[L4] create device source error!(Preview::CreateDeviceSource)";
+constexpr char kLost[] = "[L3] the graphics device is lost(LivePreview::RecoverDevice)";
+constexpr char kBack[] = "[L3] the graphics device is back(LivePreview::RecoverDevice)";
 constexpr char kStartError[] = "[L4] create device source error!(Preview::Start)";
 
 class LivePreviewTest : public HomePageTest {
@@ -568,8 +570,12 @@ TEST_F(LivePreviewTest, ALostDeviceIsNoErrorAndThePictureGoesOn) {
     TurnOn();
     Graphics::TakeDesktop();
     EXPECT_TRUE(Wait([] { return Graphics::Seen().levels >= 3; })) << "it is asked for again and again";
+    EXPECT_EQ(harness::TestLog::Count(kLost), 1);
+    EXPECT_EQ(harness::TestLog::Count(kBack), 0);
     Graphics::GiveDesktopBack();
     EXPECT_TRUE(FramesCome());
+    EXPECT_EQ(harness::TestLog::Count(kLost), 1);
+    EXPECT_EQ(harness::TestLog::Count(kBack), 1);
     EXPECT_TRUE(IsOn());
     EXPECT_TRUE(CanBeClicked());
     EXPECT_THAT(Messages(), IsEmpty());
@@ -600,8 +606,16 @@ TEST_F(LivePreviewTest, ADeviceThatDoesNotComeBackIsToldOnceAndWithoutABox) {
     ExpectOff();
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
     EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+    EXPECT_EQ(harness::TestLog::Count(kLost), 1);
     ChangeGraphics([](GraphicsScript& script) { script = {}; });
     TurnOn();
+    // The next loss is one more.
+    Graphics::TakeDesktop();
+    EXPECT_TRUE(Wait([] { return harness::TestLog::Count(kLost) == 2; }));
+    EXPECT_EQ(harness::TestLog::Count(kBack), 0);
+    Graphics::GiveDesktopBack();
+    EXPECT_TRUE(FramesCome());
+    EXPECT_EQ(harness::TestLog::Count(kBack), 1);
 }
 
 TEST_F(LivePreviewTest, ACameraThatIsTakenOutIsToldByItsName) {
