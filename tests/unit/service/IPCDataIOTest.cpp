@@ -105,6 +105,7 @@ TEST(IPCDataIOTest, RefusesNegativeAndTooLargeRequests) {
     EXPECT_EQ(io.Reserve(kMaxInt), 0);
     EXPECT_EQ(io.WriteBytes(bytes.data(), kMaxInt - 64), 0);
     EXPECT_EQ(io.ReadBytes(bytes.data(), kMaxInt), 0);
+    EXPECT_EQ(io.WriteBytes(nullptr, 0), 1) << "nothing is read from nowhere";
     EXPECT_EQ(io.Position(), 4);
     EXPECT_EQ(io.Reserve(0), 1);
 }
