@@ -15,6 +15,7 @@ constexpr std::uint64_t kFileLimitBytes = 4 * 1024 * 1024;
 constexpr std::size_t kLongestMessage = 8 * 1024;
 constexpr std::size_t kMostMessages = 4096;
 constexpr ULONGLONG kExitFlushMs = 500;
+constexpr DWORD kWriteOutMs = 2000;
 
 std::atomic<Spool*> theSpool{nullptr};
 
@@ -119,6 +120,14 @@ void Spool::WriteForever() {
         }
         const SlimLock guard(lock_);
         queue_.pop_front();
+        WakeAllConditionVariable(&written_);
+    }
+}
+
+void Spool::WriteOut() {
+    if (Spool* const spool = theSpool) {
+        const SlimLock guard(spool->lock_);
+        SleepUntil(spool->written_, spool->lock_, kWriteOutMs, [spool] { return spool->queue_.empty(); });
     }
 }
 

@@ -25,6 +25,8 @@ class Spool {
     // longer than 8 KiB, or the thread cannot be started.
     bool Put(const std::string& message);
 
+    // Waits until everything that was put is in the file; two seconds at most.
+    static void WriteOut();
     // Gives up after about half a second. A message that was being written just then may appear twice.
     // REQUIRES: called from DllMain while the process ends.
     static void FlushAtExit();
@@ -39,6 +41,7 @@ class Spool {
 
     SharedAppendFile file_;
     CONDITION_VARIABLE wake_ = CONDITION_VARIABLE_INIT;
+    CONDITION_VARIABLE written_ = CONDITION_VARIABLE_INIT;
     bool toldFailure_ = false;  // writer thread
 
     SRWLOCK lock_ = SRWLOCK_INIT;
