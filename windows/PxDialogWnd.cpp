@@ -80,6 +80,13 @@ void PxDialogWnd::ActivateExisting() {
     WindowStart::ActivateWindow(GetWindowClassName());
 }
 
+LRESULT PxDialogWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_ENDSESSION) {
+        WindowStart::OnEndSession(wParam);
+    }
+    return WindowImplBase::HandleMessage(message, wParam, lParam);
+}
+
 void PxDialogWnd::OnClick(DuiLib::TNotifyUI& msg) {
     if (msg.sender && msg.sender->GetName() == L"closebtn") {
         WindowStart::CloseAndQuit(GetHWND());

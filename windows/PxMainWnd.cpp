@@ -272,6 +272,9 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_POWERBROADCAST:
             PublishPower(wParam);
             break;
+        case WM_ENDSESSION:
+            WindowStart::OnEndSession(wParam);
+            break;
         case WM_SIZE:
         case WM_SIZING:
         case kMoveSpare:
