@@ -98,6 +98,52 @@ TEST(ColorTable, KnowsItsOwnNamesFromTheBeginning) {
     EXPECT_EQ(table.Find(L"#FF000000"), std::nullopt);
 }
 
+// What the library falls back to where the themes' file is missing.
+TEST(ColorTable, EachOfItsNamesHasItsColours) {
+    struct Expected {
+        const wchar_t* name;
+        std::uint32_t light;
+        SystemColor contrast;
+    };
+    constexpr Expected kExpected[] = {
+        {L"window", 0xFFF1F3F8, SystemColor::kWindow},
+        {L"dialog", 0xFFFFFFFF, SystemColor::kWindow},
+        {L"card", 0xFFFFFFFF, SystemColor::kWindow},
+        {L"hint", 0xFFFFFFFF, SystemColor::kWindow},
+        {L"mask", 0x66000000, SystemColor::kNone},
+        {L"placeholder", 0xFFE6EAF2, SystemColor::kWindow},
+        {L"windowborder", 0xFFD5DAE3, SystemColor::kWindowText},
+        {L"cardborder", 0xFFE1E5EC, SystemColor::kWindowText},
+        {L"hintborder", 0xFFC9D0DC, SystemColor::kWindowText},
+        {L"controlborder", 0x00000000, SystemColor::kBtnText},
+        {L"linkborder", 0x00000000, SystemColor::kWindowText},
+        {L"focus", 0xFF0A59F7, SystemColor::kWindowText},
+        {L"text", 0xFF1B1F27, SystemColor::kWindowText},
+        {L"textsecondary", 0xFF5E6673, SystemColor::kWindowText},
+        {L"textdisabled", 0xFF9AA1AD, SystemColor::kGrayText},
+        {L"link", 0xFF0A59F7, SystemColor::kHotLight},
+        {L"linkhover", 0xFF0847C5, SystemColor::kHotLight},
+        {L"accenttext", 0xFF0A59F7, SystemColor::kWindowText},
+        {L"accent", 0xFF0A59F7, SystemColor::kHighlight},
+        {L"accenthover", 0xFF0950DE, SystemColor::kHighlight},
+        {L"accentpressed", 0xFF0847C5, SystemColor::kHighlight},
+        {L"onaccent", 0xFFFFFFFF, SystemColor::kHighlightText},
+        {L"mark", 0xFF0A59F7, SystemColor::kHighlight},
+        {L"track", 0xFFD9DEE7, SystemColor::kWindowText},
+        {L"button", 0x0C000000, SystemColor::kBtnFace},
+        {L"buttontext", 0xFF1B1F27, SystemColor::kBtnText},
+    };
+    const ColorTable table;
+    EXPECT_EQ(table.Untouched().size(), std::size(kExpected));
+    for (const Expected& each : kExpected) {
+        const std::optional<Color> color = table.Find(each.name);
+        ASSERT_TRUE(color) << each.name;
+        EXPECT_EQ(table.Number(*color, false), each.light) << each.name;
+        EXPECT_EQ(table.Painted(*color, ColorUse::kText, ThemeKind::kContrast, Numbered()), NumberOf(each.contrast))
+            << each.name;
+    }
+}
+
 TEST(ColorTable, TellsWhichNamesNobodySet) {
     ColorTable table;
     EXPECT_THAT(table.Untouched(), Contains(L"text"));
