@@ -60,6 +60,9 @@ AccessibleInfo CSliderUI::GetAccessibleInfo() const {
     AccessibleInfo info = CProgressUI::GetAccessibleInfo();
     info.role = ROLE_SYSTEM_SLIDER;
     info.state &= ~STATE_SYSTEM_READONLY;
+    if (showValue_ && !info.name.empty()) {
+        info.name += L' ' + info.value;  // what is seen beside it
+    }
     return info;
 }
 

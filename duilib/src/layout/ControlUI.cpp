@@ -11,6 +11,7 @@
 #include "DuiLib/UICulture.h"
 #include "layout/ControlLimits.h"
 #include "layout/LayoutArithmetic.h"
+#include "layout/LiveEvent.h"
 #include "markup/ImageAttribute.h"
 #include "paint/Canvas.h"
 #include "paint/ImageCache.h"
@@ -23,8 +24,6 @@ namespace {
 constexpr int kFocusRingDip = 2;
 constexpr int kFocusRingInnerDip = 1;
 constexpr int kFocusRingRadiusDip = 4;
-
-constexpr DWORD kLiveRegionChanged = 0x8019;  // EVENT_OBJECT_LIVEREGIONCHANGED, not in the headers
 
 long NextId() {
     static std::atomic<long> last{0};

@@ -9,6 +9,7 @@
 
 #include "DuiLib/PaintManagerUI.h"
 #include "accessibility/Accessible.h"
+#include "accessibility/LiveAnnotation.h"
 #include "paint/BackBuffer.h"
 #include "paint/DirtyRegion.h"
 #include "paint/ImageCache.h"
@@ -55,6 +56,7 @@ class CPaintManagerUI::Impl final : public IThemeListener {
     RetiredControls retired;
     std::unique_ptr<CControlUI> root;
     InputRouter input;
+    LiveAnnotation live;
     suite::ComReference<WindowAccessible> accessible;  // made when a screen reader first asks
 
     Size sizePx;  // the client area's, as it was when the window was last not minimised

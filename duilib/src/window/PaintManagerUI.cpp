@@ -8,6 +8,7 @@
 #include "DuiLib/Theme.h"
 #include "DuiLib/UICulture.h"
 #include "DuiLib/UIMainQueue.h"
+#include "layout/LiveEvent.h"
 #include "suite/common/SystemLibrary.h"
 #include "window/PaintManagerImpl.h"
 
@@ -163,6 +164,9 @@ void CPaintManagerUI::NotifyAccessible(const CControlUI* control, DWORD event) c
     // IsWinEventHookInstalled first: NotifyWinEvent is a system call, and a dragged slider would make one for each
     // step.
     if (control && impl_->window && IsWinEventHookInstalled(event) && control->GetAccessibleInfo().role != 0) {
+        if (event == kLiveRegionChanged) {
+            impl_->live.Mark(impl_->window, control->GetId());
+        }
         NotifyWinEvent(event, impl_->window, OBJID_CLIENT, control->GetId());
     }
 }

@@ -153,6 +153,7 @@ LRESULT CPaintManagerUI::Impl::OnGetObject(WPARAM wParam, LPARAM lParam) {
 }
 
 void CPaintManagerUI::Impl::OnWindowGone() {
+    live.ClearAll(window);
     if (accessible) {
         accessible->Disconnect();
         accessible.Reset();

@@ -363,6 +363,111 @@ TEST_F(Accessibility, ALiveNameIsSaidAtOnce) {
     EXPECT_FALSE(events.Has(kLiveRegionChanged, ids[L"icon"])) << "the same as before";
 }
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // the system's interface has none
+
+// The system's annotations: what was set and cleared, as "set element value" and "clear element".
+class Annotations final : public IAccPropServices {
+  public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references_; }
+    HRESULT STDMETHODCALLTYPE SetHwndProp(HWND hwnd, DWORD object, DWORD child, MSAAPROPID property,
+                                          VARIANT value) override {
+        Check(hwnd, object, property);
+        EXPECT_EQ(value.vt, VT_I4);
+        calls.push_back("set " + std::to_string(child) + " " + std::to_string(value.lVal));
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ClearHwndProps(HWND hwnd, DWORD object, DWORD child, const MSAAPROPID* properties,
+                                             int count) override {
+        EXPECT_EQ(count, 1);
+        Check(hwnd, object, *properties);
+        calls.push_back("clear " + std::to_string(child));
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE SetPropValue(const BYTE*, DWORD, MSAAPROPID, VARIANT) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE SetPropServer(const BYTE*, DWORD, const MSAAPROPID*, int, IAccPropServer*,
+                                            AnnoScope) override {
+        return Unused();
+    }
+    HRESULT STDMETHODCALLTYPE ClearProps(const BYTE*, DWORD, const MSAAPROPID*, int) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE SetHwndPropStr(HWND, DWORD, DWORD, MSAAPROPID, LPCWSTR) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE SetHwndPropServer(HWND, DWORD, DWORD, const MSAAPROPID*, int, IAccPropServer*,
+                                                AnnoScope) override {
+        return Unused();
+    }
+    HRESULT STDMETHODCALLTYPE ComposeHwndIdentityString(HWND, DWORD, DWORD, BYTE**, DWORD*) override {
+        return Unused();
+    }
+    HRESULT STDMETHODCALLTYPE DecomposeHwndIdentityString(const BYTE*, DWORD, HWND*, DWORD*, DWORD*) override {
+        return Unused();
+    }
+    HRESULT STDMETHODCALLTYPE SetHmenuProp(HMENU, DWORD, MSAAPROPID, VARIANT) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE SetHmenuPropStr(HMENU, DWORD, MSAAPROPID, LPCWSTR) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE SetHmenuPropServer(HMENU, DWORD, const MSAAPROPID*, int, IAccPropServer*,
+                                                 AnnoScope) override {
+        return Unused();
+    }
+    HRESULT STDMETHODCALLTYPE ClearHmenuProps(HMENU, DWORD, const MSAAPROPID*, int) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE ComposeHmenuIdentityString(HMENU, DWORD, BYTE**, DWORD*) override { return Unused(); }
+    HRESULT STDMETHODCALLTYPE DecomposeHmenuIdentityString(const BYTE*, DWORD, HMENU*, DWORD*) override {
+        return Unused();
+    }
+
+    std::vector<std::string> calls;
+    int references_ = 0;
+
+  private:
+    static void Check(HWND hwnd, DWORD object, const GUID& property) {
+        constexpr GUID kLiveSetting = {0xc12bcd8e, 0x2a8e, 0x4950, {0x8a, 0xe7, 0x36, 0x25, 0x11, 0x1d, 0x58, 0xeb}};
+        EXPECT_TRUE(IsWindow(hwnd)) << "annotations of a window that is gone";
+        EXPECT_EQ(object, static_cast<DWORD>(OBJID_CLIENT));
+        EXPECT_TRUE(IsEqualGUID(property, kLiveSetting));
+    }
+    static HRESULT Unused() {
+        ADD_FAILURE() << "not a call of this program";
+        return E_NOTIMPL;
+    }
+};
+
+#pragma GCC diagnostic pop
+
+Annotations* g_annotations = nullptr;  // null: the system has none
+
+HRESULT WINAPI MakeAnnotations(REFCLSID kind, IUnknown*, DWORD, REFIID, void** made) {
+    constexpr GUID kServices = {0xb5f8350b, 0x0548, 0x48b1, {0xa6, 0xee, 0x88, 0xbd, 0x00, 0xb4, 0xa5, 0xe7}};
+    EXPECT_TRUE(IsEqualGUID(kind, kServices));
+    if (!g_annotations) {
+        return REGDB_E_CLASSNOTREG;
+    }
+    g_annotations->AddRef();
+    *made = static_cast<IAccPropServices*>(g_annotations);
+    return S_OK;
+}
+
+TEST_F(Accessibility, ALiveElementIsAnnotatedOnceAndAsLongAsItsWindowIsThere) {
+    const harness::ImportHook hook(GetModuleHandleW(L"DuiLib.dll"), "CoCreateInstance", &MakeAnnotations);
+    Annotations annotations;
+    g_annotations = &annotations;
+    {
+        TestWindow other(R"(<Window size="30,30"><Control name="live" accname="One" acclive="true"/></Window>)");
+        const Events events(other.GetHWND());
+        const std::string id = std::to_string(other.Find(L"live").GetId());
+        other.Find(L"live").SetAttribute(L"accname", L"Two");
+        other.Find(L"live").SetAttribute(L"accname", L"Three");
+        EXPECT_THAT(annotations.calls, testing::ElementsAre("set " + id + " 1"));
+        DestroyWindow(other.GetHWND());
+        EXPECT_THAT(annotations.calls, testing::ElementsAre("set " + id + " 1", "clear " + id));
+    }
+    EXPECT_EQ(annotations.references_, 0);
+    g_annotations = nullptr;
+    TestWindow without(R"(<Window size="30,30"><Control name="live" accname="One" acclive="true"/></Window>)");
+    const Events events(without.GetHWND());
+    without.Find(L"live").SetAttribute(L"accname", L"Two");
+    EXPECT_TRUE(events.Got(0x8019, without.Find(L"live").GetId()));
+}
+
 TEST_F(Accessibility, HelpIsTheDescription) {
     BSTR text = nullptr;
     EXPECT_EQ(object->get_accHelp(Id(ids[L"ok"]), &text), S_OK);

@@ -228,6 +228,19 @@ TEST_P(Bars, ScreenReadersReadAndSetTheValue) {
     EXPECT_FALSE(window.Find(L"p").SetAccessibleValue(L"3"));
 }
 
+TEST_P(Bars, TheNameHasTheValueThatIsSeen) {
+    auto& slider = window.Find<CSliderUI>(L"s");
+    slider.SetValue(30);
+    slider.SetAttribute(L"showvalue", L"true");
+    EXPECT_EQ(slider.GetAccessibleInfo().name, L"");
+    slider.SetAttribute(L"accname", L"Strength");
+    EXPECT_EQ(slider.GetAccessibleInfo().name, L"Strength 30");
+    slider.SetValue(31);
+    EXPECT_EQ(slider.GetAccessibleInfo().name, L"Strength 31");
+    slider.SetAttribute(L"showvalue", L"false");
+    EXPECT_EQ(slider.GetAccessibleInfo().name, L"Strength");
+}
+
 // A slider of 0 to 10 that shows its value and goes back to 5, 240 units wide.
 class Levels : public testing::TestWithParam<int> {
   protected:

@@ -1,9 +1,10 @@
-// The rules of an accessibility scanner, over every window: names, actions, sizes of targets, contrast of texts. In the
-// language that the system gives to the process; it is started once for each.
+// The rules of an accessibility scanner, over every window and in each theme: names, actions, sizes of targets,
+// contrast of texts. In the language that the system gives to the process; it is started once for each.
 #include <oleacc.h>
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -12,6 +13,7 @@
 #include "DuiLib/LabelUI.h"
 #include "DuiLib/UICulture.h"
 #include "suite/common/SystemLibrary.h"
+#include "tests/support/FakeLook.h"
 #include "tests/windows/support/Screen.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelDoubleCheckPage.h"
@@ -29,7 +31,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr int kSmallestTargetDip = 24;
+constexpr int kCornerPx = 3;
 constexpr double kLeastContrast = 4.5;
+constexpr double kLeastInContrastThemes = 7;
 
 constinit suite::SystemLibrary oleacc(L"oleacc.dll");
 constinit suite::SystemFunction<decltype(&GetRoleTextW)> getRoleText(oleacc, "GetRoleTextW");
@@ -82,7 +86,8 @@ double ContrastIn(const Picture& picture, const Rect& px) {
 // What is wrong in that window, one line each.
 class Scanner {
   public:
-    explicit Scanner(DuiLib::CPaintManagerUI& manager) : manager_(manager) {}
+    // Texts have that contrast at least.
+    Scanner(DuiLib::CPaintManagerUI& manager, double contrast) : manager_(manager), leastContrast_(contrast) {}
 
     std::vector<std::string> Scan() {
         manager_.UpdateLayout();
@@ -167,7 +172,9 @@ class Scanner {
         if (seen != control.GetPos()) {
             return;
         }
-        if (const double contrast = ContrastIn(picture, seen); contrast < kLeastContrast) {
+        // Without what shows through at round corners.
+        const Rect inside = seen.Deflate({kCornerPx, kCornerPx, kCornerPx, kCornerPx});
+        if (const double contrast = ContrastIn(picture, inside); contrast < leastContrast_) {
             Add("contrast " + std::to_string(contrast), control);
         }
     }
@@ -177,18 +184,39 @@ class Scanner {
     }
 
     DuiLib::CPaintManagerUI& manager_;
+    const double leastContrast_;
     std::set<std::pair<std::wstring, std::wstring>> names_;
     std::vector<const CControlUI*> targets_;
     std::vector<std::string> found_;
 };
 
-std::vector<std::string> Scan(DuiLib::CPaintManagerUI& manager) {
-    return Scanner(manager).Scan();
-}
-
 class AccessibleScanTest : public MainWindowTest {
   protected:
+    void TearDown() override {
+        Use(false, false);
+        MainWindowTest::TearDown();
+    }
+    // In the light, the dark and a contrast theme.
+    std::vector<std::string> Scan(DuiLib::CPaintManagerUI& manager) {
+        std::vector<std::string> found = Scanner(manager, kLeastContrast).Scan();
+        const auto add = [&](double contrast) {
+            std::ranges::copy(Scanner(manager, contrast).Scan(), std::back_inserter(found));
+        };
+        Use(true, false);
+        add(kLeastContrast);
+        Use(false, true);
+        add(kLeastInContrastThemes);
+        Use(false, false);
+        return found;
+    }
+    void Use(bool dark, bool contrast) {
+        look_.SetDark(dark);
+        look_.highContrast = contrast;
+        harness::FakeLook::Tell(Window().GetHWND());
+    }
     static std::wstring Text(const wchar_t* key) { return DuiLib::UICulture::GetInstance()->GetString(key); }
+
+    harness::FakeLook look_;
 };
 
 TEST_F(AccessibleScanTest, TheHomePage) {
@@ -253,8 +281,10 @@ TEST_F(AccessibleScanTest, WhatIsWrongIsFound) {
     ok.SetText(L"OK");
     ok.SetTextColor(0xFF3A79F7);  // nearly that of its ground
     EXPECT_THAT(Scan(manager), Contains(HasSubstr("contrast 1.")));
-    ok.SetTextColor(0xFFFFFFFF);
+    ok.SetAttribute(L"textcolor", L"onaccent");
     EXPECT_THAT(Scan(manager), IsEmpty());
+    ok.SetAttribute(L"minwidth", L"0");
+    ok.SetAttribute(L"growheight", L"false");
     for (const wchar_t* name : {L"push_right", L"msg_ok_btn"}) {
         manager.FindControl(name)->SetAttribute(L"width", L"20");
         manager.FindControl(name)->SetAttribute(L"height", L"20");
