@@ -3,7 +3,7 @@
 #include <string>
 
 #include "diagnostics/Sections.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/common/Utf8.h"
 
 namespace diagnostics {

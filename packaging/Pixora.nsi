@@ -165,11 +165,24 @@ FunctionEnd
 ; CloseWork: deletes WORK. What cannot go now goes when Windows restarts.
 !macro WorkFunctions un
 Function ${un}OpenWork
-    ClearErrors
     SetOutPath "${WORK}"
-    FileOpen $lock "${WORK}\lock" w
-    ${If} ${Errors}
+    ; What a run that was killed has had open is free a moment later.
+    StrCpy $R9 0
+    ${Do}
+        ClearErrors
+        FileOpen $lock "${WORK}\lock" w
+        ${IfNot} ${Errors}
+            Delete "${WORK}\PixoraSetupHelper.exe"
+            ${IfNot} ${Errors}
+                ${Break}
+            ${EndIf}
+            FileClose $lock
+        ${EndIf}
         StrCpy $lock ""
+        IntOp $R9 $R9 + 1
+        Sleep 200
+    ${LoopUntil} $R9 = 10
+    ${If} $R9 = 10
         ${If} ${FileExists} "${WORK}\lock"
             MessageBox MB_OK|MB_ICONSTOP "$(TextUnderWay)" /SD IDOK
             !insertmacro Fail ${EXIT_UNDER_WAY} "$(TextUnderWay)"

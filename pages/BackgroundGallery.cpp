@@ -216,6 +216,26 @@ void BackgroundGallery::OnMouseLeave(CControlUI& control) {
     ShowToolTip(control, false);
 }
 
+void BackgroundGallery::OnFocusChanged(const CControlUI& control) {
+    if (!IsOwn(control.GetName())) {
+        return;
+    }
+    const DuiLib::CPaintManagerUI& manager = *page_.Manager();
+    const CControlUI* focus = manager.GetFocus();
+    const std::wstring item = CustomItemName(control.GetName());
+    if (focus == &control) {
+        CControlUI* button = page_.Find(item + kDeleteSuffix);
+        if (button && manager.IsFocusRingShown()) {
+            button->SetVisible(true);
+        }
+        return;
+    }
+    const CControlUI* hot = manager.GetHot();
+    if (!hot || CustomItemName(hot->GetName()) != item) {
+        HideDelButton(item, focus ? focus->GetName() : std::wstring());
+    }
+}
+
 void BackgroundGallery::OnScroll() {
     // Nothing else tells that the pointer is over another item now.
     POINT pointer = {};

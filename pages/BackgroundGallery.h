@@ -39,6 +39,8 @@ class BackgroundGallery {
 
     void OnMouseEnter(DuiLib::CControlUI& control);
     void OnMouseLeave(DuiLib::CControlUI& control);
+    // The delete button comes with the focus ring as it comes with the pointer.
+    void OnFocusChanged(const DuiLib::CControlUI& control);
     // The items move and the pointer does not.
     void OnScroll();
 

@@ -58,6 +58,7 @@ class HomePage : public PageBase {
     void OnClick(DuiLib::TNotifyUI& msg) override;
     void OnMouseEnter(DuiLib::TNotifyUI& msg) override { gallery_.OnMouseEnter(*msg.sender); }
     void OnMouseLeave(DuiLib::TNotifyUI& msg) override { gallery_.OnMouseLeave(*msg.sender); }
+    void OnFocusChanged(DuiLib::TNotifyUI& msg) override { gallery_.OnFocusChanged(*msg.sender); }
     void OnScroll(DuiLib::TNotifyUI&) override { gallery_.OnScroll(); }
     void OnActivate() override { livePreview_.Place(); }
 

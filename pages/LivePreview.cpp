@@ -24,6 +24,9 @@ using GlobalUtils::MessageBoxKind;
 constexpr wchar_t kSwitchName[] = L"preview_switch";
 constexpr wchar_t kAreaName[] = L"preview_wnd";
 constexpr wchar_t kTextName[] = L"preview_text";
+// What a screen reader calls the area, with and without a picture over it.
+constexpr wchar_t kPictureText[] = L"IDS_LUMI_ACC_PREVIEW_AREA";
+constexpr wchar_t kIllustrationText[] = L"IDS_LUMI_ACC_CAMERA_ILLUSTRATION";
 
 // Blocks the UI thread on purpose: the first frames are drawn before the switch can be clicked again.
 constexpr std::chrono::milliseconds kFirstFramesWait{400};
@@ -99,6 +102,7 @@ int LivePreview::OnCreate(HWND parentWindow) {
 
 int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
     Stop();
+    std::erase_if(left_, Release);  // of a window that has let go of its device the next one can be made
     const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_);
     if (FAILED(result)) {
         LogLine(LogLevel::kError, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);
@@ -189,6 +193,7 @@ void LivePreview::ShowPicture() {
     ticksWithoutFrame_ = 0;
     isLossLogged_ = false;
     window_.Show(paintManager_->GetDPI(), IsAreaShown());
+    NameArea(kPictureText);
     window_.WantTicks(true);
     preview::PauseServed(kFirstFramesWait);
     if (opening == opening_) {
@@ -290,6 +295,7 @@ void LivePreview::OnScreenLock() {
     DrawSwitch(find_(kSwitchName), false);
     EnableSwitch();
     window_.Destroy();
+    NameArea(kIllustrationText);
 }
 
 void LivePreview::OnPower(GlobalUtils::PowerKind kind) {
@@ -305,6 +311,13 @@ void LivePreview::OnPower(GlobalUtils::PowerKind kind) {
 void LivePreview::ShowOff(DuiLib::CControlUI* previewSwitch) {
     DrawSwitch(previewSwitch, false);
     window_.Hide();
+    NameArea(kIllustrationText);
+}
+
+void LivePreview::NameArea(const wchar_t* text) const {
+    if (area_) {
+        area_->SetAttribute(L"accname", text);
+    }
 }
 
 void LivePreview::DrawSwitch(DuiLib::CControlUI* control, bool on) const {

@@ -98,6 +98,8 @@ class LivePreview {
     void ReleaseLeft();
     void ReleaseLeftLater() const;
     void ShowOff(DuiLib::CControlUI* previewSwitch);
+    // By what it shows; a screen reader says so.
+    void NameArea(const wchar_t* text) const;
     void DrawSwitch(DuiLib::CControlUI* control, bool on) const;
     void EnableSwitch() const;
     bool IsAreaShown() const;

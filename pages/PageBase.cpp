@@ -24,6 +24,8 @@ const DuiLib::CNotifyPump::NotifyMap& PageBase::GetMessageMap() const {
         Bind<PageBase>(kClick, nullptr, &PageBase::OnClick),
         Bind<PageBase>(kMouseEnter, nullptr, &PageBase::OnMouseEnter),
         Bind<PageBase>(kMouseLeave, nullptr, &PageBase::OnMouseLeave),
+        Bind<PageBase>(kSetFocus, nullptr, &PageBase::OnFocusChanged),
+        Bind<PageBase>(kKillFocus, nullptr, &PageBase::OnFocusChanged),
         Bind<PageBase>(kScroll, nullptr, &PageBase::OnScroll),
     };
     return map;

@@ -52,6 +52,8 @@ class PageBase : public DuiLib::CNotifyPump {
     virtual void OnClick(DuiLib::TNotifyUI&) {}
     virtual void OnMouseEnter(DuiLib::TNotifyUI&) {}
     virtual void OnMouseLeave(DuiLib::TNotifyUI&) {}
+    // The sender got or lost the focus of the keyboard.
+    virtual void OnFocusChanged(DuiLib::TNotifyUI&) {}
     // What is under the pointer moves away: hints go.
     virtual void OnScroll(DuiLib::TNotifyUI&) {}
 

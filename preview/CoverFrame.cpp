@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 

@@ -5,7 +5,7 @@
 
 #include <span>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 

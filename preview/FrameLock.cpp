@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "preview/SourceExtent.h"
+#include "preview/pixels/SourceExtent.h"
 #include "suite/common/ComRelease.h"
 
 namespace preview {

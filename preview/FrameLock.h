@@ -11,7 +11,7 @@
 
 #include <cstdint>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 

@@ -160,7 +160,7 @@ STDMETHODIMP Preview::OnReadSample(HRESULT status, DWORD /*streamIndex*/, DWORD 
         if (generation != generation_) {
             return S_OK;
         }
-        const HRESULT result = HandleSample(status, streamFlags, timestampHns, sample);
+        const HRESULT result = HandleSample(status, streamFlags, timestampHns, sample, generation);
         if (FAILED(result)) {
             PostFailure(result, generation);
         }
@@ -172,7 +172,8 @@ STDMETHODIMP Preview::OnReadSample(HRESULT status, DWORD /*streamIndex*/, DWORD 
     }
 }
 
-HRESULT Preview::HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample) {
+HRESULT Preview::HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample,
+                              UINT32 generation) {
     const DWORD typeChanged = MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED | MF_SOURCE_READERF_NATIVEMEDIATYPECHANGED;
     HRESULT result = S_OK;
     if ((streamFlags & typeChanged) != 0 && (streamFlags & MF_SOURCE_READERF_ERROR) == 0) {
@@ -188,13 +189,17 @@ HRESULT Preview::HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timest
             result = DrawFirstBuffer(sample);
         }
     }
-    return SUCCEEDED(result) ? ReadOn(status, streamFlags, sample != nullptr) : result;
+    return SUCCEEDED(result) ? ReadOn(status, streamFlags, sample != nullptr, generation) : result;
 }
 
 // The reader delivers another type from now on, with this sample.
 HRESULT Preview::AdoptChangedType() {
+    IMFSourceReader* reader = reader_;
+    if (!reader) {
+        return S_OK;  // closed in this moment
+    }
     suite::ComReference<IMFMediaType> type;
-    HRESULT result = reader_.load()->GetCurrentMediaType(reader_system::kVideoStream, type.Put());
+    HRESULT result = reader->GetCurrentMediaType(reader_system::kVideoStream, type.Put());
     if (SUCCEEDED(result)) {
         result = renderer_.ConfigureVideo(type.Get());
         TellLoss();
@@ -218,7 +223,7 @@ HRESULT Preview::DrawFirstBuffer(IMFSample* sample) {
 
 // Kept: a failed read without a sample only leads to the next read. But the next one may fail as fast: from the third
 // in a row each waits a little. After an error of the reader nothing may be asked of it any more; that read fails here.
-HRESULT Preview::ReadOn(HRESULT status, DWORD streamFlags, bool hasSample) {
+HRESULT Preview::ReadOn(HRESULT status, DWORD streamFlags, bool hasSample, UINT32 generation) {
     if (!hasSample && FAILED(status)) {
         lastReadFailure_ = status;
     }
@@ -230,15 +235,23 @@ HRESULT Preview::ReadOn(HRESULT status, DWORD streamFlags, bool hasSample) {
     } else if ((streamFlags & MF_SOURCE_READERF_STREAMTICK) == 0) {
         ++readsWithoutFrame_;
         const int pauseMs = preview::PauseBeforeReadMs(readsWithoutFrame_);
-        if (pauseMs > 0 && ReadAfterPause(pauseMs)) {
+        if (pauseMs > 0 && ReadAfterPause(pauseMs, generation)) {
             return S_OK;
         }
     }
-    return RequestSample();
+    return RequestSample(generation);
 }
 
-HRESULT Preview::RequestSample() {
-    const std::scoped_lock guard(startLock_);
+HRESULT Preview::RequestSample(UINT32 generation) {
+    // Waits for a start to end, which holds its lock. But a start after Close waits itself for the sample lock, which
+    // the caller holds.
+    constexpr std::chrono::milliseconds kBetweenLooks(1);
+    std::unique_lock guard(startLock_, std::defer_lock);
+    while (!guard.try_lock_for(kBetweenLooks)) {
+        if (generation != generation_) {
+            return S_OK;
+        }
+    }
     IMFSourceReader* reader = reader_;
     if (state_ != 1 || !reader) {
         return S_OK;
@@ -264,9 +277,9 @@ struct Pause {
 
 }  // namespace
 
-bool Preview::ReadAfterPause(int pauseMs) {
+bool Preview::ReadAfterPause(int pauseMs, UINT32 generation) {
     constexpr LONGLONG kHnsPerMs = 10'000;
-    auto pause = std::make_unique<Pause>(Pause{this, generation_});
+    auto pause = std::make_unique<Pause>(Pause{this, generation});
     PTP_TIMER timer = CreateThreadpoolTimer(OnPauseOver, pause.get(), nullptr);
     if (!timer) {
         return false;
@@ -292,7 +305,7 @@ void Preview::ReadNow(UINT32 generation) {
     if (generation != generation_) {
         return;
     }
-    const HRESULT result = RequestSample();
+    const HRESULT result = RequestSample(generation);
     if (FAILED(result)) {
         PostFailure(result, generation);
     }

@@ -110,14 +110,15 @@ class Preview : public IMFSourceReaderCallback {
     bool IsCancelled() const { return generation_ != openingGeneration_; }
 
     // --- the reader's thread, under the sample lock
-    HRESULT HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample);
+    HRESULT HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample,
+                         UINT32 generation);
     HRESULT AdoptChangedType();
     HRESULT DrawFirstBuffer(IMFSample* sample);
-    HRESULT ReadOn(HRESULT status, DWORD streamFlags, bool hasSample);
-    HRESULT RequestSample();
+    HRESULT ReadOn(HRESULT status, DWORD streamFlags, bool hasSample, UINT32 generation);
+    HRESULT RequestSample(UINT32 generation);
 
     // After a pause, on a thread of the pool.
-    bool ReadAfterPause(int pauseMs);
+    bool ReadAfterPause(int pauseMs, UINT32 generation);
     void ReadNow(UINT32 generation);
     static void CALLBACK OnPauseOver(PTP_CALLBACK_INSTANCE instance, void* context, PTP_TIMER timer);
 
@@ -158,7 +159,7 @@ class Preview : public IMFSourceReaderCallback {
     int readsWithoutFrame_ = 0;  // in a row
 
     // --- guarded by the start lock
-    std::mutex startLock_;
+    std::timed_mutex startLock_;
     std::shared_ptr<preview::OpenCamera> opening_;
     IMFSourceReader* openingReader_ = nullptr;  // a reference
     UINT32 openingGeneration_ = 0;

@@ -5,8 +5,8 @@
 #include "preview/CoverFrame.h"
 #include "preview/MediaFoundation.h"
 #include "preview/ReaderSystem.h"
-#include "preview/SourceExtent.h"
 #include "preview/VisiblePart.h"
+#include "preview/pixels/SourceExtent.h"
 #include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 

@@ -24,7 +24,9 @@ HomeService* HomeService::GetInstance() {
 
 HomeService::HomeService()
     : beautyReports_(&HomeService::ReportBeauty),
-      link_({.settingsChanged = [this] { NotifyStatus(); }, .reset = [this] { serviceResetObserver_.Call(); }}) {
+      link_({.settingsChanged = [this] { NotifyStatus(); },
+             .reset = [this] { serviceResetObserver_.Call(); },
+             .backgroundGone = [] { PublishMessage(GlobalUtils::MessageBoxKind::kBackgroundGone); }}) {
     // Made before this object is complete, so it is destroyed after it: the pipe client's thread may publish until the
     // destructor has ended it.
     KindNotifier<GlobalUtils::MessageBoxKind>::GetInstance();

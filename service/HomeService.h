@@ -20,8 +20,8 @@
 #include "service/GlobalUtils.h"
 #include "service/OwnBackgrounds.h"
 #include "service/ReportWorkers.h"
-#include "service/ServiceLink.h"
 #include "service/StatusReader.h"
+#include "service/link/ServiceLink.h"
 
 class HomeService {
   public:

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "DuiLib/UIMainQueue.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/logger/QxLogger.h"
 #include "windows/WindowStart.h"
 
@@ -78,6 +78,13 @@ void PxDialogWnd::SetMessageText(const std::wstring& text) {
 
 void PxDialogWnd::ActivateExisting() {
     WindowStart::ActivateWindow(GetWindowClassName());
+}
+
+LRESULT PxDialogWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_ENDSESSION) {
+        WindowStart::OnEndSession(wParam);
+    }
+    return WindowImplBase::HandleMessage(message, wParam, lParam);
 }
 
 void PxDialogWnd::OnClick(DuiLib::TNotifyUI& msg) {

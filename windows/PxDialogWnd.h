@@ -32,6 +32,7 @@ class PxDialogWnd : public DuiLib::WindowImplBase {
   protected:
     const wchar_t* GetWindowClassName() const override;
     std::wstring GetSkinFile() const override { return L"layout\\PixoraDialogWnd.xml"; }
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnClick(DuiLib::TNotifyUI& msg) override;
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled) override;
 

@@ -168,6 +168,15 @@ void PxMainWnd::Notify(DuiLib::TNotifyUI& msg) {
     WindowImplBase::Notify(msg);
 }
 
+// The window was moved and sized within: one publication stands for all of it.
+void PxMainWnd::OnFitted() {
+    // They belong to another place and scale.
+    ToolTipWnd::GetInstance(nullptr).Show(false);
+    DelButtonToolTip::GetInstance(nullptr).Show(false);
+    TellScale();
+    PublishMove();
+}
+
 void PxMainWnd::TellScale() {
     for (const auto& [name, page] : pages_) {
         page->OnScaleChanged();
@@ -252,12 +261,7 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     using GlobalUtils::ScreenLockKind;
     switch (message) {
         case WM_DPICHANGED:
-            // The window is moved and sized within: one publication stands for all of it.
-            changingDpi_ = true;
-            PaintManager().OnDpiChanged(wParam, lParam);
-            changingDpi_ = false;
-            TellScale();
-            PublishMove();
+            FollowDpi(wParam, lParam);
             return 0;
         case WM_WTSSESSION_CHANGE:
             if (wParam == WTS_SESSION_LOCK) {
@@ -268,15 +272,18 @@ LRESULT PxMainWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_POWERBROADCAST:
             PublishPower(wParam);
             break;
+        case WM_ENDSESSION:
+            WindowStart::OnEndSession(wParam);
+            break;
         case WM_SIZE:
         case WM_SIZING:
         case kMoveSpare:
-            if (!changingDpi_) {
+            if (!IsFitting()) {
                 PublishMove();
             }
             break;
         case WM_MOVE:
-            if (!changingDpi_) {
+            if (!IsFitting()) {
                 PublishPlace();
             }
             break;

@@ -60,6 +60,7 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam, bool& handled) override;
     LRESULT OnKillFocus(WPARAM wParam, LPARAM lParam, bool& handled) override;
     LRESULT OnLButtonUp(WPARAM wParam, LPARAM lParam, bool& handled) override;
+    void OnFitted() override;
 
   private:
     void ShowTab(const std::wstring& name);
@@ -80,7 +81,6 @@ class PxMainWnd : public DuiLib::WindowImplBase, public PageHost {
     std::vector<std::wstring> virtualWndNames_;  // pages that this window's pump knows
     std::unique_ptr<PageSwitcher> switcher_;
     std::atomic<bool> closing_ = false;  // any thread
-    bool changingDpi_ = false;
     VideoThumbnail thumbnail_;
     ModalQueue modals_;
 };

@@ -152,3 +152,8 @@ LRESULT ToolTipWnd::OnMouseMove(WPARAM, LPARAM, bool&) {
     Show(false);
     return 0;
 }
+
+// It has the scale of its owner, which hides it when that changes.
+LRESULT ToolTipWnd::OnDpiChanged(WPARAM, LPARAM, bool&) {
+    return 0;
+}

@@ -38,6 +38,7 @@ class ToolTipWnd : public DuiLib::WindowImplBase, public HintWindow {
     std::wstring GetSkinFile() const override { return L"layout\\PixoraToolTip.xml"; }
     LRESULT OnMouseLeave(WPARAM wParam, LPARAM lParam, bool& handled) override;
     LRESULT OnMouseMove(WPARAM wParam, LPARAM lParam, bool& handled) override;
+    LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam, bool& handled) override;
 
   private:
     int OwnerDpi() const;

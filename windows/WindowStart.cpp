@@ -10,8 +10,10 @@
 #include "DuiLib/PaintManagerUI.h"
 #include "DuiLib/TextUI.h"
 #include "DuiLib/UICulture.h"
+#include "suite/logger/LogEnd.h"
 #include "suite/logger/QxLogger.h"
 #include "suite/product/SystemEnvironment.h"
+#include "suite/report/EventDataReport.h"
 #include "suite/url/WebAddress.h"
 
 namespace WindowStart {
@@ -67,6 +69,13 @@ void ActivateWindow(const wchar_t* className) {
 void CloseAndQuit(HWND window) {
     SendMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0);
     PostQuitMessage(0);
+}
+
+void OnEndSession(WPARAM ends) {
+    if (ends) {
+        EventDataReport::WriteOut();
+        suite::WriteOutLog();
+    }
 }
 
 void FollowLink(const DuiLib::TNotifyUI& msg) {

@@ -31,6 +31,10 @@ void ActivateWindow(const wchar_t* className);
 // Asks the window to close as its system menu would and ends the message loop. UI thread.
 void CloseAndQuit(HWND window);
 
+// WM_ENDSESSION: where the session does end, the process may end as soon as the message is answered, without any
+// clean-up; log and usage events are written out before. Four seconds at most.
+void OnEndSession(WPARAM ends);
+
 // Opens the link of a "link" notification with the user's default program; nothing for other notifications.
 void FollowLink(const DuiLib::TNotifyUI& msg);
 

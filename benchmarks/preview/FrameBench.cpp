@@ -23,7 +23,7 @@ extern "C" {
 #include <string>
 #include <vector>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 
 #include "fuzz/support/Input.h"
 #include "fuzz/support/Require.h"
-#include "preview/MirrorPicture.h"
-#include "preview/PixelConverter.h"
-#include "preview/SourceExtent.h"
+#include "preview/pixels/MirrorPicture.h"
+#include "preview/pixels/PixelConverter.h"
+#include "preview/pixels/SourceExtent.h"
 
 using namespace preview;
 

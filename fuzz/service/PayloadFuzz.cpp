@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fuzz/support/Require.h"
-#include "service/IPCDataIO.h"
+#include "service/link/IPCDataIO.h"
 
 namespace {
 

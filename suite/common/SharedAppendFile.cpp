@@ -64,7 +64,7 @@ bool SharedAppendFile::Open() {
 bool SharedAppendFile::Append(std::string_view line) {
     const MutexLock lock(mutex_.Get(), kLockWaitMs);
     if (!lock.IsHeld()) {
-        return Write(OpenForAppend().Get(), line);
+        return Write(OpenWithFolders().Get(), line);
     }
     return EnsureRoom() && Write(file_.Get(), line);
 }

@@ -19,4 +19,18 @@ class SlimLock {
     SRWLOCK& lock_;
 };
 
+// Sleeps until `isSo`, which is looked at with the lock held each time the variable wakes; false when the time was over
+// before. REQUIRES: the calling thread holds the lock.
+template <typename Predicate>
+bool SleepUntil(CONDITION_VARIABLE& variable, SRWLOCK& lock, DWORD atMostMs, Predicate isSo) {
+    const ULONGLONG end = GetTickCount64() + atMostMs;
+    while (!isSo()) {
+        const ULONGLONG now = GetTickCount64();
+        if (now >= end || !SleepConditionVariableSRW(&variable, &lock, static_cast<DWORD>(end - now), 0)) {
+            return isSo();
+        }
+    }
+    return true;
+}
+
 }  // namespace suite

@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint64_t kFileLimitBytes = 2 * 1024 * 1024;
 constexpr int kOlderFiles = 4;
 constexpr std::size_t kMostLines = 4096;
+constexpr DWORD kWriteOutMs = 2000;
 constexpr std::size_t kWriteBytes = 64 * 1024;  // of lines that are written together
 
 }  // namespace
@@ -84,7 +85,13 @@ void LogFile::WriteForever() {
         file_.Append(text);
         const SlimLock guard(lock_);
         queue_.erase(queue_.begin(), queue_.begin() + static_cast<std::ptrdiff_t>(lines));
+        WakeAllConditionVariable(&written_);
     }
+}
+
+void LogFile::WriteOut() {
+    const SlimLock guard(lock_);
+    SleepUntil(written_, lock_, kWriteOutMs, [this] { return queue_.empty(); });
 }
 
 void LogFile::FlushAtExit() {

@@ -27,6 +27,8 @@ class LogFile {
     [[nodiscard]] bool Open() { return file_.Open(); }
     // Lines that do not find room in the queue, of 4096 lines, are lost.
     void Write(std::string line);
+    // Waits until nothing waits to be written; two seconds at most.
+    void WriteOut();
     // REQUIRES: called from DllMain while the process ends.
     void FlushAtExit();
 
@@ -38,6 +40,7 @@ class LogFile {
 
     SharedAppendFile file_;
     CONDITION_VARIABLE wake_ = CONDITION_VARIABLE_INIT;
+    CONDITION_VARIABLE written_ = CONDITION_VARIABLE_INIT;
 
     SRWLOCK lock_ = SRWLOCK_INIT;
     // Guarded by lock_. Lines stay queued until they are written.

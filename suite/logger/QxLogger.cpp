@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "suite/common/LocalFolder.h"
+#include "suite/logger/LogEnd.h"
 #include "suite/logger/LogFile.h"
 #include "suite/logger/LogText.h"
 
@@ -102,6 +103,12 @@ void QxLogger::Log(int level, const std::wostringstream& stream) {
         // No memory for the line: there is nowhere else to tell.
     }
     SetLastError(lastError);
+}
+
+void suite::WriteOutLog() {
+    if (LogFile* const file = TheState().open.load()) {
+        file->WriteOut();
+    }
 }
 
 std::wstring QxLogger::FilePath() const {

@@ -23,3 +23,7 @@ bool EventDataReport::SendMsg(const std::string& message) {
     suite::Spool* const spool = suite::Spool::Instance();
     return spool && !message.empty() && spool->Put(message);
 }
+
+void EventDataReport::WriteOut() {
+    suite::Spool::WriteOut();
+}

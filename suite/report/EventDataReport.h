@@ -15,6 +15,9 @@ class SUITE_REPORT_API EventDataReport {
     bool GetMsg(std::string& message, const std::string& eventId, const std::string& text);
     // Queues a message for the spool; false when the queue is full.
     bool SendMsg(const std::string& message);
+    // For the end of the Windows session, after which the process may end at any moment: waits until every event that
+    // was sent is in the spool file, two seconds at most.
+    static void WriteOut();
 
   private:
     EventDataReport() = default;

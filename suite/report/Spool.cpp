@@ -15,6 +15,7 @@ constexpr std::uint64_t kFileLimitBytes = 4 * 1024 * 1024;
 constexpr std::size_t kLongestMessage = 8 * 1024;
 constexpr std::size_t kMostMessages = 4096;
 constexpr ULONGLONG kExitFlushMs = 500;
+constexpr DWORD kWriteOutMs = 2000;
 
 std::atomic<Spool*> theSpool{nullptr};
 
@@ -57,7 +58,7 @@ bool Spool::Put(const std::string& message) {
         std::string line = AsLine(message);
         {
             const SlimLock guard(lock_);
-            if (queue_.size() >= kMostMessages || !StartThread()) {
+            if (queue_.size() + taken_.size() - done_ >= kMostMessages || !StartThread()) {
                 return false;
             }
             queue_.push_back(std::move(line));
@@ -94,31 +95,45 @@ DWORD WINAPI Spool::ThreadEntry(void* spool) {
     return 0;
 }
 
-bool Spool::IsIdle() {
+// What was taken is written; whether nothing waits.
+bool Spool::EndRound() {
     const SlimLock guard(lock_);
-    return queue_.empty();
+    done_ = 0;
+    taken_.clear();
+    if (!queue_.empty()) {
+        return false;
+    }
+    WakeAllConditionVariable(&written_);
+    return true;
 }
 
 void Spool::WriteForever() {
     for (;;) {
-        if (IsIdle()) {
+        if (EndRound()) {
             file_.Close();  // without the lock: somebody may hold the file's mutex
         }
-        const std::string* line = nullptr;  // stays where it is while others are queued behind it
         {
             const SlimLock guard(lock_);
             while (queue_.empty()) {
                 SleepConditionVariableSRW(&wake_, &lock_, INFINITE, 0);
             }
-            line = &queue_.front();
+            taken_.swap(queue_);
         }
-        if (!file_.Append(*line) && !toldFailure_) {
-            toldFailure_ = true;
-            LogLine(LogLevel::kError, L"Spool::WriteForever",
-                    L"usage events are lost: the spool file is full or cannot be written");
+        for (; done_ < taken_.size(); ++done_) {
+            if (!file_.Append(taken_[done_]) && !toldFailure_) {
+                toldFailure_ = true;
+                LogLine(LogLevel::kError, L"Spool::WriteForever",
+                        L"usage events are lost: the spool file is full or cannot be written");
+            }
         }
-        const SlimLock guard(lock_);
-        queue_.pop_front();
+    }
+}
+
+void Spool::WriteOut() {
+    if (Spool* const spool = theSpool) {
+        const SlimLock guard(spool->lock_);
+        SleepUntil(spool->written_, spool->lock_, kWriteOutMs,
+                   [spool] { return spool->queue_.empty() && spool->taken_.empty(); });
     }
 }
 
@@ -129,10 +144,12 @@ void Spool::FlushAtExit() {
         return;
     }
     const ULONGLONG deadline = GetTickCount64() + kExitFlushMs;
-    for (const std::string& line : spool->queue_) {
-        if (!spool->file_.Append(line) || GetTickCount64() > deadline) {
-            break;
-        }
+    const auto write = [&](const std::string& line) {
+        return spool->file_.Append(line) && GetTickCount64() <= deadline;
+    };
+    const auto rest = spool->taken_.cbegin() + static_cast<std::ptrdiff_t>(spool->done_);
+    if (std::all_of(rest, spool->taken_.cend(), write)) {
+        (void)std::all_of(spool->queue_.cbegin(), spool->queue_.cend(), write);
     }
 }
 

@@ -8,6 +8,7 @@
 // Threads: Put from any thread; never destroyed. Nothing throws.
 #include <windows.h>
 
+#include <atomic>
 #include <deque>
 #include <string>
 
@@ -25,6 +26,8 @@ class Spool {
     // longer than 8 KiB, or the thread cannot be started.
     bool Put(const std::string& message);
 
+    // Waits until everything that was put is in the file; two seconds at most.
+    static void WriteOut();
     // Gives up after about half a second. A message that was being written just then may appear twice.
     // REQUIRES: called from DllMain while the process ends.
     static void FlushAtExit();
@@ -34,17 +37,22 @@ class Spool {
     static Spool* Make();
     static DWORD WINAPI ThreadEntry(void* spool);
     void WriteForever();
-    bool IsIdle();
+    bool EndRound();
     bool StartThread();
 
     SharedAppendFile file_;
     CONDITION_VARIABLE wake_ = CONDITION_VARIABLE_INIT;
+    CONDITION_VARIABLE written_ = CONDITION_VARIABLE_INIT;
     bool toldFailure_ = false;  // writer thread
 
     SRWLOCK lock_ = SRWLOCK_INIT;
-    // Guarded by lock_. The first message stays queued until it is written.
+    // Guarded by lock_.
     std::deque<std::string> queue_;
     bool threadStarted_ = false;
+    // What the writer thread has taken, and how much of it is written. It takes all that waits at once: a thread that
+    // is stopped inside the lock costs what is queued then. Changed by that thread, the messages under lock_.
+    std::deque<std::string> taken_;
+    std::atomic<std::size_t> done_ = 0;
 };
 
 UtcTime UtcNow();

@@ -82,14 +82,33 @@ class ModelTest : public testing::Test {
         return L"another program sets " + name + L" to " + std::to_wstring(value);
     }
 
+    // What the level as a number takes of a slider's right end: the widest one, a gap and an edge.
+    static int NumberWidthPx() {
+        constexpr int kGapAndEdgePx = 18;
+        HDC dc = CreateCompatibleDC(nullptr);
+        HFONT font = CreateFontW(-13, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                 CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH, L"Segoe UI");
+        const HGDIOBJ before = SelectObject(dc, font);
+        SIZE size{};
+        GetTextExtentPoint32W(dc, L"10", 2, &size);
+        SelectObject(dc, before);
+        DeleteObject(font);
+        DeleteDC(dc);
+        return size.cx + kGapAndEdgePx;
+    }
+
     std::wstring MoveSlider() {
         const SwitchRow& row = OneOf(kSliders);
         if (!program_->Reveal(row.control))
             return std::wstring(L"cannot reveal ") + row.control;
         const RECT place = program_->Find(row.control)->screenPx;
         const int thumb = place.bottom - place.top > 20 ? 20 : place.bottom - place.top;
-        const int level = Random(kHighestLevel + 1);
-        const int x = place.left + thumb / 2 + MulDiv(level, place.right - place.left - thumb, kHighestLevel);
+        // Two clicks at one place would be a double click, which means the level in the middle.
+        int level = Random(kHighestLevel + 1);
+        level = level == lastLevel_ ? (level + 1) % (kHighestLevel + 1) : level;
+        lastLevel_ = level;
+        const int travel = place.right - NumberWidthPx() - place.left - thumb;
+        const int x = place.left + thumb / 2 + MulDiv(level, travel, kHighestLevel);
         const int middle = (place.top + place.bottom) / 2;
         const int before = model_.Get(row.value);
         switch (Random(3)) {
@@ -152,6 +171,7 @@ class ModelTest : public testing::Test {
     }
 
     std::mt19937 random_{static_cast<unsigned>(FromEnvironment("PIXORA_SEED", 20260))};
+    int lastLevel_ = -1;
     SettingsModel model_;
     PipeServer service_;
     std::optional<Program> program_;

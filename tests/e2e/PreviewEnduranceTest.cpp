@@ -119,21 +119,30 @@ TEST_F(PreviewEnduranceTest, StaysOnWithoutGrowing) {
     ExpectFlat(*warm, Now("at the end"), kMoreBytes + frames * kReaderBytesPerFrame);
 }
 
+// What a busy machine keeps for later makes one block of cycles end higher than the one before; a leak does so in each.
 TEST_F(PreviewEnduranceTest, TurnedOnAndOffWithoutGrowing) {
+    constexpr int kBlocks = 4;
     constexpr int kWarmUp = 5;
     constexpr int kLine = 20;
     const int cycles = FromEnvironment("PIXORA_PREVIEW_CYCLES", 8);
     for (int i = 0; i < kWarmUp; ++i)
         ASSERT_NO_FATAL_FAILURE(TurnOnAndOff());
     LetReadersGo();
-    const ProcessFootprint warm = Now("warm");
-    for (int i = 1; i <= cycles; ++i) {
-        ASSERT_NO_FATAL_FAILURE(TurnOnAndOff()) << "cycle " << i;
-        if (i % kLine == 0)
-            Now("after " + std::to_string(i) + " cycles");
+    ProcessFootprint warm = Now("warm");
+    ProcessFootprint last = warm;
+    for (int block = 1; block <= kBlocks; ++block) {
+        warm = last;
+        for (int i = 1; i <= cycles; ++i) {
+            ASSERT_NO_FATAL_FAILURE(TurnOnAndOff()) << "cycle " << i;
+            if (i % kLine == 0)
+                Now("after " + std::to_string(i) + " cycles");
+        }
+        LetReadersGo();
+        last = Now("at the end");
+        if (last.residentBytes <= warm.residentBytes + kMoreBytes)
+            break;
     }
-    LetReadersGo();
-    ExpectFlat(warm, Now("at the end"), kMoreBytes);
+    ExpectFlat(warm, last, kMoreBytes);
 }
 
 }  // namespace

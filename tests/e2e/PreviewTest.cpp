@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/support/WineOnly.h"

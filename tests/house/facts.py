@@ -1,5 +1,5 @@
 """Facts that stand in one table, and the places that have to say the same: effects (service/EffectTable.h), backgrounds
-(service/FeatureTables.h), settings values (service/SettingNames.h), messages (service/ServiceMessages.h), languages
+(service/FeatureTables.h), settings values (service/SettingNames.h), messages (service/link/ServiceMessages.h), languages
 (res/values/languages.txt); and the pictures that layouts name.
 
 The program itself goes by the tables; installer, scripts, demo, layouts and documents cannot, so they are compared.
@@ -14,7 +14,7 @@ import languages
 ROOT = Path(__file__).resolve().parents[2]
 # What may repeat the numbers of the messages: their own header, what documents or tests them, and the camera service's
 # side in other languages.
-MESSAGES = "service/ServiceMessages.h"
+MESSAGES = "service/link/ServiceMessages.h"
 CODE_FOLDERS = ("app", "windows", "pages", "service", "preview", "diagnostics", "tools", "suite", "duilib")
 # Values that others write.
 OTHERS_VALUES = {"init_algorithm", "filter_driver_install", "support_hard_switch"}

@@ -72,7 +72,7 @@ BREAKAGES = [
     # Tables that this check cannot read any more.
     ([(EFFECTS, "EffectId::kFocusPerson, L", "EffectId(2), L"), (BACKGROUNDS, "{3, L", "{0x3, L"),
       (EFFECTS, 'L"slider_eye", L', "kEye, L"),
-      ("service/ServiceMessages.h", "kSwitchStateCode = 0x4B273C", "kSwitchStateCode = 4925244")],
+      ("service/link/ServiceMessages.h", "kSwitchStateCode = 0x4B273C", "kSwitchStateCode = 4925244")],
      [f"{EFFECT_ROWS - 1} of {EFFECT_ROWS} rows of Effect", f"{LEVEL_ROWS - 1} of {LEVEL_ROWS} rows of BeautyLevel",
       f"{BACKGROUND_ROWS - 1} of {BACKGROUND_ROWS} rows of Background", "the numbers of the backgrounds have a gap",
       "only 7 numbers have the form"]),

@@ -6,23 +6,28 @@ path is its layer.
 import tree
 
 LIBRARY = "duilib/include"
+LINK = "service/link"
 PICTURES = "service/pictures"
+PIXELS = "preview/pixels"
 ALLOWED = {
     "app": {"app", "windows", "suite", LIBRARY},
-    "windows": {"windows", "pages", "service", PICTURES, "suite", LIBRARY},
+    "windows": {"windows", "pages", "service", LINK, PICTURES, "suite", LIBRARY},
     "pages": {"pages", "service", PICTURES, "preview", "suite", LIBRARY},
     # The settings model hands work to the UI thread through the library's main queue, and checks the user's files
     # with the preview's readers.
-    "service": {"service", PICTURES, "preview", "suite", LIBRARY},
-    # Pictures know no setting.
-    PICTURES: {PICTURES, "preview", "suite"},
-    "preview": {"preview", "suite"},
+    "service": {"service", LINK, PICTURES, "preview", "suite", LIBRARY},
+    # The link to the camera service and the pictures know no setting.
+    LINK: {LINK, "suite"},
+    PICTURES: {PICTURES, "preview", PIXELS, "suite"},
+    "preview": {"preview", PIXELS, "suite"},
+    # Arithmetic alone.
+    PIXELS: {PIXELS},
     "duilib": {"duilib", LIBRARY, "suite"},
-    "diagnostics": {"diagnostics", "service", "preview", "suite"},
+    "diagnostics": {"diagnostics", "service", LINK, "preview", "suite"},
     "setup": {"setup", "suite"},
     "suite": {"suite"},
 }
-ROOMS = (LIBRARY, PICTURES)
+ROOMS = (LIBRARY, LINK, PICTURES, PIXELS)
 
 # The rooms of the UI library, what each may see. A public header belongs to the room that its class is written in, but
 # for PaintManagerUI.h: controls call their window through it, so it is declared with them and written in the window.

@@ -127,7 +127,7 @@ def check_document():
     check(pipe.hello(pipe.PIXORA).hex() in "".join(lines).replace(" ", ""), "and the hello")
     text = "\n".join(lines)
     for header, pattern in (("SettingNames.h", r'k(?!ChangedEvent|KeyPath|System)\w+ = L"(.+)"'),
-                            ("ServiceMessages.h", r"= (0x[0-9A-F]+);"), ("UsageEvents.h", r'= "?(\w+)"?;')):
+                            ("link/ServiceMessages.h", r"= (0x[0-9A-F]+);"), ("UsageEvents.h", r'= "?(\w+)"?;')):
         with open(os.path.join(ROOT, "service", header), encoding="utf-8") as file:
             names = re.findall(pattern, file.read())
         missing = [name for name in names if name not in text]

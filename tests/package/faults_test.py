@@ -224,7 +224,8 @@ def try_kills(wine, old, new, saved):
         moment = whole * (number + chance.random()) / 10
         killed += support.start_and_kill(wine, (new.setup, "/S"), moment)
         expect_no_mixture(wine, old, new)
-        check(support.setup(wine, new) == 0, f"after a kill at {moment:.2f} s the next run succeeds")
+        code = support.setup(wine, new)
+        check(code == 0, f"after a kill at {moment:.2f} s the next run succeeds: {code}")
         expect_whole(wine, new, "repaired")
         check(not wine.exists(WORK), "and nothing is left of the killed one")
     check(killed >= 5, f"{killed} of ten runs were killed in the middle")

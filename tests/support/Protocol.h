@@ -4,8 +4,8 @@
 // tests/unit/service/ServiceMessagesTest.cpp and in the documents of tests/integration. Pure data.
 #include <cstdint>
 
-#include "service/ServiceMessages.h"
 #include "service/SettingNames.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/ipc/TagIPCMessageItem.h"
 
 namespace harness::Protocol {

@@ -4,8 +4,8 @@
 
 #include <shellscalingapi.h>
 
-#include "service/ServiceMessages.h"
 #include "service/SettingNames.h"
+#include "service/link/ServiceMessages.h"
 #include "service/pictures/CustomFolder.h"
 #include "suite/common/Handle.h"
 #include "suite/common/RegistryKey.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/common/Utf8.h"
 #include "tools/service/JsonLine.h"
 

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <limits>
 
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 
 TagIPCMessageItem ServiceCommand::Item() const {
     TagIPCMessageItem item;

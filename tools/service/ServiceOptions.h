@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/common/Utf8.h"
 #include "tools/service/ServiceCommand.h"
 

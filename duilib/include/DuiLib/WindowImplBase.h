@@ -9,7 +9,9 @@
 // can size it where the layout gives a minimum or maximum size that leaves a choice; else a sizing frame and maximise
 // box of its style are taken away. With growwithtext the size is that of the layout while texts have their usual size;
 // where the user chose a larger one in the system, the window is wider, and as high as its content when it is shown,
-// within the work area of its screen. Message handlers find `handled` true and set it to false to let the paint manager
+// within the work area of its screen. A window of one size has the scale of its screen, or the largest smaller one at
+// which it fits the work area (FittingDpi); where none fits it is as high as the work area. It keeps to that when
+// scale, work area or screen change. Message handlers find `handled` true and set it to false to let the paint manager
 // and the system go on. Thread: UI thread.
 #include <memory>
 #include <string>
@@ -67,17 +69,39 @@ class DUILIB_API WindowImplBase : public CWindowWnd,
     // Tells screen readers of the dialog; the keyboard begins on the layout's default button.
     void OnModal(bool begins) override;
 
+    // What WM_DPICHANGED asks for, and what its base handler does.
+    void FollowDpi(WPARAM wParam, LPARAM lParam);
+    // The window is being moved and sized to fit its screen; OnFitted follows.
+    bool IsFitting() const { return fitting_; }
+    // Scale, size or place followed the screen.
+    virtual void OnFitted() {}
+
   private:
     void ApplyShape();
+    // The layout gives it, and the user cannot change it.
+    bool HasOneSize();
+    // The new window fits the screen that it was made on.
+    void TakeScreen();
+    int DpiOnScreen();
     // In pixels; 0,0 where the layout has none.
     Size WantedSizePx();
     void FollowTextSize();
+    // The size on a screen of another scale, to which the user drags the window. False: in proportion.
+    bool TellScaledSize(int dpi, SIZE& px);
+    // Screen or work area may be others. `intoWorkArea`: the window moves even where only its place is wrong.
+    void FollowScreen(bool intoWorkArea);
+    void Fit(const RECT& place);
     bool IsResizable();
     bool IsRefused(WPARAM command, LPARAM key);
     // False when there is none that can be pressed.
     bool PressCancelButton();
 
     CPaintManagerUI paintManager_;
+    HMONITOR screen_ = nullptr;  // that the window was fitted to last
+    int screenDpi_ = 0;          // that screen's, as the system told it
+    bool fitting_ = false;
+    bool dragged_ = false;   // by the user
+    bool fitLater_ = false;  // minimised when it was time
 };
 
 }  // namespace DuiLib

@@ -19,8 +19,8 @@ class DUILIB_API CWindowWnd {
     CWindowWnd& operator=(const CWindowWnd&) = delete;
 
     HWND GetHWND() const { return hwnd_; }
-    // Registers the window class on first use. An earlier window of this object is destroyed. Null on failure, which is
-    // logged.
+    // Registers the window class on first use. An earlier window of this object is destroyed. Without a place it is
+    // made on its parent's screen, or on the one that the program was started from. Null on failure, which is logged.
     HWND Create(HWND parent, const std::wstring& title, DWORD style, DWORD exStyle, int x = CW_USEDEFAULT,
                 int y = CW_USEDEFAULT, int cx = CW_USEDEFAULT, int cy = CW_USEDEFAULT, HMENU menu = nullptr);
     void ShowWindow(bool show = true, bool takeFocus = true);
@@ -42,8 +42,8 @@ class DUILIB_API CWindowWnd {
     virtual UINT GetClassStyle() const { return 0; }
     // The end of a subclass's chain: lets the system answer.
     virtual LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam);
-    // Moves the window there, kept within the monitor's work area.
-    void MoveIntoWorkArea(HMONITOR monitor, int x, int y);
+    // Moves the window there, kept within the monitor's work area. Null: it keeps its size.
+    void MoveIntoWorkArea(HMONITOR monitor, int x, int y, const SIZE* px = nullptr);
     // The modal loop begins, with the window shown, or ends, with the window about to go.
     virtual void OnModal(bool) {}
     // The window is gone; `hwnd` is no more than a number.

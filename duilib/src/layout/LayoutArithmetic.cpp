@@ -5,6 +5,9 @@
 namespace DuiLib {
 namespace {
 
+constexpr int kLeastFittingDpi = 72;
+constexpr int kDpiStep = 12;
+
 int Bounded(long long value) {
     return static_cast<int>(std::clamp<long long>(value, -kUnlimitedPx, kUnlimitedPx));
 }
@@ -143,6 +146,17 @@ int ScrollToSee(int scrollPx, int pagePx, int startPx, int sizePx) {
     }
     const long long end = static_cast<long long>(startPx) + sizePx;
     return end > static_cast<long long>(scrollPx) + pagePx ? Bounded(end - pagePx) : scrollPx;
+}
+
+int FittingDpi(Size sizeDip, Size roomPx, int screenDpi) {
+    const auto fits = [&](int dpi) {
+        return DipToPx(sizeDip.cx, dpi) <= roomPx.cx && DipToPx(sizeDip.cy, dpi) <= roomPx.cy;
+    };
+    int dpi = screenDpi;
+    while (dpi > kLeastFittingDpi && !fits(dpi)) {
+        dpi = (dpi - 1) / kDpiStep * kDpiStep;
+    }
+    return dpi;
 }
 
 }  // namespace DuiLib

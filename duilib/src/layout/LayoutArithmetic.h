@@ -1,5 +1,6 @@
 #pragma once
-// The arithmetic of layouts: room shared out along a line, cells of a tile, and the thumb of a scroll bar. Pure logic.
+// The arithmetic of layouts: room shared out along a line, cells of a tile, the thumb of a scroll bar, and the scale at
+// which a window fits its screen. Pure logic.
 //
 // All in pixels. Numbers may be anything: sums are kept within ±kUnlimitedPx, so that no layout file can overflow them.
 #include <span>
@@ -54,5 +55,9 @@ int ScrollAtThumb(int thumbStartPx, int trackPx, int contentPx, int pagePx, int 
 // The nearest scroll position at which [startPx, startPx + sizePx) of the content is seen; its start where it is larger
 // than the page.
 int ScrollToSee(int scrollPx, int pagePx, int startPx, int sizePx);
+
+// The scale of a window of that size on a screen with that room: the screen's own, or the largest smaller multiple of
+// 12 at which the window fits; 72 where none does, and nothing below it is tried.
+int FittingDpi(Size sizeDip, Size roomPx, int screenDpi);
 
 }  // namespace DuiLib

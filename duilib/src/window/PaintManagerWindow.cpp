@@ -5,6 +5,7 @@
 #include "paint/Canvas.h"
 #include "suite/common/SystemLibrary.h"
 #include "suite/logger/QxLogger.h"
+#include "window/FlagScope.h"
 #include "window/PaintManagerImpl.h"
 
 namespace DuiLib {
@@ -19,17 +20,6 @@ constexpr DWORD kOpaque = 0xFF000000;
 
 constinit suite::SystemLibrary oleacc(L"oleacc.dll");
 constinit suite::SystemFunction<decltype(&LresultFromObject)> lresultFromObject(oleacc, "LresultFromObject");
-
-class FlagScope {
-  public:
-    explicit FlagScope(bool& flag) : flag_(flag) { flag_ = true; }
-    ~FlagScope() { flag_ = false; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-  private:
-    bool& flag_;
-};
 
 class PaintScope {
   public:

@@ -2,8 +2,6 @@
 
 #include <windowsx.h>
 
-#include <algorithm>
-
 #include "DuiLib/ControlUI.h"
 #include "DuiLib/DialogBuilder.h"
 #include "DuiLib/Theme.h"
@@ -15,7 +13,6 @@ namespace DuiLib {
 namespace {
 
 constexpr int kSizingBorderDip = 6;
-constexpr int kLargestWidening = 150;        // percent; further growth goes into the height
 constexpr UINT kDrawThemedCaption = 0x00AE;  // sent by the system's own frame drawing; not in the headers
 constexpr UINT kDrawThemedFrame = 0x00AF;
 
@@ -100,6 +97,35 @@ LRESULT WindowImplBase::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam
         case WM_DPICHANGED:
             result = OnDpiChanged(wParam, lParam, handled);
             break;
+        case WM_GETDPISCALEDSIZE:
+            handled = TellScaledSize(static_cast<int>(wParam), *reinterpret_cast<SIZE*>(lParam));
+            result = TRUE;
+            break;
+        case WM_ENTERSIZEMOVE:
+            dragged_ = true;
+            handled = false;
+            break;
+        case WM_EXITSIZEMOVE:
+            dragged_ = false;
+            FollowScreen(false);
+            handled = false;
+            break;
+        case WM_WINDOWPOSCHANGED:
+            if (fitLater_ || (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_NOMOVE) == 0) {
+                FollowScreen(fitLater_);
+            }
+            handled = false;
+            break;
+        case WM_DISPLAYCHANGE:
+            FollowScreen(true);
+            handled = false;
+            break;
+        case WM_SETTINGCHANGE:
+            if (wParam == SPI_SETWORKAREA) {
+                FollowScreen(true);
+            }
+            handled = false;
+            break;
         case WM_NCCALCSIZE:
             // The proposed window rectangle becomes the client area as it is. A maximised window with a frame is larger
             // than its monitor, and is cut down to what can be seen.
@@ -138,6 +164,7 @@ LRESULT WindowImplBase::OnCreate(WPARAM, LPARAM, bool&) {
     paintManager_.SetQueryControlText(this);
     // An empty window still closes, moves and minimises.
     paintManager_.AttachDialog(CDialogBuilder().Create(GetSkinFile(), L"Window", this, &paintManager_));
+    TakeScreen();
 
     UINT flags = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED;
     const Size px = WantedSizePx();
@@ -225,39 +252,9 @@ LRESULT WindowImplBase::OnSize(WPARAM wParam, LPARAM, bool& handled) {
     return 0;
 }
 
-LRESULT WindowImplBase::OnDpiChanged(WPARAM, LPARAM, bool& handled) {
-    handled = false;
+LRESULT WindowImplBase::OnDpiChanged(WPARAM wParam, LPARAM lParam, bool&) {
+    FollowDpi(wParam, lParam);
     return 0;
-}
-
-Size WindowImplBase::WantedSizePx() {
-    const WindowSpec& spec = paintManager_.GetWindowSpec();
-    const int dpi = paintManager_.GetDPI();
-    Size px{DipToPx(spec.sizeDip.cx, dpi), DipToPx(spec.sizeDip.cy, dpi)};
-    const int percent = UITheme::GetInstance()->GetTextPercent();
-    CControlUI* const root = paintManager_.GetRoot();
-    MONITORINFO screen{};
-    screen.cbSize = sizeof(screen);
-    if (!spec.growWithText || percent <= 100 || !root ||
-        !GetMonitorInfoW(MonitorFromWindow(GetHWND(), MONITOR_DEFAULTTONEAREST), &screen)) {
-        return px;
-    }
-    const RECT& work = screen.rcWork;
-    px.cx = std::min<int>(ScaleBy(px.cx, std::min(percent, kLargestWidening), 100), work.right - work.left);
-    px.cy = std::min<int>(std::max(px.cy, root->EstimateSize({px.cx, px.cy}).cy), work.bottom - work.top);
-    return px;
-}
-
-void WindowImplBase::FollowTextSize() {
-    RECT place{};
-    if (!paintManager_.GetWindowSpec().growWithText || !GetWindowRect(GetHWND(), &place)) {
-        return;
-    }
-    // Around the same middle.
-    const Size px = WantedSizePx();
-    SetWindowPos(GetHWND(), nullptr, 0, 0, px.cx, px.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    MoveIntoWorkArea(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), (place.left + place.right - px.cx) / 2,
-                     (place.top + place.bottom - px.cy) / 2);
 }
 
 void WindowImplBase::ApplyShape() {

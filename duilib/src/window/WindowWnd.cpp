@@ -6,6 +6,7 @@
 
 #include "DuiLib/PaintManagerUI.h"
 #include "suite/logger/QxLogger.h"
+#include "window/StartPlace.h"
 
 namespace DuiLib {
 
@@ -42,6 +43,11 @@ HWND CWindowWnd::Create(HWND parent, const std::wstring& title, DWORD style, DWO
     if (!RegisterWindowClass()) {
         LogLine(LogLevel::kError, L"CWindowWnd::Create", L"No window class, error code: ", GetLastError());
         return nullptr;
+    }
+    if (x == CW_USEDEFAULT) {
+        const POINT place = StartPlace(parent);
+        x = place.x;
+        y = place.y;
     }
     const HWND created = CreateWindowExW(exStyle, GetWindowClassName(), title.c_str(), style, x, y, cx, cy, parent,
                                          menu, CPaintManagerUI::GetInstance(), this);
@@ -176,7 +182,7 @@ void CWindowWnd::Close(UINT result) {
     }
 }
 
-void CWindowWnd::MoveIntoWorkArea(HMONITOR monitor, int x, int y) {
+void CWindowWnd::MoveIntoWorkArea(HMONITOR monitor, int x, int y, const SIZE* px) {
     MONITORINFO info{};
     info.cbSize = sizeof(info);
     RECT window{};
@@ -184,10 +190,11 @@ void CWindowWnd::MoveIntoWorkArea(HMONITOR monitor, int x, int y) {
         return;
     }
     const RECT& work = info.rcWork;
+    const SIZE size = px ? *px : SIZE{window.right - window.left, window.bottom - window.top};
     // A window larger than the area keeps its top left within it.
-    const int left = std::max<int>(std::min<int>(x, work.right - (window.right - window.left)), work.left);
-    const int top = std::max<int>(std::min<int>(y, work.bottom - (window.bottom - window.top)), work.top);
-    SetWindowPos(hwnd_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const int left = std::max<int>(std::min<int>(x, work.right - size.cx), work.left);
+    const int top = std::max<int>(std::min<int>(y, work.bottom - size.cy), work.top);
+    SetWindowPos(hwnd_, nullptr, left, top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE | (px ? 0 : SWP_NOSIZE));
 }
 
 void CWindowWnd::CenterWindow() {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "preview/FormatTable.h"
-#include "preview/SourceExtent.h"
+#include "preview/pixels/SourceExtent.h"
 #include "suite/common/ComRelease.h"
 
 namespace doubles {

@@ -21,6 +21,7 @@ TEST(PersonalData, OtherFoldersKeepTheirs) {
     EXPECT_EQ(Masked(LR"(C:\Superusers\me)"), LR"(C:\Superusers\me)");
     EXPECT_EQ(Masked(LR"(C:\Users\)"), LR"(C:\Users\)");
     EXPECT_EQ(Masked(L"users"), L"users");
+    EXPECT_EQ(Masked(LR"(users\me)"), LR"(users\me)") << "nothing stands before it";
 }
 
 TEST(PersonalData, NamesThatStandAloneGo) {
@@ -38,6 +39,8 @@ TEST(PersonalData, AccountsLoseTheirNumbers) {
     EXPECT_EQ(Masked(L"S-1-5-21-11-22-33-1001\\a"), L"S-1-5-21-<account>\\a");
     EXPECT_EQ(Masked(L"(A;;FA;;;S-1-5-21-1-2-3-500)"), L"(A;;FA;;;S-1-5-21-<account>)");
     EXPECT_EQ(Masked(L"S-1-5-18 and BU"), L"S-1-5-18 and BU");
+    EXPECT_EQ(Masked(L"S-1-5-21-1-2-9:5"), L"S-1-5-21-<account>:5");
+    EXPECT_EQ(Masked(L"S-1-5-21-1-2-0/5"), L"S-1-5-21-<account>/5");
 }
 
 TEST(PersonalData, EveryFormOfAnAccountLosesItsNumbers) {
@@ -69,6 +72,11 @@ TEST(PersonalData, MailAddressesGo) {
     EXPECT_EQ(Masked(L"(anna@corp.local)"), L"(<address>)");
     EXPECT_EQ(Masked(L"x@y.org"), L"<address>");
     EXPECT_EQ(Masked(L"img@2x.png, a@b, @b.org, b@.org"), L"img@2x.png, a@b, @b.org, b@.org");
+    EXPECT_EQ(Masked(L"a@ b.org, c@"), L"a@ b.org, c@");
+    for (const std::wstring ending :
+         {L"png", L"jpg", L"jpeg", L"bmp", L"mp4", L"mov", L"svg", L"ico", L"xml", L"log", L"txt", L"dll", L"exe"}) {
+        EXPECT_EQ(Masked(L"img@2x." + ending), L"img@2x." + ending);
+    }
 }
 
 TEST(PersonalData, ANameThatFollowsAnAccountGoesToo) {

@@ -165,5 +165,28 @@ TEST(ScrollToSee, MovesAsLittleAsItCan) {
     EXPECT_EQ(ScrollToSee(50, 100, 70, 200), 70) << "larger than the page: its start";
 }
 
+TEST(FittingDpi, IsTheScreensWhereTheWindowFits) {
+    EXPECT_EQ(FittingDpi({1040, 604}, {1920, 1040}, 96), 96);
+    EXPECT_EQ(FittingDpi({1040, 604}, {3840, 2040}, 288), 288);
+    EXPECT_EQ(FittingDpi({1040, 604}, {1300, 755}, 120), 120) << "to the pixel";
+    EXPECT_EQ(FittingDpi({1040, 604}, {5000, 5000}, 101), 101) << "a scale that the user typed";
+}
+
+TEST(FittingDpi, IsTheLargestSmallerStepElsewhere) {
+    EXPECT_EQ(FittingDpi({1040, 604}, {1366, 718}, 120), 108);
+    EXPECT_EQ(FittingDpi({1040, 604}, {1920, 1000}, 192), 156);
+    EXPECT_EQ(FittingDpi({1040, 604}, {1280, 660}, 144), 96);
+    EXPECT_EQ(FittingDpi({1040, 604}, {1299, 755}, 120), 108) << "a pixel too narrow";
+    EXPECT_EQ(FittingDpi({1040, 604}, {1300, 754}, 120), 108) << "a pixel too low";
+    EXPECT_EQ(FittingDpi({1040, 604}, {1200, 2000}, 113), 108);
+}
+
+TEST(FittingDpi, IsNotBelowSeventyTwo) {
+    EXPECT_EQ(FittingDpi({1040, 604}, {640, 440}, 96), 72);
+    EXPECT_EQ(FittingDpi({1040, 604}, {780, 453}, 288), 72);
+    EXPECT_EQ(FittingDpi({1040, 604}, {0, 0}, 79), 72);
+    EXPECT_EQ(FittingDpi({1040, 604}, {640, 440}, 64), 64) << "the screen's own is never made larger";
+}
+
 }  // namespace
 }  // namespace DuiLib

@@ -50,4 +50,15 @@ TEST(FrameQueue, TakesNoMoreBytesThanItsLimit) {
     EXPECT_TRUE(queue.Push(Bytes(FrameQueue::kMaxBytes)));
 }
 
+TEST(FrameQueue, WhatWasTakenMakesRoom) {
+    FrameQueue queue;
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_TRUE(queue.Push(Bytes(FrameQueue::kMaxBytes / 2)));
+        EXPECT_TRUE(queue.Push(Bytes(FrameQueue::kMaxBytes / 2)));
+        EXPECT_FALSE(queue.Push({1}));
+        EXPECT_EQ(queue.Pop(FrameQueue::kMaxBytes).size(), FrameQueue::kMaxBytes);
+        EXPECT_TRUE(queue.Empty());
+    }
+}
+
 }  // namespace

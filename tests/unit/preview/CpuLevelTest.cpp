@@ -2,7 +2,7 @@
 #include <cpuid.h>
 #include <gtest/gtest.h>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 namespace {

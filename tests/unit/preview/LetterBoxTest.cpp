@@ -1,4 +1,4 @@
-#include "preview/LetterBox.h"
+#include "preview/pixels/LetterBox.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The converters against a reference that is written here from the pixel formulas alone, for every processor level,
 // size, stride and alignment.
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <random>
 #include <vector>
 
-#include "preview/MirrorPicture.h"
-#include "preview/SourceExtent.h"
+#include "preview/pixels/MirrorPicture.h"
+#include "preview/pixels/SourceExtent.h"
 
 namespace preview {
 namespace {

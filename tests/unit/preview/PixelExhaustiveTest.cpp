@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 namespace {

@@ -39,8 +39,8 @@ TEST(CustomImageGroupTest, DropsEmptyPieces) {
 }
 
 TEST(CustomImageGroupTest, DropsPiecesWithoutDecimalNumbers) {
-    for (const wchar_t* number :
-         {L"", L"x", L"1x", L" 1", L"+1", L"-", L"0x1", L"2147483648", L"-2147483649", L"99999999999999999999999999"}) {
+    for (const wchar_t* number : {L"", L"x", L"1x", L"1:", L"1/", L" 1", L"+1", L"-", L"0x1", L"2147483648",
+                                  L"-2147483649", L"99999999999999999999999999"}) {
         const std::wstring field = L"[(&,f!=)]";
         EXPECT_EQ(Parse(L"a" + field + number + field + L"0" + field + L"t" + field + L"s"), Records{}) << number;
         EXPECT_EQ(Parse(L"a" + field + L"0" + field + number + field + L"t" + field + L"s"), Records{}) << number;

@@ -1,4 +1,4 @@
-#include "service/IPCDataIO.h"
+#include "service/link/IPCDataIO.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +47,16 @@ TEST(IPCDataIOTest, ReadsWhatAnotherObjectWroteToTheSameRecord) {
     EXPECT_EQ(byte, 200);
     EXPECT_EQ(text, (std::array<char, 2>{'a', 'b'}));
     EXPECT_EQ(reader.Position(), writer.Position());
+}
+
+TEST(IPCDataIOTest, EachByteOfANumberComesBackToItsPlace) {
+    for (const std::int32_t number : {0x01020304, -0x01020304, 0x7F000000, 0x00FF0000, 0x0000FF00, 0x000000FF}) {
+        const auto buffer = MakeBuffer(64);
+        IPCDataIO(buffer.get()).WriteInt(number);
+        std::int32_t read = 0;
+        EXPECT_EQ(IPCDataIO(buffer.get()).ReadInt(read), 1);
+        EXPECT_EQ(read, number);
+    }
 }
 
 TEST(IPCDataIOTest, GrowsToTheNextMultipleOfTheBlockSize) {
@@ -105,6 +115,8 @@ TEST(IPCDataIOTest, RefusesNegativeAndTooLargeRequests) {
     EXPECT_EQ(io.Reserve(kMaxInt), 0);
     EXPECT_EQ(io.WriteBytes(bytes.data(), kMaxInt - 64), 0);
     EXPECT_EQ(io.ReadBytes(bytes.data(), kMaxInt), 0);
+    EXPECT_EQ(io.WriteBytes(nullptr, 0), 1) << "nothing is read from nowhere";
+    EXPECT_EQ(io.ReadBytes(nullptr, 0), 1) << "nor written to";
     EXPECT_EQ(io.Position(), 4);
     EXPECT_EQ(io.Reserve(0), 1);
 }

@@ -1,4 +1,4 @@
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "service/IPCDataIO.h"
 #include "service/SettingNames.h"
+#include "service/link/IPCDataIO.h"
 
 namespace {
 

@@ -33,6 +33,7 @@ TEST(ColorComposite, BothTranslucent) {
 TEST(ColorComposite, AnOpaqueOverlayStillLetsTheBaseThrough) {
     // The weights are divided twice, so that neither colour covers the other.
     EXPECT_EQ(CompositeColor(0xFF102030, 0xFFA0B0C0), 0xFF586878U);
+    EXPECT_EQ(CompositeColor(0xFFFF0080, 0xFF00FF00), 0xFF7F7F3FU) << "in equal shares";
 }
 
 TEST(ColorComposite, NothingOverNothing) {

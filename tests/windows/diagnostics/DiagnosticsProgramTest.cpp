@@ -11,7 +11,7 @@
 #include <string>
 
 #include "diagnostics/Options.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/common/Handle.h"
 #include "suite/common/LocalFolder.h"
 #include "tests/support/ChildProcess.h"

@@ -53,6 +53,7 @@ class LookSectionTest : public testing::Test {
 TEST_F(LookSectionTest, WithoutSettingsItIsTheSystemsOwnLook) {
     contrastFlags_ = HCF_AVAILABLE;
     const std::string text = Look();
+    EXPECT_THAT(text, HasSubstr("Look and input\n"));
     EXPECT_THAT(text, HasSubstr("programs are light, contrast theme off\n"));
     EXPECT_THAT(text, HasSubstr("size of text 100 %\n"));
     EXPECT_THAT(text, HasSubstr("no mouse\n"));
@@ -73,7 +74,7 @@ TEST_F(LookSectionTest, TheUsersSettingsAreNamed) {
 TEST_F(LookSectionTest, InputDevicesThatAreReadyAreNamed) {
     metrics_ = {{SM_CMOUSEBUTTONS, 5}, {SM_MAXIMUMTOUCHES, 10}, {SM_REMOTESESSION, 1}};
     metrics_[SM_DIGITIZER] = NID_INTEGRATED_TOUCH | NID_EXTERNAL_PEN;
-    EXPECT_THAT(Look(), HasSubstr("no touch\n")) << "not ready yet";
+    EXPECT_THAT(Look(), AllOf(HasSubstr("no touch\n"), Not(HasSubstr("a pen")))) << "not ready yet";
     metrics_[SM_DIGITIZER] |= NID_READY;
     const std::string text = Look();
     EXPECT_THAT(text, HasSubstr("mouse with 5 buttons\n"));

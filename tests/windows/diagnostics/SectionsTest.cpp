@@ -6,7 +6,7 @@
 #include <string>
 
 #include "diagnostics/Sections.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/common/Handle.h"
 #include "tests/support/PrivateRegistry.h"
 #include "tests/support/SettingsKey.h"

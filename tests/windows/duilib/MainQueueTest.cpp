@@ -55,6 +55,15 @@ TEST_F(MainQueue, ExceptionIsLoggedAndTheNextTaskRuns) {
     EXPECT_TRUE(log.Has("from a task"));
 }
 
+TEST_F(MainQueue, WhatIsNoExceptionOfTheLibraryIsLoggedToo) {
+    LogWatch log;
+    bool ran = false;
+    queue.dispatch([] { throw 7; });
+    queue.dispatch([&] { ran = true; });
+    EXPECT_TRUE(PumpUntil([&] { return ran; }));
+    EXPECT_TRUE(log.Has("A task ended with an exception(UIMainQueue::Run)"));
+}
+
 TEST_F(MainQueue, ATaskWithALoopOfItsOwnDoesNotHoldUpOthers) {
     bool innerRan = false;
     bool outerSawInner = false;

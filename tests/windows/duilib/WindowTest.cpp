@@ -448,6 +448,17 @@ TEST_F(Window, AnExceptionInAHandlerIsLogged) {
     EXPECT_TRUE(window.Got(L"click ok"));
 }
 
+TEST_F(Window, WhatIsNoExceptionOfTheLibraryIsLoggedToo) {
+    TestWindow window(kLayout);
+    LogWatch own;
+    window.onNotify = [](TNotifyUI&) { throw 7; };
+    window.Click(L"ok");
+    window.onNotify = nullptr;
+    EXPECT_TRUE(own.Has("Unexpected exception in message "));
+    window.Click(L"ok");
+    EXPECT_TRUE(window.Got(L"click ok"));
+}
+
 TEST_F(Window, IdleMeansNoMessages) {
     TestWindow window(kLayout);
     window.ShowWindow();

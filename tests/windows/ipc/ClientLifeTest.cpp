@@ -7,6 +7,7 @@
 #include <future>
 #include <memory>
 
+#include "tests/support/ImportHook.h"
 #include "tests/windows/ipc/IpcTest.h"
 #include "tests/windows/ipc/RawPipe.h"
 #include "tools/service/PipeServer.h"
@@ -323,6 +324,21 @@ TEST_F(ClientEndTest, NothingIsLeftOfManyClients) {
     cycle(200);
     // The server may still hold the last client's end.
     EXPECT_LE(OpenHandles(), before + 5);
+}
+
+std::uintptr_t NoThread(void*, unsigned, unsigned (*)(void*), void*, unsigned, unsigned*) {
+    return 0;
+}
+
+class ClientStartTest : public IpcTest {};
+
+TEST_F(ClientStartTest, WithoutAThreadItIsToldAndEverythingElseDoesNothing) {
+    Expect("the pipe thread cannot be started(IPCMessageClient::IPCMessageClient)");
+    const harness::ImportHook hook(GetModuleHandleW(L"QxIpc.dll"), "_beginthreadex", &NoThread);
+    IPCMessageClient client(1, true, false, PipeName());
+    EXPECT_FALSE(client.PostIPCMessage(Ping()));
+    client.RegisterMessageCallback(5, [](TagIPCMessageItem&) {});
+    client.UnRegisterMessageCallbackAll();
 }
 
 }  // namespace

@@ -353,6 +353,49 @@ TEST_F(HomePageGalleryTest, TheDeleteButtonGoesWhenAnotherItemIsEntered) {
     }
 }
 
+TEST_F(HomePageGalleryTest, TheDeleteButtonComesWithTheKeyboard) {
+    Add(0);
+    Add(1);
+    const auto canDelete = [this](int number) { return Control(Name(number) + L"_del").IsVisible(); };
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Input::Park();
+    Manager().SetFocus(&Control(Name(0)), true);
+    EXPECT_TRUE(canDelete(0));
+    EXPECT_FALSE(canDelete(1));
+    Manager().SetFocus(&Control(Name(0) + L"_del"), true);
+    EXPECT_TRUE(canDelete(0)) << "it has the focus itself";
+    Manager().SetFocus(&Control(Name(1)), true);
+    EXPECT_FALSE(canDelete(0));
+    EXPECT_TRUE(canDelete(1));
+    Manager().SetFocus(nullptr);
+    EXPECT_FALSE(canDelete(1));
+    // Of no other control.
+    Manager().SetFocus(&Control(L"none_background_btn"), true);
+    Manager().SetFocus(nullptr);
+}
+
+TEST_F(HomePageGalleryTest, TheDeleteButtonStaysWithThePointerWhenTheKeyboardGoes) {
+    Add(0);
+    Manager().UpdateLayout();
+    DuiLib::CControlUI& item = Control(Name(0) + L"_item");
+    item.GetParent()->GetParent()->EnsureVisible(item);
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Manager().SetFocus(&Control(Name(0)), true);
+    Input::MoveTo(item);
+    ASSERT_TRUE(Input::PumpUntil([&] { return Manager().GetHot() == &Control(Name(0)); }));
+    Manager().SetFocus(nullptr);
+    EXPECT_TRUE(Control(Name(0) + L"_del").IsVisible());
+}
+
+TEST_F(HomePageGalleryTest, WithoutItsRingTheFocusShowsNoDeleteButton) {
+    Add(0);
+    ASSERT_TRUE(Input::Activate(Host().GetHWND()));
+    Input::Park();
+    ASSERT_FALSE(Manager().IsFocusRingShown());
+    Manager().SetFocus(&Control(Name(0)), false);
+    EXPECT_FALSE(Control(Name(0) + L"_del").IsVisible());
+}
+
 TEST_F(HomePageGalleryTest, ScrolledAwayFromThePointerTheDeleteButtonGoes) {
     Add(0);
     Manager().UpdateLayout();

@@ -178,6 +178,19 @@ TEST_F(HomePagePreviewTest, TheSwitchTurnsItOnAndOff) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
+TEST_F(HomePagePreviewTest, ItsAreaIsNamedByWhatItShows) {
+    const auto name = [this] { return Control(L"preview_wnd").GetAccessibleInfo().name; };
+    EXPECT_EQ(name(), L"Illustration of the camera");
+    TurnOn();
+    EXPECT_EQ(name(), L"Camera preview");
+    Press(L"preview_switch");
+    EXPECT_EQ(name(), L"Illustration of the camera");
+    TurnOn();
+    EXPECT_EQ(name(), L"Camera preview");
+    Lock();
+    EXPECT_EQ(name(), L"Illustration of the camera");
+}
+
 TEST_F(HomePagePreviewTest, TheSwitchTurnsItOffThoughTheCameraWasLost) {
     TurnOn();
     camera_->Unplug();

@@ -42,6 +42,23 @@ TEST_P(PreviewPlaceTest, AreThoseOfTheScale) {
     DeleteObject(shape);
 }
 
+class PreviewWindowTest : public PageTest {};
+
+TEST_F(PreviewWindowTest, AnExceptionStaysWithinIt) {
+    harness::TestLog::Expect("[L4] unexpected exception: of a tick(PreviewWindow::Procedure)");
+    PreviewWindow::Events events;
+    int ticks = 0;
+    events.tick = [&] {
+        ++ticks;
+        throw std::runtime_error("of a tick");
+    };
+    PreviewWindow preview(events);
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    SendMessageW(preview.Get(), WM_TIMER, 1, 0);
+    EXPECT_EQ(ticks, 1);
+    EXPECT_TRUE(IsWindow(preview.Get()));
+}
+
 // 598 units are 747.5 pixels at 125 %, 354 are 442.5, 558 are 697.5 and 315 are 393.75.
 INSTANTIATE_TEST_SUITE_P(Scales, PreviewPlaceTest,
                          testing::Values(Place{96, {40, 40, 638, 394}, {40, 40, 557, 314}},

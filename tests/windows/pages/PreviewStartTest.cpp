@@ -27,6 +27,17 @@ DWORD WINAPI Wait(DWORD handles, const HANDLE* handle, DWORD timeMs, DWORD kinds
     return WAIT_TIMEOUT;
 }
 
+decltype(&CreateWindowExW) g_createWindow;
+
+// No window of the preview's kind can be made.
+HWND WINAPI RefuseWindow(DWORD exStyle, LPCWSTR kind, LPCWSTR title, DWORD style, int x, int y, int width, int height,
+                         HWND parent, HMENU menu, HINSTANCE instance, LPVOID extra) {
+    if (!IS_INTRESOURCE(kind) && std::wstring_view(kind) == L"STATIC") {
+        return nullptr;
+    }
+    return g_createWindow(exStyle, kind, title, style, x, y, width, height, parent, menu, instance, extra);
+}
+
 class PreviewStartTest : public HomePageTest {
   protected:
     void SetUp() override {
@@ -104,6 +115,25 @@ TEST_F(PreviewStartTest, AStartThatFailsWaitsForNothing) {
     EXPECT_THAT(waits_, IsEmpty());
     EXPECT_TRUE(Switch().IsEnabled());
     EXPECT_THAT(Host().Messages(), ElementsAre(5));
+}
+
+TEST_F(PreviewStartTest, WithoutAWindowForThePictureTheClickIsLogged) {
+    constexpr char kNoWindow[] = "[L4] video null !(HomePage::OnCreate)";
+    constexpr char kNoPreview[] = "[L4] Init g_pPreview error(HomePage::ClickPreview)";
+    Expect(kNoWindow);
+    Expect(kNoPreview);
+    {
+        const harness::ImportHook hook(nullptr, "CreateWindowExW", &RefuseWindow);
+        g_createWindow = hook.Original<decltype(&CreateWindowExW)>();
+        PressSwitch();
+    }
+    EXPECT_EQ(harness::TestLog::Count(kNoWindow), 1);
+    EXPECT_EQ(harness::TestLog::Count(kNoPreview), 1);
+    EXPECT_NE(Switch().IsChecked(), true);
+    EXPECT_EQ(camera_->Seen().opened, 0);
+    PressSwitch();
+    EXPECT_EQ(Switch().IsChecked(), true) << "a later click works";
+    PressSwitch();
 }
 
 TEST_F(PreviewStartTest, ACameraInUseTurnsTheSwitchOffWhateverWasKnown) {

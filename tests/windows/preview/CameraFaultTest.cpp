@@ -5,7 +5,9 @@
 #include <thread>
 
 #include "preview/CameraThreads.h"
+#include "preview/OpenCamera.h"
 #include "suite/common/ComRelease.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/preview/DoubledPreview.h"
 
 namespace preview_test {
@@ -294,6 +296,23 @@ TEST_F(CameraFaultTest, AGraphicsDeviceThatHangsHoldsNobodyUp) {
     EXPECT_EQ(Camera().reads, reads);
 }
 
+TEST_F(CameraFaultTest, AStartWhileTheLastPictureIsDrawnWorks) {
+    Gate gate;
+    MakeAndStart();
+    EXPECT_TRUE(WaitForPresents(1));
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    ChangeCamera([&](CameraScript& script) {
+        script.withinActivation = [&] {
+            ChangeGraphics([&](GraphicsScript& graphics) { graphics.withinPresent = nullptr; });
+            gate.Open();
+        };
+    });
+    EXPECT_TRUE(Start()) << "the start waited for the picture, and who drew it for the start";
+    EXPECT_TRUE(WaitForPresents(2));
+    EXPECT_THAT(Posted(), IsEmpty());
+}
+
 TEST_F(CameraFaultTest, WhoClosesServesWhatTheDeviceSends) {
     Gate gate;
     MakeAndStart();
@@ -487,6 +506,24 @@ TEST_F(CameraFaultTest, TheOpeningsThreadHasAnApartmentAndStopsExceptions) {
     std::vector<std::string> failures;
     EXPECT_TRUE(Wait([&] { return !(failures = TakeFailures()).empty(); }));
     EXPECT_THAT(failures, ElementsAre("the work ended with an exception: thrown(CameraThreads::Run)"));
+}
+
+BOOL WINAPI NoPoolThread(PTP_SIMPLE_CALLBACK, PVOID, PTP_CALLBACK_ENVIRON) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return FALSE;
+}
+
+TEST_F(CameraFaultTest, WithoutAThreadNothingIsOpenedAndTheCameraIsClosedHere) {
+    constexpr char kLine[] = "no thread, error code: 8(CameraThreads::Submit)";
+    const harness::ImportHook hook(nullptr, "TrySubmitThreadpoolCallback", &NoPoolThread);
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_FALSE(preview::BeginOpening([] { FAIL() << "nothing runs it"; })) << "none of them counts as hanging";
+    }
+    const std::vector<std::string> failures = TakeFailures();
+    EXPECT_EQ(failures.size(), 20u);
+    EXPECT_THAT(failures, testing::Each(std::string(kLine)));
+    EXPECT_TRUE(preview::CloseCamera(std::make_shared<preview::OpenCamera>(), std::chrono::seconds(0)));
+    EXPECT_THAT(TakeFailures(), ElementsAre(kLine));
 }
 
 }  // namespace

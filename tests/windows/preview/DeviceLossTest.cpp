@@ -119,7 +119,7 @@ TEST_F(DeviceLossTest, EachDescribedRefusalIsToldInOneBox) {
         {static_cast<HRESULT>(0x8876017C), L"d3d错误: D3DERR_OUTOFVIDEOMEMORY"}};
     for (const auto& [code, text] : told) {
         Graphics::Begin();
-        Change([&](GraphicsScript& script) { script.createDevice = code; });
+        Change([refusal = code](GraphicsScript& script) { script.createDevice = refusal; });
         EXPECT_EQ(device_.Open(window_.Get()), code);
         EXPECT_THAT(Graphics::Seen().boxes, ElementsAre(text));
         device_.Destroy();

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <mfapi.h>
 
-#include "preview/SourceExtent.h"
+#include "preview/pixels/SourceExtent.h"
 #include "suite/common/ComRelease.h"
 
 namespace preview_test {

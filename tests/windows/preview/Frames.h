@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview_test {
 

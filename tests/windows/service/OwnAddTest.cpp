@@ -113,6 +113,8 @@ TEST_F(OwnAddTest, AFileThatVanishedAfterTheChoiceIsShownAsSuch) {
     EXPECT_TRUE(Model().AddCustomBackground(clip));
     EXPECT_TRUE(IsJpeg(Picture(0)));
     EXPECT_EQ(Content(Picture(0)), Content(Picture(1))) << "the picture that stands for a file that is gone";
+    EXPECT_GE(LogLines("The file cannot be made a picture: -"), 1);
+    EXPECT_EQ(LogLines("[L3] The video has no cover(BackgroundPicture::Make)"), 1);
     ExpectAllAgree();
     EXPECT_FALSE(Model().SelectCustomBackground(Name(1)));
     EXPECT_THAT(TakeKinds(), ElementsAre(1));

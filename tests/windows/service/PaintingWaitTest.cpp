@@ -6,9 +6,11 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <stdexcept>
 
 #include "suite/common/Handle.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
 
@@ -91,6 +93,20 @@ TEST(PaintingWaitTest, MessagesAreLookedAtAllTheTime) {
     const suite::Handle never(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     EXPECT_TRUE(RunWhilePainting([&] { return WaitForSingleObject(never.Get(), 2500) == WAIT_TIMEOUT; }));
     EXPECT_GE(g_peeks, 2);
+}
+
+TEST(PaintingWaitTest, WithoutAThreadTheWorkIsNotDone) {
+    harness::TestLog::Expect(
+        testing::AllOf(testing::StartsWith("[L4] No thread for the work: "), testing::EndsWith("(RunWhilePainting)")));
+    const harness::NoThreads none;
+    bool ran = false;
+    EXPECT_FALSE(RunWhilePainting([&] { return ran = true; }));
+    EXPECT_FALSE(ran);
+}
+
+TEST(PaintingWaitTest, WorkThatThrowsHasFailed) {
+    harness::TestLog::Expect("[L4] The work ended with an exception: on purpose(RunWhilePainting)");
+    EXPECT_FALSE(RunWhilePainting([]() -> bool { throw std::runtime_error("on purpose"); }));
 }
 
 }  // namespace

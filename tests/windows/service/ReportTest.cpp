@@ -3,6 +3,7 @@
 #include <mutex>
 #include <thread>
 
+#include "tests/support/ImportHook.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -156,6 +157,17 @@ TEST_F(ReportTest, DraggingEndsWithTheLastLevel) {
     ASSERT_FALSE(events.empty());
     EXPECT_LE(events.size(), static_cast<std::size_t>(kMoves));
     EXPECT_THAT(events, testing::Contains(Beauty(0, 5, 5, kMoves - 1, 5)));
+}
+
+HANDLE WINAPI NoThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD) {
+    return nullptr;
+}
+
+TEST_F(ReportTest, WithoutAThreadABeautyChangeIsLoggedAndWritten) {
+    Expect("no thread for the report(HomeService::StartBeautyReport)");
+    const harness::ImportHook hook(nullptr, "CreateThread", &NoThread);
+    model_->SetBeautySmooth(3);
+    EXPECT_EQ(Read(L"lumi_camera_beauty_smooth"), Value(3));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "DuiLib/UIMainQueue.h"
 #include "service/KindNotifier.h"
+#include "tests/support/NoThreads.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -304,6 +305,15 @@ TEST_F(SettingsWatcherTest, LeavesNoHandleBehind) {
     DWORD after = 0;
     GetProcessHandleCount(GetCurrentProcess(), &after);
     EXPECT_LT(after, before + 10);
+}
+
+TEST_F(SettingsWatcherTest, WithoutAThreadItIsToldAndNothingIsWatched) {
+    harness::TestLog::Expect(testing::AllOf(testing::StartsWith("[L4] no thread: "),
+                                            testing::EndsWith("(SettingsWatcher::SettingsWatcher)")));
+    const harness::NoThreads none;
+    SettingsWatcher watcher(*model_);
+    watcher.Stop();
+    EXPECT_EQ(refreshes_, 0);
 }
 
 }  // namespace

@@ -17,6 +17,8 @@ int LogForever(const Arguments& arguments);
 int Report(const Arguments& arguments);
 // report-many <threads> <events> [wait]: each thread reports so many; "wait" ends when all of them are in the file.
 int ReportMany(const Arguments& arguments);
+// Queues an event while somebody keeps the spool file's lock, asks for it to be written out, and is ended.
+int ReportWriteOut(const Arguments& arguments);
 // Takes the spool file away as an uploader does, and reports again.
 int ReportUploader(const Arguments& arguments);
 // Holds the writer up and reports until the queue is full.

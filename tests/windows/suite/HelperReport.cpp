@@ -14,6 +14,7 @@
 #include "suite/report/TallyView.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/HelperCommands.h"
+#include "tests/windows/support/LockHolder.h"
 
 namespace fs = std::filesystem;
 
@@ -106,6 +107,15 @@ int ReportFull(const Arguments&) {
     std::string message(9000, 'x');
     const bool tooLongRefused = !EventDataReport::Instance().SendMsg(message);
     return mutex && accepted >= 4096 && accepted < 10'000 && tooLongRefused ? 0 : 1;
+}
+
+// The system ends a process like this at the end of a session: nothing is written by an exit.
+int ReportWriteOut(const Arguments&) {
+    const LockHolder holder(SpoolPath());
+    Send("1", "last");
+    EventDataReport::WriteOut();
+    TerminateProcess(GetCurrentProcess(), 0);
+    return 1;
 }
 
 int ReceiveUrl(const Arguments& arguments) {

@@ -11,10 +11,12 @@
 
 #include "suite/common/SharedAppendFile.h"
 #include "suite/common/Utf8.h"
+#include "suite/logger/LogEnd.h"
 #include "tests/support/Harness.h"
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/TestFolder.h"
+#include "tests/windows/support/LockHolder.h"
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -154,32 +156,6 @@ TEST(LoggerTest, AKilledWriterBlocksNobody) {
     ExpectAllLines({texts.end() - 20, texts.end()}, {"one"}, 1, 20);
 }
 
-// Holds the lock of a log file, on a thread of its own, while it lives.
-class LockHolder {
-  public:
-    explicit LockHolder(const fs::path& log)
-        : mutex_(CreateMutexW(nullptr, FALSE, suite::SharedAppendFile::MutexName(log.wstring()).c_str())) {
-        std::promise<bool> held;
-        thread_ = std::thread([&held, this] {
-            held.set_value(WaitForSingleObject(mutex_.Get(), 5000) == WAIT_OBJECT_0);
-            WaitForSingleObject(done_.Get(), INFINITE);
-            ReleaseMutex(mutex_.Get());
-        });
-        EXPECT_TRUE(held.get_future().get());
-    }
-    ~LockHolder() {
-        SetEvent(done_.Get());
-        thread_.join();
-    }
-    LockHolder(const LockHolder&) = delete;
-    LockHolder& operator=(const LockHolder&) = delete;
-
-  private:
-    const suite::Handle done_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
-    const suite::Handle mutex_;
-    std::thread thread_;
-};
-
 TEST(LoggerTest, ALockThatSomebodyKeepsCostsTheCallersNothing) {
     const fs::path log = QxLogger::GetInstance()->FilePath();
     const std::size_t before = ReadLines(log).size();
@@ -199,6 +175,14 @@ TEST(LoggerTest, ALockThatSomebodyKeepsCostsTheCallersNothing) {
     std::vector<std::string> lines = ReadLines(log);
     lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
     EXPECT_EQ(Texts(lines), expected) << "in their order";
+}
+
+TEST(LoggerTest, WhatWaitsIsWrittenOutOnRequest) {
+    const fs::path log = QxLogger::GetInstance()->FilePath();
+    const LockHolder holder(log);
+    LogLine(3, L"Held", L"at the end");
+    suite::WriteOutLog();
+    EXPECT_THAT(ReadLines(log).back(), EndsWith("at the end(Held)"));
 }
 
 TEST(LoggerTest, ARunWhoseStartFindsTheLockKeptHasALogAllTheSame) {

@@ -54,6 +54,12 @@ TEST(ReportTest, NothingQueuedIsLostWhenTheProcessEnds) {
     }
 }
 
+TEST(ReportTest, WhatIsQueuedIsWrittenOutOnRequest) {
+    TestFolder folder;
+    EXPECT_EQ(Helper(L"report-write-out").Wait(), 0u);
+    EXPECT_THAT(Events(folder), ElementsAre(R"("event":"1","text":"last")"));
+}
+
 TEST(ReportTest, ManyThreadsAndTwoProcessesLoseNothing) {
     TestFolder folder;
     Helper one(L"report-many 4 200 wait");

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <future>
 
 #include "suite/common/LocalFolder.h"
@@ -78,6 +79,26 @@ TEST(LocalFolderTest, FollowsTheEnvironmentUnlessItIsNoAbsolutePath) {
         EXPECT_NE(known.find(L":\\"), std::wstring::npos);
         EXPECT_NE(known, folder.Path().wstring());
     }
+}
+
+TEST(LocalFolderTest, PathsOfEitherSlashAndOfTheNetworkAreAbsolute) {
+    TestFolder folder;
+    SetEnvironmentVariableW(L"LOCALAPPDATA", L"C:/data/");
+    EXPECT_EQ(suite::LocalDataFolder(), L"C:/data");
+    SetEnvironmentVariableW(L"LOCALAPPDATA", L"\\\\server\\share\\");
+    EXPECT_EQ(suite::LocalDataFolder(), L"\\\\server\\share");
+}
+
+TEST(LocalFolderTest, MakesWhatIsMissingAndSaysWhetherItIsThere) {
+    TestFolder folder;
+    const std::wstring path = folder.Path() / L"a" / L"b";
+    EXPECT_TRUE(suite::MakeFolders(path));
+    EXPECT_TRUE(std::filesystem::is_directory(path));
+    EXPECT_TRUE(suite::MakeFolders(path)) << "it is there already";
+    std::ofstream(folder.Path() / L"file") << "x";
+    EXPECT_FALSE(suite::MakeFolders(folder.Path() / L"file"));
+    EXPECT_FALSE(suite::MakeFolders(folder.Path() / L"file" / L"below"));
+    EXPECT_FALSE(suite::MakeFolders(L""));
 }
 
 TEST(LocalFolderTest, NamesTheProgram) {

@@ -15,6 +15,7 @@ int wmain(int argc, wchar_t** argv) {
         {L"forever", LogForever},
         {L"report", Report},
         {L"report-many", ReportMany},
+        {L"report-write-out", ReportWriteOut},
         {L"report-uploader", ReportUploader},
         {L"report-full", ReportFull},
         {L"url", ReceiveUrl},

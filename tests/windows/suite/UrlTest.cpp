@@ -5,6 +5,7 @@
 
 #include "suite/common/LocalFolder.h"
 #include "suite/url/UrlsManager.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
 #include "tests/support/WineOnly.h"
@@ -64,6 +65,26 @@ TEST_F(UrlTest, TheBrowserGetsExactlyTheAddress) {
 TEST_F(UrlTest, HttpIsOpenedToo) {
     EXPECT_TRUE(UrlsManager::OpenUrl(L"HTTP://example.com"));
     EXPECT_EQ(WaitForAddress(), "HTTP://example.com");
+}
+
+HINSTANCE g_answer = nullptr;
+
+HINSTANCE WINAPI Answer(HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, INT) {
+    return g_answer;
+}
+
+// The shell's answers up to 32 are errors.
+TEST_F(UrlTest, ABrowserThatDoesNotStartIsTold) {
+    const harness::ImportHook hook(GetModuleHandleW(L"QxUrl.dll"), "ShellExecuteW", &Answer);
+    for (const INT_PTR code : {0, 2, 32}) {
+        g_answer = reinterpret_cast<HINSTANCE>(code);
+        EXPECT_FALSE(UrlsManager::OpenUrl(L"https://example.com"));
+        EXPECT_THAT(
+            harness::TestLog::TakeFailures(),
+            testing::ElementsAre("the browser does not start: " + std::to_string(code) + "(UrlsManager::OpenUrl)"));
+    }
+    g_answer = reinterpret_cast<HINSTANCE>(INT_PTR{33});
+    EXPECT_TRUE(UrlsManager::OpenUrl(L"https://example.com"));
 }
 
 TEST_F(UrlTest, AnythingElseIsRefused) {

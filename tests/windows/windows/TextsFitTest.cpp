@@ -10,6 +10,7 @@
 #include "DuiLib/UICulture.h"
 #include "suite/product/SystemEnvironment.h"
 #include "tests/support/FakeLook.h"
+#include "tests/support/FakeScreens.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelDoubleCheckPage.h"
 #include "windows/MessageTexts.h"
@@ -27,8 +28,8 @@ struct Setting {
     int dpi;
     int percent;
 };
-constexpr Setting kSettings[] = {{96, 100},  {120, 100}, {144, 100}, {192, 100},
-                                 {288, 100}, {96, 150},  {96, 225},  {192, 225}};
+constexpr Setting kSettings[] = {{96, 100},  {72, 100},  {108, 100}, {120, 100}, {144, 100}, {156, 100},
+                                 {192, 100}, {288, 100}, {96, 150},  {96, 225},  {192, 225}};
 
 std::ostream& operator<<(std::ostream& out, const Setting& setting) {
     return out << setting.dpi << " dpi, text " << setting.percent << " %";
@@ -175,6 +176,8 @@ class TextsFitTest : public MainWindowTest {
         }
     }
 
+    // Large enough for all of them.
+    harness::FakeScreens screens_{{{{0, 0, 3840, 2160}, {0, 0, 3840, 2160}, 96}}};
     harness::FakeLook look_;
 };
 

@@ -1,4 +1,4 @@
-#include "service/IPCDataIO.h"
+#include "service/link/IPCDataIO.h"
 
 #include <algorithm>
 #include <array>

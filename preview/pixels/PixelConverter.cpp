@@ -1,10 +1,10 @@
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 #include <immintrin.h>
 
 #include <cstdlib>
 
-#include "preview/PixelRows.h"
+#include "preview/pixels/PixelRows.h"
 
 namespace preview {
 

@@ -1,4 +1,4 @@
-#include "preview/PixelRows.h"
+#include "preview/pixels/PixelRows.h"
 
 namespace preview {
 

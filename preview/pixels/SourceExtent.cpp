@@ -1,4 +1,4 @@
-#include "preview/SourceExtent.h"
+#include "preview/pixels/SourceExtent.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 // a camera that changed its format by itself) is noticed before it is read. Pure functions, any thread.
 #include <cstdint>
 
-#include "preview/PixelConverter.h"
+#include "preview/pixels/PixelConverter.h"
 
 namespace preview {
 

@@ -1,4 +1,4 @@
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "service/DataMessageSender.h"
+#include "service/link/DataMessageSender.h"
 
-#include "service/IPCDataIO.h"
-#include "service/ServiceMessages.h"
+#include "service/link/IPCDataIO.h"
+#include "service/link/ServiceMessages.h"
 
 void DataMessageSender::PostSwitchState(std::int32_t value) const {
     IPCDataIO payload;

@@ -14,7 +14,7 @@
 // On Windows the compiler does not align the stack to 32 bytes; the build file has the assembler use unaligned moves.
 #include <immintrin.h>
 
-#include "preview/PixelRows.h"
+#include "preview/pixels/PixelRows.h"
 
 #define AVX2 __attribute__((target("avx2")))
 #define AVX2_INLINE AVX2 __attribute__((always_inline))

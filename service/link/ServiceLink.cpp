@@ -1,11 +1,9 @@
-#include "service/ServiceLink.h"
+#include "service/link/ServiceLink.h"
 
 #include <exception>
 #include <utility>
 
-#include "service/GlobalUtils.h"
-#include "service/KindNotifier.h"
-#include "service/ServiceMessages.h"
+#include "service/link/ServiceMessages.h"
 #include "suite/logger/QxLogger.h"
 
 namespace service {
@@ -66,7 +64,7 @@ void ServiceLink::HandleMessage(const TagIPCMessageItem& item) const {
         case ServiceMessages::kBackgroundGoneCode:
             // Kept though Connect does not register it: only a client that delivers every code gets here. A code that
             // is added beside it is heard once it is registered too.
-            PublishMessage(GlobalUtils::MessageBoxKind::kBackgroundGone);
+            callbacks_.backgroundGone();
             break;
         default:
             break;

@@ -1,4 +1,4 @@
-#include "preview/MirrorPicture.h"
+#include "preview/pixels/MirrorPicture.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-#include "service/DataMessageSender.h"
+#include "service/link/DataMessageSender.h"
 #include "suite/ipc/IPCMessageClient.h"
 
 namespace service {
@@ -18,6 +18,7 @@ class ServiceLink {
     struct Callbacks {
         std::function<void()> settingsChanged;
         std::function<void()> reset;
+        std::function<void()> backgroundGone;
     };
 
     explicit ServiceLink(Callbacks callbacks);

@@ -1,7 +1,7 @@
 // The SSSE3 rows: 8 pixels at a time. The arithmetic is that of the AVX2 rows, where it is explained.
 #include <immintrin.h>
 
-#include "preview/PixelRows.h"
+#include "preview/pixels/PixelRows.h"
 
 #define SSSE3 __attribute__((target("ssse3")))
 #define SSSE3_INLINE SSSE3 __attribute__((always_inline))
