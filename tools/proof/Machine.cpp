@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <shellscalingapi.h>
+
 #include "service/SettingNames.h"
 #include "service/link/ServiceMessages.h"
 #include "service/pictures/CustomFolder.h"
@@ -26,6 +28,13 @@ std::vector<KeptRegistry::Place> Places() {
 
 bool ProgramRuns() {
     return static_cast<bool>(suite::Handle(OpenMutexW(SYNCHRONIZE, FALSE, kProgramMutex)));
+}
+
+// Of the main screen, in percent.
+unsigned Scale() {
+    UINT x = USER_DEFAULT_SCREEN_DPI, y = USER_DEFAULT_SCREEN_DPI;
+    GetDpiForMonitor(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), MDT_EFFECTIVE_DPI, &x, &y);
+    return x * 100 / USER_DEFAULT_SCREEN_DPI;
 }
 
 bool ServiceRuns() {
@@ -60,6 +69,11 @@ std::string Machine::Prepare() {
     if (ServiceRuns()) {
         return "A camera service runs on this PC. The tests stand in for it: stop it, then start them again.";
     }
+    if (const unsigned scale = Scale(); scale != 100) {
+        return "The scale of the main screen is " + std::to_string(scale) +
+               " %, and the tests measure windows at 100 %. Change it in Settings, System, Display, then start them "
+               "again.";
+    }
     if ((registry_.IsKept() || folder_.IsKept()) && !GiveBack().empty()) {
         return "An earlier run was cut off, and what it kept cannot be given back.";
     }
@@ -71,6 +85,7 @@ std::string Machine::Prepare() {
         GiveBack();
         return "The registry cannot be kept.";
     }
+    foreground_.emplace();
     // Neither sleep nor a dark screen before the last test.
     SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED | ES_DISPLAY_REQUIRED);
     return {};
@@ -78,6 +93,7 @@ std::string Machine::Prepare() {
 
 std::vector<std::string> Machine::GiveBack() {
     SetThreadExecutionState(ES_CONTINUOUS);
+    foreground_.reset();
     std::vector<std::string> remarks;
     RemoveTestKeys();
     if (registry_.IsKept() && !registry_.GiveBack()) {

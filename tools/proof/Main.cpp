@@ -2,6 +2,8 @@
 // run-tests.cmd; --help tells its options.
 #include <windows.h>
 
+#include <shellscalingapi.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -250,6 +252,7 @@ int Run(const Options& options) {
 
 int wmain(int argc, wchar_t** argv) {
     SetConsoleOutputCP(CP_UTF8);
+    SetProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE);
     const suite::Handle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const suite::Handle over(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     proof::g_stop = stop.Get();

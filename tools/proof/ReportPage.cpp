@@ -10,7 +10,8 @@ constexpr char kHead[] =
     "table{border-collapse:collapse;width:100%}td,th{border:1px solid #cfd5e0;padding:.4rem .6rem;text-align:left;"
     "vertical-align:top}\npre{white-space:pre-wrap;background:#f1f3f8;padding:.8rem;overflow-wrap:anywhere}\n"
     "img{max-width:30rem;border:1px solid #cfd5e0}figure{display:inline-block;margin:.5rem}\n"
-    "textarea{width:100%}.failed{color:#b3261e}.skipped{color:#7a5a00}.passed{color:#1b6e35}\n"
+    "textarea{width:100%;min-width:14rem;min-height:3rem}.failed{color:#b3261e}.skipped{color:#7a5a00}.passed{color:#"
+    "1b6e35}\n"
     "@media print{details{display:block}}\n</style></head><body>\n";
 
 std::string Escaped(const std::string& text) {
