@@ -9,6 +9,7 @@
 #include "pages/GalleryCell.h"
 #include "pages/GalleryRows.h"
 #include "pages/PageBase.h"
+#include "pages/WorkingMark.h"
 #include "service/EffectTable.h"
 #include "service/FeatureTables.h"
 #include "service/HomeService.h"
@@ -60,6 +61,10 @@ BackgroundGallery::BackgroundGallery(const PageBase& page, HomeService* model)
 
 void BackgroundGallery::ClickChangeBackground(const std::wstring& name) {
     constexpr wchar_t kFunction[] = L"HomePage::ClickChangeBackground";
+    if (isAdding_) {
+        model_->NotifyStatus();
+        return;
+    }
     if (!IsOwn(name)) {
         model_->SelectBackground(name);
         if (name == service::kNoBackgroundControl) {
@@ -89,17 +94,27 @@ void BackgroundGallery::ClickChangeBackground(const std::wstring& name) {
 }
 
 void BackgroundGallery::AddOwnBackground(COptionUI& addButton) {
-    // A second click must not open a second dialog.
-    addButton.SetEnabled(false);
+    SetAdding(addButton, true);
     const PageHost* const owner = page_.Owner();
     std::wstring path;
-    if (!TellFull() && model_->ChooseCustomFile(owner ? owner->GetWindow() : nullptr, path) &&
-        model_->AddCustomBackground(path)) {
-        ShowAdded(addButton);
+    {
+        const WorkingMark mark(page_, addButton);
+        if (!TellFull() && model_->ChooseCustomFile(owner ? owner->GetWindow() : nullptr, path) &&
+            model_->AddCustomBackground(path)) {
+            ShowAdded(addButton);
+        }
     }
-    addButton.SetEnabled(true);
-    // The background in use is the one that is shown as chosen.
-    model_->NotifyStatus();
+    SetAdding(addButton, false);
+}
+
+void BackgroundGallery::SetAdding(COptionUI& addButton, bool isAdding) {
+    isAdding_ = isAdding;
+    // A second click must not open a second dialog.
+    addButton.SetEnabled(!isAdding);
+    if (!isAdding) {
+        // The background in use is the one that is shown as chosen.
+        model_->NotifyStatus();
+    }
 }
 
 void BackgroundGallery::AddDroppedFiles(const std::vector<std::wstring>& paths) {
@@ -108,19 +123,21 @@ void BackgroundGallery::AddDroppedFiles(const std::vector<std::wstring>& paths) 
     if (!model_ || !addButton || !addButton->IsEnabled()) {
         return;
     }
-    addButton->SetEnabled(false);
+    SetAdding(*addButton, true);
     bool added = false;
-    for (const std::wstring& path : paths) {
-        if (TellFull()) {
-            break;
+    {
+        const WorkingMark mark(page_, *addButton);
+        for (const std::wstring& path : paths) {
+            if (mark.IsEnding() || TellFull()) {
+                break;
+            }
+            added = (model_->AcceptDroppedFile(path) && model_->AddCustomBackground(path)) || added;
         }
-        added = (model_->AcceptDroppedFile(path) && model_->AddCustomBackground(path)) || added;
     }
     if (added) {
         ShowAdded(*addButton);
     }
-    addButton->SetEnabled(true);
-    model_->NotifyStatus();
+    SetAdding(*addButton, false);
 }
 
 bool BackgroundGallery::TellFull() {

@@ -27,6 +27,8 @@ class BackgroundGallery {
     BackgroundGallery(const BackgroundGallery&) = delete;
     BackgroundGallery& operator=(const BackgroundGallery&) = delete;
 
+    // A background is being made: the user's own are neither chosen, added nor deleted meanwhile.
+    bool IsAdding() const { return isAdding_; }
     bool IsBackground(const std::wstring& name) const { return buttons_.contains(name); }
     // The option of that name was chosen. REQUIRES: a model, and it is a background.
     void ClickChangeBackground(const std::wstring& name);
@@ -46,6 +48,7 @@ class BackgroundGallery {
 
   private:
     void AddOwnBackground(DuiLib::COptionUI& addButton);
+    void SetAdding(DuiLib::COptionUI& addButton, bool isAdding);
     // True when there is no room, which is told.
     bool TellFull();
     void ShowAdded(DuiLib::COptionUI& addButton);
@@ -58,6 +61,7 @@ class BackgroundGallery {
     const PageBase& page_;
     HomeService* const model_;
     std::set<std::wstring> buttons_;
+    bool isAdding_ = false;
     std::wstring itemUnderPointer_;  // of the user's own, or the last that was
     GalleryThumbnails thumbnails_;
 };

@@ -3,6 +3,7 @@
 #include <mfapi.h>
 #include <objbase.h>
 
+#include <chrono>
 #include <fstream>
 
 #include "DuiLib/OptionUI.h"
@@ -11,6 +12,7 @@
 #include "service/HomeService.h"
 #include "service/KindNotifier.h"
 #include "service/pictures/CustomItemNames.h"
+#include "service/pictures/PaintingWait.h"
 #include "suite/url/UrlsManager.h"
 
 namespace {
@@ -26,6 +28,13 @@ using GlobalUtils::ScreenLockKind;
 // Version of Media Foundation that the program is written for (MF_VERSION of Windows 7 and later).
 constexpr ULONG kMediaFoundationVersion = 0x20070;
 constexpr int kTextFont = 13;
+
+constexpr std::chrono::seconds kOpenPatience{2};
+
+// Not so where it takes long: the file may lie on a share that is gone.
+bool CanBeOpened(const std::wstring& path) {
+    return pictures::RunWhilePainting([path] { return std::ifstream(path.c_str()).good(); }, kOpenPatience);
+}
 
 }  // namespace
 
@@ -167,9 +176,8 @@ void HomePage::ShowCameraIllustration() {
 void HomePage::SelectBackgroundOption(const GlobalUtils::CustBkgrdInfo& background) {
     std::wstring name = background.btnName;
     // Kept for compatibility: compared with the name of the introduction page's tab, not with the add button's. The
-    // file may lie on a share that is gone, so it is only touched where that counts.
-    if (name == L"custom_background_option" &&
-        (background.path.empty() || !std::ifstream(background.path.c_str()).good())) {
+    // file is only touched where that counts.
+    if (name == L"custom_background_option" && (background.path.empty() || !CanBeOpened(background.path))) {
         name = L"none_background_btn";
     }
     if (auto* option = FindAs<DuiLib::COptionUI>(name)) {
@@ -194,7 +202,7 @@ void HomePage::OnClick(DuiLib::TNotifyUI& msg) {
     } else if (name == L"show_introduction_btn") {
         OpenIntroduction(name);
     } else if (pictures::CustomItemNames::IsDeleteButton(name)) {
-        if (Owner()) {
+        if (Owner() && !gallery_.IsAdding()) {
             Owner()->AskForDeletion(CustomItemName(name));
         }
     }

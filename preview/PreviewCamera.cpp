@@ -131,9 +131,8 @@ bool Preview::CreateDeviceSource(INT32 index) {
     if (FAILED(result)) {
         return fail(L"create source reader error!", result);
     }
-    result = openingReader_->GetCurrentMediaType(kVideoStream, &camera.mediaType);
-    if (FAILED(result)) {
-        return fail(L"get media type error!", result);
+    if (FAILED(typeResult_)) {
+        return fail(L"get media type error!", typeResult_);
     }
     result = camera.mediaType->GetGUID(MF_MT_SUBTYPE, &camera.subtype);
     if (FAILED(result)) {
@@ -161,7 +160,12 @@ HRESULT Preview::CreateReader(IMFMediaSource* source, IMFAttributes* attributes)
         preview::ParkReader(reader);
         return E_ABORT;
     }
-    return SUCCEEDED(result) ? reader->ReadSample(kVideoStream, 0, nullptr, nullptr, nullptr, nullptr) : result;
+    if (FAILED(result)) {
+        return result;
+    }
+    // Asked before the first read: what comes back from that may be an error, after which nothing may be asked.
+    typeResult_ = reader->GetCurrentMediaType(kVideoStream, &opening_->mediaType);
+    return reader->ReadSample(kVideoStream, 0, nullptr, nullptr, nullptr, nullptr);
 }
 
 bool Preview::Publish(IMFSourceReader* reader) {

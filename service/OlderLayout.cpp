@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "service/FeatureTables.h"
+#include "service/FileLook.h"
 #include "service/FileUtil.h"
 #include "service/SettingNames.h"
 #include "service/SettingsStore.h"
@@ -89,14 +90,15 @@ void OlderLayout::MoveRecord(CustomImageRecord& record, bool pictureIsCopied) co
     if (record.thumbPath == picture) {
         return;
     }
-    const FileUtil& files = FileUtil::GetInstance();
     bool isThere = pictureIsCopied;
-    if (record.isVideo != 0 && files.FileExists(record.sourcePath)) {
+    if (record.isVideo != 0) {
+        const std::vector<FileLook> looks = LookAtFiles({record.sourcePath, record.thumbPath});
         const StandIn standIn =
-            pictureIsCopied || files.FileExists(record.thumbPath) ? StandIn::kNone : StandIn::kWritten;
-        isThere |= pictures::RunWhilePainting([&] {
-            return pictures::BackgroundPicture::Make(record.sourcePath, true, picture, standIn) == Result::kMade;
-        });
+            !pictureIsCopied && looks.back() == FileLook::kGone ? StandIn::kWritten : StandIn::kNone;
+        isThere |=
+            looks.front() == FileLook::kThere && pictures::RunWhilePainting([&] {
+                return pictures::BackgroundPicture::Make(record.sourcePath, true, picture, standIn) == Result::kMade;
+            });
     }
     if (isThere) {
         record.thumbPath = picture;

@@ -1,15 +1,13 @@
 #include "service/OwnBackgrounds.h"
 
-#include <windows.h>
-
-#include <array>
-#include <chrono>
+#include <atomic>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "service/CustomImageGroup.h"
 #include "service/FeatureTables.h"
+#include "service/FileLook.h"
 #include "service/FileUtil.h"
 #include "service/GlobalUtils.h"
 #include "service/KindNotifier.h"
@@ -26,42 +24,61 @@
 namespace service {
 
 using GlobalUtils::MessageBoxKind;
+namespace BackgroundPicture = pictures::BackgroundPicture;
 
 namespace {
 
 constexpr int kMoveAttempts = 3;
-constexpr DWORD kPathSize = 260;
-constexpr std::chrono::seconds kLookPatience{2};
 
-bool CanBeListed(const std::wstring& path) {
-    return path.find(CustomImageGroup::kItemSeparator) == std::wstring::npos &&
-           path.find(CustomImageGroup::kFieldSeparator) == std::wstring::npos;
+FileLook LookAt(const std::wstring& path) {
+    return LookAtFiles({path}).front();
 }
 
-// A path that the registry's list can hold: the list has no escape for its separators. Empty when there is none.
-std::wstring ListedPath(const std::wstring& path) {
-    if (CanBeListed(path)) {
-        return path;
-    }
-    std::array<wchar_t, kPathSize> shortPath{};
-    const DWORD length = GetShortPathNameW(path.c_str(), shortPath.data(), kPathSize);
-    const std::wstring result(shortPath.data(), length < kPathSize ? length : 0);
-    return CanBeListed(result) ? result : std::wstring();
-}
+// Works that were left to themselves and have not ended.
+std::atomic<int> leftWorks = 0;
 
-enum class Look { kThere, kGone, kUnknown };
+// The picture of that source in its place. The source may lie on a share that is gone, or its decoder hang.
+BackgroundPicture::Result MakePicture(const std::wstring& source, bool isVideo, const std::wstring& target) {
+    using BackgroundPicture::Result;
+    struct Work {
+        std::wstring source, unfinished;
+        Result result = Result::kNothingToShow;  // the thread's until it has ended
+        std::atomic<bool> isOver = false;        // of work and wait, the second to end tidies up
 
-// The file may lie on a share that does not answer.
-Look LookAt(const std::wstring& path) {
-    const auto look = std::make_shared<Look>(Look::kUnknown);
-    const bool answered = pictures::RunWhilePainting(
-        [path, look] {
-            const FileUtil& files = FileUtil::GetInstance();
-            *look = files.FileExists(path) ? Look::kThere : files.IsGone(path) ? Look::kGone : Look::kUnknown;
+        void End() {
+            if (isOver.exchange(true)) {
+                BackgroundPicture::Discard(unfinished);
+                --leftWorks;
+            }
+        }
+    };
+    // Each that was left may still be writing under its name.
+    static int number = 0;
+    number = leftWorks == 0 ? 0 : number + 1;
+    const auto work = std::make_shared<Work>();
+    work->source = source;
+    work->unfinished = BackgroundPicture::UnfinishedName(target, number);
+    const bool ended = pictures::RunWhilePainting(
+        [work, isVideo] {
+            work->result = BackgroundPicture::Prepare(work->source, isVideo, work->unfinished);
+            work->End();
             return true;
         },
-        kLookPatience);
-    return answered ? *look : Look::kUnknown;
+        BackgroundPicture::kPatience);
+    if (!ended) {
+        ++leftWorks;
+        work->End();
+        return Result::kNothingToShow;
+    }
+    Result result = work->result;
+    if (result == Result::kMade) {
+        // Somebody may have the older one open for a moment.
+        pictures::RunWhilePainting([&] {
+            result = BackgroundPicture::Finish(work->unfinished, target);
+            return true;
+        });
+    }
+    return result;
 }
 
 }  // namespace
@@ -91,7 +108,7 @@ bool OwnBackgrounds::LoadList() {
     const OwnFolders folders(userSid_);
     switch (folders.GetState()) {
         case OwnFolders::State::kUsable:
-            pictures::BackgroundPicture::RemoveUnfinished(pictures::CustomFolder::OfUser(userSid_));
+            BackgroundPicture::RemoveUnfinished(pictures::CustomFolder::OfUser(userSid_));
             for (int attempt = 0; attempt < kMoveAttempts && !MoveOlderLayout(); ++attempt) {
             }
             break;
@@ -115,15 +132,29 @@ bool OwnBackgrounds::MoveOlderLayout() const {
 }
 
 void OwnBackgrounds::ShowStoredItems() {
-    std::vector<std::wstring> stale;
+    // An older version's list may name pictures anywhere.
+    const std::wstring own = pictures::CustomFolder::OfUser(userSid_) + L"\\";
+    std::vector<std::wstring> elsewhere;
     for (const CustomImageRecord& record : list_.Records()) {
-        if (const FileUtil& files = FileUtil::GetInstance(); !files.FileExists(record.thumbPath)) {
-            if (files.IsGone(record.thumbPath)) {
-                stale.push_back(record.name);
-            } else {
-                LogLine(LogLevel::kInfo, L"HomeService::InitCustomImage", record.name,
-                        L" stays without a cell: its picture cannot be looked at");
-            }
+        if (!record.thumbPath.starts_with(own)) {
+            elsewhere.push_back(record.thumbPath);
+        }
+    }
+    std::vector<FileLook> looks;
+    if (!elsewhere.empty()) {
+        looks = LookAtFiles(std::move(elsewhere));
+    }
+    std::vector<std::wstring> stale;
+    auto next = looks.begin();
+    for (const CustomImageRecord& record : list_.Records()) {
+        const FileLook look = record.thumbPath.starts_with(own) ? LookAtOwnFile(record.thumbPath) : *next++;
+        if (look == FileLook::kGone) {
+            stale.push_back(record.name);
+            continue;
+        }
+        if (look == FileLook::kUnknown) {
+            LogLine(LogLevel::kInfo, L"HomeService::InitCustomImage", record.name,
+                    L" stays without a cell: its picture cannot be looked at");
             continue;
         }
         list_.SetPaths(record.name, record.sourcePath);
@@ -153,14 +184,10 @@ bool OwnBackgrounds::Add(const std::wstring& sourcePath) {
         PublishMessage(MessageBoxKind::kBackgroundNotSaved);
         return false;
     }
-    auto made = pictures::BackgroundPicture::Result::kNothingToShow;
-    pictures::RunWhilePainting([&] {
-        made = pictures::BackgroundPicture::Make(sourcePath, isVideo, picture);
-        return true;
-    });
-    if (made != pictures::BackgroundPicture::Result::kMade) {
-        PublishMessage(made == pictures::BackgroundPicture::Result::kNotWritten ? MessageBoxKind::kBackgroundNotSaved
-                                                                                : MessageBoxKind::kFileUnreadable);
+    const auto made = MakePicture(sourcePath, isVideo, picture);
+    if (made != BackgroundPicture::Result::kMade) {
+        PublishMessage(made == BackgroundPicture::Result::kNotWritten ? MessageBoxKind::kBackgroundNotSaved
+                                                                      : MessageBoxKind::kFileUnreadable);
         return false;
     }
 
@@ -185,10 +212,10 @@ bool OwnBackgrounds::Select(const std::wstring& itemName) {
     }
     std::wstring key = itemName;
     if (record->isVideo != 0) {
-        const Look look = LookAt(record->sourcePath);
-        if (look != Look::kThere) {
-            PublishMessage(look == Look::kGone ? MessageBoxKind::kBackgroundGone : MessageBoxKind::kFileUnreadable);
-            if (look == Look::kGone) {
+        const FileLook look = LookAt(record->sourcePath);
+        if (look != FileLook::kThere) {
+            PublishMessage(look == FileLook::kGone ? MessageBoxKind::kBackgroundGone : MessageBoxKind::kFileUnreadable);
+            if (look == FileLook::kGone) {
                 Delete(itemName);
             }
             return false;
@@ -209,7 +236,8 @@ bool OwnBackgrounds::Delete(std::wstring itemName) {
     if (!list_.Find(itemName)) {
         return false;
     }
-    // Kept: the record in memory goes before the file; the list is written last.
+    // The list is written last: a program that is ended in between leaves a record without a picture, which the next
+    // start takes away, and no picture that nobody knows of.
     const std::wstring picture = Forget(itemName);
     std::wstring selected;
     SettingsStore::Read(SettingNames::kSelectedButtonName, selected);
@@ -221,7 +249,7 @@ bool OwnBackgrounds::Delete(std::wstring itemName) {
         OwnFolders(userSid_).GetState() != OwnFolders::State::kRefused) {
         // Somebody may be looking at it for a moment.
         pictures::RunWhilePainting([&picture] {
-            pictures::BackgroundPicture::Remove(picture);
+            BackgroundPicture::Remove(picture);
             return true;
         });
     }

@@ -107,26 +107,47 @@ Result WriteAny(const std::wstring& source, bool isVideo, const std::wstring& pa
     return result;
 }
 
+void GiveUp(const std::wstring& unfinished, bool isFailure) {
+    const DWORD error = GetLastError();
+    LogLine(isFailure ? LogLevel::kError : LogLevel::kInfo, kFunction, L"No picture is stored: ", error);
+    DeleteUnlessLink(unfinished);
+}
+
 }  // namespace
 
-Result Make(const std::wstring& source, bool isVideo, const std::wstring& target, StandIn standIn) {
-    const std::wstring unfinished = target + kUnfinishedSuffix;
+std::wstring UnfinishedName(const std::wstring& target, int number) {
+    return target + (number == 0 ? L"" : L"." + std::to_wstring(number)) + kUnfinishedSuffix;
+}
+
+Result Prepare(const std::wstring& source, bool isVideo, const std::wstring& unfinished, StandIn standIn) {
     if (suite::IsLink(unfinished)) {
         LogLine(LogLevel::kError, kFunction, L"No picture is written through a link");
         return Result::kNotWritten;
     }
-    Result result = WriteAny(source, isVideo, unfinished, standIn);
-    if (result == Result::kMade && !MoveIntoPlace(unfinished, target)) {
-        result = Result::kNotWritten;
-    }
+    const Result result = WriteAny(source, isVideo, unfinished, standIn);
     if (result != Result::kMade) {
-        const DWORD error = GetLastError();
         // Without one that stands for it, a source that cannot be loaded is no failure.
-        const bool isWanted = standIn == StandIn::kWritten || result == Result::kNotWritten;
-        LogLine(isWanted ? LogLevel::kError : LogLevel::kInfo, kFunction, L"No picture is stored: ", error);
-        DeleteUnlessLink(unfinished);
+        GiveUp(unfinished, standIn == StandIn::kWritten || result == Result::kNotWritten);
     }
     return result;
+}
+
+Result Finish(const std::wstring& unfinished, const std::wstring& target) {
+    if (MoveIntoPlace(unfinished, target)) {
+        return Result::kMade;
+    }
+    GiveUp(unfinished, true);
+    return Result::kNotWritten;
+}
+
+void Discard(const std::wstring& unfinished) {
+    DeleteUnlessLink(unfinished);
+}
+
+Result Make(const std::wstring& source, bool isVideo, const std::wstring& target, StandIn standIn) {
+    const std::wstring unfinished = UnfinishedName(target);
+    const Result result = Prepare(source, isVideo, unfinished, standIn);
+    return result == Result::kMade ? Finish(unfinished, target) : result;
 }
 
 void Remove(const std::wstring& picture) {

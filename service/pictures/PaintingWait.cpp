@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -33,36 +34,104 @@ bool RunInApartment(const std::function<bool()>& work) {
     }
 }
 
-// False when the time is over.
-bool PaintUntil(HANDLE done, std::chrono::milliseconds atMost) {
-    const auto end = std::chrono::steady_clock::now() + atMost;
-    for (;;) {
-        DWORD rest = INFINITE;
-        if (atMost != kWithoutEnd) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-            rest = static_cast<DWORD>(std::max<std::int64_t>(0, left.count()));
-        }
-        MSG message;
-        const DWORD reason = MsgWaitForMultipleObjectsEx(1, &done, std::min(rest, kLookAfterMessagesMs),
-                                                         QS_PAINT | QS_SENDMESSAGE, MWMO_INPUTAVAILABLE);
-        if (reason == WAIT_TIMEOUT && rest > kLookAfterMessagesMs) {
-            // The system puts a ghost in the place of a window whose thread does not look at its messages.
-            PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-            continue;
-        }
-        if (reason == WAIT_FAILED) {
-            // The work may use what lives as long as the call: it has to be waited for all the same.
-            return WaitForSingleObject(done, rest) == WAIT_OBJECT_0;
-        }
-        if (reason != WAIT_OBJECT_0 + 1) {
-            return reason == WAIT_OBJECT_0;
-        }
-        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE)) {
-            DispatchMessageW(&message);
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+thread_local WaitWatch* watchOfThread = nullptr;
+
+}  // namespace
+
+WaitWatch::WaitWatch(std::function<void()> tick) : tick_(std::move(tick)) {
+    watchOfThread = this;
+}
+
+WaitWatch::~WaitWatch() {
+    watchOfThread = nullptr;
+}
+
+// One wait of the calling thread.
+class Wait {
+  public:
+    Wait(HANDLE done, milliseconds atMost)
+        : done_(done), hasEnd_(atMost != kWithoutEnd), end_(Clock::now() + atMost), watch_(watchOfThread) {
+        if (watch_ && watch_->nextTick_ == Clock::time_point{}) {
+            watch_->nextTick_ = Clock::now() + WaitWatch::kBeforeFirstTick;
         }
     }
-}
+
+    // False when the time is over, or the program ends.
+    bool Run() {
+        const bool isDone = WaitForWork();
+        if (quit_) {
+            // For the loop that this one runs in.
+            PostQuitMessage(*quit_);
+        }
+        return isDone;
+    }
+
+  private:
+    static DWORD Left(Clock::time_point until) {
+        const auto left = std::chrono::ceil<milliseconds>(until - Clock::now());
+        return static_cast<DWORD>(std::max<std::int64_t>(0, left.count()));
+    }
+
+    bool WaitForWork() {
+        for (;;) {
+            const DWORD rest = hasEnd_ ? Left(end_) : INFINITE;
+            if (rest == 0 || (quit_ && hasEnd_)) {
+                return WaitForSingleObject(done_, 0) == WAIT_OBJECT_0;
+            }
+            const DWORD untilTick = watch_ ? Left(watch_->nextTick_) : kLookAfterMessagesMs;
+            const DWORD reason =
+                MsgWaitForMultipleObjectsEx(1, &done_, std::min(rest, untilTick),
+                                            watch_ ? QS_ALLINPUT : QS_PAINT | QS_SENDMESSAGE, MWMO_INPUTAVAILABLE);
+            if (reason == WAIT_OBJECT_0) {
+                return true;
+            }
+            if (reason == WAIT_FAILED) {
+                // The work may use what lives as long as the call: it has to be waited for all the same.
+                return WaitForSingleObject(done_, rest) == WAIT_OBJECT_0;
+            }
+            if (reason == WAIT_TIMEOUT && !watch_) {
+                // The system puts a ghost in the place of a window whose thread does not look at its messages.
+                MSG message;
+                PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+            } else if (reason != WAIT_TIMEOUT) {
+                TakeMessage();
+            }
+            if (watch_ && Left(watch_->nextTick_) == 0) {
+                watch_->tick_();
+                watch_->nextTick_ = Clock::now() + WaitWatch::kBetweenTicks;
+            }
+        }
+    }
+
+    void TakeMessage() {
+        MSG message;
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | (watch_ ? 0 : PM_QS_PAINT | PM_QS_SENDMESSAGE))) {
+            return;
+        }
+        if (message.message == WM_QUIT) {
+            quit_ = static_cast<int>(message.wParam);
+            if (watch_) {
+                watch_->isEnding_ = true;
+            }
+            return;
+        }
+        if (watch_) {
+            TranslateMessage(&message);
+        }
+        DispatchMessageW(&message);
+    }
+
+    const HANDLE done_;
+    const bool hasEnd_;
+    const Clock::time_point end_;
+    WaitWatch* const watch_;  // borrowed; lives longer than the wait
+    std::optional<int> quit_;
+};
+
+namespace {
 
 // Shared with the thread, which may outlive the wait.
 struct Job {
@@ -92,8 +161,12 @@ bool RunWhilePainting(std::function<bool()> work, std::chrono::milliseconds atMo
                 --leftBehind;
             }
         });
-        if (!PaintUntil(job->done.Get(), atMost)) {
-            LogLine(LogLevel::kError, kFunction, L"The work takes too long");
+        if (!Wait(job->done.Get(), atMost).Run()) {
+            if (watchOfThread && watchOfThread->IsEnding()) {
+                LogLine(LogLevel::kInfo, kFunction, L"The program ends before the work");
+            } else {
+                LogLine(LogLevel::kError, kFunction, L"The work takes too long");
+            }
             ++leftBehind;
             if (job->isOver.exchange(true)) {
                 --leftBehind;

@@ -1,9 +1,12 @@
 // Adding and deleting: the order of things, files that vanish, folders that refuse.
 #include <fstream>
+#include <iterator>
 
 #include "service/pictures/CustomItemNames.h"
+#include "service/pictures/PaintingWait.h"
 #include "tests/support/ImportHook.h"
 #include "tests/windows/service/OwnBackgrounds.h"
+#include "tests/windows/support/HangingDecoder.h"
 
 namespace CustomItemNames = pictures::CustomItemNames;
 
@@ -162,6 +165,30 @@ TEST_F(OwnAddTest, AFolderThatRefusesTheFileLeavesTheOldList) {
         fs::remove_all(obstacle);
     }
     EXPECT_TRUE(Model().AddCustomBackground(Media(L"green.jpg")));
+    ExpectAllAgree();
+}
+
+// The program ends, or the time is over, while the source is read: what comes of it later has no place any more.
+TEST_F(OwnAddTest, WhatIsMadeTooLateIsNotStored) {
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    const Values before = AllValues();
+    {
+        const HangingDecoder decoder;
+        const pictures::WaitWatch watch([] {});
+        PostQuitMessage(0);
+        EXPECT_FALSE(Model().AddCustomBackground(Media(L"green.jpg")));
+        EXPECT_THAT(TakeKinds(), ElementsAre(0));
+        EXPECT_EQ(AllValues(), before);
+        ASSERT_TRUE(harness::WaitUntil([] { return HangingDecoder::Inside() == 1; }));
+        MSG message;
+        EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    }
+    // Meanwhile another one takes the name.
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"blue.png")));
+    EXPECT_TRUE(harness::WaitUntil([] {
+        return std::distance(fs::directory_iterator(UserFolder()), fs::directory_iterator()) == 2;
+    })) << "nothing unfinished is left";
+    EXPECT_TRUE(IsAbout(Decode(Picture(1)).At(9, 9), 0x2040C0));
     ExpectAllAgree();
 }
 

@@ -109,4 +109,100 @@ TEST(PaintingWaitTest, WorkThatThrowsHasFailed) {
     EXPECT_FALSE(RunWhilePainting([]() -> bool { throw std::runtime_error("on purpose"); }));
 }
 
+// One of the thread's own, and no window's.
+class PostedMessage {
+  public:
+    PostedMessage() { PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0); }
+    ~PostedMessage() {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, WM_APP, WM_APP, PM_REMOVE)) {
+        }
+    }
+    static bool IsWaiting() {
+        MSG message;
+        return PeekMessageW(&message, nullptr, WM_APP, WM_APP, PM_NOREMOVE) != FALSE;
+    }
+};
+
+TEST(PaintingWaitTest, WithoutAWatchPostedMessagesWait) {
+    const PostedMessage posted;
+    EXPECT_TRUE(RunWhilePainting([] { return true; }));
+    const suite::Handle never(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    EXPECT_TRUE(RunWhilePainting([&] { return WaitForSingleObject(never.Get(), 100) == WAIT_TIMEOUT; }));
+    EXPECT_TRUE(PostedMessage::IsWaiting());
+}
+
+TEST(PaintingWaitTest, WithAWatchEveryMessageIsTakenAndTheTimeTold) {
+    const suite::Handle go(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::atomic<int> ticks = 0;
+    std::chrono::steady_clock::time_point first;
+    pictures::WaitWatch watch([&] {
+        if (++ticks == 1) {
+            first = std::chrono::steady_clock::now();
+        }
+        if (ticks == 3) {
+            SetEvent(go.Get());
+        }
+    });
+    const PostedMessage posted;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(RunWhilePainting([&] { return WaitForSingleObject(go.Get(), 60'000) == WAIT_OBJECT_0; }));
+    EXPECT_GE(ticks, 3);
+    EXPECT_GE(first - begin, std::chrono::milliseconds(500)) << "what is there soon shows nothing";
+    EXPECT_FALSE(PostedMessage::IsWaiting());
+    EXPECT_FALSE(watch.IsEnding());
+    // Of the same watch: half a second has passed already.
+    const int before = ticks;
+    EXPECT_TRUE(
+        RunWhilePainting([&] { return harness::WaitUntil([&] { return ticks > before; }); }, std::chrono::minutes(1)));
+}
+
+TEST(PaintingWaitTest, AWatchEndsWithItsLife) {
+    int ticks = 0;
+    {
+        const pictures::WaitWatch watch([&] { ++ticks; });
+    }
+    const suite::Handle never(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    EXPECT_TRUE(RunWhilePainting([&] { return WaitForSingleObject(never.Get(), 700) == WAIT_TIMEOUT; }));
+    EXPECT_EQ(ticks, 0);
+}
+
+TEST(PaintingWaitTest, AnEndOfTheProgramLeavesAWorkWithALimit) {
+    const auto go = std::make_shared<suite::Handle>(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const auto ended = std::make_shared<std::atomic<int>>(0);
+    const auto hang = [go, ended] {
+        WaitForSingleObject(go->Get(), 60'000);
+        ++*ended;
+        return true;
+    };
+    pictures::WaitWatch watch([] {});
+    PostQuitMessage(7);
+    EXPECT_FALSE(RunWhilePainting(hang, std::chrono::minutes(1)));
+    EXPECT_EQ(*ended, 0);
+    EXPECT_TRUE(watch.IsEnding());
+    EXPECT_FALSE(RunWhilePainting(hang, std::chrono::minutes(1))) << "the next as well";
+    EXPECT_EQ(*ended, 0);
+    EXPECT_EQ(harness::TestLog::Count("[L3] The program ends before the work(RunWhilePainting)"), 2);
+    MSG message;
+    ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "for the loop around it";
+    EXPECT_EQ(message.wParam, 7u);
+    SetEvent(go->Get());
+    EXPECT_TRUE(harness::WaitUntil([&] { return *ended == 2; }));
+}
+
+TEST(PaintingWaitTest, AnEndOfTheProgramWaitsForAWorkWithoutALimit) {
+    std::atomic<bool> ended = false;
+    pictures::WaitWatch watch([] {});
+    PostQuitMessage(7);
+    const suite::Handle never(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    EXPECT_TRUE(RunWhilePainting([&] {
+        WaitForSingleObject(never.Get(), 100);
+        ended = true;
+        return true;
+    }));
+    EXPECT_TRUE(ended);
+    MSG message;
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+}
+
 }  // namespace
