@@ -1,20 +1,28 @@
-// Random clicks, keys, scrolls, scales, moves and minimising on the real program, and killing it at any moment: it
-// always answers, holds no more of the system than before, and leaves whole values behind.
-// PIXORA_SOAK_SECONDS says how long; PIXORA_SEED begins another sequence.
+// Random clicks, keys, scrolls, scales, moves and minimising on the real program, alone and among neighbours that do
+// what they like, and killing it at any moment: it always answers, holds no more of the system than before, and leaves
+// whole values behind. scripts/soak runs it for long. PIXORA_SOAK_SECONDS says how long it is used alone,
+// PIXORA_SOAK_NEIGHBOURS how many seconds among neighbours, PIXORA_KILLS how often it is killed; PIXORA_SEED begins
+// another sequence.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <iostream>
 #include <numeric>
 #include <random>
 #include <vector>
 
+#include "service/CustomImageGroup.h"
+#include "tests/e2e/support/FileDialog.h"
 #include "tests/e2e/support/Machine.h"
+#include "tests/e2e/support/Neighbourhood.h"
 #include "tests/e2e/support/ProcessFootprint.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/e2e/support/SettingsModel.h"
+#include "tests/e2e/support/UsersLook.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TestLog.h"
 #include "tools/service/PipeServer.h"
@@ -192,44 +200,168 @@ class SoakTest : public testing::Test {
         }
     }
 
+    void WarmUp() {
+        ASSERT_NO_FATAL_FAILURE(UsePreview());
+        ASSERT_NO_FATAL_FAILURE(UseFileDialog());
+        ASSERT_NO_FATAL_FAILURE(UseScales());
+    }
+
+    // Random actions for that long, each followed by `disturb`; `measure` takes twelve looks at what the program holds.
+    void Use(std::chrono::seconds duration, const std::function<void()>& disturb,
+             const std::function<void(ProcessFootprint&)>& measure) {
+        using Clock = std::chrono::steady_clock;
+        const auto begin = Clock::now();
+        std::cout << "at the start: " << FootprintOf(program_->Process(), program_->ProcessId()).Text() << std::endl;
+        std::vector<ProcessFootprint> looks;
+        int actions = 0;
+        while (looks.size() < kLooks) {
+            Act();
+            disturb();
+            ++actions;
+            if (!Answers()) {
+                program_->Screenshot(L"soak-hangs");
+                FAIL() << "does not answer after " << actions << " actions";
+            }
+            ASSERT_TRUE(program_->Runs()) << "ended after " << actions << " actions";
+            if (actions % 10 == 0)
+                CloseWhatIsInFront();
+            if (Clock::now() - begin >= duration * (looks.size() + 1) / kLooks) {
+                ASSERT_NO_FATAL_FAILURE(measure(looks.emplace_back()));
+                std::cout << std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - begin).count() << " s, "
+                          << actions << " actions: " << looks.back().Text() << std::endl;
+            }
+        }
+        const ProcessFootprint warm = LeastFrom(looks, kFirstWarmLook);
+        const ProcessFootprint last = LeastFrom(looks, kLooks - kLooksCompared);
+        EXPECT_GT(last.handles, 0);
+        EXPECT_GT(last.residentBytes, 0u);
+        EXPECT_LE(last.residentBytes, warm.residentBytes + kMoreBytes);
+        EXPECT_LE(last.handles, warm.handles + kMoreHandles);
+        EXPECT_LE(last.threads, warm.threads + kMoreThreads);
+        EXPECT_LE(last.gdiObjects, warm.gdiObjects + kMoreGdiObjects);
+    }
+
+    // The folder that the program keeps the user's pictures in; empty when it has made none.
+    static std::filesystem::path UserFolder() {
+        for (const auto& entry : std::filesystem::directory_iterator(L"C:\\ProgramData\\Comms\\LumiCamera")) {
+            if (entry.is_directory())
+                return entry.path();
+        }
+        return {};
+    }
+
+    // A background of the user's own, as far as the window lets it: something else may be in front.
+    void AddOwn() {
+        CloseWhatIsInFront();
+        if (!program_->Reveal(L"custom_background_btn"))
+            return;
+        const std::wstring before = Machine::Text(L"lumi_camera_custom_img_group").value_or(L"");
+        program_->Click(L"custom_background_btn");
+        FileDialog dialog;
+        if (!dialog.WaitFor(program_->Window()))
+            return;
+        dialog.Choose(ProgramFolder() + L"res\\drawable\\LumiCamera\\thumb_img_one.png");
+        if (dialog.WaitForEnd() &&
+            WaitUntil([&] { return Machine::Text(L"lumi_camera_custom_img_group").value_or(L"") != before; }))
+            ++added_;
+    }
+
+    // REQUIRES: nobody else writes the settings. What the key is given is shown, and what is clicked is written.
+    void CompareWithModel() {
+        SettingsModel model;
+        for (const SwitchRow& row : kSwitches)
+            model.Set(row.value, Random(2));
+        for (const SwitchRow& row : kSliders)
+            model.Set(row.value, Random(11));
+        model.Set(L"lumi_camera_beauty_person", 1);  // else there are no sliders
+        for (const auto& [name, value] : model.All())
+            Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
+        if (!program_->Find(kSwitches[0].control) && program_->Find(L"back_btn"))
+            program_->Click(L"back_btn");
+        for (const SwitchRow& row : kSwitches) {
+            ASSERT_TRUE(WaitUntil([&] {
+                const auto control = program_->Find(row.control);
+                return control && ((control->state & STATE_SYSTEM_CHECKED) != 0) == (model.Get(row.value) == 1);
+            })) << testing::PrintToString(std::wstring(row.control));
+        }
+        for (const SwitchRow& row : kSliders) {
+            ASSERT_TRUE(WaitUntil([&] {
+                const auto control = program_->Find(row.control);
+                return control && control->value == std::to_wstring(model.Get(row.value));
+            })) << testing::PrintToString(std::wstring(row.control));
+        }
+        const SwitchRow& pressed = kSwitches[static_cast<std::size_t>(Random(static_cast<int>(kSwitches.size())))];
+        ASSERT_TRUE(program_->Reveal(pressed.control));
+        program_->Click(pressed.control);
+        model.PressSwitch(pressed);
+        for (const auto& [name, value] : model.All()) {
+            EXPECT_TRUE(WaitUntil([&] { return Machine::Number(name.c_str()) == static_cast<DWORD>(value); }))
+                << testing::PrintToString(name);
+        }
+    }
+
+    int added_ = 0;
     std::mt19937 random_{static_cast<unsigned>(FromEnvironment("PIXORA_SEED", 4711))};
     PipeServer service_;
     std::optional<Program> program_;
 };
 
 TEST_F(SoakTest, StandsRandomUseWithoutGrowing) {
-    using Clock = std::chrono::steady_clock;
-    const std::chrono::seconds duration(FromEnvironment("PIXORA_SOAK_SECONDS", 20));
-    ASSERT_NO_FATAL_FAILURE(UsePreview());
-    ASSERT_NO_FATAL_FAILURE(UseFileDialog());
-    ASSERT_NO_FATAL_FAILURE(UseScales());
-    const auto begin = Clock::now();
-    std::vector<ProcessFootprint> looks;
-    int actions = 0;
-    while (looks.size() < kLooks) {
-        Act();
-        ++actions;
-        if (!Answers()) {
-            program_->Screenshot(L"soak-hangs");
-            FAIL() << "does not answer after " << actions << " actions";
-        }
-        ASSERT_TRUE(program_->Runs()) << "ended after " << actions << " actions";
-        if (actions % 10 == 0)
-            CloseWhatIsInFront();
-        if (Clock::now() - begin >= duration * (looks.size() + 1) / kLooks) {
-            ASSERT_NO_FATAL_FAILURE(Measure(looks.emplace_back()));
-            std::cout << actions << " actions: " << looks.back().Text() << std::endl;
-        }
-    }
-    const ProcessFootprint warm = LeastFrom(looks, kFirstWarmLook);
-    const ProcessFootprint last = LeastFrom(looks, kLooks - kLooksCompared);
-    EXPECT_GT(last.handles, 0);
-    EXPECT_GT(last.residentBytes, 0u);
-    EXPECT_LE(last.residentBytes, warm.residentBytes + kMoreBytes);
-    EXPECT_LE(last.handles, warm.handles + kMoreHandles);
-    EXPECT_LE(last.threads, warm.threads + kMoreThreads);
-    EXPECT_LE(last.gdiObjects, warm.gdiObjects + kMoreGdiObjects);
+    ASSERT_NO_FATAL_FAILURE(WarmUp());
+    ASSERT_NO_FATAL_FAILURE(Use(
+        std::chrono::seconds(FromEnvironment("PIXORA_SOAK_SECONDS", 20)), [] {},
+        [this](auto& look) { Measure(look); }));
     program_->Screenshot(L"soak-end");
+}
+
+TEST_F(SoakTest, StandsItsNeighboursWithoutGrowing) {
+    namespace fs = std::filesystem;
+    // What the neighbours cause is told, as it should be.
+    harness::TestLog::Allow(testing::_);
+    ASSERT_NO_FATAL_FAILURE(WarmUp());
+    const fs::path user = UserFolder();
+    ASSERT_FALSE(user.empty());
+    service_.Stop();
+    std::string done;
+    {
+        const UsersLook look(program_->Window());
+        Neighbourhood neighbours(random_(), user.wstring());
+        const auto disturb = [&] {
+            switch (Random(80)) {
+                case 0:
+                    look.SetDark(Random(2) == 0);
+                    break;
+                case 1:
+                    look.SetTextSize(static_cast<DWORD>(100 + 25 * Random(6)));
+                    break;
+                case 2:
+                    AddOwn();
+                    break;
+                default:
+                    break;
+            }
+        };
+        const auto measure = [&](ProcessFootprint& footprint) {
+            neighbours.Rest();
+            look.SetDark(false);
+            look.SetTextSize(100);
+            ASSERT_NO_FATAL_FAILURE(Measure(footprint));
+            ASSERT_NO_FATAL_FAILURE(CompareWithModel());
+            std::cout << neighbours.Text() << ", " << added_ << " backgrounds added; ";
+            neighbours.GoOn();
+        };
+        ASSERT_NO_FATAL_FAILURE(
+            Use(std::chrono::seconds(FromEnvironment("PIXORA_SOAK_NEIGHBOURS", 10)), disturb, measure));
+        neighbours.Rest();
+    }
+    // The list and the folder agree.
+    for (const CustomImageRecord& record :
+         CustomImageGroup::Parse(Machine::Text(L"lumi_camera_custom_img_group").value_or(L""))) {
+        EXPECT_TRUE(fs::exists(record.thumbPath)) << record.thumbPath;
+    }
+    program_.reset();
+    for (const auto& entry : fs::directory_iterator(user))
+        EXPECT_EQ(entry.path().extension(), L".jpg") << entry.path();
 }
 
 TEST_F(SoakTest, KilledAtAnyMomentItLeavesWholeValues) {
