@@ -186,7 +186,7 @@ HRESULT Preview::HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timest
         }
         result = sample->SetSampleTime(timestampHns - baseTimeHns_);
         if (SUCCEEDED(result)) {
-            result = DrawFirstBuffer(sample);
+            result = DrawFirstBuffer(sample, generation);
         }
     }
     return SUCCEEDED(result) ? ReadOn(status, streamFlags, sample != nullptr, generation) : result;
@@ -207,13 +207,14 @@ HRESULT Preview::AdoptChangedType() {
     return result;
 }
 
-HRESULT Preview::DrawFirstBuffer(IMFSample* sample) {
+HRESULT Preview::DrawFirstBuffer(IMFSample* sample, UINT32 generation) {
     suite::ComReference<IMFMediaBuffer> buffer;
     HRESULT result = sample->GetBufferByIndex(0, buffer.Put());
     if (SUCCEEDED(result)) {
         result = renderer_.DrawSample(buffer.Get());
         TellLoss();
-        if (result == S_OK) {
+        // A picture of before Close counts no more: it may have been held up by the device for long.
+        if (result == S_OK && generation == generation_) {
             lastFrameTickMs_ = GetTickCount64();
             lastReadFailure_ = S_OK;
         }

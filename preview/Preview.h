@@ -113,7 +113,7 @@ class Preview : public IMFSourceReaderCallback {
     HRESULT HandleSample(HRESULT status, DWORD streamFlags, LONGLONG timestampHns, IMFSample* sample,
                          UINT32 generation);
     HRESULT AdoptChangedType();
-    HRESULT DrawFirstBuffer(IMFSample* sample);
+    HRESULT DrawFirstBuffer(IMFSample* sample, UINT32 generation);
     HRESULT ReadOn(HRESULT status, DWORD streamFlags, bool hasSample, UINT32 generation);
     HRESULT RequestSample(UINT32 generation);
 

@@ -104,8 +104,11 @@ void PxMainWnd::RegisterForSession() {
     LogLine(LogLevel::kInfo, L"PxMainWnd::RegisterForSession", L"no session notifications, error code: ",
             GetLastError());
     // Right after signing in the service that tells of locks may not be there yet.
-    DuiLib::UIMainQueue::getInstance()->dispatchAfter(
-        kSessionRetryMs, [window] { registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION); });
+    DuiLib::UIMainQueue::getInstance()->dispatchAfter(kSessionRetryMs, [window] {
+        if (IsWindow(window)) {
+            registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION);
+        }
+    });
 }
 
 void PxMainWnd::ActivateExisting() {

@@ -296,6 +296,20 @@ TEST_F(CameraFaultTest, AGraphicsDeviceThatHangsHoldsNobodyUp) {
     EXPECT_EQ(Camera().reads, reads);
 }
 
+TEST_F(CameraFaultTest, APictureThatIsDrawnAfterClosingCountsNoMore) {
+    Gate gate;
+    MakeAndStart();
+    EXPECT_TRUE(WaitForPresents(1));
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    const ULONGLONG last = preview_->LastFrameTickMs();
+    preview_->Close();  // waits long enough for another tick
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = nullptr; });
+    gate.Open();
+    EXPECT_TRUE(Wait([&] { return preview_->DestroyRenderer(); }));
+    EXPECT_EQ(preview_->LastFrameTickMs(), last);
+}
+
 TEST_F(CameraFaultTest, AStartWhileTheLastPictureIsDrawnWorks) {
     Gate gate;
     MakeAndStart();

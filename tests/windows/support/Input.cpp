@@ -69,12 +69,6 @@ void Key(WORD virtualKey) {
     SendKey(virtualKey, KEYEVENTF_KEYUP);
 }
 
-void KeyWith(WORD modifier, WORD virtualKey) {
-    SendKey(modifier, 0);
-    Key(virtualKey);
-    SendKey(modifier, KEYEVENTF_KEYUP);
-}
-
 bool Activate(HWND window) {
     SetForegroundWindow(window);
     SetFocus(window);

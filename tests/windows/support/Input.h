@@ -30,7 +30,6 @@ void Wheel(int notches);
 
 // --- the keyboard; for the window that has the focus
 void Key(WORD virtualKey);
-void KeyWith(WORD modifier, WORD virtualKey);
 
 // Makes it the foreground window with the keyboard; false when the system refuses.
 bool Activate(HWND window);

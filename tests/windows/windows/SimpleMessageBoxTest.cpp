@@ -105,7 +105,8 @@ TEST_F(SimpleMessageBoxTest, TheSystemsCloseIsItsCloseButton) {
     ShowAnd([this] { SendMessageW(box_->GetHWND(), WM_SYSCOMMAND, SC_CLOSE, 0); });
     EXPECT_FALSE(MaskIsVisible());
     box_.emplace(&owner_.PaintManager());
-    ShowAnd([] { Input::KeyWith(VK_MENU, VK_F4); });
+    constexpr LPARAM kWithAlt = 0x20000001;
+    ShowAnd([this] { PostMessageW(box_->GetHWND(), WM_SYSKEYDOWN, VK_F4, kWithAlt); });
     EXPECT_FALSE(MaskIsVisible());
 }
 
