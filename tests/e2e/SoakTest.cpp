@@ -291,9 +291,14 @@ class SoakTest : public testing::Test {
             })) << testing::PrintToString(std::wstring(row.control));
         }
         const SwitchRow& pressed = kSwitches[static_cast<std::size_t>(Random(static_cast<int>(kSwitches.size())))];
-        ASSERT_TRUE(program_->Reveal(pressed.control));
+        if (!program_->Reveal(pressed.control)) {
+            program_->Screenshot(L"soak-model");
+            FAIL() << testing::PrintToString(std::wstring(pressed.control)) << " cannot be brought into sight";
+        }
         program_->Click(pressed.control);
         model.PressSwitch(pressed);
+        if (!WaitUntil([&] { return Machine::Number(pressed.value) == static_cast<DWORD>(model.Get(pressed.value)); }))
+            program_->Screenshot(L"soak-model");
         for (const auto& [name, value] : model.All()) {
             EXPECT_TRUE(WaitUntil([&] { return Machine::Number(name.c_str()) == static_cast<DWORD>(value); }))
                 << testing::PrintToString(name);

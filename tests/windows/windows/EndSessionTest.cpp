@@ -42,10 +42,12 @@ struct WaitingTexts {
     const std::string event;
 };
 
-// Sleeps of the test's thread within a library, while it lives.
+// Waits of the test's thread for what the two libraries write, while it lives.
 class Sleeps {
   public:
-    explicit Sleeps(const wchar_t* module) : hook_(GetModuleHandleW(module), "SleepConditionVariableSRW", &Sleep) {
+    Sleeps()
+        : log_(GetModuleHandleW(L"QxLogger.dll"), "SleepConditionVariableSRW", &Sleep),
+          spool_(GetModuleHandleW(L"QxReport.dll"), "SleepConditionVariableSRW", &Sleep) {
         thread = GetCurrentThreadId();
         count = 0;
     }
@@ -60,7 +62,8 @@ class Sleeps {
     static inline DWORD thread = 0;
     static inline std::atomic<int> count = 0;
 
-    const ImportHook hook_;
+    const ImportHook log_;
+    const ImportHook spool_;
 };
 
 class EndSessionTest : public MainWindowTest {};
@@ -87,17 +90,9 @@ TEST_F(EndSessionTest, TheMessageWindowDoesToo) {
 
 TEST_F(EndSessionTest, ASessionThatGoesOnIsNotWaitedFor) {
     const WaitingTexts waiting("goes on");
-    {
-        const Sleeps sleeps(L"QxLogger.dll");
-        SendMessageW(Window().GetHWND(), WM_ENDSESSION, FALSE, 0);
-        EXPECT_EQ(sleeps.Count(), 0);
-    }
-    {
-        const Sleeps sleeps(L"QxReport.dll");
-        SendMessageW(Window().GetHWND(), WM_ENDSESSION, FALSE, 0);
-        EXPECT_EQ(sleeps.Count(), 0);
-    }
-    EventDataReport::WriteOut();
+    const Sleeps sleeps;
+    SendMessageW(Window().GetHWND(), WM_ENDSESSION, FALSE, 0);
+    EXPECT_EQ(sleeps.Count(), 0);
 }
 
 }  // namespace
