@@ -35,11 +35,11 @@ FileLook LookAtOwnFile(const std::wstring& path) {
 std::vector<FileLook> LookAtFiles(std::vector<std::wstring> paths) {
     // Shared with the thread, which may go on alone.
     struct Looks {
+        explicit Looks(std::vector<std::wstring> files) : paths(std::move(files)), found(paths.size()) {}
         std::vector<std::wstring> paths;
         std::vector<std::atomic<FileLook>> found;
     };
-    const std::size_t count = paths.size();
-    const auto looks = std::make_shared<Looks>(std::move(paths), std::vector<std::atomic<FileLook>>(count));
+    const auto looks = std::make_shared<Looks>(std::move(paths));
     for (std::atomic<FileLook>& each : looks->found) {
         each = FileLook::kUnknown;
     }

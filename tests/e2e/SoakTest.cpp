@@ -300,8 +300,10 @@ class SoakTest : public testing::Test {
         if (!WaitUntil([&] { return Machine::Number(pressed.value) == static_cast<DWORD>(model.Get(pressed.value)); }))
             program_->Screenshot(L"soak-model");
         for (const auto& [name, value] : model.All()) {
-            EXPECT_TRUE(WaitUntil([&] { return Machine::Number(name.c_str()) == static_cast<DWORD>(value); }))
-                << testing::PrintToString(name);
+            const auto isStored = [&key = name, wanted = static_cast<DWORD>(value)] {
+                return Machine::Number(key.c_str()) == wanted;
+            };
+            EXPECT_TRUE(WaitUntil(isStored)) << testing::PrintToString(name);
         }
     }
 
