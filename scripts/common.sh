@@ -113,13 +113,16 @@ ensure_wine_template() {
     touch "$template/ready"
 }
 
-# new_prefix folder: a fresh copy of the template.
+# new_prefix folder: a fresh copy of the template. Wine's own programs, nearly all of its 700 MB, are links to one
+# copy, since nobody writes to them; what a program could write in place is a file of its own.
 new_prefix() {
     ensure_wine_template
     stop_wine "$1"
     rm -rf "$1"
     mkdir -p "$(dirname "$1")"
-    cp -a "$build/wine-template" "$1"
+    cp -al "$build/wine-template" "$1"
+    find "$1" -type f ! -iname '*.dll' ! -iname '*.exe' ! -iname '*.nls' -exec bash -c '
+        for file; do cp -p "$file" "$file.own" && mv -f "$file.own" "$file" || exit; done' bash {} +
 }
 
 # use_prefix folder: from here on Wine works in this prefix.
