@@ -166,9 +166,10 @@ void Measure() {
     Times on, off, blockedOn, blockedOff;
     double share = 0;
     for (int round = 0; round <= kRounds; ++round) {
+        program.HoldPointerAt(press);
         AnswerWatch starting(program.Window());
         auto begin = Clock::now();
-        program.ClickAt(press);
+        program.ClickHere();
         WaitForPicture(left, true);
         const double onMs = MsSince(begin);
         // Only then the ordered wait is over, and a click counts again.
@@ -182,9 +183,10 @@ void Measure() {
             share = ShareOf(program.Process(),
                             [] { Sleep(static_cast<DWORD>(std::chrono::milliseconds(kSteady).count())); });
 
+        program.HoldPointerAt(press);
         AnswerWatch stopping(program.Window());
         begin = Clock::now();
-        program.ClickAt(press);
+        program.ClickHere();
         WaitForPicture(left, false);
         const double offMs = MsSince(begin);
         SendMessageW(program.Window(), WM_NULL, 0, 0);

@@ -78,10 +78,10 @@ void Measure() {
     const RECT detail = program.Find(L"show_detail_btn")->screenPx;
     const POINT farSide{row.left + (row.right - row.left) / 4, (row.top + row.bottom) / 2};
     for (int round = 0; round < kRounds; ++round) {
-        program.MoveTo(MiddleOf(row));
+        program.HoldPointerAt(MiddleOf(row));
         Settle(program, service);
         auto begin = Clock::now();
-        program.ClickAt(MiddleOf(row));
+        program.ClickHere();
         for (bool came = false; !came;) {
             const auto event = service.WaitFor(ServerEvent::Kind::kMessage, kPatience);
             if (!event)
@@ -102,10 +102,10 @@ void Measure() {
 
         Settle(program, service);
         // The switch's place is empty on the other page.
-        program.MoveTo(MiddleOf(detail));
+        program.HoldPointerAt(MiddleOf(detail));
         const COLORREF shown = side.Get();
         begin = Clock::now();
-        program.ClickAt(MiddleOf(detail));
+        program.ClickHere();
         page.Add(side.UntilOther(shown, begin));
         Settle(program, service);
         program.Click(L"back_btn");

@@ -184,6 +184,10 @@ bool Program::HoldPointerAt(POINT screen) const {
 
 void Program::ClickAt(POINT screen) const {
     HoldPointerAt(screen);
+    ClickHere();
+}
+
+void Program::ClickHere() const {
     SendMouse(MOUSEEVENTF_LEFTDOWN);
     SendMouse(MOUSEEVENTF_LEFTUP);
 }

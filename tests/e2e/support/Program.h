@@ -50,6 +50,7 @@ class Program {
     bool HoldPointerAt(POINT screen) const;
     void Click(const std::wstring& name) const;
     void ClickAt(POINT screen) const;
+    void ClickHere() const;  // where the pointer is
     // Presses the left button at that point, moves the window by so much, in steps, and releases the button. False: the
     // window did not follow each step.
     bool DragWindow(POINT gripScreen, SIZE by) const;
