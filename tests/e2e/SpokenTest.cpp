@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "suite/common/ComReference.h"
+#include "tests/e2e/support/FileDialog.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
 #include "tests/support/TestLog.h"
@@ -16,6 +17,8 @@
 
 namespace e2e {
 namespace {
+
+constexpr DWORD kLiveRegionChanged = 0x8019;  // EVENT_OBJECT_LIVEREGIONCHANGED, not in the headers
 
 struct Spoken {
     DWORD event = 0;
@@ -111,6 +114,12 @@ class SpokenTest : public testing::Test {
         listener_.emplace(program_->ProcessId());
     }
 
+    // What was recorded before is forgotten.
+    void ListenAnew() {
+        listener_.reset();
+        listener_.emplace(program_->ProcessId());
+    }
+
     PipeServer service_;
     std::optional<Program> program_;
     std::optional<Listener> listener_;
@@ -181,6 +190,88 @@ TEST_F(SpokenTest, ABoxTellsItsTitleAndItsTextAndBeginsOnItsButton) {
     ASSERT_TRUE(harness::PumpUntil([&] { return !IsWindow(dialog->window); }));
     program_->Click(L"closebtn");
     EXPECT_EQ(program_->WaitForEnd(), 0U);
+}
+
+TEST_F(SpokenTest, ThePanelThatOpensIsTold) {
+    ASSERT_TRUE(program_->Reveal(L"beauty_person_btn"));
+    program_->Click(L"beauty_person_btn");
+    const auto slider =
+        listener_->WaitFor(EVENT_OBJECT_SHOW, [](const Spoken& spoken) { return spoken.name == L"Slim face 5"; });
+    ASSERT_TRUE(slider);
+    EXPECT_EQ(slider->role, ROLE_SYSTEM_SLIDER);
+    EXPECT_EQ(slider->value, L"5");
+    EXPECT_TRUE(
+        listener_->WaitFor(EVENT_OBJECT_REORDER, [](const Spoken& spoken) { return spoken.child == CHILDID_SELF; }));
+    ASSERT_TRUE(harness::PumpUntil([this] { return program_->Find(L"slider_face").has_value(); }));
+    ASSERT_TRUE(program_->Reveal(L"slider_smooth"));
+    const auto smooth = program_->Find(L"slider_smooth");
+    ASSERT_TRUE(smooth);
+    AccessibleWindow(program_->Window()).SetValue(smooth->id, L"7");
+    const auto changed =
+        listener_->WaitFor(EVENT_OBJECT_VALUECHANGE, [&](const Spoken& spoken) { return spoken.child == smooth->id; });
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(changed->value, L"7");
+    EXPECT_EQ(changed->name, L"Smooth skin 7");
+}
+
+TEST_F(SpokenTest, ABackgroundThatComesOrGoesIsTold) {
+    const std::wstring picture = ProgramFolder() + L"..\\test-media\\backgrounds\\baseline.jpg";
+    const std::wstring item = L"custom_background_btn_0";
+    FileDialog dialog;
+    ASSERT_TRUE(program_->Reveal(L"custom_background_btn"));
+    program_->Click(L"custom_background_btn");
+    ASSERT_TRUE(dialog.WaitFor(program_->Window()));
+    dialog.Choose(picture);
+    ASSERT_TRUE(dialog.WaitForEnd());
+    const auto created = listener_->WaitFor(EVENT_OBJECT_CREATE,
+                                            [](const Spoken& spoken) { return spoken.name == L"Custom background 1"; });
+    ASSERT_TRUE(created);
+    EXPECT_EQ(created->role, ROLE_SYSTEM_RADIOBUTTON);
+    EXPECT_EQ(created->description, L"Background, 15 of 16");
+    ListenAnew();
+    const AccessibleWindow window(program_->Window());
+    ASSERT_TRUE(harness::PumpUntil([&] { return window.FocusedId() != 0; }));
+    for (int tabs = 0; tabs < 20 && window.FocusedId() != created->child; ++tabs) {
+        const long before = window.FocusedId();
+        program_->PressKey(VK_TAB);
+        ASSERT_TRUE(harness::PumpUntil([&] { return window.FocusedId() != before; }));
+    }
+    program_->PressKey(VK_DELETE);
+    const auto question = listener_->WaitFor(EVENT_SYSTEM_DIALOGSTART, [](const Spoken&) { return true; });
+    ASSERT_TRUE(question);
+    program_->PressKey(VK_RETURN);
+    EXPECT_TRUE(
+        listener_->WaitFor(EVENT_OBJECT_DESTROY, [&](const Spoken& spoken) { return spoken.child == created->child; }));
+    EXPECT_TRUE(
+        listener_->WaitFor(EVENT_OBJECT_REORDER, [](const Spoken& spoken) { return spoken.child == CHILDID_SELF; }));
+}
+
+// The program with the demo camera.
+class SpokenPreviewTest : public SpokenTest {
+  protected:
+    void SetUp() override {
+        Machine::UseProgram(L"PixoraDemo");
+        SpokenTest::SetUp();
+    }
+    void TearDown() override {
+        program_.reset();
+        Machine::UseProgram(L"Pixora");
+        SetEnvironmentVariableW(L"PIXORA_DEMO_CAMERA", nullptr);
+    }
+};
+
+TEST_F(SpokenPreviewTest, ThePreviewTellsThatItHasAPictureAndThatItHasNone) {
+    const auto says = [this](const wchar_t* name) {
+        return listener_->WaitFor(kLiveRegionChanged, [&](const Spoken& spoken) { return spoken.name == name; });
+    };
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(says(L"Camera preview"));
+    ASSERT_TRUE(harness::PumpUntil([this] {
+        const auto control = program_->Find(L"preview_switch");
+        return control && (control->state & STATE_SYSTEM_UNAVAILABLE) == 0;
+    }));
+    program_->Click(L"preview_switch");
+    EXPECT_TRUE(says(L"Illustration of the camera"));
 }
 
 }  // namespace
