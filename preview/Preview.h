@@ -161,8 +161,7 @@ class Preview : public IMFSourceReaderCallback {
     // --- guarded by the start lock
     std::timed_mutex startLock_;
     std::shared_ptr<preview::OpenCamera> opening_;
-    IMFSourceReader* openingReader_ = nullptr;  // a reference
-    HRESULT typeResult_ = S_OK;                 // of the type that the opened camera delivers
+    HRESULT typeResult_ = S_OK;  // of the type that the opened camera delivers
     UINT32 openingGeneration_ = 0;
     bool published_ = false;  // Close may have taken the camera
     UINT32 offersLeft_ = 0;   // of the negotiation that is under way

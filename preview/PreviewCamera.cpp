@@ -6,6 +6,7 @@
 #include "preview/Preview.h"
 #include "preview/ReaderPark.h"
 #include "preview/ReaderSystem.h"
+#include "suite/common/ComReference.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
@@ -58,7 +59,6 @@ bool Preview::Start(UINT32 /*ignored*/) {
     const INT32 index = SelectDevice();
     const bool opened = index >= 0 && CreateDeviceSource(index);
     const std::shared_ptr<preview::OpenCamera> camera = std::move(opening_);
-    ComRelease(openingReader_);
     bool cancelled = false;
     {
         const std::scoped_lock lock(captureLock_);
@@ -146,18 +146,18 @@ bool Preview::CreateDeviceSource(INT32 index) {
 }
 
 HRESULT Preview::CreateReader(IMFMediaSource* source, IMFAttributes* attributes) {
-    IMFSourceReader* reader = nullptr;
-    HRESULT result = reader_system::CreateFromMediaSource(source, attributes, &reader);
+    suite::ComReference<IMFSourceReader> reader;
+    HRESULT result = reader_system::CreateFromMediaSource(source, attributes, reader.Put());
     if (SUCCEEDED(result)) {
-        result = NegotiateMediaType(reader);
+        result = NegotiateMediaType(reader.Get());
     }
     if (!reader) {
         return result;
     }
-    openingReader_ = reader;
-    reader->AddRef();  // may be closed and released by others from here on
-    if (!Publish(reader)) {
-        preview::ParkReader(reader);
+    // Of two references others may close and release the one that is published.
+    reader->AddRef();
+    if (!Publish(reader.Get())) {
+        preview::ParkReader(reader.Get());
         return E_ABORT;
     }
     if (FAILED(result)) {

@@ -11,6 +11,7 @@
 #include "tests/e2e/support/Program.h"
 #include "tests/support/MissingDll.h"
 #include "tests/support/TestLog.h"
+#include "tests/support/Wait.h"
 
 namespace e2e {
 namespace {
@@ -84,7 +85,7 @@ class PortableCopyTest : public testing::Test {
         wchar_t temp[MAX_PATH] = {};
         GetTempPathW(MAX_PATH, temp);
         folder_ = fs::path(temp) / L"pixora-portable";
-        fs::remove_all(folder_);
+        ASSERT_TRUE(Removed());
         fs::create_directories(folder_);
         const fs::path from = ProgramFolder();
         for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
@@ -96,9 +97,15 @@ class PortableCopyTest : public testing::Test {
         fs::copy(from / L"res", folder_ / L"res", fs::copy_options::recursive);
         fs::copy(from / L"plugins", folder_ / L"plugins", fs::copy_options::recursive);
     }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
+    void TearDown() override { EXPECT_TRUE(Removed()); }
+
+    // What a program that has just ended, or a scanner, holds for a moment keeps its folder.
+    bool Removed() const {
+        return harness::WaitUntil([this] {
+            std::error_code result;
+            fs::remove_all(folder_, result);
+            return !fs::exists(folder_);
+        });
     }
 
     void Plant(const std::wstring& name) const {

@@ -19,6 +19,7 @@ import docs
 import facts
 import facts_proof
 import headers
+import includes
 import layers
 import owners
 import plain
@@ -31,6 +32,7 @@ CHECKS = {
     "owners": owners.main,
     "attributes": attributes.main,
     "standalone": headers.main,
+    "includes": includes.main,
     "words": plain.words,
     "usings": plain.usings,
     "sizes": plain.sizes,

@@ -5,6 +5,7 @@
 // The folder lies below the temporary one and is named by the environment variable LOCALAPPDATA, so that every program
 // that a test starts logs there too; it goes at the end. Thread: the test's.
 #include <filesystem>
+#include <string>
 
 namespace harness {
 

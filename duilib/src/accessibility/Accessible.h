@@ -11,6 +11,7 @@
 
 #include <oleacc.h>
 
+#include <string>
 #include <vector>
 
 #include "suite/common/ComObject.h"

@@ -1,6 +1,7 @@
 #include "paint/ImageCache.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <set>
 #include <tuple>

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <limits>
 #include <random>
 

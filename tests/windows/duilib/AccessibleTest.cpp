@@ -4,6 +4,7 @@
 #include <oleacc.h>
 
 #include <map>
+#include <stdexcept>
 
 #include "DuiLib/ContainerUI.h"
 #include "DuiLib/OptionUI.h"

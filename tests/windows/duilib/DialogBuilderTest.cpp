@@ -1,4 +1,6 @@
 // From layout files to trees of controls, and what broken files leave.
+#include <cstdlib>
+
 #include "DuiLib/DialogBuilder.h"
 
 #include "DuiLib/ButtonUI.h"

@@ -1,4 +1,5 @@
 // Windows of the system: creation, size and shape, modal loops, closing, DPI, what a minimised window keeps.
+#include <stdexcept>
 #include <thread>
 
 #include "DuiLib/ContainerUI.h"

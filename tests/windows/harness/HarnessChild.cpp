@@ -1,6 +1,7 @@
 // Tests that HarnessTest runs one by one, most of which the listener has to fail. No part of a test run.
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <fstream>
 
 #include "suite/logger/QxLogger.h"

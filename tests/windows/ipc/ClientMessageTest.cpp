@@ -1,6 +1,7 @@
 // Messages between the client and a server that behaves.
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 #include <thread>
 
 #include "tests/windows/ipc/IpcTest.h"

@@ -2,6 +2,7 @@
 // and that nobody waits for what hangs.
 #include <mfapi.h>
 
+#include <stdexcept>
 #include <thread>
 
 #include "preview/CameraThreads.h"

@@ -3,6 +3,8 @@
 #include <mfapi.h>
 #include <mferror.h>
 
+#include <cstdlib>
+
 #include "preview/VideoReader.h"
 #include "suite/common/GdiObject.h"
 #include "tests/support/doubles/FileReaderDouble.h"

@@ -4,6 +4,7 @@
 #include <mferror.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <thread>
 
 #include "preview/Device.h"

@@ -3,6 +3,7 @@
 #include <mfapi.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "tests/support/Protocol.h"
 

@@ -2,6 +2,7 @@
 #include "service/SettingsWatcher.h"
 
 #include <atomic>
+#include <stdexcept>
 
 #include "DuiLib/UIMainQueue.h"
 #include "service/KindNotifier.h"
