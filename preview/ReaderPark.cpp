@@ -1,9 +1,11 @@
 #include "preview/ReaderPark.h"
 
+#include <chrono>
 #include <deque>
 #include <mutex>
 #include <vector>
 
+#include "preview/ReaderSystem.h"
 #include "suite/common/ComRelease.h"
 #include "suite/logger/QxLogger.h"
 
@@ -22,7 +24,7 @@ class ReaderPark {
   public:
     void Add(IMFSourceReader* reader) {
         const std::lock_guard guard(lock_);
-        parked_.push_back({reader, Clock::now() + kReaderParkTime});
+        parked_.push_back({reader, Clock::now() + reader_system::ParkTime()});
         if (timer_ == nullptr) {
             timer_ = CreateThreadpoolTimer(OnTimer, this, nullptr);
         }

@@ -12,14 +12,9 @@
 #include <mfidl.h>
 #include <mfreadwrite.h>
 
-#include <chrono>
-
 namespace preview {
 
-// Far longer than a callback takes to come to its end, once it cannot wait for anything any more.
-constexpr std::chrono::milliseconds kReaderParkTime(2000);
-
-// Takes over the reference.
+// Takes over the reference; it is released after reader_system::ParkTime().
 void ParkReader(IMFSourceReader* reader);
 
 }  // namespace preview

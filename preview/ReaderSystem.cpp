@@ -12,4 +12,8 @@ HRESULT CreateFromUrl(const wchar_t* path, IMFSourceReader** reader) {
     return media_foundation::CreateSourceReaderFromURL(path, nullptr, reader);
 }
 
+std::chrono::milliseconds ParkTime() {
+    return std::chrono::seconds(2);
+}
+
 }  // namespace reader_system

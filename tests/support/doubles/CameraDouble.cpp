@@ -150,6 +150,11 @@ HRESULT CreateDeviceSource(IMFActivate* /*device*/, IMFMediaSource** source) {
 
 namespace reader_system {
 
+// The double's own threads have done with a reader as soon as its callback has returned.
+std::chrono::milliseconds ParkTime() {
+    return std::chrono::milliseconds(200);
+}
+
 HRESULT CreateFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes, IMFSourceReader** reader) {
     using namespace doubles;
     *reader = nullptr;
