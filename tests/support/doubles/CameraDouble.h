@@ -34,7 +34,7 @@ struct CameraAnswer {
     DWORD flags = 0;
     IMFSample* sample = nullptr;        // the double releases it
     std::optional<CameraType> newType;  // the reader's current type from this callback on
-    bool atOnce = false;                // without the pause of a camera between two pictures
+    bool atOnce = false;                // before the read comes back, without a camera's pause
 };
 
 struct CameraScript {

@@ -87,6 +87,7 @@ void ReaderDouble::Work(const std::shared_ptr<Core>& core) {
             core->current = *answer.newType;
         }
         core->failed = core->failed || (answer.flags & MF_SOURCE_READERF_ERROR) != 0;
+        core->changed.notify_all();
         IMFSourceReaderCallback* callback = core->callback;
         callback->AddRef();
         lock.unlock();
@@ -263,7 +264,7 @@ STDMETHODIMP ReaderDouble::ReadSample(DWORD index, DWORD flags, DWORD* actualInd
         const std::scoped_lock lock(core_->mutex);
         answer.sample = MakeSample(core_->current, 0);
     }
-    const std::scoped_lock lock(core_->mutex);
+    std::unique_lock lock(core_->mutex);
     if (core_->shutDown || FAILED(answer.readResult)) {
         if (answer.sample) {
             answer.sample->Release();
@@ -279,6 +280,10 @@ STDMETHODIMP ReaderDouble::ReadSample(DWORD index, DWORD flags, DWORD* actualInd
     }
     core_->pending = answer;
     core_->changed.notify_all();
+    if (answer.atOnce && core_->callbackThread == 0) {
+        // A reader may answer before the call that asked it comes back.
+        core_->changed.wait(lock, [this] { return !core_->pending || core_->ended; });
+    }
     return S_OK;
 }
 
