@@ -293,17 +293,19 @@ class SoakTest : public testing::Test {
         const SwitchRow& pressed = kSwitches[static_cast<std::size_t>(Random(static_cast<int>(kSwitches.size())))];
         if (!program_->Reveal(pressed.control)) {
             program_->Screenshot(L"soak-model");
-            FAIL() << testing::PrintToString(std::wstring(pressed.control)) << " cannot be brought into sight";
+            FAIL() << testing::PrintToString(std::wstring(pressed.control))
+                   << " cannot be brought into sight: " << program_->InputState();
         }
         program_->Click(pressed.control);
         model.PressSwitch(pressed);
         if (!WaitUntil([&] { return Machine::Number(pressed.value) == static_cast<DWORD>(model.Get(pressed.value)); }))
             program_->Screenshot(L"soak-model");
+        const std::string input = program_->InputState();
         for (const auto& [name, value] : model.All()) {
             const auto isStored = [&key = name, wanted = static_cast<DWORD>(value)] {
                 return Machine::Number(key.c_str()) == wanted;
             };
-            EXPECT_TRUE(WaitUntil(isStored)) << testing::PrintToString(name);
+            ASSERT_TRUE(WaitUntil(isStored)) << testing::PrintToString(name) << "; " << input;
         }
     }
 

@@ -10,6 +10,13 @@
 
 namespace DuiLib {
 
+namespace {
+
+// Of an owner that a modal window has disabled: that window.
+constexpr wchar_t kModalWindow[] = L"DuiLib.ModalWindow";
+
+}  // namespace
+
 struct CWindowWnd::ModalLoop {
     HWND owner = nullptr;  // null when there is none to enable again
     UINT result = 0;
@@ -116,6 +123,13 @@ LRESULT CWindowWnd::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CWindowWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_ACTIVATE && LOWORD(wParam) != WA_INACTIVE) {
+        // Another program may activate a disabled window: whoever types would find it dead.
+        if (const auto modal = static_cast<HWND>(GetPropW(hwnd_, kModalWindow))) {
+            SetActiveWindow(modal);
+            return 0;
+        }
+    }
     if (message == WM_CLOSE) {
         // Before the window ends: the system gives the foreground to an enabled window only.
         EnableOwner();
@@ -141,6 +155,7 @@ UINT CWindowWnd::ShowModal() {
     if (owner && IsWindowEnabled(owner)) {
         modal.owner = owner;
         EnableWindow(owner, FALSE);
+        SetPropW(owner, kModalWindow, hwnd_);
     }
     ShowWindow();
     if (!modal.done) {
@@ -170,6 +185,7 @@ void CWindowWnd::EnableOwner() {
         return;
     }
     const HWND owner = std::exchange(modal_->owner, nullptr);
+    RemovePropW(owner, kModalWindow);
     EnableWindow(owner, TRUE);
     if (GetActiveWindow() == hwnd_) {
         SetActiveWindow(owner);

@@ -1,8 +1,13 @@
 #include "tests/e2e/support/Program.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <functional>
 #include <set>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "tests/e2e/support/Machine.h"
@@ -305,6 +310,42 @@ COLORREF Program::PixelAt(int xPx, int yPx) const {
     if (!PtInRect(&client, {xPx, yPx}))
         return CLR_INVALID;
     return Grab(window_, {xPx, yPx, xPx + 1, yPx + 1}).front() & 0xFFFFFF;
+}
+
+std::string Program::InputState() const {
+    const auto tell = [](HWND window) {
+        wchar_t name[64] = {};
+        wchar_t title[64] = {};
+        GetClassNameW(window, name, 64);
+        GetWindowTextW(window, title, 64);
+        return testing::PrintToString(std::wstring(name)) + " " + testing::PrintToString(std::wstring(title));
+    };
+    POINT pointer = {};
+    GetCursorPos(&pointer);
+    RECT clip = {};
+    GetClipCursor(&clip);
+    GUITHREADINFO thread = {};
+    thread.cbSize = sizeof(thread);
+    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &thread);
+    std::ostringstream text;
+    text << (IsWindowEnabled(window_) ? "enabled" : "disabled") << ", in front " << tell(GetForegroundWindow())
+         << ", popup " << tell(GetLastActivePopup(window_)) << ", below the pointer " << tell(WindowFromPoint(pointer))
+         << " at " << pointer.x << "," << pointer.y << " within " << clip.left << "," << clip.top << "," << clip.right
+         << "," << clip.bottom << ", capture " << tell(thread.hwndCapture) << ", state " << thread.flags;
+    const auto list = [&](HWND window) {
+        text << "; " << tell(window) << (IsWindowVisible(window) ? " shown" : " hidden")
+             << (IsWindowEnabled(window) ? "" : " disabled")
+             << (GetWindow(window, GW_OWNER) == window_ ? " owned" : "");
+    };
+    std::function<void(HWND)> each = list;
+    EnumThreadWindows(
+        GetWindowThreadProcessId(window_, nullptr),
+        [](HWND window, LPARAM parameter) -> BOOL {
+            (*reinterpret_cast<std::function<void(HWND)>*>(parameter))(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&each));
+    return text.str();
 }
 
 bool Program::Screenshot(const std::wstring& name, int moreColorsThan) const {

@@ -67,6 +67,8 @@ class Program {
     std::vector<DWORD> Pixels(SIZE& sizePx) const;
     // Pixel of the window as it is on the screen, 0x00RRGGBB.
     COLORREF PixelAt(int xPx, int yPx) const;
+    // What stands between the user and the window, for whoever reads why a click did nothing.
+    std::string InputState() const;
     // Leaves build/screenshots/<name>.png; true when it has more different colours than that, which is waited for.
     bool Screenshot(const std::wstring& name, int moreColorsThan = 0) const;
 

@@ -212,6 +212,30 @@ TEST_F(Window, ModalWindowDisablesItsOwnerAndGivesItsResult) {
     EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == ownerHwnd; }));
 }
 
+TEST_F(Window, WhoeverActivatesADisabledOwnerActivatesItsModalWindow) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    const HWND ownerHwnd = owner.GetHWND();
+    TestWindow box(kLayout, WS_OVERLAPPEDWINDOW, ownerHwnd);
+    HWND active = nullptr;
+    HWND popup = nullptr;
+    UIMainQueue::getInstance()->dispatch([&] {
+        SetForegroundWindow(ownerHwnd);
+        active = GetActiveWindow();
+        popup = GetLastActivePopup(ownerHwnd);
+        box.Close();
+    });
+    const HWND boxHwnd = box.GetHWND();
+    box.ShowModal();
+    EXPECT_EQ(active, boxHwnd);
+    EXPECT_EQ(popup, boxHwnd);
+    // Afterwards it is a window like any other.
+    SetActiveWindow(nullptr);
+    SetForegroundWindow(ownerHwnd);
+    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == ownerHwnd; }));
+}
+
 TEST_F(Window, TheSystemsCloseOfAModalWindowPressesItsCancelButton) {
     TestWindow owner(kLayout);
     owner.ShowWindow();
