@@ -12,8 +12,28 @@ namespace DuiLib {
 
 namespace {
 
-// Of an owner that a modal window has disabled: that window.
-constexpr wchar_t kModalWindow[] = L"DuiLib.ModalWindow";
+// What is open in front of a window that is disabled: a modal window or a dialog of the system. A hint or a picture,
+// which the window owns too, has no menu of the system. REQUIRES: the window is disabled.
+HWND ModalWindowOf(HWND owner) {
+    struct Search {
+        HWND owner;
+        HWND found;
+    } search{owner, nullptr};
+    const auto look = [](HWND window, LPARAM parameter) -> BOOL {
+        auto& searched = *reinterpret_cast<Search*>(parameter);
+        const auto style = static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE));
+        if ((style & WS_SYSMENU) != 0 && IsWindowVisible(window) && IsWindowEnabled(window)) {
+            HWND below = window;
+            while (below && below != searched.owner) {
+                below = GetWindow(below, GW_OWNER);
+            }
+            searched.found = below ? window : nullptr;
+        }
+        return searched.found == nullptr;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), look, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
 
 }  // namespace
 
@@ -123,9 +143,9 @@ LRESULT CWindowWnd::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CWindowWnd::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_ACTIVATE && LOWORD(wParam) != WA_INACTIVE) {
+    if (message == WM_ACTIVATE && LOWORD(wParam) != WA_INACTIVE && !IsWindowEnabled(hwnd_)) {
         // Another program may activate a disabled window: whoever types would find it dead.
-        if (const auto modal = static_cast<HWND>(GetPropW(hwnd_, kModalWindow))) {
+        if (const HWND modal = ModalWindowOf(hwnd_)) {
             SetActiveWindow(modal);
             return 0;
         }
@@ -155,7 +175,6 @@ UINT CWindowWnd::ShowModal() {
     if (owner && IsWindowEnabled(owner)) {
         modal.owner = owner;
         EnableWindow(owner, FALSE);
-        SetPropW(owner, kModalWindow, hwnd_);
     }
     ShowWindow();
     if (!modal.done) {
@@ -185,7 +204,6 @@ void CWindowWnd::EnableOwner() {
         return;
     }
     const HWND owner = std::exchange(modal_->owner, nullptr);
-    RemovePropW(owner, kModalWindow);
     EnableWindow(owner, TRUE);
     if (GetActiveWindow() == hwnd_) {
         SetActiveWindow(owner);

@@ -236,6 +236,40 @@ TEST_F(Window, WhoeverActivatesADisabledOwnerActivatesItsModalWindow) {
     EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == ownerHwnd; }));
 }
 
+TEST_F(Window, WhoeverActivatesAnOwnerThatTheSystemDisabledActivatesItsDialog) {
+    TestWindow owner(kLayout);
+    owner.ShowWindow();
+    PumpPending();
+    const HWND ownerHwnd = owner.GetHWND();
+    // What the window owns besides has no menu of the system, or is hidden, disabled, or another's.
+    const auto make = [&](DWORD style, HWND parent) {
+        return CreateWindowExW(0, L"Static", L"", style, 0, 0, 50, 50, parent, nullptr, nullptr, nullptr);
+    };
+    TestWindow other(kLayout);
+    const HWND strangers = make(WS_POPUP | WS_SYSMENU | WS_VISIBLE, other.GetHWND());
+    const HWND dialog = make(WS_POPUP | WS_SYSMENU | WS_VISIBLE, ownerHwnd);
+    const HWND question = make(WS_POPUP | WS_SYSMENU | WS_VISIBLE, dialog);
+    const HWND hint = make(WS_POPUP | WS_BORDER | WS_VISIBLE, ownerHwnd);
+    const HWND hidden = make(WS_POPUP | WS_SYSMENU, ownerHwnd);
+    EnableWindow(ownerHwnd, FALSE);
+    EnableWindow(dialog, FALSE);
+    const auto activated = [&] {
+        SetActiveWindow(other.GetHWND());
+        SetForegroundWindow(ownerHwnd);
+        return GetActiveWindow();
+    };
+    EXPECT_EQ(activated(), question);
+    DestroyWindow(question);
+    EXPECT_EQ(activated(), ownerHwnd);
+    EnableWindow(dialog, TRUE);
+    EXPECT_EQ(activated(), dialog);
+    EnableWindow(ownerHwnd, TRUE);
+    EXPECT_EQ(activated(), ownerHwnd);
+    for (const HWND window : {strangers, dialog, hint, hidden}) {
+        DestroyWindow(window);
+    }
+}
+
 TEST_F(Window, TheSystemsCloseOfAModalWindowPressesItsCancelButton) {
     TestWindow owner(kLayout);
     owner.ShowWindow();
