@@ -1,13 +1,16 @@
 // How long a window of the program's size and richness takes to paint: whole, one hovered button, one slider step, a
 // new arrangement, and another theme. Prints milliseconds: the median, and the best for machines that are busy with
 // something else.
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <functional>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "DuiLib/SliderUI.h"
+#include "benchmarks/support/Measuring.h"
 #include "tests/support/FakeLook.h"
 #include "tests/windows/duilib/Rendering.h"
 
@@ -71,7 +74,7 @@ std::string Layout() {
         that need a camera with a driver of its own."/></VerticalLayout></HorizontalLayout></VerticalLayout></Window>)";
 }
 
-TEST(PaintBench, Window) {
+void Measure() {
     WritePhoto(L"drawable\\back.png", {960, 680});
     WritePhoto(L"drawable\\switch.png", {36, 20});
     // As in the settings window, one large picture and the controls have a dark look, and the photographs have none.
@@ -122,3 +125,7 @@ TEST(PaintBench, Window) {
 
 }  // namespace
 }  // namespace DuiLib::Test
+
+int main() {
+    return benchmark::Run(DuiLib::Test::Measure);
+}
