@@ -97,6 +97,11 @@ void Measure() {
             manager.Invalidate({0, 0, 10000, 10000});
             repaint();
         });
+        // As with a hand on the mouse: the pointer is on the window, and the system is not asked where it is.
+        POINT inside{300, 200};
+        ClientToScreen(window.GetHWND(), &inside);
+        SetCursorPos(inside.x, inside.y);
+        PumpPending();
         bool first = true;
         const Point one = window.CenterOf(L"o3"), other = window.CenterOf(L"o4");
         const std::string hover = MillisecondsOf([&] {
