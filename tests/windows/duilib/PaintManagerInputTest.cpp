@@ -92,6 +92,14 @@ TEST_F(PaintManagerInput, AControlThatIsDisabledWhileItIsPressedIsNotClicked) {
     EXPECT_EQ(manager.GetCapture(), nullptr);
 }
 
+TEST_F(PaintManagerInput, AWindowThatGoesLeavesNothingPressedOrHot) {
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"a"));
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
+    DestroyWindow(window.GetHWND());
+    EXPECT_EQ(manager.GetCapture(), nullptr);
+    EXPECT_EQ(manager.GetHot(), nullptr);
+}
+
 TEST_F(PaintManagerInput, EscapeEndsADragBeforeItClosesAnything) {
     window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
     window.Key(VK_ESCAPE);
