@@ -121,6 +121,8 @@ void PxMainWnd::InitWindow() {
     if (switcher_) {
         switcher_->Select(PageNames::kHome, true);
     }
+    // Beside all that follows until the window is shown.
+    PaintManager().ReadPicturesAhead();
     for (const auto& [name, page] : pages_) {
         page->Initialize();
     }

@@ -99,6 +99,10 @@ class DUILIB_API CPaintManagerUI {
     void NeedUpdate();
     // Arranges at once when something needs it, so that rectangles can be read.
     void UpdateLayout();
+    // Arranges, and has the pictures that the next paint needs read on other threads meanwhile. Each paint does so by
+    // itself after a change of the arrangement, the theme or the scale; a window that has more to do before it is shown
+    // calls it earlier.
+    void ReadPicturesAhead();
     CControlUI* GetFocus() const;
     // `byKeyboard`: the focus ring is shown. Null: nobody has the focus.
     void SetFocus(CControlUI* control, bool byKeyboard = false);

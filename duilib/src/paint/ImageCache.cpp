@@ -7,18 +7,17 @@
 #include <tuple>
 
 #include "DuiLib/Theme.h"
-#include "paint/ImageScale.h"
-#include "paint/MaskTint.h"
 #include "paint/PictureFile.h"
+#include "paint/PictureReadAhead.h"
 #include "suite/common/GdiObject.h"
 #include "suite/logger/QxLogger.h"
 #include "theme/PictureTheme.h"
+#include "window/FlagScope.h"
 
 namespace DuiLib {
 namespace {
 
-// Decoded pixels of a picture are kept up to this many; scaled ones up to this many for all pictures together.
-constexpr size_t kMaxKeptPixels = 512 * 512;
+// Scaled pixels are kept up to this many for all pictures together.
 constexpr size_t kMaxScaledPixels = 12 * 1024 * 1024;
 constexpr int kMaxTargetPx = 16384;
 constexpr LONG kMaxBitmapPx = 8192;
@@ -30,19 +29,6 @@ std::wstring KeyOf(const std::wstring& name) {
     ::CharLowerBuffW(key.data(), static_cast<DWORD>(key.size()));
     return key;
 }
-
-struct Picture {
-    Size sizePx;
-    Size sizeDip;
-    std::wstring name;                  // of the file, as it was asked for
-    std::wstring file;                  // empty: registered
-    int percent = 100;                  // of the file's rendition
-    std::optional<MaskColors> tint;     // a mask's
-    std::vector<std::uint32_t> pixels;  // empty: too large to keep, read from the file each time
-    bool failed = false;
-
-    bool Serves(const Picture& other) const { return file == other.file && tint == other.tint; }
-};
 
 struct ScaledKey {
     std::wstring picture;
@@ -61,36 +47,6 @@ struct Scaled {
     ScaledImage image;
     unsigned long long lastUse = 0;
 };
-
-// One axis of a nine-grid: a part of the source and a length of the target, each with the margins at its ends that keep
-// their size.
-struct Axis {
-    int begin, end;  // of the source's part
-    int nearSource, farSource;
-    int target;
-    int nearTarget, farTarget;
-};
-
-// Where the three parts of an axis begin and end.
-struct Cuts {
-    int source[4];
-    int target[4];
-};
-
-// Margins that do not leave a middle are made smaller; a target that is too small shows smaller corners.
-Cuts CutAxis(const Axis& axis) {
-    const int length = axis.end - axis.begin;
-    const int nearSource = std::clamp(axis.nearSource, 0, std::max(0, length - 1));
-    const int farSource = std::clamp(axis.farSource, 0, std::max(0, length - 1 - nearSource));
-    int nearTarget = axis.nearTarget;
-    int farTarget = axis.farTarget;
-    if (nearTarget + farTarget > axis.target) {
-        nearTarget = ScaleBy(axis.target, nearTarget, nearTarget + farTarget);
-        farTarget = axis.target - nearTarget;
-    }
-    return {{axis.begin, axis.begin + nearSource, axis.end - farSource, axis.end},
-            {0, nearTarget, axis.target - farTarget, axis.target}};
-}
 
 // Bitmaps with alpha are premultiplied by convention; one that is not is made to look as if it were.
 std::uint32_t Premultiplied(std::uint32_t pixel) {
@@ -111,9 +67,13 @@ class ImageCache::Impl {
         std::erase_if(pictures_, [](const auto& entry) { return !entry.second.file.empty(); });
         scaled_.clear();
         scaledPixels_ = 0;
+        readAhead_.Forget();
+        fresh_ = true;
     }
 
     void OnThemeChanged() {
+        readAhead_.Forget();
+        fresh_ = true;
         for (auto it = pictures_.begin(); it != pictures_.end();) {
             Picture& picture = it->second;
             const bool other = !picture.file.empty() && !picture.Serves(Resolve(picture.name));
@@ -125,36 +85,46 @@ class ImageCache::Impl {
     }
 
     const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool rightToLeft) {
-        const bool mirrored =
-            image.reverse && rightToLeft && !UITheme::GetInstance()->GetPictureTheme().IsUpright(image.file);
         if (sizePx.cx <= 0 || sizePx.cy <= 0 || sizePx.cx > kMaxTargetPx || sizePx.cy > kMaxTargetPx) {
             return nullptr;
         }
-        const ScaledKey key{KeyOf(image.file), image.sourceDip.value_or(Rect{}), image.cornerDip, sizePx, mirrored};
-        if (const auto known = scaled_.find(key); known != scaled_.end()) {
-            known->second.lastUse = ++uses_;
-            return &known->second.image;
-        }
-        Picture& picture = Find(image.file);
-        std::vector<std::uint32_t> pixels;
-        if (!picture.pixels.empty()) {
-            pixels = ScaleParts(picture, picture.pixels, image, sizePx);
-        } else if (!picture.failed) {
-            pixels = ReadAndScale(picture, image, sizePx);
-        }
-        if (pixels.empty()) {
+        const PictureUse use = UseOf(image, sizePx, rightToLeft);
+        const ScaledKey key = ScaledKeyOf(use);
+        if (listing_) {
+            List(key.picture, use);
             return nullptr;
         }
-        if (mirrored) {
-            MirrorRows(pixels, sizePx);
+        if (const ScaledImage* known = FindScaled(key)) {
+            return known;
         }
-        MakeRoom(pixels.size());
-        scaledPixels_ += pixels.size();
-        Scaled& scaled = scaled_[key];
-        const bool opaque = std::all_of(pixels.begin(), pixels.end(), [](std::uint32_t p) { return p >> 24 == 255; });
-        scaled = {{sizePx, std::move(pixels), opaque}, ++uses_};
-        return &scaled.image;
+        if (TakeRead(key.picture)) {
+            if (const ScaledImage* read = FindScaled(key)) {
+                return read;
+            }
+        }
+        Picture& picture = Find(image.file);
+        ScaledImage scaled;
+        if (!picture.pixels.empty()) {
+            scaled = ScalePicture(picture, use);
+        } else if (!picture.failed) {
+            const HRESULT hr = ReadPicture(decoder_, picture, use, scaled);
+            if (FAILED(hr)) {
+                Fail(picture, key.picture, hr);
+            }
+        }
+        return Keep(key, std::move(scaled));
     }
+
+    void ReadAhead(const std::function<void()>& draw) {
+        fresh_ = false;
+        {
+            const FlagScope listing(listing_);
+            draw();
+        }
+        readAhead_.Begin();
+    }
+
+    bool IsFresh() const { return fresh_; }
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {
         BITMAP header{};
@@ -182,12 +152,17 @@ class ImageCache::Impl {
     }
 
     bool Has(const std::wstring& name) const {
-        const auto known = pictures_.find(KeyOf(name));
-        return known != pictures_.end() && !known->second.failed && known->second.sizePx != Size{};
+        const std::wstring key = KeyOf(name);
+        const auto known = pictures_.find(key);
+        if (known == pictures_.end()) {
+            return readAhead_.IsRead(key);
+        }
+        return !known->second.failed && known->second.sizePx != Size{};
     }
 
     void Remove(const std::wstring& name) {
         const std::wstring key = KeyOf(name);
+        TakeRead(key);
         pictures_.erase(key);
         logged_.erase(key);
         ForgetScaled(key);
@@ -214,6 +189,61 @@ class ImageCache::Impl {
         }
     }
 
+    PictureUse UseOf(const ImageAttribute& image, Size sizePx, bool rightToLeft) const {
+        const bool mirrored =
+            image.reverse && rightToLeft && !UITheme::GetInstance()->GetPictureTheme().IsUpright(image.file);
+        return {image, sizePx, mirrored, dpi_};
+    }
+
+    static ScaledKey ScaledKeyOf(const PictureUse& use) {
+        return {KeyOf(use.image.file), use.image.sourceDip.value_or(Rect{}), use.image.cornerDip, use.sizePx,
+                use.mirrored};
+    }
+
+    // A picture that comes with the program and is not known yet is read ahead.
+    void List(const std::wstring& key, const PictureUse& use) {
+        if (pictures_.count(key) == 0 && IsOwnArtwork(use.image.file)) {
+            readAhead_.Add(key, readAhead_.Has(key) ? Picture{} : Resolve(use.image.file), use);
+        }
+    }
+
+    // Takes over what was read ahead, if it was.
+    bool TakeRead(const std::wstring& key) {
+        const std::shared_ptr<PictureJob> job = readAhead_.Take(key, decoder_);
+        if (!job) {
+            return false;
+        }
+        Picture& picture = pictures_[key] = std::move(job->picture);
+        if (FAILED(job->result)) {
+            Fail(picture, key, job->result);
+            return true;
+        }
+        for (PictureJob::Drawn& drawn : job->drawn) {
+            Keep(ScaledKeyOf(drawn.use), std::move(drawn.image));
+        }
+        return true;
+    }
+
+    const ScaledImage* FindScaled(const ScaledKey& key) {
+        const auto known = scaled_.find(key);
+        if (known == scaled_.end()) {
+            return nullptr;
+        }
+        known->second.lastUse = ++uses_;
+        return &known->second.image;
+    }
+
+    const ScaledImage* Keep(const ScaledKey& key, ScaledImage image) {
+        if (image.pixels.empty()) {
+            return nullptr;
+        }
+        MakeRoom(image.pixels.size());
+        scaledPixels_ += image.pixels.size();
+        Scaled& scaled = scaled_[key];
+        scaled = {std::move(image), ++uses_};
+        return &scaled.image;
+    }
+
     // A file's picture is not read yet when it is new.
     Picture& Find(const std::wstring& name) {
         const auto [known, isNew] = pictures_.try_emplace(KeyOf(name));
@@ -233,84 +263,6 @@ class ImageCache::Impl {
         }
     }
 
-    // Opens the file once: a small picture's pixels are kept, those of a large one only pass through the scaler.
-    std::vector<std::uint32_t> ReadAndScale(Picture& picture, const ImageAttribute& image, Size targetPx) {
-        std::vector<std::uint32_t> result;
-        const HRESULT hr = decoder_.Open(picture.file, [&](Size sizePx, const RowReader& read) {
-            picture.sizePx = sizePx;
-            picture.sizeDip = {ScaleBy(sizePx.cx, 100, picture.percent), ScaleBy(sizePx.cy, 100, picture.percent)};
-            if (static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy) <= kMaxKeptPixels) {
-                picture.pixels = ReadWhole(picture, read, sizePx);
-                result = ScaleParts(picture, picture.pixels, image, targetPx);
-            } else if (!image.sourceDip && image.cornerDip == Rect{}) {
-                result = ScaleRows(read, sizePx, targetPx);
-                Tint(picture, result);
-            } else {
-                result = ScaleParts(picture, ReadWhole(picture, read, sizePx), image, targetPx);
-            }
-            return S_OK;
-        });
-        if (FAILED(hr)) {
-            Fail(picture, KeyOf(image.file), hr);
-            result.clear();
-        }
-        return result;
-    }
-
-    static void Tint(const Picture& picture, std::vector<std::uint32_t>& pixels) {
-        if (picture.tint) {
-            TintMask(pixels, *picture.tint);
-        }
-    }
-
-    static std::vector<std::uint32_t> ReadWhole(const Picture& picture, const RowReader& read, Size sizePx) {
-        std::vector<std::uint32_t> pixels = ScaleRows(read, sizePx, sizePx);
-        Tint(picture, pixels);
-        return pixels;
-    }
-
-    std::vector<std::uint32_t> ScaleParts(const Picture& picture, const std::vector<std::uint32_t>& pixels,
-                                          const ImageAttribute& image, Size sizePx) const {
-        const Rect whole{0, 0, picture.sizePx.cx, picture.sizePx.cy};
-        const Rect part = image.sourceDip ? InPixels(picture, *image.sourceDip).Intersect(whole) : whole;
-        if (pixels.empty() || part.IsEmpty()) {
-            return {};
-        }
-        std::vector<std::uint32_t> result(static_cast<size_t>(sizePx.cx) * static_cast<size_t>(sizePx.cy));
-        const ConstPixelView source{pixels.data(), picture.sizePx.cx, picture.sizePx.cy, picture.sizePx.cx};
-        const PixelView target{result.data(), sizePx.cx, sizePx.cy, sizePx.cx};
-        const Rect& corner = image.cornerDip;
-        const Rect cornerPx = InPixels(picture, corner);
-        const Cuts x = CutAxis({.begin = part.left,
-                                .end = part.right,
-                                .nearSource = cornerPx.left,
-                                .farSource = cornerPx.right,
-                                .target = sizePx.cx,
-                                .nearTarget = DipToPx(corner.left, dpi_),
-                                .farTarget = DipToPx(corner.right, dpi_)});
-        const Cuts y = CutAxis({.begin = part.top,
-                                .end = part.bottom,
-                                .nearSource = cornerPx.top,
-                                .farSource = cornerPx.bottom,
-                                .target = sizePx.cy,
-                                .nearTarget = DipToPx(corner.top, dpi_),
-                                .farTarget = DipToPx(corner.bottom, dpi_)});
-        for (int row = 0; row < 3; ++row) {
-            for (int column = 0; column < 3; ++column) {
-                ScalePart(source, {x.source[column], y.source[row], x.source[column + 1], y.source[row + 1]}, target,
-                          {x.target[column], y.target[row], x.target[column + 1], y.target[row + 1]});
-            }
-        }
-        return result;
-    }
-
-    // Units of the picture to its pixels.
-    static Rect InPixels(const Picture& picture, const Rect& dip) {
-        const Size px = picture.sizePx, unit{std::max(1, picture.sizeDip.cx), std::max(1, picture.sizeDip.cy)};
-        return {ScaleBy(dip.left, px.cx, unit.cx), ScaleBy(dip.top, px.cy, unit.cy), ScaleBy(dip.right, px.cx, unit.cx),
-                ScaleBy(dip.bottom, px.cy, unit.cy)};
-    }
-
     void MakeRoom(size_t pixels) {
         while (!scaled_.empty() && scaledPixels_ + pixels > kMaxScaledPixels) {
             Drop(std::min_element(scaled_.begin(), scaled_.end(),
@@ -324,6 +276,9 @@ class ImageCache::Impl {
     }
 
     PictureDecoder decoder_;
+    PictureReadAhead readAhead_;
+    bool fresh_ = true;     // nothing was read ahead for this scale and theme
+    bool listing_ = false;  // what is asked for is noted, not read
     int dpi_ = 96;
     std::map<std::wstring, Picture> pictures_;
     std::set<std::wstring> logged_;  // failures that were told
@@ -345,6 +300,14 @@ void ImageCache::OnThemeChanged() {
 
 const ScaledImage* ImageCache::Get(const ImageAttribute& image, Size sizePx, bool rightToLeft) {
     return impl_->Get(image, sizePx, rightToLeft);
+}
+
+void ImageCache::ReadAhead(const std::function<void()>& draw) {
+    impl_->ReadAhead(draw);
+}
+
+bool ImageCache::IsFresh() const {
+    return impl_->IsFresh();
 }
 
 bool ImageCache::Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha) {

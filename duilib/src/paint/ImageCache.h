@@ -8,27 +8,19 @@
 // own that are looked into first, and gives masks their colours (PictureTheme.h). Decoding goes through the system's
 // imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only as they
 // were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file that is
-// missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts. Thread: UI thread. Owns its
-// pixels.
+// missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts. The program's own pictures
+// can be read ahead on other threads (PictureReadAhead.h). Thread: UI thread. Owns its pixels.
 #include <windows.h>
 
-#include <cstdint>
-#include <map>
+#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "DuiLib/Geometry.h"
 #include "markup/ImageAttribute.h"
+#include "paint/PictureRead.h"
 
 namespace DuiLib {
-
-// Premultiplied 0xAARRGGBB, top row first.
-struct ScaledImage {
-    Size sizePx;
-    std::vector<std::uint32_t> pixels;
-    bool opaque = false;  // no pixel is translucent
-};
 
 class ImageCache {
   public:
@@ -40,6 +32,11 @@ class ImageCache {
     // The image as it covers `sizePx`; in a right-to-left window one that asks for it is mirrored, unless it has no
     // direction. Null when it cannot be drawn. Valid until the next call of a member that is not const.
     const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool rightToLeft);
+
+    // What `draw` asks Get for is read on other threads instead, unless it is known, and Get gives nothing. Only
+    // pictures that come with the program.
+    void ReadAhead(const std::function<void()>& draw);
+    bool IsFresh() const;  // nothing was read ahead since the last change of the scale or the theme
 
     bool Add(const std::wstring& name, HBITMAP bitmap, Size sizeDip, bool alpha);
     bool Has(const std::wstring& name) const;

@@ -13,6 +13,11 @@ constexpr UINT kMaxSidePx = 8192;
 constexpr std::wstring_view kDrawable = L"drawable\\";  // as names begin, whatever the family that has them
 constexpr std::array kRenditions{100, 125, 150, 200, 300};
 
+std::wstring WithBackslashes(std::wstring path) {
+    std::replace(path.begin(), path.end(), L'/', L'\\');
+    return path;
+}
+
 bool Exists(const std::wstring& file) {
     const DWORD attributes = ::GetFileAttributesW(file.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
@@ -28,9 +33,12 @@ std::array<int, kRenditions.size()> InOrderOfUse(int dpi) {
 
 }  // namespace
 
+bool IsOwnArtwork(const std::wstring& name) {
+    return WithBackslashes(name).starts_with(kDrawable);
+}
+
 PicturePath FindPicture(const std::wstring& name, int dpi, const PictureTheme& theme) {
-    std::wstring path = name;
-    std::replace(path.begin(), path.end(), L'/', L'\\');
+    const std::wstring path = WithBackslashes(name);
     if (IsFullPath(path)) {
         return {path};
     }

@@ -1,5 +1,6 @@
 #pragma once
-// Finds and decodes picture files through the system's imaging component. Thread: UI thread.
+// Finds and decodes picture files through the system's imaging component. Thread: UI thread; the decoder: the one that
+// made it.
 #include <objbase.h>
 #include <windows.h>
 
@@ -23,6 +24,8 @@ struct PicturePath {
     int percent = 100;  // 200: two pixels for a unit
     bool mask = false;
 };
+// The name of a picture that comes with the program, in a folder that only its installation writes.
+bool IsOwnArtwork(const std::wstring& name);
 PicturePath FindPicture(const std::wstring& name, int dpi, const PictureTheme& theme);
 
 // Owns the imaging factory, which is made with the first picture.

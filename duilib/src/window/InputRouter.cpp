@@ -248,7 +248,13 @@ void InputRouter::UpdateToolTip() {
 }
 
 void InputRouter::TrackLeave() {
-    TRACKMOUSEEVENT track{sizeof(track), TME_LEAVE, manager_.GetPaintWindow(), 0};
+    // Asked for already, until the message has come. The question costs nothing; the request looks for the pointer.
+    const HWND window = manager_.GetPaintWindow();
+    TRACKMOUSEEVENT track{sizeof(track), TME_QUERY, nullptr, 0};
+    if (TrackMouseEvent(&track) && (track.dwFlags & TME_LEAVE) != 0 && track.hwndTrack == window) {
+        return;
+    }
+    track = {sizeof(track), TME_LEAVE, window, 0};
     TrackMouseEvent(&track);
 }
 

@@ -32,6 +32,7 @@ class CPaintManagerUI::Impl final : public IThemeListener {
     Size ClientSizePx() const;
     Rect ClientRectPx() const;
     void UpdateLayout();
+    void ReadPicturesAhead();
     // Brings the back buffer up to date; false when there is nothing to show.
     bool Render();
     void InvalidateAll();

@@ -65,6 +65,16 @@ void CPaintManagerUI::Impl::UpdateLayout() {
     treeChanged = true;
 }
 
+void CPaintManagerUI::Impl::ReadPicturesAhead() {
+    if (root && root->IsVisible()) {
+        // Painted on nothing: each control asks for the pictures of its present state.
+        images.ReadAhead([this] {
+            Canvas nothing(nullptr, nullptr, {}, {});
+            root->Paint(nothing, root->GetPos());
+        });
+    }
+}
+
 bool CPaintManagerUI::Impl::Render() {
     if (sizePx.cx <= 0 || sizePx.cy <= 0) {
         return false;
@@ -74,6 +84,9 @@ bool CPaintManagerUI::Impl::Render() {
             return false;
         }
         dirty.Add(ClientRectPx());
+    }
+    if (treeChanged || images.IsFresh()) {
+        ReadPicturesAhead();
     }
     UITheme& theme = *UITheme::GetInstance();
     const int borderPx = std::max(1, DipToPx(1, dpi));
@@ -309,6 +322,11 @@ void CPaintManagerUI::NeedUpdate() {
 
 void CPaintManagerUI::UpdateLayout() {
     impl_->UpdateLayout();
+}
+
+void CPaintManagerUI::ReadPicturesAhead() {
+    impl_->UpdateLayout();
+    impl_->ReadPicturesAhead();
 }
 
 }  // namespace DuiLib

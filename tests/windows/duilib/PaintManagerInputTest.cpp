@@ -92,6 +92,14 @@ TEST_F(PaintManagerInput, AControlThatIsDisabledWhileItIsPressedIsNotClicked) {
     EXPECT_EQ(manager.GetCapture(), nullptr);
 }
 
+TEST_F(PaintManagerInput, AWindowThatGoesLeavesNothingPressedOrHot) {
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"a"));
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
+    DestroyWindow(window.GetHWND());
+    EXPECT_EQ(manager.GetCapture(), nullptr);
+    EXPECT_EQ(manager.GetHot(), nullptr);
+}
+
 TEST_F(PaintManagerInput, EscapeEndsADragBeforeItClosesAnything) {
     window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"a"), MK_LBUTTON);
     window.Key(VK_ESCAPE);
@@ -485,6 +493,42 @@ TEST_F(PaintManagerInput, FiltersSeeMessagesFirst) {
     manager.RemoveMessageFilter(&filter);
     window.Click(L"a");
     EXPECT_TRUE(window.Got(L"click a"));
+}
+
+// By the rules of Windows: a request holds until its message is sent, and the last one counts.
+HWND g_tracked = nullptr;
+int g_requests = 0;
+
+BOOL WINAPI Track(TRACKMOUSEEVENT* event) {
+    EXPECT_EQ(event->cbSize, sizeof(TRACKMOUSEEVENT));
+    if ((event->dwFlags & TME_QUERY) != 0) {
+        *event = {sizeof(*event), g_tracked ? TME_LEAVE : 0ul, g_tracked, 0};
+        return TRUE;
+    }
+    EXPECT_EQ(event->dwFlags, static_cast<DWORD>(TME_LEAVE));
+    g_tracked = event->hwndTrack;
+    ++g_requests;
+    return TRUE;
+}
+
+TEST_F(PaintManagerInput, LeavingIsAskedForOnceUntilItIsTold) {
+    g_tracked = nullptr;
+    g_requests = 0;
+    const harness::ImportHook track(GetModuleHandleW(L"DuiLib.dll"), "TrackMouseEvent", &Track);
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"a"));
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"b"));
+    EXPECT_EQ(g_tracked, window.GetHWND());
+    EXPECT_EQ(g_requests, 1);
+    g_tracked = nullptr;
+    window.Mouse(WM_MOUSELEAVE, {});
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"a"));
+    EXPECT_EQ(g_tracked, window.GetHWND());
+    EXPECT_EQ(g_requests, 2);
+    // Another window of the thread may have asked for itself meanwhile.
+    g_tracked = GetDesktopWindow();
+    window.Mouse(WM_MOUSEMOVE, window.CenterOf(L"b"));
+    EXPECT_EQ(g_tracked, window.GetHWND());
+    EXPECT_EQ(g_requests, 3);
 }
 
 }  // namespace

@@ -3,8 +3,11 @@
 
 #include <windows.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <sddl.h>
+#include <wtsapi32.h>
+
+#include <cstring>
 
 #include "suite/common/UserSid.h"
 #include "tests/support/FoundFunction.h"
@@ -12,9 +15,7 @@
 
 namespace {
 
-int g_lookups = 0;
-bool g_lookupWorks = false;
-constexpr wchar_t kFound[] = L"S-1-5-21-5-6-7-1008";
+constexpr wchar_t kSessionsUser[] = L"S-1-5-21-5-6-7-1008";
 
 // By the rules of Windows: only services are given a session's token.
 BOOL WINAPI Refuse(ULONG, HANDLE*) {
@@ -23,51 +24,64 @@ BOOL WINAPI Refuse(ULONG, HANDLE*) {
 }
 
 BOOL WINAPI Give(ULONG, HANDLE* token) {
-    return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_DUPLICATE | TOKEN_IMPERSONATE, token);
+    return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token);
 }
 
-// Asks a domain's controller, which may be out of reach.
-BOOL WINAPI LookUp(const wchar_t*, const wchar_t* account, PSID out, DWORD* size, wchar_t*, DWORD*, SID_NAME_USE*) {
-    ++g_lookups;
-    EXPECT_STRNE(account, L"");
-    if (!g_lookupWorks) {
-        SetLastError(ERROR_NONE_MAPPED);
-        return FALSE;
-    }
+// The session's token says another user than the program's own, which is not asked then.
+BOOL WINAPI TellUser(HANDLE, TOKEN_INFORMATION_CLASS kind, void* out, DWORD size, DWORD* needed) {
+    EXPECT_EQ(kind, TokenUser);
     PSID sid = nullptr;
-    ConvertStringSidToSidW(kFound, &sid);
-    const BOOL copied = CopySid(*size, out, sid);
+    ConvertStringSidToSidW(kSessionsUser, &sid);
+    const DWORD sidSize = GetLengthSid(sid);
+    *needed = sizeof(TOKEN_USER) + sidSize;
+    const bool fits = out && size >= *needed;
+    if (fits) {
+        auto* const user = static_cast<TOKEN_USER*>(out);
+        user->User = {user + 1, 0};
+        std::memcpy(user + 1, sid, sidSize);
+    }
     LocalFree(sid);
-    return copied;
+    return fits;
 }
 
-class UserIdentityTest : public testing::Test {
-  protected:
-    UserIdentityTest() {
-        g_lookups = 0;
-        g_lookupWorks = false;
-    }
-    const harness::ImportHook lookUp_{nullptr, "LookupAccountNameW", &LookUp};
-};
+BOOL WINAPI TellNothing(HANDLE, TOKEN_INFORMATION_CLASS, void*, DWORD, DWORD* needed) {
+    *needed = 0;
+    return FALSE;
+}
 
-TEST_F(UserIdentityTest, WithoutTheSessionsTokenItIsTheOwnUserAndNoNetworkIsAsked) {
+int g_enumerations = 0;
+
+BOOL WINAPI NoSessions(HANDLE, DWORD, DWORD, WTS_SESSION_INFOW**, DWORD*) {
+    ++g_enumerations;
+    return FALSE;
+}
+
+TEST(UserIdentityTest, WithoutTheSessionsTokenItIsTheOwnUser) {
     const harness::FoundFunction refuse("WTSQueryUserToken", &Refuse);
     EXPECT_EQ(InteractiveUserSid(), suite::OwnUserSid());
     EXPECT_TRUE(InteractiveUserSid().starts_with(L"S-1-5-"));
-    EXPECT_EQ(g_lookups, 0);
 }
 
-TEST_F(UserIdentityTest, TheSessionsUserComesFirst) {
+TEST(UserIdentityTest, TheSessionsUserComesFirst) {
     const harness::FoundFunction give("WTSQueryUserToken", &Give);
-    g_lookupWorks = true;
-    EXPECT_EQ(InteractiveUserSid(), kFound);
-    EXPECT_EQ(g_lookups, 1);
+    const harness::ImportHook tell(nullptr, "GetTokenInformation", &TellUser);
+    EXPECT_EQ(InteractiveUserSid(), kSessionsUser);
 }
 
-TEST_F(UserIdentityTest, ANameThatNobodyKnowsCostsNothing) {
+TEST(UserIdentityTest, ATokenThatTellsNothingLeavesTheOtherSessions) {
+    g_enumerations = 0;
+    const harness::FoundFunction give("WTSQueryUserToken", &Give);
+    const harness::FoundFunction sessions("WTSEnumerateSessionsW", &NoSessions);
+    const harness::ImportHook tell(nullptr, "GetTokenInformation", &TellNothing);
+    EXPECT_EQ(InteractiveUserSid(), L"");
+    EXPECT_EQ(g_enumerations, 1);
+}
+
+// Their libraries take longer to load than the window to be made, and a domain's controller may be out of reach.
+TEST(UserIdentityTest, NoAccountIsLookedUp) {
     const harness::FoundFunction give("WTSQueryUserToken", &Give);
     EXPECT_EQ(InteractiveUserSid(), suite::OwnUserSid());
-    EXPECT_EQ(g_lookups, 1);
+    EXPECT_EQ(GetModuleHandleW(L"secur32.dll"), nullptr);
 }
 
 }  // namespace

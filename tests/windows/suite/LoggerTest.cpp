@@ -124,6 +124,18 @@ TEST(LoggerTest, KeepsFiveFilesOfTwoMebibytes) {
     EXPECT_THAT(folder.HelperLogLines().back(), testing::HasSubstr("one-0-1799"));
 }
 
+TEST(LoggerTest, AFileIsFullAtTwoMebibytes) {
+    for (const bool full : {false, true}) {
+        TestFolder folder;
+        fs::create_directories(folder.LogFolder());
+        std::string line = "2026-11-22 10:00:00.000 [L3] [1] ";
+        line.resize(2 * 1024 * 1024 - (full ? 1 : 2), 'x');
+        std::ofstream(folder.LogFolder() / L"suite_helper.log", std::ios::binary) << line << '\n';
+        ASSERT_EQ(Helper(L"log one 1 1 10").Wait(), 0u);
+        EXPECT_EQ(folder.HelperLogs().size(), full ? 2u : 1u);
+    }
+}
+
 TEST(LoggerTest, AReaderThatForbidsRenamingStopsRotationButNoLine) {
     TestFolder folder;
     ASSERT_EQ(Helper(L"log zero 1 1 10").Wait(), 0u);
