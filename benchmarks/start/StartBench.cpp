@@ -40,7 +40,8 @@ void Measure() {
                 kRounds, ours.Median(), theirs.Median(), ours.Median() / theirs.Median());
 
     const StartedProgram open(program);
-    std::printf("memory, working set:  Pixora %.1f MiB, notepad %.1f MiB (goal 43)\n", open.MemoryMiB(), warm.MemoryMiB());
+    std::printf("memory, working set:  Pixora %.1f MiB, notepad %.1f MiB (goal 43)\n", open.MemoryMiB(),
+                warm.MemoryMiB());
     // Out of the window: while the pointer is inside, Wine asks again and again whether it has left.
     SetCursorPos(0, 0);
     Sleep(kSettleMs);

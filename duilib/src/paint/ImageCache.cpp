@@ -12,7 +12,6 @@
 #include "suite/common/GdiObject.h"
 #include "suite/logger/QxLogger.h"
 #include "theme/PictureTheme.h"
-#include "window/FlagScope.h"
 
 namespace DuiLib {
 namespace {
@@ -29,6 +28,18 @@ std::wstring KeyOf(const std::wstring& name) {
     ::CharLowerBuffW(key.data(), static_cast<DWORD>(key.size()));
     return key;
 }
+
+// Set while one lives.
+class Listing {
+  public:
+    explicit Listing(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Listing() { flag_ = false; }
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+
+  private:
+    bool& flag_;
+};
 
 struct ScaledKey {
     std::wstring picture;
@@ -118,7 +129,7 @@ class ImageCache::Impl {
     void ReadAhead(const std::function<void()>& draw) {
         fresh_ = false;
         {
-            const FlagScope listing(listing_);
+            const Listing listing(listing_);
             draw();
         }
         readAhead_.Begin();
