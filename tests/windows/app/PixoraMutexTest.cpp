@@ -88,6 +88,18 @@ TEST(PixoraMutexTest, AConcurrentStartWins) {
                             "[L3] CloseHandle error: 6(PixoraMutex::IsAlreadyRunning)"));
 }
 
+HANDLE g_made = nullptr;
+HANDLE WINAPI MakeWithoutAWord(LPSECURITY_ATTRIBUTES, BOOL, LPCWSTR) {
+    return g_made;
+}
+
+TEST(PixoraMutexTest, AnErrorFromBeforeDoesNotCount) {
+    const suite::Handle event(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    g_made = event.Get();
+    const ImportHook hook(nullptr, "CreateMutexW", &MakeWithoutAWord);
+    EXPECT_FALSE(PixoraMutex::GetInstance().IsAlreadyRunning());
+}
+
 TEST(PixoraMutexTest, TheFirstStartOwnsTheGuardForItsLife) {
     ASSERT_FALSE(IsNameTaken());
     // A last error of somebody else's is none of the guard's.

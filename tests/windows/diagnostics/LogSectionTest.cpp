@@ -83,6 +83,12 @@ TEST_F(LogSectionTest, TheLastFortyLinesAreShown) {
     EXPECT_THAT(text, Not(HasSubstr("there are none")));
 }
 
+TEST_F(LogSectionTest, LossesOfTheGraphicsDeviceAreCounted) {
+    Write(L"Velmora/Quillon/Logs/Pixora.log",
+          "2026-11-21 10:00:00.000 [L3] [1] the graphics device is lost(LivePreview::RecoverDevice)\n");
+    EXPECT_THAT(Log(), HasSubstr("         graphics device lost: 1 times, back: 0 times"));
+}
+
 TEST_F(LogSectionTest, DumpsOfPixoraAreCounted) {
     for (const wchar_t* name : {L"Pixora-1.dmp", L"Pixora-2.dmp", L"Other-3.dmp", L"Pixora-4.txt"}) {
         Write(fs::path(L"QUILLON/CrashDumps") / name, "x");

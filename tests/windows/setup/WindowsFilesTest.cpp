@@ -6,6 +6,7 @@
 #include <functional>
 #include <thread>
 
+#include "tests/support/ImportHook.h"
 #include "tests/windows/setup/SetupTest.h"
 
 namespace setup {
@@ -94,6 +95,30 @@ TEST_F(WindowsFilesTest, WhatAScanHoldsForAMomentIsTriedAgain) {
     ExpectPatience(path, [&] { return files_.Move(path, Path(L"b.dll")); });
     ExpectPatience(Path(L"b.dll"), [&] { return files_.Remove(Path(L"b.dll")); });
     EXPECT_THAT(files_.Files(folder_.wstring()), IsEmpty());
+}
+
+DWORD g_firstError = 0;
+int g_tries = 0;
+BOOL WINAPI RefuseOnce(LPCWSTR) {
+    SetLastError(g_firstError);
+    return ++g_tries > 1 ? TRUE : FALSE;
+}
+
+TEST_F(WindowsFilesTest, WhatMayPassIsTriedAgainAndNothingElse) {
+    const harness::ImportHook hook(nullptr, "DeleteFileW", &RefuseOnce);
+    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_DELETE_PENDING,
+                              ERROR_USER_MAPPED_FILE}) {
+        g_firstError = error;
+        g_tries = 0;
+        EXPECT_EQ(files_.Remove(Path(L"x")), 0u) << error;
+        EXPECT_EQ(g_tries, 2) << error;
+    }
+    for (const DWORD error : {ERROR_WRITE_PROTECT, ERROR_INVALID_NAME}) {
+        g_firstError = error;
+        g_tries = 0;
+        EXPECT_EQ(files_.Remove(Path(L"x")), error);
+        EXPECT_EQ(g_tries, 1) << error;
+    }
 }
 
 TEST_F(WindowsFilesTest, AMissingFileIsNotWaitedFor) {
