@@ -1,6 +1,7 @@
 // Damaged pictures and videos, by the hundred: whatever is in them, the checks answer and adding does no harm.
 #include <fstream>
 #include <random>
+#include <stdexcept>
 
 #include "tests/windows/service/OwnBackgrounds.h"
 
@@ -13,6 +14,9 @@ class OwnMutationTest : public OwnBackgroundsTest {
     // A copy with some bytes changed, most of them near the beginning, where the headers are; now and then cut.
     fs::path Mutated(const wchar_t* medium, int number) {
         std::vector<char> content = Content(Media(medium));
+        if (content.empty()) {
+            throw std::runtime_error("the media of the tests have not been made");
+        }
         const int changes = 1 + static_cast<int>(random_() % 8);
         for (int i = 0; i < changes; ++i) {
             const std::size_t range = random_() % 3 == 0 ? content.size() : std::min<std::size_t>(content.size(), 600);
