@@ -15,6 +15,7 @@
 #include "preview/pixels/PixelConverter.h"
 #include "tests/e2e/support/Machine.h"
 #include "tests/e2e/support/Program.h"
+#include "tests/support/TopLevelWindows.h"
 #include "tests/support/WineOnly.h"
 #include "tools/democamera/FrameEncoder.h"
 
@@ -73,14 +74,7 @@ class PreviewTest : public testing::Test {
 
     HWND Main() const { return program_->Window(); }
     // The preview's windows of this program, hidden ones too.
-    std::vector<HWND> PreviewWindows() const {
-        std::vector<HWND> found;
-        for (HWND each = nullptr; (each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr;) {
-            if (GetWindow(each, GW_OWNER) == Main())
-                found.push_back(each);
-        }
-        return found;
-    }
+    std::vector<HWND> PreviewWindows() const { return harness::OwnedWindows(L"STATIC", Main()); }
     bool IsPreviewVisible() const {
         const std::vector<HWND> windows = PreviewWindows();
         return windows.size() == 1 && IsWindowVisible(windows.front());

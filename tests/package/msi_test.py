@@ -54,7 +54,7 @@ def check_tables(package, version, setup):
           "files with a version are replaced by it")
     hashed = {row[0] for row in table(package, "MsiFileHash")}
     check({row[0] for row in table(package, "File") if not row[4]} == hashed, "the others by their content")
-    listed = subprocess.check_output(["7zz", "l", "-slt", setup], text=True)
+    listed = subprocess.check_output([support.seven_zip(), "l", "-slt", setup], text=True)
     in_setup = {os.path.basename(line[len("Path = "):]) for line in listed.splitlines() if line.startswith("Path = ")}
     only = set(files) - in_setup
     check(not only, f"what it installs is what the installer installs: {sorted(only)}")

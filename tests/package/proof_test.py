@@ -123,8 +123,10 @@ def check_refusals(wine):
     check(start(wine, "--yes", "no_such_test") == 2, "nor without a test")
     listening = json.dumps({"event": "listening", "pipe": PIPE}, separators=(",", ":")).encode()
     wine.run("reg", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD", "/d", "120", "/f")
+    wine.sign_in_again()
     check(start(wine, "--yes", "app_test") == 2, "nor on a screen of another scale")
     wine.run("reg", "delete", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/f")
+    wine.sign_in_again()
     with support.holding(wine, wine.tool("PixoraService.exe"), says=listening):
         check(start(wine, "--yes", "app_test") == 2, "nor while a service has the pipe")
     check(not wine.exists(f"{FOLDER}/report.html") and registry_of(wine) == before, "and nothing has changed")

@@ -127,7 +127,7 @@ def try_contents(authority, out, version, foreign):
     expect_modules_signed(authority, f"{out}/portable", "portable", [f"Pixora-{version.number}/{name}" for name in foreign])
     expect_signed(authority, version.setup, "the installer")
     expect_signed(authority, version.msi, "the MSI")
-    subprocess.run(["7zz", "x", f"-o{out}/setup", version.setup], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([support.seven_zip(), "x", f"-o{out}/setup", version.setup], check=True, stdout=subprocess.DEVNULL)
     plugins = expect_modules_signed(authority, f"{out}/setup/$PLUGINSDIR", "what the installer loads")
     check({"System.dll", "nsDialogs.dll", "nsExec.dll"} == set(plugins), f"plug-ins: {plugins}")
     actions = subprocess.check_output(["msiinfo", "extract", version.msi, "Binary.Actions"], cwd=out)

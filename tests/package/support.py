@@ -23,6 +23,11 @@ PROGRAM_KEY = r"HKEY_LOCAL_MACHINE\Software\Velmora\Quillon\Pixora"
 MOUNTS = "PIXORA_TEST_MOUNTS"
 
 
+def seven_zip():
+    """The unpacker, which Debian 12 and Debian 13 call differently."""
+    return shutil.which("7zz") or shutil.which("7z")
+
+
 def pack(build, out, *options):
     """The paths of what was made."""
     return subprocess.check_output([sys.executable, "-B", "packaging/make", build, out, *options], text=True,

@@ -57,6 +57,12 @@ class Wine:
     def __exit__(self, *_):
         subprocess.run([os.environ.get("WINESERVER", "wineserver"), "-k"], env=self.environment, check=False)
 
+    def sign_in_again(self):
+        """What a desktop reads when it is made, as its scale, counts from here on."""
+        self.__exit__()
+        subprocess.run([os.environ.get("WINESERVER", "wineserver"), "-w"], env=self.environment, check=False)
+        self.__enter__()
+
     def tool(self, name):
         return os.path.join(self.build, "bin", name)
 

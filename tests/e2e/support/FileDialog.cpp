@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tests/e2e/support/Machine.h"
+#include "tests/support/TopLevelWindows.h"
 
 namespace e2e {
 
@@ -31,9 +32,8 @@ std::wstring TextOf(HWND window) {
 
 bool FileDialog::WaitFor(HWND owner) {
     return WaitUntil([&] {
-        HWND dialog = nullptr;
-        while ((dialog = FindWindowExW(nullptr, dialog, kDialogClass, nullptr)) != nullptr) {
-            if (GetWindow(dialog, GW_OWNER) != owner || !IsWindowVisible(dialog))
+        for (const HWND dialog : harness::OwnedWindows(kDialogClass, owner)) {
+            if (!IsWindowVisible(dialog))
                 continue;
             window_ = dialog;
             GUITHREADINFO info = {};

@@ -12,6 +12,7 @@
 
 #include "tests/e2e/support/Machine.h"
 #include "tests/support/PngFile.h"
+#include "tests/support/TopLevelWindows.h"
 
 namespace e2e {
 
@@ -117,8 +118,7 @@ std::optional<DWORD> Program::WaitForEnd(std::chrono::milliseconds atMost) {
 
 HWND Program::WaitForWindow() {
     const bool shown = WaitUntil([this] {
-        HWND window = nullptr;
-        while ((window = FindWindowExW(nullptr, window, kWindowClass, nullptr)) != nullptr) {
+        for (const HWND window : harness::TopLevelWindows(kWindowClass)) {
             DWORD owner = 0;
             GetWindowThreadProcessId(window, &owner);
             if (owner == processId_ && IsWindowVisible(window) && !AccessibleWindow(window).List().empty()) {
@@ -367,13 +367,8 @@ bool Program::Screenshot(const std::wstring& name, int moreColorsThan) const {
 }
 
 int CountWindows(const wchar_t* className) {
-    int count = 0;
-    HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, className, nullptr)) != nullptr) {
-        if (IsWindowVisible(window))
-            ++count;
-    }
-    return count;
+    const std::vector<HWND> windows = harness::TopLevelWindows(className);
+    return static_cast<int>(std::count_if(windows.begin(), windows.end(), IsWindowVisible));
 }
 
 }  // namespace e2e

@@ -7,6 +7,7 @@
 #include "service/KindNotifier.h"
 #include "tests/support/Environment.h"
 #include "tests/support/Protocol.h"
+#include "tests/support/TopLevelWindows.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tools/democamera/DemoCameraSystem.h"
 
@@ -68,14 +69,7 @@ class HomePagePreviewTest : public HomePageTest {
         KindNotifier<PreviewPlaceKind>::GetInstance().Publish(kPreviewPlaceChannel, PreviewPlaceKind::kPlaceAgain);
     }
 
-    std::vector<HWND> PreviewWindows() {
-        std::vector<HWND> found;
-        for (HWND each = nullptr; (each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr;) {
-            if (GetWindow(each, GW_OWNER) == Host().GetHWND())
-                found.push_back(each);
-        }
-        return found;
-    }
+    std::vector<HWND> PreviewWindows() { return harness::OwnedWindows(L"STATIC", Host().GetHWND()); }
     HWND PreviewWindow() {
         const std::vector<HWND> windows = PreviewWindows();
         return windows.size() == 1 ? windows.front() : nullptr;

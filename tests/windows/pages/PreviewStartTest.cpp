@@ -2,6 +2,7 @@
 #include "DuiLib/ButtonUI.h"
 #include "service/KindNotifier.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/TopLevelWindows.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tools/democamera/DemoCameraSystem.h"
 
@@ -70,12 +71,8 @@ class PreviewStartTest : public HomePageTest {
         }
     }
     HWND PreviewWindow() {
-        HWND each = nullptr;
-        while ((each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr) {
-            if (GetWindow(each, GW_OWNER) == Host().GetHWND())
-                break;
-        }
-        return each;
+        const std::vector<HWND> found = harness::OwnedWindows(L"STATIC", Host().GetHWND());
+        return found.empty() ? nullptr : found.front();
     }
     DuiLib::CButtonUI& Switch() { return Control<DuiLib::CButtonUI>(L"preview_switch"); }
     static void Tell(HRESULT code) {

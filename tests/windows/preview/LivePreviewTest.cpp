@@ -12,6 +12,7 @@
 #include "service/KindNotifier.h"
 #include "suite/common/Handle.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/TopLevelWindows.h"
 #include "tests/support/doubles/CameraDouble.h"
 #include "tests/support/doubles/Gate.h"
 #include "tests/support/doubles/GraphicsDouble.h"
@@ -83,12 +84,8 @@ class LivePreviewTest : public HomePageTest {
     }
 
     HWND PreviewWindow() {
-        for (HWND each = nullptr; (each = FindWindowExW(nullptr, each, L"STATIC", nullptr)) != nullptr;) {
-            if (GetWindow(each, GW_OWNER) == Host().GetHWND()) {
-                return each;
-            }
-        }
-        return nullptr;
+        const std::vector<HWND> found = harness::OwnedWindows(L"STATIC", Host().GetHWND());
+        return found.empty() ? nullptr : found.front();
     }
     DuiLib::CButtonUI& Switch() { return Control<DuiLib::CButtonUI>(L"preview_switch"); }
     bool IsOn() { return Switch().IsChecked() == true; }

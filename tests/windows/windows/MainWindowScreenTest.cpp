@@ -2,6 +2,7 @@
 // over its place.
 #include "DuiLib/ContainerUI.h"
 #include "tests/support/FakeScreens.h"
+#include "tests/support/TopLevelWindows.h"
 #include "tests/windows/windows/WindowTests.h"
 #include "windows/DelButtonToolTip.h"
 #include "windows/SimpleMessageBox.h"
@@ -36,10 +37,8 @@ class MainWindowOnScreen : public MainWindowTest, public testing::WithParamInter
   protected:
     // The part of the camera's window that is seen, from the main window's corner.
     static RECT PictureShown() {
-        HWND preview = nullptr;
-        while ((preview = FindWindowExW(nullptr, preview, L"STATIC", nullptr)) != nullptr &&
-               GetWindow(preview, GW_OWNER) != Window().GetHWND()) {
-        }
+        const std::vector<HWND> found = harness::OwnedWindows(L"STATIC", Window().GetHWND());
+        const HWND preview = found.empty() ? nullptr : found.front();
         RECT place{};
         GetWindowRect(preview, &place);
         RECT region{};
