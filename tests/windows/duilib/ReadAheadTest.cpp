@@ -68,12 +68,12 @@ void WriteAll(const std::wstring& family, Size sizePx, std::uint32_t color) {
 }
 
 std::string Layout() {
-    std::string layout = R"(<Window size="60,60" bkcolor="#FFFFFFFF"><VerticalLayout name="all">)";
+    std::string layout = R"(<Window size="60,60" bkcolor="#FFFFFFFF"><VerticalLayout><VerticalLayout name="all">)";
     for (int i = 0; i < kCount; ++i) {
         const std::string number = std::to_string(i);
         layout += "<Control name=\"c" + number + "\" bkimage=\"drawable/ahead/" + number + ".png\"/>";
     }
-    return layout + "</VerticalLayout></Window>";
+    return layout + "</VerticalLayout></VerticalLayout></Window>";
 }
 
 class ReadAhead : public testing::Test {
@@ -213,7 +213,6 @@ TEST_F(ReadAhead, ARemovedPictureIsReadAgain) {
     Manager().ReadPicturesAhead();
     ASSERT_TRUE(harness::WaitUntil([this] { return AllRead(); }));
     WriteAll(L"drawable", {10, 10}, kGreen);
-    EXPECT_TRUE(ShowsOnly(96, kRed));
     for (int i = 0; i < kCount; ++i) {
         Manager().RemoveImage(NameOf(i));
     }
