@@ -39,6 +39,7 @@ constexpr std::uint64_t kAfterResumeMs = 10'000;
 constexpr unsigned kBetweenOpeningsMs = 1000;
 
 constexpr unsigned kBetweenReleasesMs = 1000;
+constexpr unsigned kBetweenReleasesForStartMs = 50;
 
 // Ticks of the preview window, one a second: a camera that has delivered nothing for so long is given up. Counted in
 // ticks, and not by the clock, so that the time that the computer sleeps does not count.
@@ -102,7 +103,10 @@ int LivePreview::OnCreate(HWND parentWindow) {
 
 int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
     Stop();
-    std::erase_if(left_, Release);  // of a window that has let go of its device the next one can be made
+    if (!ReleaseLeft()) {
+        LogLine(LogLevel::kError, L"HomePage::CreateMF", L"the graphics device is still busy");
+        return 0;
+    }
     const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_);
     if (FAILED(result)) {
         LogLine(LogLevel::kError, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);
@@ -124,33 +128,57 @@ void LivePreview::Click(DuiLib::CControlUI* sender) {
     if (makingCapture_ || opening_) {
         return;
     }
+    if (preview_ && preview_->State() == kStarted) {
+        Stop();
+        if (sender) {
+            ShowOff(sender);
+        }
+    } else if (ReleaseLeft()) {
+        TurnOn(sender);
+    } else if (sender) {
+        BeginOpening(sender);
+        Later(kMostOpeningMs, &LivePreview::GiveUpOpening);
+        TurnOnWhenDeviceIsFree();
+    }
+}
+
+void LivePreview::TurnOnWhenDeviceIsFree() {
+    if (ReleaseLeft()) {
+        opening_.reset();
+        TurnOn(switch_);
+    } else {
+        Later(kBetweenReleasesForStartMs, &LivePreview::TurnOnWhenDeviceIsFree);
+    }
+}
+
+void LivePreview::TurnOn(DuiLib::CControlUI* sender) {
     if (!preview_) {
         MakeCapture();
     }
     if (!preview_) {
         LogLine(LogLevel::kError, L"HomePage::ClickPreview", L"Init g_pPreview error");
-        return;
-    }
-    if (preview_->State() == kStarted) {
-        Stop();
         if (sender) {
             ShowOff(sender);
+            EnableSwitch();
         }
-        return;
-    }
-    if (sender) {
+    } else if (sender) {
         Start(sender);
     }
 }
 
 void LivePreview::Start(DuiLib::CControlUI* sender) {
-    switch_ = sender;
-    DrawSwitch(sender, true);
-    sender->SetEnabled(false);
+    BeginOpening(sender);
     if (host_) {
         UpdateWindow(host_->GetWindow());  // the wait for the first frames may come before the next painting
     }
     Open();
+}
+
+void LivePreview::BeginOpening(DuiLib::CControlUI* sender) {
+    opening_ = std::make_shared<Opening>(Opening{this});
+    switch_ = sender;
+    DrawSwitch(sender, true);
+    sender->SetEnabled(false);
 }
 
 void LivePreview::Open() {
@@ -274,28 +302,28 @@ bool LivePreview::Release(Preview* capture) {
 
 void LivePreview::ReleaseLeftLater() const {
     DuiLib::UIMainQueue::getInstance()->dispatchAfter(kBetweenReleasesMs, [self = std::weak_ptr<LivePreview*>(self_)] {
-        if (const auto alive = self.lock()) {
-            (*alive)->ReleaseLeft();
+        const auto alive = self.lock();
+        if (alive && !(*alive)->ReleaseLeft()) {
+            (*alive)->ReleaseLeftLater();
         }
     });
 }
 
-void LivePreview::ReleaseLeft() {
+bool LivePreview::ReleaseLeft() {
     std::erase_if(left_, Release);
-    if (!left_.empty()) {
-        ReleaseLeftLater();
-    }
+    return left_.empty();
 }
 
 void LivePreview::OnScreenLock() {
-    if (!preview_) {
+    if (!IsOn()) {
         return;
     }
     Stop();
-    DrawSwitch(find_(kSwitchName), false);
+    ShowOff(find_(kSwitchName));
     EnableSwitch();
-    window_.Destroy();
-    NameArea(kIllustrationText);
+    if (left_.empty()) {
+        window_.Destroy();
+    }
 }
 
 void LivePreview::OnPower(GlobalUtils::PowerKind kind) {
@@ -351,8 +379,8 @@ void LivePreview::OnCaptureError(HRESULT code) {
         return;
     }
     LogLine(LogLevel::kInfo, L"LivePreview::OnCaptureError", L"the camera preview fails: 0x", std::hex, code);
-    const bool wasOn = preview_ != nullptr;
-    if (wasOn && IsShortlyAfterResume()) {
+    const bool wasOn = IsOn();
+    if (preview_ && IsShortlyAfterResume()) {
         OpenAgain();
         return;
     }

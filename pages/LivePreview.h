@@ -11,7 +11,9 @@
 //     and a click of the switch does not count, by whatever device; clicks that wait in the queue when the switch is
 //     enabled come to their own controls first. What ends the preview before that (lock, sleep, an error, the page's
 //     end) drops the opening: its thread closes the camera itself when it comes back.
-//   - Closing is bounded (Preview::Close); a capture whose graphics device hangs is kept and given up later.
+//   - Closing is bounded (Preview::Close); a capture whose graphics device is in use is kept with its window until the
+//     device is free. The next one waits for that, as an opening: with two devices, the older one's release may never
+//     come back (Wine 8 makes contexts for it without end).
 //   - A lost graphics device is asked for here, on the window's thread, when the capture posts and then once a second.
 //   - A camera that falls silent is given up after five seconds, an opening that does not end after ten.
 // Thread: UI thread.
@@ -73,7 +75,12 @@ class LivePreview {
         LivePreview* page;
     };
 
+    void TurnOn(DuiLib::CControlUI* sender);
+    void TurnOnWhenDeviceIsFree();
     void MakeCapture();
+    // Whether it runs, or is to run.
+    bool IsOn() const { return preview_ || opening_; }
+    void BeginOpening(DuiLib::CControlUI* sender);
     void Start(DuiLib::CControlUI* sender);
     void Open();
     // On another thread.
@@ -95,7 +102,8 @@ class LivePreview {
     void Stop();
     // Whether the capture gave its device back, and is released.
     static bool Release(Preview* capture);
-    void ReleaseLeft();
+    // Whether none is left.
+    bool ReleaseLeft();
     void ReleaseLeftLater() const;
     void ShowOff(DuiLib::CControlUI* previewSwitch);
     // By what it shows; a screen reader says so.

@@ -102,6 +102,9 @@ STDMETHODIMP Direct3DDouble::CreateDevice(UINT adapter, D3DDEVTYPE type, HWND wi
     }
     WriteSize(parameters, size);
     State().seen.backBuffer = size;
+    if (State().seen.devicesAlive > 0) {
+        Violations::Add("CreateDevice while there is a device");
+    }
     ++State().seen.devices;
     ++State().seen.devicesAlive;
     *device = new DeviceDouble(number_, window, size);
@@ -146,6 +149,7 @@ STDMETHODIMP_(ULONG) DeviceDouble::Release() {
         }
         const std::scoped_lock lock(State().mutex);
         --State().seen.devicesAlive;
+        State().seen.releasesWithoutWindow += IsWindow(window_) ? 0 : 1;
     }
     delete this;
     return 0;

@@ -10,6 +10,7 @@
 //     locking seem to work; CreateDevice is not available meanwhile
 //   - two calls at once, also from within a message that a call sends, are a broken rule: the device is not made for
 //     several threads
+//   - one device at a time: of two the older one's release may never come back
 //   - no device on a window without a client area; a back buffer of no size takes the window's; what is drawn beyond
 //     the back buffer fails
 // Threads: any; everything is guarded by one mutex, which no call of the outside is made under.
@@ -50,8 +51,9 @@ struct GraphicsSeen {
     int objectsAlive = 0;
     int devices = 0;  // made
     int devicesAlive = 0;
-    int refusals = 0;  // of CreateDevice
-    int chains = 0;    // made
+    int refusals = 0;               // of CreateDevice
+    int releasesWithoutWindow = 0;  // of a device whose window had gone
+    int chains = 0;                 // made
     int chainsAlive = 0;
     int resets = 0;        // that worked
     int failedResets = 0;  // Reset, not TestCooperativeLevel

@@ -4,6 +4,7 @@
 
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "preview/CameraSystem.h"
 #include "preview/Direct3DSystem.h"
@@ -95,6 +96,27 @@ TEST_F(GraphicsDoubleTest, ADeviceIsMadeOnTheWindowsThread) {
     EXPECT_THAT(Violations::Take(), ElementsAre("CreateDevice on another thread than the window's"));
     ComRelease(device_);
     Violations::Take();
+}
+
+TEST_F(GraphicsDoubleTest, ThereIsOneDevice) {
+    ASSERT_EQ(Make(), S_OK);
+    IDirect3DDevice9* first = std::exchange(device_, nullptr);
+    ASSERT_EQ(Make(), S_OK);
+    EXPECT_THAT(Violations::Take(), ElementsAre("CreateDevice while there is a device"));
+    ComRelease(first);
+    ComRelease(device_);
+    ASSERT_EQ(Make(), S_OK);
+    EXPECT_THAT(Violations::Take(), IsEmpty());
+}
+
+TEST_F(GraphicsDoubleTest, ADeviceThatOutlivesItsWindowIsCounted) {
+    ASSERT_EQ(Make(), S_OK);
+    ComRelease(device_);
+    EXPECT_EQ(Graphics::Seen().releasesWithoutWindow, 0);
+    ASSERT_EQ(Make(), S_OK);
+    DestroyWindow(window_.Get());
+    ComRelease(device_);
+    EXPECT_EQ(Graphics::Seen().releasesWithoutWindow, 1);
 }
 
 TEST_F(GraphicsDoubleTest, ALostDeviceTellsSoOnlyWhereItDoes) {

@@ -445,6 +445,7 @@ class HangingDeviceTest : public LivePreviewTest {
         ChangeGraphics([](GraphicsScript& script) { script.withinPresent = nullptr; });
         gate_.Open();
         EXPECT_TRUE(Wait([] { return Graphics::Seen().devicesAlive == 0; })) << "it is released later";
+        EXPECT_EQ(Graphics::Seen().devices, 1) << "of two devices the older one's release may never come back";
         LivePreviewTest::TearDown();
     }
 
@@ -462,8 +463,44 @@ TEST_F(HangingDeviceTest, TheSwitchTurnsItOff) {
 TEST_F(HangingDeviceTest, TheLockFreesTheCamera) {
     Lock();
     EXPECT_TRUE(IsCameraFree());
-    EXPECT_EQ(PreviewWindow(), nullptr);
+    ExpectOff();
+    EXPECT_NE(PreviewWindow(), nullptr) << "a device must not outlive its window";
+}
+
+TEST_F(HangingDeviceTest, TheLockEndsAStartThatWaitsForIt) {
+    Press(L"preview_switch");
+    Press(L"preview_switch");
+    EXPECT_TRUE(IsOn());
+    Lock();
+    ExpectOff();
+}
+
+TEST_F(HangingDeviceTest, AnErrorEndsAStartThatWaitsForIt) {
+    Press(L"preview_switch");
+    Press(L"preview_switch");
+    WakesUp();  // a capture would be opened again
+    Tell(E_FAIL);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(HangingDeviceTest, WhileItHangsThereIsNoOther) {
+    Press(L"preview_switch");
+    Expect("[L4] the graphics device is still busy(HomePage::CreateMF)");
+    EXPECT_EQ(Page().CreateMF(PreviewWindow(), Host().GetHWND()), 0);
+    EXPECT_EQ(Graphics::Seen().devices, 1);
     EXPECT_FALSE(IsOn());
+}
+
+TEST_F(HangingDeviceTest, AStartThatWaitsForTooLongIsGivenUp) {
+    Press(L"preview_switch");
+    Expect("[L4] the camera does not open(LivePreview::GiveUpOpening)");
+    const ULONGLONG begin = GetTickCount64();
+    Press(L"preview_switch");
+    EXPECT_TRUE(WaitForMessage());
+    EXPECT_GE(GetTickCount64() - begin, 9'900U);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
 }
 
 TEST_F(HangingDeviceTest, TheRuleOfTheSilentCameraEndsIt) {
@@ -482,6 +519,45 @@ TEST_F(HangingDeviceTest, ItsWindowMayGo) {
     DestroyWindow(PreviewWindow());
     EXPECT_TRUE(IsCameraFree());
     EXPECT_TRUE(Input::TakeQuit());
+}
+
+TEST_F(LivePreviewTest, TheNextStartWaitsForADeviceThatHangs) {
+    TurnOn();
+    Gate gate;
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    Press(L"preview_switch");
+    ChangeGraphics([](GraphicsScript& script) { script.withinPresent = nullptr; });
+    Press(L"preview_switch");
+    EXPECT_TRUE(IsOn()) << "drawn on at once";
+    EXPECT_FALSE(CanBeClicked());
+    gate.Open();
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(FramesCome());
+    EXPECT_TRUE(IsOn());
+    EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
+    EXPECT_EQ(Graphics::Seen().devices, 2);
+    EXPECT_EQ(Graphics::Seen().devicesAlive, 1);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(LivePreviewTest, ADeviceThatIsRefusedAfterTheWaitLeavesTheSwitchOff) {
+    TurnOn();
+    Gate gate;
+    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
+    ASSERT_TRUE(gate.WaitUntilReached());
+    Press(L"preview_switch");
+    ChangeGraphics([](GraphicsScript& script) {
+        script.withinPresent = nullptr;
+        script.createDevice = D3DERR_NOTAVAILABLE;
+    });
+    Press(L"preview_switch");
+    Expect("[L4] Preview::CreateInstance failed.-2005530518(HomePage::CreateMF)");
+    Expect("[L4] Init g_pPreview error(HomePage::ClickPreview)");
+    gate.Open();
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    ExpectOff();
+    EXPECT_EQ(Graphics::Seen().boxes.size(), 1U);
 }
 
 TEST_F(LivePreviewTest, ThePageMayGoWhileTheDeviceHangs) {
