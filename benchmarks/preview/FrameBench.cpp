@@ -20,6 +20,7 @@ extern "C" {
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -163,9 +164,10 @@ void Run(const Case& item, int width, int height, int rounds, bool cold) {
 
     contestants.push_back({"touch", [&] { Touch(source, frame); }, {}});
 
+    std::minstd_rand random;
     for (int round = 0; round < rounds; ++round) {
-        // Another one begins each time: none of them always runs on the caches that the same neighbour left.
-        std::rotate(contestants.begin(), contestants.begin() + 1, contestants.end());
+        // In another order each time: who always runs after the same neighbour finds what that one left in the caches.
+        std::shuffle(contestants.begin(), contestants.end(), random);
         for (Contestant& contestant : contestants) {
             if (cold) {
                 FlushCaches();

@@ -558,6 +558,8 @@ TEST_F(LivePreviewTest, ADeviceThatIsRefusedAfterTheWaitLeavesTheSwitchOff) {
     EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
     ExpectOff();
     EXPECT_EQ(Graphics::Seen().boxes.size(), 1U);
+    ChangeGraphics([](GraphicsScript& script) { script.createDevice = S_OK; });
+    TurnOn();
 }
 
 TEST_F(LivePreviewTest, ThePageMayGoWhileTheDeviceHangs) {
