@@ -329,6 +329,34 @@ TEST_F(SoakTest, StandsRandomUseWithoutGrowing) {
     program_->Screenshot(L"soak-end");
 }
 
+// Random clicks open a page too seldom to show what each opening leaves behind. Something that is made once may come
+// within one block of openings, a leak does in each.
+TEST_F(SoakTest, OpenedPagesLeaveNothingBehind) {
+    constexpr int kBlocks = 4;
+    constexpr int kTimes = 3;
+    ProcessFootprint before;
+    ProcessFootprint after;
+    const auto isFlat = [&] {
+        return after.gdiObjects < before.gdiObjects + kTimes && after.handles < before.handles + kTimes &&
+               after.regions < before.regions + kTimes + RegionsKept(2 * kTimes);
+    };
+    ASSERT_NO_FATAL_FAILURE(Measure(after));
+    EXPECT_GT(after.gdiObjects, 0);
+    for (int block = 0; block < kBlocks; ++block) {
+        before = after;
+        for (int i = 0; i < kTimes; ++i) {
+            program_->Click(L"show_detail_btn");
+            ASSERT_TRUE(program_->WaitFor(L"back_btn"));
+            program_->Click(L"back_btn");
+            ASSERT_TRUE(program_->WaitFor(L"show_detail_btn"));
+        }
+        ASSERT_NO_FATAL_FAILURE(Measure(after));
+        if (isFlat())
+            break;
+    }
+    EXPECT_TRUE(isFlat()) << before.Text() << "; after " << kTimes << " openings: " << after.Text();
+}
+
 TEST_F(SoakTest, StandsItsNeighboursWithoutGrowing) {
     namespace fs = std::filesystem;
     // What the neighbours cause is told, as it should be.
