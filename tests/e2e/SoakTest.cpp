@@ -52,7 +52,7 @@ ProcessFootprint LeastFrom(const std::vector<ProcessFootprint>& looks, int first
 constexpr std::size_t kMoreBytes = 16u << 20;
 constexpr int kMoreHandles = 40;
 constexpr int kMoreThreads = 6;
-constexpr int kMoreGdiObjects = 20;
+constexpr int kMoreGdiObjects = 30;
 constexpr int kMoreRegions = 10;
 
 constexpr int kScales[] = {192, 144, 120, 96};
