@@ -57,7 +57,6 @@ bool PreviewWindow::Create(HWND owner, HINSTANCE instance) {
     SetLayeredWindowAttributes(window_, 0, 0, LWA_ALPHA);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
-    ShowWindow(window_, SW_HIDE);
     AskForRemovals();
     return true;
 }
@@ -86,8 +85,6 @@ void PreviewWindow::Place(int dpi, bool areaShown) {
     if (!window_)
         return;
     const bool visible = shown_ && areaShown && IsWindowVisible(owner_) && !IsIconic(owner_);
-    if (!visible)
-        ShowWindow(window_, SW_HIDE);
     POINT origin = {Scale(kOffsetDip, dpi), Scale(kOffsetDip, dpi)};
     ClientToScreen(owner_, &origin);
     RECT before = {};
@@ -98,15 +95,19 @@ void PreviewWindow::Place(int dpi, bool areaShown) {
     SetWindowPos(window_, nullptr, origin.x, origin.y, size.cx, size.cy,
                  SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_NOACTIVATE | keep);
     if (before.right - before.left != size.cx || before.bottom - before.top != size.cy) {
-        // The window takes the region over.
+        // The window takes the region over. The first time it is visible, and transparent: not every system cuts a
+        // window that is hidden, nor one for which a graphics device has been made.
         SetWindowRgn(
             window_,
             CreateRoundRectRgn(Scale(kRegionDip.left, dpi), Scale(kRegionDip.top, dpi), Scale(kRegionDip.right, dpi),
                                Scale(kRegionDip.bottom, dpi), kCornerPx, kCornerPx),
             TRUE);
     }
-    if (visible)
+    if (visible) {
         Raise();
+    } else {
+        ShowWindow(window_, SW_HIDE);
+    }
 }
 
 // Not every system lifts an owned window together with its owner, or shows it where it was in the order.

@@ -24,7 +24,8 @@ class PreviewWindow {
     PreviewWindow(const PreviewWindow&) = delete;
     PreviewWindow& operator=(const PreviewWindow&) = delete;
 
-    // Makes the window, hidden and fully transparent; nothing when there is one. False: the system refused.
+    // Makes the window, fully transparent and without a size; nothing when there is one. It is to be placed before a
+    // graphics device is made for it. False: the system refused.
     [[nodiscard]] bool Create(HWND owner, HINSTANCE instance);
     // The window goes without ending the program.
     void Destroy();

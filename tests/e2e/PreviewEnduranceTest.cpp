@@ -89,7 +89,7 @@ class PreviewEnduranceTest : public testing::Test {
         EXPECT_LE(last.residentBytes, warm.residentBytes + moreBytes);
         EXPECT_LE(last.handles, warm.handles + kMoreHandles);
         EXPECT_LE(last.threads, warm.threads + kMoreThreads);
-        EXPECT_LE(last.gdiObjects, warm.gdiObjects + kMoreGdiObjects);
+        EXPECT_LE(last.gdiObjects + last.regions, warm.gdiObjects + warm.regions + kMoreGdiObjects);
     }
 
     std::optional<Program> program_;

@@ -66,10 +66,30 @@ class PreviewTest : public testing::Test {
         program_.emplace();
         ASSERT_TRUE(program_->WaitForWindow());
     }
-    void OpenWithPicture(const std::wstring& camera = {}) {
-        Open(camera);
+    // On a screen of that scale. Some systems read it only when the desktop is made: there the window is told as if it
+    // had come to such a screen.
+    void OpenAtScale(int dpi, const std::wstring& camera) {
+        dpi_ = dpi;
+        const DWORD value = static_cast<DWORD>(dpi);
+        RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
+        ASSERT_NO_FATAL_FAILURE(Open(camera));
+        const auto width = [this] {
+            RECT client = {};
+            GetClientRect(Main(), &client);
+            return client.right;
+        };
+        const LONG wanted = 1040 * dpi / 96;
+        if (width() != wanted)
+            program_->SetScale(dpi);
+        ASSERT_EQ(width(), wanted);
+    }
+    void TurnOn() {
         program_->Click(L"preview_switch");
         ASSERT_TRUE(ShowsPicture());
+    }
+    void OpenWithPicture(const std::wstring& camera = {}) {
+        ASSERT_NO_FATAL_FAILURE(Open(camera));
+        TurnOn();
     }
 
     HWND Main() const { return program_->Window(); }
@@ -186,11 +206,9 @@ INSTANTIATE_TEST_SUITE_P(All, PreviewInFormat, testing::Values(L"rgb32", L"rgb24
 class PreviewAtScale : public PreviewTest, public testing::WithParamInterface<int> {};
 
 TEST_P(PreviewAtScale, FillsTheAreaAndNothingElse) {
-    dpi_ = GetParam();
     PIXORA_WINE_ONLY("the scale of the screen is the user's");
-    const DWORD value = static_cast<DWORD>(dpi_);
-    RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
-    OpenWithPicture(L"size=1280x720");
+    ASSERT_NO_FATAL_FAILURE(OpenAtScale(GetParam(), L"size=1280x720"));
+    ASSERT_NO_FATAL_FAILURE(TurnOn());
     EXPECT_TRUE(IsPlaced());
     const RECT area = program_->ClientRect(L"preview_wnd");
     EXPECT_EQ(area.left, 80 * dpi_ / 96);
@@ -257,10 +275,7 @@ class PreviewPixels : public PreviewTest, public testing::WithParamInterface<std
 
 TEST_P(PreviewPixels, AreTheCamerasOwn) {
     const auto& [dpi, name] = GetParam();
-    dpi_ = dpi;
     PIXORA_WINE_ONLY("the scale of the screen is the user's");
-    const DWORD value = static_cast<DWORD>(dpi_);
-    RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &value, sizeof value);
     static const std::map<std::wstring, std::pair<democamera::CameraFormat, preview::PixelFormat>> kFormats = {
         {L"rgb32", {democamera::CameraFormat::kRgb32, preview::PixelFormat::kRgb32}},
         {L"rgb24", {democamera::CameraFormat::kRgb24, preview::PixelFormat::kRgb24}},
@@ -269,10 +284,10 @@ TEST_P(PreviewPixels, AreTheCamerasOwn) {
     const auto& [encoded, decoded] = kFormats.at(name);
     democamera::CameraMode mode;
     mode.format = encoded;
-    mode.width = static_cast<std::uint32_t>(598 * dpi_ / 96 - 2);
-    mode.height = static_cast<std::uint32_t>(354 * dpi_ / 96 - 2);
-    Open(std::wstring(L"format=") + name + L" size=" + std::to_wstring(mode.width) + L"x" +
-         std::to_wstring(mode.height));
+    mode.width = static_cast<std::uint32_t>(598 * dpi / 96 - 2);
+    mode.height = static_cast<std::uint32_t>(354 * dpi / 96 - 2);
+    ASSERT_NO_FATAL_FAILURE(OpenAtScale(dpi, std::wstring(L"format=") + name + L" size=" + std::to_wstring(mode.width) +
+                                                 L"x" + std::to_wstring(mode.height)));
     program_->Click(L"preview_switch");
     const std::vector<DWORD> wanted = Wanted(mode, decoded);
     const RECT area = program_->ClientRect(L"preview_wnd");

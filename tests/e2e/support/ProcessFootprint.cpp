@@ -35,13 +35,16 @@ struct GdiEntry {
     std::uint16_t processId;
     std::uint16_t count;
     std::uint16_t upper;
-    std::uint16_t type;
+    std::uint8_t type;  // the kind of object in the lower five bits
+    std::uint8_t flags;
     std::uint64_t user;
 };
 constexpr auto kExtendedHandles = static_cast<SYSTEM_INFORMATION_CLASS>(64);
 constexpr LONG kBufferTooSmall = static_cast<LONG>(0xC0000004);
 constexpr std::size_t kGdiTableInPeb = 0xF8;
 constexpr std::size_t kGdiEntries = 65536;
+constexpr int kKindBits = 0x1F;
+constexpr int kRegion = 4;
 
 int CountHandles(DWORD processId) {
     std::vector<std::byte> buffer(1 << 20);
@@ -70,22 +73,22 @@ int CountThreads(DWORD processId) {
     return count;
 }
 
-int CountGdiObjects(HANDLE process) {
+void CountGdiObjects(HANDLE process, ProcessFootprint& result) {
     PROCESS_BASIC_INFORMATION basic = {};
     if (NtQueryInformationProcess(process, ProcessBasicInformation, &basic, sizeof(basic), nullptr) < 0)
-        return 0;
+        return;
     void* table = nullptr;
     std::vector<GdiEntry> entries(kGdiEntries);
     if (!ReadProcessMemory(process, reinterpret_cast<const char*>(basic.PebBaseAddress) + kGdiTableInPeb, &table,
                            sizeof(table), nullptr) ||
         !table || !ReadProcessMemory(process, table, entries.data(), entries.size() * sizeof(GdiEntry), nullptr)) {
-        return 0;
+        return;
     }
     const DWORD processId = GetProcessId(process);
-    int count = 0;
-    for (const GdiEntry& entry : entries)
-        count += entry.type != 0 && (entry.processId == 0 || entry.processId == static_cast<std::uint16_t>(processId));
-    return count;
+    for (const GdiEntry& entry : entries) {
+        if (entry.type != 0 && (entry.processId == 0 || entry.processId == static_cast<std::uint16_t>(processId)))
+            ++((entry.type & kKindBits) == kRegion ? result.regions : result.gdiObjects);
+    }
 }
 
 std::string FileText(const std::string& path) {
@@ -144,7 +147,8 @@ double ProcessorMs(HANDLE process) {
 
 std::string ProcessFootprint::Text() const {
     return std::to_string(residentBytes >> 10) + " KiB resident, " + std::to_string(handles) + " handles, " +
-           std::to_string(threads) + " threads, " + std::to_string(gdiObjects) + " GDI objects";
+           std::to_string(threads) + " threads, " + std::to_string(gdiObjects) + " GDI objects, " +
+           std::to_string(regions) + " regions";
 }
 
 ProcessFootprint FootprintOf(HANDLE process, DWORD processId) {
@@ -154,7 +158,7 @@ ProcessFootprint FootprintOf(HANDLE process, DWORD processId) {
         result.residentBytes = memory.WorkingSetSize;
     result.handles = CountHandles(processId);
     result.threads = CountThreads(processId);
-    result.gdiObjects = CountGdiObjects(process);
+    CountGdiObjects(process, result);
     return result;
 }
 

@@ -11,7 +11,8 @@ struct ProcessFootprint {
     std::size_t residentBytes = 0;
     int handles = 0;
     int threads = 0;
-    int gdiObjects = 0;
+    int gdiObjects = 0;  // without the regions, of which some systems keep what no program holds any more
+    int regions = 0;
 
     std::string Text() const;
 };

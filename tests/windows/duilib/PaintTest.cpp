@@ -1,9 +1,8 @@
 // What a paint manager paints when, and what reaches the screen.
-#include <algorithm>
-
 #include "DuiLib/ContainerUI.h"
 #include "TestWindow.h"
 #include "paint/Canvas.h"
+#include "tests/support/ShapedWindows.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -120,25 +119,6 @@ TEST_F(WindowPainting, PrintsTheWholeWindowIntoAnotherContext) {
     ReleaseDC(nullptr, screen);
 }
 
-// The objects that the system keeps of so many plain windows that were shown in a shape: none, but Wine 10 a region of
-// each.
-int KeptByTheSystem(int windows) {
-    const auto round = [] {
-        const HWND window =
-            CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 300, 100, nullptr, nullptr, nullptr, nullptr);
-        SetWindowRgn(window, CreateRoundRectRgn(0, 0, 300, 100, 8, 8), TRUE);
-        ShowWindow(window, SW_SHOWNOACTIVATE);
-        PumpPending();
-        DestroyWindow(window);
-    };
-    round();
-    const int before = GdiObjectCount();
-    for (int i = 0; i < windows; ++i) {
-        round();
-    }
-    return std::max(0, GdiObjectCount() - before);
-}
-
 TEST_F(WindowPainting, ManyWindowsLeaveNoObjectsBehind) {
     constexpr int kWindows = 25;
     const auto round = [] {
@@ -150,7 +130,7 @@ TEST_F(WindowPainting, ManyWindowsLeaveNoObjectsBehind) {
         other.PaintManager().SetDPI(144);
         PumpPending();
     };
-    const int kept = KeptByTheSystem(kWindows);
+    const int kept = harness::RegionsKeptByTheSystem(kWindows);
     round();
     const int before = GdiObjectCount();
     ASSERT_GT(before, 0);

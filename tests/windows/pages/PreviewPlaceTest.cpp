@@ -1,5 +1,6 @@
 // Where the preview's window stands, at each scale: whole numbers, multiplied before they are divided.
 #include "pages/PreviewWindow.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/Screen.h"
 
@@ -43,6 +44,31 @@ TEST_P(PreviewPlaceTest, AreThoseOfTheScale) {
 }
 
 class PreviewWindowTest : public PageTest {};
+
+HWND g_cut = nullptr;
+bool g_wasVisible = false;
+BYTE g_alpha = 255;
+
+int WINAPI Cut(HWND window, HRGN region, BOOL) {
+    g_cut = window;
+    g_wasVisible = IsWindowVisible(window) != FALSE;
+    GetLayeredWindowAttributes(window, nullptr, &g_alpha, nullptr);
+    DeleteObject(region);
+    return TRUE;
+}
+
+// A system may give a window its shape only while it is visible and has no graphics device: then the picture would be
+// seen all over it.
+TEST_F(PreviewWindowTest, ItIsCutWhileItIsVisibleAndTransparent) {
+    const harness::ImportHook hook(nullptr, "SetWindowRgn", &Cut);
+    PreviewWindow preview({});
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    preview.Place(96, true);
+    EXPECT_EQ(g_cut, preview.Get());
+    EXPECT_TRUE(g_wasVisible);
+    EXPECT_EQ(g_alpha, 0);
+    EXPECT_FALSE(IsWindowVisible(preview.Get()));
+}
 
 TEST_F(PreviewWindowTest, AnExceptionStaysWithinIt) {
     harness::TestLog::Expect("[L4] unexpected exception: of a tick(PreviewWindow::Procedure)");
