@@ -124,6 +124,9 @@ TEST_F(HomePageGalleryTest, AVideoHasABadge) {
     EXPECT_EQ(badge.Width(), 12);
     EXPECT_EQ(badge.Height(), 12);
     EXPECT_EQ(badge.Intersect(item), badge);
+    // A click on it is one on the entry.
+    const POINT middle = {(badge.left + badge.right) / 2, (badge.top + badge.bottom) / 2};
+    EXPECT_EQ(Manager().FindControl(middle), &Control(Name(0)));
 }
 
 TEST_F(HomePageGalleryTest, AnItemsPartsLieWithinIt) {
