@@ -3,6 +3,7 @@
 
 #include <oleacc.h>
 
+#include <array>
 #include <map>
 #include <stdexcept>
 
@@ -133,6 +134,31 @@ TEST_F(Accessibility, AskedForNothingItSaysSo) {
     void* other = &children;
     EXPECT_EQ(children->QueryInterface(IID_IAccessible, &other), E_NOINTERFACE);
     EXPECT_EQ(other, nullptr);
+    children->Release();
+}
+
+TEST_F(Accessibility, TheListIsWalkedAndSkippedThrough) {
+    IEnumVARIANT* children = nullptr;
+    ASSERT_EQ(object->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(&children)), S_OK);
+    std::array<VARIANT, 12> items{};
+    ULONG fetched = 0;
+    EXPECT_EQ(children->Next(3, items.data(), &fetched), S_OK);
+    EXPECT_EQ(fetched, 3u);
+    EXPECT_EQ(items[2].lVal, ids[L"icon"]);
+    EXPECT_EQ(children->Skip(2), S_OK);
+    EXPECT_EQ(children->Next(1, items.data(), nullptr), S_OK);
+    EXPECT_EQ(items[0].lVal, ids[L"two"]);
+    EXPECT_EQ(children->Next(12, items.data(), &fetched), S_FALSE) << "there are two more";
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(items[1].lVal, ids[L"text"]);
+    EXPECT_EQ(children->Skip(1), S_FALSE);
+    EXPECT_EQ(children->Reset(), S_OK);
+    EXPECT_EQ(children->Skip(8), S_OK) << "to the end";
+    EXPECT_EQ(children->Next(1, items.data(), &fetched), S_FALSE);
+    children->Reset();
+    EXPECT_EQ(children->Skip(9), S_FALSE);
+    EXPECT_EQ(children->Next(1, items.data(), &fetched), S_FALSE);
+    EXPECT_EQ(fetched, 0u);
     children->Release();
 }
 
