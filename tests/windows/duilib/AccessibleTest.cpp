@@ -180,6 +180,7 @@ TEST_F(Accessibility, FocusIsTold) {
     EXPECT_EQ(focus.lVal, ids[L"slider"]);
     EXPECT_NE(State(L"slider") & STATE_SYSTEM_FOCUSED, 0);
     EXPECT_EQ(object->accSelect(SELFLAG_TAKEFOCUS, Id(ids[L"off"])), S_FALSE);
+    EXPECT_EQ(object->accSelect(SELFLAG_TAKESELECTION, Id(ids[L"ok"])), E_INVALIDARG) << "a button is not selected";
 }
 
 TEST_F(Accessibility, PlaceAndHitTestAgree) {

@@ -76,6 +76,10 @@ TEST_P(Buttons, ImagesMayBeExchanged) {
     EXPECT_EQ(button.GetNormalImage(), L"file='yellow.png' reverse='true'");
     button.SetNormalImage(L"");
     EXPECT_EQ(Look(window, L"b"), kWhite);
+    button.SetPushedImage(L"grey.png");
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"b"), MK_LBUTTON);
+    EXPECT_EQ(Look(window, L"b"), kGrey);
+    window.Mouse(WM_LBUTTONUP, window.CenterOf(L"b"));
 }
 
 TEST_P(Buttons, BackgroundsFollowTheState) {

@@ -146,6 +146,11 @@ TEST_P(Texts, ALinkIsFollowedByAClick) {
     window.Mouse(WM_LBUTTONUP, {links.right - Px(4), Middle(links).y});
     EXPECT_EQ(followed.size(), 2u);
     EXPECT_EQ(window.PaintManager().GetCapture(), nullptr);
+    // Nor is one whose press has been taken away.
+    window.Mouse(WM_LBUTTONDOWN, {links.left + Px(4), Middle(links).y}, MK_LBUTTON);
+    window.PaintManager().CancelCapture();
+    window.Mouse(WM_LBUTTONUP, {links.left + Px(4), Middle(links).y});
+    EXPECT_EQ(followed.size(), 2u);
 }
 
 TEST_P(Texts, ATextWithALinkIsToldAsOne) {
