@@ -3,6 +3,7 @@
 
 #include <oleacc.h>
 
+#include <array>
 #include <map>
 #include <stdexcept>
 
@@ -136,6 +137,31 @@ TEST_F(Accessibility, AskedForNothingItSaysSo) {
     children->Release();
 }
 
+TEST_F(Accessibility, TheListIsWalkedAndSkippedThrough) {
+    IEnumVARIANT* children = nullptr;
+    ASSERT_EQ(object->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(&children)), S_OK);
+    std::array<VARIANT, 12> items{};
+    ULONG fetched = 0;
+    EXPECT_EQ(children->Next(3, items.data(), &fetched), S_OK);
+    EXPECT_EQ(fetched, 3u);
+    EXPECT_EQ(items[2].lVal, ids[L"icon"]);
+    EXPECT_EQ(children->Skip(2), S_OK);
+    EXPECT_EQ(children->Next(1, items.data(), nullptr), S_OK);
+    EXPECT_EQ(items[0].lVal, ids[L"two"]);
+    EXPECT_EQ(children->Next(12, items.data(), &fetched), S_FALSE) << "there are two more";
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(items[1].lVal, ids[L"text"]);
+    EXPECT_EQ(children->Skip(1), S_FALSE);
+    EXPECT_EQ(children->Reset(), S_OK);
+    EXPECT_EQ(children->Skip(8), S_OK) << "to the end";
+    EXPECT_EQ(children->Next(1, items.data(), &fetched), S_FALSE);
+    children->Reset();
+    EXPECT_EQ(children->Skip(9), S_FALSE);
+    EXPECT_EQ(children->Next(1, items.data(), &fetched), S_FALSE);
+    EXPECT_EQ(fetched, 0u);
+    children->Release();
+}
+
 TEST_F(Accessibility, States) {
     EXPECT_NE(State(L"off") & STATE_SYSTEM_UNAVAILABLE, 0);
     EXPECT_EQ(State(L"ok") & STATE_SYSTEM_UNAVAILABLE, 0);
@@ -154,6 +180,7 @@ TEST_F(Accessibility, FocusIsTold) {
     EXPECT_EQ(focus.lVal, ids[L"slider"]);
     EXPECT_NE(State(L"slider") & STATE_SYSTEM_FOCUSED, 0);
     EXPECT_EQ(object->accSelect(SELFLAG_TAKEFOCUS, Id(ids[L"off"])), S_FALSE);
+    EXPECT_EQ(object->accSelect(SELFLAG_TAKESELECTION, Id(ids[L"ok"])), E_INVALIDARG) << "a button is not selected";
 }
 
 TEST_F(Accessibility, PlaceAndHitTestAgree) {

@@ -76,6 +76,10 @@ TEST_P(Buttons, ImagesMayBeExchanged) {
     EXPECT_EQ(button.GetNormalImage(), L"file='yellow.png' reverse='true'");
     button.SetNormalImage(L"");
     EXPECT_EQ(Look(window, L"b"), kWhite);
+    button.SetPushedImage(L"grey.png");
+    window.Mouse(WM_LBUTTONDOWN, window.CenterOf(L"b"), MK_LBUTTON);
+    EXPECT_EQ(Look(window, L"b"), kGrey);
+    window.Mouse(WM_LBUTTONUP, window.CenterOf(L"b"));
 }
 
 TEST_P(Buttons, BackgroundsFollowTheState) {
@@ -179,6 +183,9 @@ TEST_F(ButtonInput, SpaceAndEnterPress) {
     EXPECT_FALSE(window.Got(L"click b"));
     window.SendMessage(WM_KEYUP, VK_SPACE, static_cast<LPARAM>(0xC0000001));
     EXPECT_EQ(window.Count(L"click b"), 1);
+    EXPECT_EQ(window.Find(L"b").GetState() & kStatePushed, 0u);
+    window.SendMessage(WM_KEYUP, VK_SPACE, static_cast<LPARAM>(0xC0000001));
+    EXPECT_EQ(window.Count(L"click b"), 1) << "let go here, pressed elsewhere";
     window.Key(VK_RETURN);
     EXPECT_EQ(window.Count(L"click b"), 2);
 }
@@ -265,6 +272,18 @@ TEST_F(ButtonInput, LeftForAnotherAWalkedOptionIsClickedAtOnce) {
     EXPECT_TRUE(PumpUntil([&] { return Selected(L"o2"); }));
     EXPECT_EQ(window.Count(L"click o2"), 1);
     SetHeld(VK_DOWN, false);
+}
+
+TEST_F(ButtonInput, AWalkThatHasRestedIsOver) {
+    window.PaintManager().SetFocus(&window.Find(L"o1"), true);
+    window.Key(VK_DOWN);
+    window.Find<COptionUI>(L"o2").SetSelected(true);
+    RunUntilAfter(300);
+    window.Find<COptionUI>(L"o1").SetSelected(true);
+    window.PaintManager().SetFocus(&window.Find(L"b"), true);
+    RunUntilAfter(10);
+    EXPECT_EQ(window.Count(L"click o2"), 0);
+    EXPECT_TRUE(Selected(L"o1"));
 }
 
 TEST_F(ButtonInput, AClickEndsAWalk) {

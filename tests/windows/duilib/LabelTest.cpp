@@ -149,6 +149,21 @@ TEST_P(Label, ALongWordIsBrokenAndLinesThatDoNotFitEndWithAnEllipsis) {
     EXPECT_LE(dots.Height(), Px(4));
 }
 
+// As much of the last line as fits, and the first line where none does.
+TEST_P(Label, WhatIsCutOffIsAsLittleAsCanBe) {
+    const auto look = [&](const wchar_t* place, const Rect& within) {
+        TestWindow window(Layout(R"(wordwrap="true" valign="top" endellipsis="true")"));
+        window.Find(L"x").SetAttribute(L"pos", place);
+        window.Find(L"x").SetText(std::wstring(120, L'n'));
+        const Picture picture = Render(window, Dpi());
+        return picture.InkWithin({Px(within.left), Px(within.top), Px(within.right), Px(within.bottom)}, kWhite);
+    };
+    const Rect second = look(L"0,0,200,40", {0, 21, 220, 60});
+    EXPECT_GT(second.right, Px(185));
+    EXPECT_LE(second.right, Px(200));
+    EXPECT_GT(look(L"0,0,200,12", {0, 0, 220, 60}).right, Px(185)) << "too low for a line";
+}
+
 TEST_P(Label, ColoursFollowTheState) {
     const auto darkest = [&](const std::string& attributes) {
         TestWindow window(Layout(R"(font="7" text="HHHH" )" + attributes));
@@ -185,6 +200,9 @@ TEST_P(Label, ChangesAreSeenAtOnceAndEqualValuesRepaintNothing) {
     label.SetFont(-1);
     EXPECT_FALSE(isDirty());
     label.SetTextColor(0xFF0000FF);
+    EXPECT_TRUE(isDirty());
+    ASSERT_TRUE(PumpUntil([&] { return !isDirty(); }));
+    label.SetAttribute(L"align", L"right");
     EXPECT_TRUE(isDirty());
 }
 
@@ -238,6 +256,7 @@ TEST(LabelAccess, IsTextWithANameOrNothing) {
                          <Label name="c" tooltip="Tip"/></VerticalLayout></Window>)");
     EXPECT_EQ(window.Find(L"a").GetAccessibleInfo().name, L"Hello");
     EXPECT_EQ(window.Find(L"a").GetAccessibleInfo().role, ROLE_SYSTEM_STATICTEXT);
+    EXPECT_NE(window.Find(L"a").GetAccessibleInfo().state & STATE_SYSTEM_READONLY, 0u);
     EXPECT_EQ(window.Find(L"b").GetAccessibleInfo().role, 0);
     EXPECT_EQ(window.Find(L"c").GetAccessibleInfo().name, L"Tip");
 }

@@ -144,6 +144,37 @@ TEST_F(Layout, TileTakesAsManyColumnsAsFitAndTheLargestChildAsCell) {
     EXPECT_EQ(Pos(L"rest").top, 60);
 }
 
+TEST_F(Layout, TilePutsAChildsPaddingIntoItsCell) {
+    Load(R"(<VerticalLayout><TileLayout name="t" height="auto" columns="2" rowpadding="0" childpadding="6">
+        <Control name="a" width="40" height="20" padding="1,2,4,8"/><Control name="b" width="40" height="20"/>
+        <Control name="c" width="40" height="20"/></TileLayout><Control name="rest"/></VerticalLayout>)");
+    EXPECT_EQ(Pos(L"a"), (Rect{1, 2, 41, 22}));
+    EXPECT_EQ(Pos(L"b").left, 51);
+    EXPECT_EQ(Pos(L"c").top, 30) << "no padding between the rows";
+    EXPECT_EQ(Pos(L"rest").top, 60);
+}
+
+TEST_F(Layout, TileMeasuresWhatIsNotGiven) {
+    Load(R"(<VerticalLayout><TileLayout height="auto" itemsize="60,0"><Control name="a" width="40" height="20"/>
+        <Control name="b" width="40" height="1"/></TileLayout><TileLayout height="auto" itemsize="0,1">
+        <Control width="40" height="20"/><Control name="c" width="30" height="20"/></TileLayout>
+        <Control name="rest"/></VerticalLayout>)");
+    EXPECT_EQ(Pos(L"b"), (Rect{60, 0, 100, 1}));
+    EXPECT_EQ(Pos(L"c"), (Rect{40, 20, 70, 40}));
+    EXPECT_EQ(Pos(L"rest").top, 21);
+}
+
+// What a text may be wide in its cell is what its padding leaves.
+TEST_F(Layout, TileMeasuresATextWithinItsPadding) {
+    Load(R"(<VerticalLayout><TileLayout height="auto" columns="4"><Label name="text" height="auto" wordwrap="true"
+        padding="30,0,20,0" text="some words that need several lines"/></TileLayout>
+        <Label name="alone" width="50" height="auto" wordwrap="true" text="some words that need several lines"/>
+        </VerticalLayout>)");
+    EXPECT_EQ(Pos(L"text").Width(), 50);
+    EXPECT_EQ(Pos(L"text").Height(), Pos(L"alone").Height());
+    EXPECT_EQ(Pos(L"alone").top, Pos(L"text").bottom);
+}
+
 TEST_F(Layout, TileSharesARowAmongFillCells) {
     Load(R"(<TileLayout columns="3" childpadding="5" ><Control name="a" height="20"/><Control name="b" height="20"/>
         <Control name="c" height="20"/></TileLayout>)");

@@ -1,7 +1,7 @@
 // Containers that scroll: bars, wheel, keys, focus.
 #include "DuiLib/Layouts.h"
 #include "DuiLib/UICulture.h"
-#include "TestWindow.h"
+#include "Rendering.h"
 
 namespace DuiLib::Test {
 namespace {
@@ -190,6 +190,31 @@ TEST_F(Scroll, BarsThatComeMoveAndGoAreRepainted) {
     }
 }
 
+TEST_F(Scroll, ABarBelowTheTopIsUsedAsOneAtTheTop) {
+    Load(R"(<Window size="300,300"><VerticalLayout><Control height="100"/><VerticalLayout name="list" vscrollbar="true">
+        <Button height="600"/></VerticalLayout></VerticalLayout></Window>)");
+    window->Mouse(WM_LBUTTONDOWN, {294, 130}, MK_LBUTTON);
+    window->Mouse(WM_LBUTTONUP, {294, 130});
+    EXPECT_EQ(Top(), 0) << "on the thumb";
+    window->Mouse(WM_LBUTTONDOWN, {294, 290}, MK_LBUTTON);
+    window->Mouse(WM_LBUTTONUP, {294, 290});
+    EXPECT_EQ(Top(), 200) << "below it";
+}
+
+TEST_F(Scroll, ASidewaysThumbIsAsLongAsWhatIsSeen) {
+    Load(R"(<Window size="300,200" bkcolor="#FFFFFFFF"><HorizontalLayout name="list" hscrollbar="true">
+        <Control width="400"/></HorizontalLayout></Window>)");
+    const auto thumb = [&] {
+        const Picture picture = Render(*window, USER_DEFAULT_SCREEN_DPI);
+        return picture.InkWithin({0, 0, 300, 200}, 0xFFFFFFFF);
+    };
+    EXPECT_NEAR(thumb().left, 0, 3);
+    EXPECT_NEAR(thumb().right, 225, 3);
+    list->SetScrollPos({100, 0});
+    EXPECT_NEAR(thumb().left, 75, 3);
+    EXPECT_NEAR(thumb().right, 300, 3);
+}
+
 TEST_F(Scroll, CaptureThatIsTakenAwayEndsTheDrag) {
     Load(kLayout);
     window->Mouse(WM_LBUTTONDOWN, {294, 30}, MK_LBUTTON);
@@ -294,6 +319,10 @@ TEST_F(Scroll, SidewaysInBothDirectionsOfWriting) {
     window->Mouse(WM_MOUSEMOVE, {299, 194}, MK_LBUTTON);
     window->Mouse(WM_LBUTTONUP, {299, 194});
     EXPECT_EQ(list->GetScrollPos().x, 0);
+    // The pixel at the right end is the first of its track.
+    window->Mouse(WM_LBUTTONDOWN, {299, 194}, MK_LBUTTON);
+    EXPECT_EQ(window->PaintManager().GetCapture(), list) << "it is the thumb's";
+    window->Mouse(WM_LBUTTONUP, {299, 194});
     window.reset();
     UICulture::GetInstance()->SelectLanguage(L"en_US", true);
 }

@@ -92,6 +92,38 @@ TEST_P(Bars, TheThumbStandsAtTheValue) {
     EXPECT_EQ(ThumbAt(), 220);
 }
 
+TEST_P(Bars, TheThumbStandsInTheMiddleOfItsHeight) {
+    const Picture picture = Render(window, Dpi());
+    const Rect& px = window.Find(L"s").GetPos();
+    int top = px.top, bottom = px.bottom;
+    while (top < bottom && picture.At({px.left + 1, top}) != kBlue) {
+        ++top;
+    }
+    while (top < bottom && picture.At({px.left + 1, bottom - 1}) != kBlue) {
+        --bottom;
+    }
+    ASSERT_LT(top, bottom);
+    EXPECT_NEAR(top - px.top, px.bottom - bottom, 1);
+}
+
+TEST_P(Bars, AThumbThatIsPressedHasALookOfItsOwnOrTheOneUnderThePointer) {
+    Render(window, Dpi());
+    const Point at{window.Find(L"s").GetPos().left + 2, window.CenterOf(L"s").y};
+    const auto press = [&] {
+        window.Mouse(WM_MOUSEMOVE, at);
+        window.Mouse(WM_LBUTTONDOWN, at, MK_LBUTTON);
+    };
+    press();
+    EXPECT_NE(ThumbAt(kYellow), -1) << "without one of its own";
+    window.Mouse(WM_LBUTTONUP, at);
+    WriteImage(L"thumbpushed.png", {4, 4}, std::vector<std::uint32_t>(16, 0xFF404040));
+    window.Find(L"s").SetAttribute(L"thumbpushedimage", L"thumbpushed.png");
+    EXPECT_NE(ThumbAt(kYellow), -1) << "not pressed";
+    press();
+    EXPECT_NE(ThumbAt(0xFF404040), -1);
+    window.Mouse(WM_LBUTTONUP, at);
+}
+
 TEST_P(Bars, RightToLeftTheLowEndIsOnTheRight) {
     const Direction direction(true);
     auto& slider = window.Find<CSliderUI>(L"s");

@@ -142,9 +142,25 @@ TEST_P(Texts, ALinkIsFollowedByAClick) {
     EXPECT_EQ(followed.size(), 2u);
     // Pressed on one and released on the other is no click.
     window.Mouse(WM_LBUTTONDOWN, {links.left + Px(4), Middle(links).y}, MK_LBUTTON);
+    EXPECT_EQ(window.PaintManager().GetCapture(), &text);
     window.Mouse(WM_LBUTTONUP, {links.right - Px(4), Middle(links).y});
     EXPECT_EQ(followed.size(), 2u);
     EXPECT_EQ(window.PaintManager().GetCapture(), nullptr);
+    // Nor is one whose press has been taken away.
+    window.Mouse(WM_LBUTTONDOWN, {links.left + Px(4), Middle(links).y}, MK_LBUTTON);
+    window.PaintManager().CancelCapture();
+    window.Mouse(WM_LBUTTONUP, {links.left + Px(4), Middle(links).y});
+    EXPECT_EQ(followed.size(), 2u);
+}
+
+TEST_P(Texts, ATextWithALinkIsToldAsOne) {
+    EXPECT_EQ(Text(L"none").GetAccessibleInfo().state & STATE_SYSTEM_LINKED, 0u);
+    EXPECT_NE(Text(L"<a href='https://one'>one</a>").GetAccessibleInfo().state & STATE_SYSTEM_LINKED, 0u);
+}
+
+TEST_P(Texts, AnAmpersandIsACharacterToo) {
+    Text(L"<a href='https://one'>&amp;</a>");
+    EXPECT_FALSE(InkOf(0xFF0000FF).IsEmpty());
 }
 
 TEST_P(Texts, ALinkUnderThePointerIsHot) {

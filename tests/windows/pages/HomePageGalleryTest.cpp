@@ -2,6 +2,7 @@
 #include "DuiLib/OptionUI.h"
 #include "pages/ContainerUIEx.h"
 #include "tests/windows/pages/PageTests.h"
+#include "tests/windows/support/HangingDecoder.h"
 #include "tests/windows/support/Screen.h"
 
 namespace {
@@ -123,6 +124,9 @@ TEST_F(HomePageGalleryTest, AVideoHasABadge) {
     EXPECT_EQ(badge.Width(), 12);
     EXPECT_EQ(badge.Height(), 12);
     EXPECT_EQ(badge.Intersect(item), badge);
+    // A click on it is one on the entry.
+    const POINT middle = {(badge.left + badge.right) / 2, (badge.top + badge.bottom) / 2};
+    EXPECT_EQ(Manager().FindControl(middle), &Control(Name(0)));
 }
 
 TEST_F(HomePageGalleryTest, AnItemsPartsLieWithinIt) {
@@ -316,6 +320,41 @@ TEST_F(HomePageGalleryTest, APictureComesWhenItHasBeenRead) {
     EXPECT_TRUE(Input::PumpUntil([&] { return colors() > plain + 20; }));
     EXPECT_TRUE(DeleteFileW(path.c_str())) << "the file is still open";
     EXPECT_TRUE(Page().DelBackgroudItem(14, path));
+    EXPECT_FALSE(Manager().HasImage(path));
+}
+
+TEST_F(HomePageGalleryTest, EachPictureComesTogetherWithOthersAndAfterThem) {
+    const std::wstring scene = ProgramFolder() + L"res\\drawable\\LumiCamera\\img_notora_camera.png";
+    const auto add = [&](int number) {
+        const std::wstring path = OwnFolder() + std::to_wstring(number) + L".png";
+        ASSERT_TRUE(CopyFileW(scene.c_str(), path.c_str(), FALSE)) << GetLastError();
+        Page().AddCustomItem(Name(number), path, false);
+    };
+    const auto comes = [&](int number) {
+        Manager().UpdateLayout();
+        return Input::PumpUntil(
+            [&] { return PaintedBy(Manager()).ColorsIn(Control(Name(number) + L"_bk").GetPos()) > 50; });
+    };
+    add(0);
+    add(1);
+    EXPECT_TRUE(comes(0));
+    EXPECT_TRUE(comes(1));
+    add(2);
+    EXPECT_TRUE(comes(2));
+}
+
+TEST_F(HomePageGalleryTest, APictureThatComesWhenItsPageIsGoneIsDropped) {
+    const std::wstring path = OwnFolder() + L"own.png";
+    ASSERT_TRUE(CopyFileW((ProgramFolder() + L"res\\" + kPicture).c_str(), path.c_str(), FALSE));
+    {
+        const HangingDecoder decoder;
+        Page().AddCustomItem(Name(0), path, false);
+        EXPECT_TRUE(Input::PumpUntil([] { return HangingDecoder::Inside() == 1; }));
+        HangingDecoder::LetGo();
+        DestroyPage();
+    }
+    Manager().RemoveImage(path);
+    Input::Pump();
     EXPECT_FALSE(Manager().HasImage(path));
 }
 

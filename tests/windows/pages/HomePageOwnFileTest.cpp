@@ -6,6 +6,7 @@
 #include "tests/support/CallTrace.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/FakeFileDialog.h"
+#include "tests/windows/support/HangingDecoder.h"
 
 namespace {
 
@@ -131,6 +132,24 @@ TEST_F(HomePageOwnFileTest, ADroppedFileIsAddedAsIfChosen) {
     EXPECT_EQ(dialog_.shown, 1) << "that of the chosen one";
     EXPECT_TRUE(IsSelected(Name(0)));
     EXPECT_TRUE(Control(kAddButton).IsEnabled());
+}
+
+TEST_F(HomePageOwnFileTest, UntilADroppedFileIsAddedNothingElseIsChosen) {
+    added_.push_back(Name(0));
+    const std::wstring path = MakePicture(L"one.bmp");
+    const HangingDecoder decoder;
+    bool served = false;
+    DuiLib::UIMainQueue::getInstance()->dispatch([&] {
+        served = true;
+        EXPECT_FALSE(Control(kAddButton).IsEnabled());
+        harness::CallTrace trace;
+        Press(L"img_one_background_btn");
+        EXPECT_THAT(trace.Take(), IsEmpty());
+        HangingDecoder::LetGo();
+    });
+    Page().AddDroppedFiles({path});
+    EXPECT_TRUE(served);
+    EXPECT_TRUE(IsSelected(Name(0)));
 }
 
 TEST_F(HomePageOwnFileTest, SeveralDroppedFilesAreAddedWithoutTheWrongOnes) {

@@ -172,6 +172,19 @@ TEST_F(HomePagePreviewTest, TheSwitchTurnsItOnAndOff) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
+TEST_F(HomePagePreviewTest, ItsWindowFollowsTheOneThatHasMoved) {
+    TurnOn();
+    RECT place = {};
+    GetWindowRect(Host().GetHWND(), &place);
+    SetWindowPos(Host().GetHWND(), nullptr, place.left + 70, place.top + 30, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    PlaceAgain();
+    POINT origin = {40, 40};
+    ClientToScreen(Host().GetHWND(), &origin);
+    GetWindowRect(PreviewWindow(), &place);
+    EXPECT_EQ(place.left, origin.x);
+    EXPECT_EQ(place.top, origin.y);
+}
+
 TEST_F(HomePagePreviewTest, ItsAreaIsNamedByWhatItShows) {
     const auto name = [this] { return Control(L"preview_wnd").GetAccessibleInfo().name; };
     EXPECT_EQ(name(), L"Illustration of the camera");

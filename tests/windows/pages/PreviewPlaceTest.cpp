@@ -1,5 +1,11 @@
-// Where the preview's window stands, at each scale: whole numbers, multiplied before they are divided.
+// Where the preview's window stands, at each scale: whole numbers, multiplied before they are divided; and what else
+// it asks of the system.
 #include "pages/PreviewWindow.h"
+
+#include <dbt.h>
+#include <ks.h>
+#include <ksmedia.h>
+
 #include "tests/support/ImportHook.h"
 #include "tests/windows/pages/PageTests.h"
 #include "tests/windows/support/Screen.h"
@@ -68,6 +74,90 @@ TEST_F(PreviewWindowTest, ItIsCutWhileItIsVisibleAndTransparent) {
     EXPECT_TRUE(g_wasVisible);
     EXPECT_EQ(g_alpha, 0);
     EXPECT_FALSE(IsWindowVisible(preview.Get()));
+}
+
+TEST_F(PreviewWindowTest, IsHiddenUntilItIsShown) {
+    PreviewWindow preview({});
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    preview.Place(USER_DEFAULT_SCREEN_DPI, true);
+    EXPECT_FALSE(IsWindowVisible(preview.Get()));
+    preview.Show(USER_DEFAULT_SCREEN_DPI, true);
+    EXPECT_TRUE(IsWindowVisible(preview.Get()));
+}
+
+// Each new region paints the window anew.
+TEST_F(PreviewWindowTest, ItsShapeIsMadeAnewForAnotherSizeOnly) {
+    static int shapes;
+    static decltype(&SetWindowRgn) original;
+    int (*const count)(HWND, HRGN, BOOL) = [](HWND window, HRGN region, BOOL redraw) -> int {
+        ++shapes;
+        return original(window, region, redraw);
+    };
+    const harness::ImportHook hook(nullptr, "SetWindowRgn", reinterpret_cast<void*>(count));
+    original = hook.Original<decltype(original)>();
+    PreviewWindow preview({});
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    shapes = 0;
+    preview.Show(USER_DEFAULT_SCREEN_DPI, true);
+    EXPECT_EQ(shapes, 1);
+    SetWindowPos(Host().GetHWND(), nullptr, 130, 70, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    preview.Place(USER_DEFAULT_SCREEN_DPI, true);
+    EXPECT_EQ(shapes, 1) << "in another place";
+    preview.Place(2 * USER_DEFAULT_SCREEN_DPI, true);
+    EXPECT_EQ(shapes, 2);
+}
+
+TEST_F(PreviewWindowTest, WhileItIsThereItHearsOfCamerasThatGo) {
+    static HDEVNOTIFY asked, ended;
+    static HANDLE listener;
+    static DEV_BROADCAST_DEVICEINTERFACE_W filter;
+    HDEVNOTIFY(WINAPI* const ask)
+    (HANDLE, void*, DWORD) = [](HANDLE window, void* wanted, DWORD flags) -> HDEVNOTIFY {
+        EXPECT_EQ(flags, static_cast<DWORD>(DEVICE_NOTIFY_WINDOW_HANDLE));
+        listener = window;
+        filter = *static_cast<const DEV_BROADCAST_DEVICEINTERFACE_W*>(wanted);
+        asked = &filter;
+        return asked;
+    };
+    BOOL(WINAPI* const end)
+    (HDEVNOTIFY) = [](HDEVNOTIFY notification) -> BOOL {
+        ended = notification;
+        return TRUE;
+    };
+    const harness::ImportHook asking(nullptr, "RegisterDeviceNotificationW", reinterpret_cast<void*>(ask));
+    const harness::ImportHook ending(nullptr, "UnregisterDeviceNotification", reinterpret_cast<void*>(end));
+    ended = nullptr;
+    PreviewWindow preview({});
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    EXPECT_EQ(listener, preview.Get());
+    EXPECT_EQ(filter.dbcc_size, sizeof filter);
+    EXPECT_EQ(filter.dbcc_devicetype, static_cast<DWORD>(DBT_DEVTYP_DEVICEINTERFACE));
+    constexpr GUID kCameras = {STATIC_KSCATEGORY_CAPTURE};
+    EXPECT_TRUE(filter.dbcc_classguid == kCameras);
+    EXPECT_FALSE(ended);
+    preview.Destroy();
+    EXPECT_EQ(ended, asked);
+}
+
+TEST_F(PreviewWindowTest, OfDevicesOnlyAnInterfaceThatHasGoneIsTold) {
+    PreviewWindow::Events events;
+    std::vector<std::wstring> gone;
+    events.deviceRemoved = [&](const std::wstring& link) { gone.push_back(link); };
+    PreviewWindow preview(events);
+    ASSERT_TRUE(preview.Create(Host().GetHWND(), GetModuleHandleW(nullptr)));
+    const auto tell = [&](WPARAM what, DWORD type) {
+        DEV_BROADCAST_DEVICEINTERFACE_W device = {};
+        device.dbcc_size = sizeof device;
+        device.dbcc_devicetype = type;
+        device.dbcc_name[0] = L'a';
+        EXPECT_TRUE(SendMessageW(preview.Get(), WM_DEVICECHANGE, what, reinterpret_cast<LPARAM>(&device)));
+    };
+    tell(DBT_DEVICEARRIVAL, DBT_DEVTYP_DEVICEINTERFACE);
+    tell(DBT_DEVICEREMOVECOMPLETE, DBT_DEVTYP_PORT);
+    EXPECT_TRUE(SendMessageW(preview.Get(), WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE, 0));
+    EXPECT_TRUE(gone.empty());
+    tell(DBT_DEVICEREMOVECOMPLETE, DBT_DEVTYP_DEVICEINTERFACE);
+    EXPECT_EQ(gone, std::vector<std::wstring>{L"a"});
 }
 
 TEST_F(PreviewWindowTest, AnExceptionStaysWithinIt) {

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 
+#include "tests/support/ImportHook.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -37,6 +40,10 @@ class Gate {
     int Begun() {
         const std::scoped_lock lock(mutex_);
         return begun_;
+    }
+    int Ended() {
+        const std::scoped_lock lock(mutex_);
+        return ended_;
     }
     int MostAtOnce() {
         const std::scoped_lock lock(mutex_);
@@ -124,6 +131,66 @@ TEST_F(ReportWorkersTest, EndsWhileAReportHangs) {
     }
     gate->SetOpen(true);
     EXPECT_TRUE(gate->WaitForEnded(1));
+}
+
+// The report goes on when its thread is waited for, and not before.
+TEST_F(ReportWorkersTest, AReportThatRunsIsWaitedForAtTheEnd) {
+    static std::shared_ptr<Gate> gate;
+    static decltype(&WaitForSingleObject) original;
+    DWORD(WINAPI* const wait)
+    (HANDLE, DWORD) = [](HANDLE object, DWORD time) -> DWORD {
+        if (time == 0 || time > 200) {
+            return original(object, time);
+        }
+        gate->SetOpen(true);
+        return original(object, 60'000);
+    };
+    gate = std::make_shared<Gate>();
+    gate->SetOpen(false);
+    auto workers = std::make_unique<ReportWorkers>([] { gate->Run(); });
+    ASSERT_TRUE(workers->Start());
+    ASSERT_TRUE(gate->WaitForBegun(1));
+    {
+        const harness::ImportHook hook(nullptr, "WaitForSingleObject", reinterpret_cast<void*>(wait));
+        original = hook.Original<decltype(original)>();
+        workers.reset();
+    }
+    EXPECT_EQ(gate->Ended(), 1);
+    gate->SetOpen(true);
+    EXPECT_TRUE(gate->WaitForEnded(1));
+}
+
+TEST_F(ReportWorkersTest, TheHandleOfAThreadThatHasEndedGoesWithTheNextStart) {
+    static HANDLE made;
+    static std::atomic<bool> isClosed;
+    static decltype(&CreateThread) make;
+    static decltype(&CloseHandle) close;
+    HANDLE(WINAPI* const noteThread)
+    (SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD,
+     DWORD*) = [](SECURITY_ATTRIBUTES* security, SIZE_T stack, LPTHREAD_START_ROUTINE entry, void* parameter,
+                  DWORD flags, DWORD* id) -> HANDLE {
+        const HANDLE thread = make(security, stack, entry, parameter, flags, id);
+        return made ? thread : made = thread;
+    };
+    BOOL(WINAPI* const noteClosing)
+    (HANDLE) = [](HANDLE handle) -> BOOL {
+        if (handle == made) {
+            isClosed = true;
+        }
+        return close(handle);
+    };
+    const harness::ImportHook threads(nullptr, "CreateThread", reinterpret_cast<void*>(noteThread));
+    const harness::ImportHook closing(nullptr, "CloseHandle", reinterpret_cast<void*>(noteClosing));
+    make = threads.Original<decltype(make)>();
+    close = closing.Original<decltype(close)>();
+    made = nullptr;
+    isClosed = false;
+    ReportWorkers workers([] {});
+    ASSERT_TRUE(workers.Start());
+    ASSERT_EQ(WaitForSingleObject(made, 60'000), WAIT_OBJECT_0);
+    EXPECT_FALSE(isClosed);
+    ASSERT_TRUE(workers.Start());
+    EXPECT_TRUE(isClosed);
 }
 
 TEST_F(ReportWorkersTest, EndsWhenTheReportsHaveFinished) {

@@ -6,7 +6,9 @@
 
 #include "DuiLib/UIMainQueue.h"
 #include "service/KindNotifier.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/NoThreads.h"
+#include "tests/support/Wait.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -117,12 +119,23 @@ TEST_F(SettingsWatcherTest, RefreshesDoNotPileUpBehindABusyUiThread) {
     }
     // The UI thread does not look at its queue, and the key goes on changing.
     int level = 400;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
-    while (std::chrono::steady_clock::now() < end) {
-        SetSmooth(++level);
-    }
+    const auto change = [&] {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+        while (std::chrono::steady_clock::now() < end) {
+            SetSmooth(++level);
+            Sleep(30);  // faster ones are taken for those of a program that writes all the time
+        }
+    };
+    change();
     EXPECT_EQ(rounds.Count(), 1);
     EXPECT_TRUE(WaitForSmooth(level));
+    // Nor when it is busy once more.
+    for (int again = 0; again < 2; ++again) {
+        const int before = rounds.Count();
+        change();
+        EXPECT_LE(rounds.Count(), before + 1);
+        EXPECT_TRUE(WaitForSmooth(level));
+    }
 }
 
 TEST_F(SettingsWatcherTest, SurvivesThatTheKeyIsDeletedWhileItWatches) {
@@ -167,6 +180,26 @@ TEST_F(SettingsWatcherTest, BeginsWithoutAKey) {
     SettingsWatcher watcher(*model_);
     SetSmooth(601);
     EXPECT_TRUE(WaitForSmooth(601));
+}
+
+// Each look at a key that is not there is followed by a rest.
+TEST_F(SettingsWatcherTest, WithoutAKeyItRests) {
+    static std::atomic<int> rounds;
+    static decltype(&ResetEvent) original;
+    BOOL(WINAPI* const count)
+    (HANDLE) = [](HANDLE event) -> BOOL {
+        ++rounds;
+        return original(event);
+    };
+    const harness::ImportHook hook(nullptr, "ResetEvent", reinterpret_cast<void*>(count));
+    original = hook.Original<decltype(original)>();
+    rounds = 0;
+    DeleteKey();
+    SettingsWatcher watcher(*model_);
+    EXPECT_TRUE(PumpUntil([] { return rounds > 0; }));
+    harness::PumpFor(std::chrono::milliseconds(200));
+    EXPECT_LE(rounds, 2);
+    watcher.Stop();
 }
 
 TEST_F(SettingsWatcherTest, AStraySignalIsOneRoundAndNoMore) {
