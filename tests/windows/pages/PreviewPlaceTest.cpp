@@ -3,8 +3,6 @@
 #include "pages/PreviewWindow.h"
 
 #include <dbt.h>
-#include <ks.h>
-#include <ksmedia.h>
 
 #include "tests/support/ImportHook.h"
 #include "tests/windows/pages/PageTests.h"
@@ -132,7 +130,8 @@ TEST_F(PreviewWindowTest, WhileItIsThereItHearsOfCamerasThatGo) {
     EXPECT_EQ(listener, preview.Get());
     EXPECT_EQ(filter.dbcc_size, sizeof filter);
     EXPECT_EQ(filter.dbcc_devicetype, static_cast<DWORD>(DBT_DEVTYP_DEVICEINTERFACE));
-    constexpr GUID kCameras = {STATIC_KSCATEGORY_CAPTURE};
+    // KSCATEGORY_CAPTURE, whose header cannot be read beside those of Media Foundation.
+    constexpr GUID kCameras = {0x65E8773D, 0x8F56, 0x11D0, {0xA3, 0xB9, 0x00, 0xA0, 0xC9, 0x22, 0x31, 0x96}};
     EXPECT_TRUE(filter.dbcc_classguid == kCameras);
     EXPECT_FALSE(ended);
     preview.Destroy();

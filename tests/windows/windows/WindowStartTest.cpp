@@ -284,6 +284,14 @@ TEST_F(MainWindowTest, StartsInItsFolderAndAwareOfItsMonitor) {
 
 // --- a second start
 
+HWND g_front = nullptr;
+decltype(&SetForegroundWindow) g_bringToFront = nullptr;
+
+BOOL WINAPI BringToFront(HWND window) {
+    g_front = window;
+    return g_bringToFront(window);
+}
+
 TEST_F(MainWindowTest, ASecondStartBringsTheBoxThatStandsOverItToTheFront) {
     const auto box = [] { return FindThreadWindow(L"MESSAGE BOX"); };
     HWND elsewhere = nullptr;
@@ -299,7 +307,13 @@ TEST_F(MainWindowTest, ASecondStartBringsTheBoxThatStandsOverItToTheFront) {
             })
         .When(
             "the other window is in front", [&] { return GetForegroundWindow() == elsewhere; },
-            [] { Window().ActivateExisting(); })
+            [&] {
+                // Asked for itself: it is not left to the window below to give the front on.
+                const ImportHook hook(nullptr, "SetForegroundWindow", &BringToFront);
+                g_bringToFront = hook.Original<decltype(&SetForegroundWindow)>();
+                Window().ActivateExisting();
+                EXPECT_EQ(g_front, box());
+            })
         .When(
             "the box is in front", [&] { return GetForegroundWindow() == box(); }, [] { Input::Key(VK_ESCAPE); })
         .Wait("the box is gone", [&] { return box() == nullptr; });
