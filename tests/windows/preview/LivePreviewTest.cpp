@@ -99,6 +99,12 @@ class LivePreviewTest : public HomePageTest {
         ASSERT_TRUE(IsOn());
         ASSERT_TRUE(FramesCome());
     }
+    // The preview is on, and its device hangs until the gate is opened.
+    void HangWhileDrawing(Gate& gate) {
+        TurnOn();
+        ChangeGraphics([&gate](GraphicsScript& script) { script.withinPresent = [&gate] { gate.Pass(); }; });
+        ASSERT_TRUE(gate.WaitUntilReached());
+    }
     static bool FramesCome() {
         const int goal = Graphics::Seen().presents + 3;
         return Wait([&] { return Graphics::Seen().presents >= goal; });
@@ -432,9 +438,7 @@ class HangingDeviceTest : public LivePreviewTest {
   protected:
     void SetUp() override {
         LivePreviewTest::SetUp();
-        TurnOn();
-        ChangeGraphics([this](GraphicsScript& script) { script.withinPresent = [this] { gate_.Pass(); }; });
-        ASSERT_TRUE(gate_.WaitUntilReached());
+        ASSERT_NO_FATAL_FAILURE(HangWhileDrawing(gate_));
         waits_.emplace();
     }
     void TearDown() override {
@@ -522,10 +526,8 @@ TEST_F(HangingDeviceTest, ItsWindowMayGo) {
 }
 
 TEST_F(LivePreviewTest, TheNextStartWaitsForADeviceThatHangs) {
-    TurnOn();
     Gate gate;
-    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
-    ASSERT_TRUE(gate.WaitUntilReached());
+    ASSERT_NO_FATAL_FAILURE(HangWhileDrawing(gate));
     Press(L"preview_switch");
     ChangeGraphics([](GraphicsScript& script) { script.withinPresent = nullptr; });
     Press(L"preview_switch");
@@ -542,10 +544,8 @@ TEST_F(LivePreviewTest, TheNextStartWaitsForADeviceThatHangs) {
 }
 
 TEST_F(LivePreviewTest, ADeviceThatIsRefusedAfterTheWaitLeavesTheSwitchOff) {
-    TurnOn();
     Gate gate;
-    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
-    ASSERT_TRUE(gate.WaitUntilReached());
+    ASSERT_NO_FATAL_FAILURE(HangWhileDrawing(gate));
     Press(L"preview_switch");
     ChangeGraphics([](GraphicsScript& script) {
         script.withinPresent = nullptr;
@@ -563,10 +563,8 @@ TEST_F(LivePreviewTest, ADeviceThatIsRefusedAfterTheWaitLeavesTheSwitchOff) {
 }
 
 TEST_F(LivePreviewTest, ThePageMayGoWhileTheDeviceHangs) {
-    TurnOn();
     Gate gate;
-    ChangeGraphics([&](GraphicsScript& script) { script.withinPresent = [&] { gate.Pass(); }; });
-    ASSERT_TRUE(gate.WaitUntilReached());
+    ASSERT_NO_FATAL_FAILURE(HangWhileDrawing(gate));
     DestroyPage();
     EXPECT_TRUE(IsCameraFree());
     gate.Open();
