@@ -138,7 +138,7 @@ void LivePreview::Click(DuiLib::CControlUI* sender) {
     } else if (sender) {
         BeginOpening(sender);
         Later(kMostOpeningMs, &LivePreview::GiveUpOpening);
-        TurnOnWhenDeviceIsFree();
+        Later(kBetweenReleasesForStartMs, &LivePreview::TurnOnWhenDeviceIsFree);
     }
 }
 

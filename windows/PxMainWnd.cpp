@@ -93,11 +93,7 @@ void PxMainWnd::Open(HINSTANCE instance) {
 }
 
 void PxMainWnd::RegisterForSession() {
-    HWND window = FindWindowW(GetWindowClassName(), nullptr);
-    if (window != GetHWND()) {
-        // Another program has a class of that name; its window would hear of the lock in this one's place.
-        window = GetHWND();
-    }
+    const HWND window = GetHWND();
     if (registerSessionNotification.CallOr(FALSE, window, NOTIFY_FOR_THIS_SESSION)) {
         return;
     }

@@ -128,38 +128,24 @@ struct Masks {
 
 constexpr std::uint32_t kBlock = 16;
 
-// Calls block(x, place) so that blocks of 16 columns cover [0, columns), the last one overlapping the one before where
-// it must; `place` is where the block's pixels go. REQUIRES: 16 <= columns <= width.
-template <bool kMirrored, typename Block>
-AVX2_INLINE inline void ForEachBlock(std::uint32_t columns, std::uint8_t* row, std::uint32_t width, Block block) {
-    const auto place = [=](std::size_t x) { return row + 4 * (kMirrored ? width - kBlock - x : x); };
-    const std::size_t last = columns - kBlock;
-    for (std::size_t x = 0; x < last; x += kBlock) {
-        block(x, place(x));
-    }
-    block(last, place(last));
-}
-
 template <bool kMirrored>
 struct Rows {
-    AVX2 static void Rgb32(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
-                           std::uint32_t width) {
-        if (!kMirrored) {
-            std::memcpy(destination, source, std::size_t{4} * width);
-            return;
-        }
+    using Blocks = PixelBlocks<kBlock, kMirrored>;
+
+    AVX2 static void MirroredRgb32(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
+                                   std::uint32_t width) {
         if (width < kBlock) {
-            ScalarRgb32<kMirrored>(destination, source, width, 0, width);
+            ScalarRgb32<true>(destination, source, width, 0, width);
             return;
         }
         const __m256i reversed = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0);
-        ForEachBlock<kMirrored>(width, destination, width, [=](std::size_t x, std::uint8_t* place) AVX2_INLINE {
+        for (const auto& [x, place] : Blocks(width, destination, width)) {
             const __m256i first = Load256(source + 4 * x);
             const __m256i second = Load256(source + 4 * x + 32);
             Fetch<false>(place, ahead);
             Store256<false>(place + 32, _mm256_permutevar8x32_epi32(first, reversed));
             Store256<false>(place, _mm256_permutevar8x32_epi32(second, reversed));
-        });
+        }
     }
 
     AVX2 static void Rgb24(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
@@ -191,11 +177,11 @@ struct Rows {
             const __m256i both = _mm256_setr_m128i(_mm_loadu_si128(low), _mm_loadu_si128(high));
             Store256<kStreamed>(place, _mm256_or_si256(_mm256_shuffle_epi8(both, mask), opaque));
         };
-        ForEachBlock<kMirrored>(width, destination, width, [=](std::size_t x, std::uint8_t* place) AVX2_INLINE {
+        for (const auto& [x, place] : Blocks(width, destination, width)) {
             Fetch<kStreamed>(place, ahead);
             eight(source + 3 * x, place + (kMirrored ? 32 : 0));
             eight(source + 3 * x + 24, place + (kMirrored ? 0 : 32));
-        });
+        }
     }
 
     AVX2 static void Yuy2(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
@@ -218,12 +204,12 @@ struct Rows {
                                 std::uint32_t width, std::uint32_t even) {
         const __m256i lumaMask = Masks<kMirrored>::Yuy2Luma();
         const __m256i pairMask = Masks<kMirrored>::Yuy2Pairs();
-        ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) AVX2_INLINE {
+        for (const auto& [x, place] : Blocks(even, destination, width)) {
             const __m256i bytes = _mm256_permute4x64_epi64(Load256(source + 2 * x), Masks<kMirrored>::kYuy2Quarters);
             Fetch<kStreamed>(place, ahead);
             StorePixels<kStreamed>(place, _mm256_shuffle_epi8(bytes, lumaMask),
                                    ChromaOf(_mm256_shuffle_epi8(bytes, pairMask)));
-        });
+        }
     }
 
     AVX2 static void Nv12Pair(std::uint8_t* destination, std::ptrdiff_t below, const std::uint8_t* luma0,
@@ -245,13 +231,13 @@ struct Rows {
                                 std::uint32_t even) {
         const __m256i lumaMask = Masks<kMirrored>::Luma();
         const __m256i pairMask = Masks<kMirrored>::Pairs();
-        ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) AVX2_INLINE {
+        for (const auto& [x, place] : Blocks(even, destination, width)) {
             const Chroma parts = ChromaOf(_mm256_shuffle_epi8(LoadTwice(chroma + x), pairMask));
             Fetch<kStreamed>(place, 2 * below);
             StorePixels<kStreamed>(place, _mm256_shuffle_epi8(LoadTwice(luma0 + x), lumaMask), parts);
             Fetch<kStreamed>(place, 3 * below);
             StorePixels<kStreamed>(place + below, _mm256_shuffle_epi8(LoadTwice(luma1 + x), lumaMask), parts);
-        });
+        }
     }
 
     AVX2 static void Nv12Last(std::uint8_t* destination, const std::uint8_t* luma, const std::uint8_t* chroma,
@@ -260,15 +246,16 @@ struct Rows {
         if (even != 0) {
             const __m256i lumaMask = Masks<kMirrored>::Luma();
             const __m256i pairMask = Masks<kMirrored>::Pairs();
-            ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) AVX2_INLINE {
+            for (const auto& [x, place] : Blocks(even, destination, width)) {
                 StorePixels<false>(place, _mm256_shuffle_epi8(LoadTwice(luma + x), lumaMask),
                                    ChromaOf(_mm256_shuffle_epi8(LoadTwice(chroma + x), pairMask)));
-            });
+            }
         }
         ScalarNv12<kMirrored>(destination, luma, chroma, width, even, width, missingCr);
     }
 
-    static constexpr PixelRowFunctions kTable = {Rgb32, Rgb24, Yuy2, Nv12Pair, Nv12Last};
+    static constexpr PixelRowFunctions kTable = {kMirrored ? MirroredRgb32 : CopyRgb32, Rgb24, Yuy2, Nv12Pair,
+                                                 Nv12Last};
 };
 
 }  // namespace

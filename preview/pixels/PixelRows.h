@@ -49,6 +49,46 @@ std::uint8_t* PixelPlace(std::uint8_t* row, std::uint32_t width, std::uint32_t c
     return row + std::size_t{4} * (kMirrored ? width - 1 - column : column);
 }
 
+// The blocks of kBlock columns that cover the columns [0, columns) of a row, the last one overlapping the one before
+// where it must. REQUIRES: kBlock <= columns <= width.
+template <std::uint32_t kBlock, bool kMirrored>
+class PixelBlocks {
+  public:
+    struct Block {
+        std::size_t x;        // its first column in the source
+        std::uint8_t* place;  // where its pixels go
+    };
+
+    class Iterator {
+      public:
+        Iterator(const PixelBlocks& blocks, std::size_t x) : blocks_(blocks), x_(x) {}
+        Block operator*() const {
+            const std::size_t x = x_ < blocks_.last_ ? x_ : blocks_.last_;
+            return {x, blocks_.row_ + 4 * (kMirrored ? blocks_.width_ - kBlock - x : x)};
+        }
+        Iterator& operator++() {
+            x_ += kBlock;
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return x_ < other.x_; }
+
+      private:
+        const PixelBlocks& blocks_;
+        std::size_t x_;
+    };
+
+    PixelBlocks(std::uint32_t columns, std::uint8_t* row, std::uint32_t width)
+        : last_(columns - kBlock), row_(row), width_(width) {}
+
+    Iterator begin() const { return {*this, 0}; }
+    Iterator end() const { return {*this, last_ + kBlock}; }
+
+  private:
+    std::size_t last_;
+    std::uint8_t* row_;
+    std::uint32_t width_;
+};
+
 inline void StorePixel(std::uint8_t* place, std::uint32_t pixel) {
     std::memcpy(place, &pixel, 4);
 }
@@ -61,6 +101,11 @@ void ScalarRgb32(std::uint8_t* row, const std::uint8_t* source, std::uint32_t wi
     for (std::uint32_t x = begin; x < end; ++x) {
         std::memcpy(PixelPlace<kMirrored>(row, width, x), source + std::size_t{4} * x, 4);
     }
+}
+
+// The faster levels' row of this format that is not mirrored.
+inline void CopyRgb32(std::uint8_t* row, std::ptrdiff_t, const std::uint8_t* source, std::uint32_t width) {
+    std::memcpy(row, source, std::size_t{4} * width);
 }
 
 template <bool kMirrored>

@@ -21,23 +21,6 @@ SSSE3_INLINE inline __m128i Words(int value) {
     return _mm_set1_epi16(static_cast<short>(value));
 }
 
-SSSE3_INLINE inline __m128i Load128(const std::uint8_t* from) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-}
-
-SSSE3_INLINE inline __m128i Load64(const std::uint8_t* from) {
-    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
-}
-
-SSSE3_INLINE inline void Store128(std::uint8_t* to, __m128i value) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), value);
-}
-
-// The address may lie past the picture's end, where there is nothing to fetch.
-SSSE3_INLINE inline void Fetch(const std::uint8_t* place, std::ptrdiff_t ahead) {
-    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(place) + ahead), _MM_HINT_T0);
-}
-
 // From the bytes Cb, Cr of each pixel.
 SSSE3_INLINE inline Chroma ChromaOf(__m128i pairs) {
     const __m128i signedPairs = _mm_xor_si128(pairs, _mm_set1_epi8(static_cast<char>(0x80)));
@@ -48,19 +31,6 @@ SSSE3_INLINE inline Chroma ChromaOf(__m128i pairs) {
     chroma.green = _mm_maddubs_epi16(Words(52 << 8 | 25), signedPairs);
     chroma.blue = _mm_maddubs_epi16(Words(129), signedPairs);
     return chroma;
-}
-
-// Stores 8 pixels. `luma`: 256 Y for each pixel.
-SSSE3_INLINE inline void StorePixels(std::uint8_t* to, __m128i luma, const Chroma& chroma) {
-    const __m128i whole = _mm_mulhi_epu16(luma, Words(149 << 8));
-    const __m128i half = _mm_sub_epi16(_mm_mulhi_epu16(luma, Words(149 << 7)), Words(1160));
-    const __m128i red = _mm_srli_epi16(_mm_subs_epu16(_mm_adds_epu16(whole, chroma.red), Words(0x8000)), 7);
-    const __m128i green = _mm_srai_epi16(_mm_sub_epi16(half, chroma.green), 6);
-    const __m128i blue = _mm_srai_epi16(_mm_adds_epi16(half, chroma.blue), 6);
-    const __m128i interleave = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
-    const __m128i blueGreen = _mm_shuffle_epi8(_mm_packus_epi16(blue, green), interleave);
-    Store128(to, _mm_unpacklo_epi16(blueGreen, red));
-    Store128(to + 16, _mm_unpackhi_epi16(blueGreen, red));
 }
 
 // Shuffles that spread a block's bytes to one word a pixel, reversed when mirrored. "z" makes a zero.
@@ -89,40 +59,56 @@ struct Masks {
     }
 };
 
-constexpr std::uint32_t kBlock = 8;
-
-// Calls block(x, place) so that blocks of 8 columns cover [0, columns), the last one overlapping the one before where
-// it must; `place` is where the block's pixels go. REQUIRES: 8 <= columns <= width.
-template <bool kMirrored, typename Block>
-SSSE3_INLINE inline void ForEachBlock(std::uint32_t columns, std::uint8_t* row, std::uint32_t width, Block block) {
-    const auto place = [=](std::size_t x) { return row + 4 * (kMirrored ? width - kBlock - x : x); };
-    const std::size_t last = columns - kBlock;
-    for (std::size_t x = 0; x < last; x += kBlock) {
-        block(x, place(x));
-    }
-    block(last, place(last));
+SSSE3_INLINE inline __m128i Load128(const std::uint8_t* from) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
 }
+
+SSSE3_INLINE inline __m128i Load64(const std::uint8_t* from) {
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+}
+
+SSSE3_INLINE inline void Store128(std::uint8_t* to, __m128i value) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), value);
+}
+
+// The address may lie past the picture's end, where there is nothing to fetch.
+SSSE3_INLINE inline void Fetch(const std::uint8_t* place, std::ptrdiff_t ahead) {
+    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(place) + ahead), _MM_HINT_T0);
+}
+
+// Stores 8 pixels. `luma`: 256 Y for each pixel.
+SSSE3_INLINE inline void StorePixels(std::uint8_t* to, __m128i luma, const Chroma& chroma) {
+    const __m128i whole = _mm_mulhi_epu16(luma, Words(149 << 8));
+    const __m128i half = _mm_sub_epi16(_mm_mulhi_epu16(luma, Words(149 << 7)), Words(1160));
+    const __m128i red = _mm_srli_epi16(_mm_subs_epu16(_mm_adds_epu16(whole, chroma.red), Words(0x8000)), 7);
+    const __m128i green = _mm_srai_epi16(_mm_sub_epi16(half, chroma.green), 6);
+    const __m128i blue = _mm_srai_epi16(_mm_adds_epi16(half, chroma.blue), 6);
+    const __m128i interleave = _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
+    const __m128i blueGreen = _mm_shuffle_epi8(_mm_packus_epi16(blue, green), interleave);
+    Store128(to, _mm_unpacklo_epi16(blueGreen, red));
+    Store128(to + 16, _mm_unpackhi_epi16(blueGreen, red));
+}
+
+constexpr std::uint32_t kBlock = 8;
 
 template <bool kMirrored>
 struct Rows {
-    SSSE3 static void Rgb32(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
-                            std::uint32_t width) {
-        if (!kMirrored) {
-            std::memcpy(destination, source, std::size_t{4} * width);
-            return;
-        }
+    using Blocks = PixelBlocks<kBlock, kMirrored>;
+
+    SSSE3 static void MirroredRgb32(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
+                                    std::uint32_t width) {
         if (width < kBlock) {
-            ScalarRgb32<kMirrored>(destination, source, width, 0, width);
+            ScalarRgb32<true>(destination, source, width, 0, width);
             return;
         }
         constexpr int kReversed = _MM_SHUFFLE(0, 1, 2, 3);
-        ForEachBlock<kMirrored>(width, destination, width, [=](std::size_t x, std::uint8_t* place) SSSE3_INLINE {
+        for (const auto& [x, place] : Blocks(width, destination, width)) {
             const __m128i first = Load128(source + 4 * x);
             const __m128i second = Load128(source + 4 * x + 16);
             Fetch(place, ahead);
             Store128(place + 16, _mm_shuffle_epi32(first, kReversed));
             Store128(place, _mm_shuffle_epi32(second, kReversed));
-        });
+        }
     }
 
     SSSE3 static void Rgb24(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
@@ -139,13 +125,13 @@ struct Rows {
         const __m128i back = kMirrored ? _mm_setr_epi8(13, 14, 15, z, 10, 11, 12, z, 7, 8, 9, z, 4, 5, 6, z)
                                        : _mm_setr_epi8(4, 5, 6, z, 7, 8, 9, z, 10, 11, 12, z, 13, 14, 15, z);
         const __m128i opaque = _mm_set1_epi32(static_cast<int>(0xFF000000U));
-        ForEachBlock<kMirrored>(width, destination, width, [=](std::size_t x, std::uint8_t* place) SSSE3_INLINE {
+        for (const auto& [x, place] : Blocks(width, destination, width)) {
             const __m128i first = _mm_shuffle_epi8(Load128(source + 3 * x), front);
             const __m128i second = _mm_shuffle_epi8(Load128(source + 3 * x + 8), back);
             Fetch(place, ahead);
             Store128(place + (kMirrored ? 16 : 0), _mm_or_si128(first, opaque));
             Store128(place + (kMirrored ? 0 : 16), _mm_or_si128(second, opaque));
-        });
+        }
     }
 
     SSSE3 static void Yuy2(std::uint8_t* destination, std::ptrdiff_t ahead, const std::uint8_t* source,
@@ -157,11 +143,11 @@ struct Rows {
         }
         const __m128i lumaMask = Masks<kMirrored>::Yuy2Luma();
         const __m128i pairMask = Masks<kMirrored>::Yuy2Pairs();
-        ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) SSSE3_INLINE {
+        for (const auto& [x, place] : Blocks(even, destination, width)) {
             const __m128i bytes = Load128(source + 2 * x);
             Fetch(place, ahead);
             StorePixels(place, _mm_shuffle_epi8(bytes, lumaMask), ChromaOf(_mm_shuffle_epi8(bytes, pairMask)));
-        });
+        }
         ScalarYuy2<kMirrored>(destination, source, width, even, width, missingCr);
     }
 
@@ -172,13 +158,13 @@ struct Rows {
         if (even != 0) {
             const __m128i lumaMask = Masks<kMirrored>::Luma();
             const __m128i pairMask = Masks<kMirrored>::Pairs();
-            ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) SSSE3_INLINE {
+            for (const auto& [x, place] : Blocks(even, destination, width)) {
                 const Chroma parts = ChromaOf(_mm_shuffle_epi8(Load64(chroma + x), pairMask));
                 Fetch(place, 2 * below);
                 StorePixels(place, _mm_shuffle_epi8(Load64(luma0 + x), lumaMask), parts);
                 Fetch(place, 3 * below);
                 StorePixels(place + below, _mm_shuffle_epi8(Load64(luma1 + x), lumaMask), parts);
-            });
+            }
         }
         ScalarNv12<kMirrored>(destination, luma0, chroma, width, even, width, missingCr);
         ScalarNv12<kMirrored>(destination + below, luma1, chroma, width, even, width, missingCr);
@@ -190,15 +176,16 @@ struct Rows {
         if (even != 0) {
             const __m128i lumaMask = Masks<kMirrored>::Luma();
             const __m128i pairMask = Masks<kMirrored>::Pairs();
-            ForEachBlock<kMirrored>(even, destination, width, [=](std::size_t x, std::uint8_t* place) SSSE3_INLINE {
+            for (const auto& [x, place] : Blocks(even, destination, width)) {
                 StorePixels(place, _mm_shuffle_epi8(Load64(luma + x), lumaMask),
                             ChromaOf(_mm_shuffle_epi8(Load64(chroma + x), pairMask)));
-            });
+            }
         }
         ScalarNv12<kMirrored>(destination, luma, chroma, width, even, width, missingCr);
     }
 
-    static constexpr PixelRowFunctions kTable = {Rgb32, Rgb24, Yuy2, Nv12Pair, Nv12Last};
+    static constexpr PixelRowFunctions kTable = {kMirrored ? MirroredRgb32 : CopyRgb32, Rgb24, Yuy2, Nv12Pair,
+                                                 Nv12Last};
 };
 
 }  // namespace
