@@ -297,7 +297,9 @@ void CSliderUI::PaintContent(Canvas& canvas, const Rect&) {
     const Rect thumb = ThumbRectPx();
     const Rect track = GetTrackPos();
     const int centre = thumb.left + thumb.Width() / 2;
-    PaintBar(canvas, BarRectPx(track), IsRightToLeft() ? track.right - centre : centre - track.left);
+    const int toCentre = IsRightToLeft() ? track.right - centre : centre - track.left;
+    // A round thumb does not cover the bar's end: a rest of colour beside it would say that there is a level.
+    PaintBar(canvas, BarRectPx(track), LimitedValue() > GetMinValue() ? toCentre : 0);
     const std::wstring& image = CurrentThumbImage();
     if (image.empty()) {
         const DWORD color =

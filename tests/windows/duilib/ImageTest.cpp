@@ -217,5 +217,30 @@ TEST_F(RegisteredImages, TheFileIsNotHeldOpen) {
     EXPECT_TRUE(std::filesystem::remove(std::filesystem::path(ResourceFolder::Get().Path()) / "held.png"));
 }
 
+// Twelve mebipixels are kept: here three pictures of four. Which ones is seen once their files hold another colour.
+TEST_F(RegisteredImages, ThePictureThatWasNotUsedForTheLongestTimeIsForgotten) {
+    constexpr Size kFile{520, 520};  // of more pixels than are kept as they are read
+    const auto write = [&](std::uint32_t color) {
+        for (const wchar_t* const name : {L"keep_a.png", L"keep_b.png", L"keep_c.png", L"keep_d.png"}) {
+            WriteImage(name, kFile, Plain(kFile, color));
+        }
+    };
+    const auto look = [&](const std::wstring& name, const std::wstring& dest) {
+        window.Find(L"c").SetBkImage(L"file='" + name + L"' dest='" + dest + L"'");
+        return Look();
+    };
+    const std::wstring large = L"0,0,2048,2048";
+    write(kRed);
+    EXPECT_EQ(look(L"keep_a.png", large), kRed);
+    EXPECT_EQ(look(L"keep_b.png", large), kRed);
+    EXPECT_EQ(look(L"keep_c.png", large), kRed);
+    write(kGreen);
+    EXPECT_EQ(look(L"keep_a.png", large), kRed) << "all three are kept, and this one is used again";
+    EXPECT_EQ(look(L"keep_d.png", L"0,0,80,60"), kGreen);
+    EXPECT_EQ(look(L"keep_a.png", large), kRed);
+    EXPECT_EQ(look(L"keep_c.png", large), kRed);
+    EXPECT_EQ(look(L"keep_b.png", large), kGreen) << "it has made room";
+}
+
 }  // namespace
 }  // namespace DuiLib::Test

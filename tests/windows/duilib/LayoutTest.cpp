@@ -181,6 +181,37 @@ TEST_F(Layout, TileSharesARowAmongFillCells) {
     EXPECT_EQ(Pos(L"b"), (Rect{135, 0, 265, 20}));
 }
 
+TEST_F(Layout, NothingInAHiddenContainerIsUnderThePointer) {
+    Load(
+        R"(<VerticalLayout name="all"><VerticalLayout name="box"><Button name="b"/></VerticalLayout></VerticalLayout>)");
+    const CControlUI& all = window->Find(L"all");
+    const CControlUI& button = window->Find(L"b");
+    CControlUI& box = window->Find(L"box");
+    const auto under = [&] { return window->PaintManager().FindControl(POINT{50, 50}); };
+    EXPECT_EQ(under(), &button);
+    box.SetVisible(false);
+    EXPECT_EQ(under(), &all) << "its button is where it was";
+    box.SetVisible(true);
+    box.SetAttribute(L"maxwidth", L"0");
+    EXPECT_EQ(under(), &all) << "no room is left for it";
+}
+
+// The text gets what the fixed widths, the gaps and the paddings leave of 400, to a character.
+TEST_F(Layout, ATextWrapsBesideFixedWidths) {
+    std::string text;
+    for (int i = 0; i < 200; ++i) {
+        text += "i ";
+    }
+    Load(R"(<HorizontalLayout childpadding="20"><Label name="text" width="auto" height="auto" wordwrap="true" text=")" +
+         text + R"("/><Control name="narrow" width="30" minwidth="60" padding="25,0,35,0"/>
+         <Control name="fixed" width="90"/></HorizontalLayout>)");
+    EXPECT_LE(Pos(L"text").Width(), 150);
+    EXPECT_GE(Pos(L"text").Width(), 135);
+    EXPECT_EQ(Pos(L"narrow").Width(), 60);
+    EXPECT_EQ(Pos(L"fixed").Width(), 90);
+    EXPECT_LE(Pos(L"fixed").right, 400);
+}
+
 TEST_F(Layout, TabShowsOneChild) {
     Load(R"(<TabLayout name="tabs" selectedid="1"><Container name="one"><Button name="in_one"/></Container>
         <Container name="two"/><Container name="three"/></TabLayout>)");

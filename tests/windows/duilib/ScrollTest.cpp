@@ -270,6 +270,14 @@ TEST_F(Scroll, FocusByTabComesIntoView) {
     window->Mouse(WM_LBUTTONUP, {50, 10});
 }
 
+TEST_F(Scroll, WhatHasJustGrownIsBroughtIntoView) {
+    Load(kLayout);
+    CControlUI& last = window->Find(L"b9");
+    window->Find(L"b0").SetFixedHeight(160);
+    list->EnsureVisible(last);
+    EXPECT_EQ(Top(), 500) << "the place that it has after the change";
+}
+
 TEST_F(Scroll, ATextThatScrollsCanHaveTheFocus) {
     Load(R"(<Window size="300,200"><VerticalLayout name="list" vscrollbar="true"><Label text="long" height="900"/>
         <Button name="b" visible="false" height="20"/></VerticalLayout></Window>)");

@@ -92,6 +92,21 @@ TEST_P(Bars, TheThumbStandsAtTheValue) {
     EXPECT_EQ(ThumbAt(), 220);
 }
 
+TEST_P(Bars, TheLeastValueFillsNothingBesideTheThumb) {
+    WriteImage(L"clear.png", {4, 4}, std::vector<std::uint32_t>(16, 0));
+    auto& slider = window.Find<CSliderUI>(L"s");
+    slider.SetAttribute(L"thumbimage", L"clear.png");
+    for (const bool rightToLeft : {false, true}) {
+        const Direction direction(rightToLeft);
+        for (const int least : {0, -100}) {
+            slider.SetValue(least);
+            EXPECT_EQ(Length(L"s", kGreen), 0);
+        }
+        slider.SetValue(1);
+        EXPECT_NEAR(Length(L"s", kGreen), 12, 3);
+    }
+}
+
 TEST_P(Bars, TheThumbStandsInTheMiddleOfItsHeight) {
     const Picture picture = Render(window, Dpi());
     const Rect& px = window.Find(L"s").GetPos();

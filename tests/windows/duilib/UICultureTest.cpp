@@ -74,6 +74,48 @@ TEST_F(Culture, TablesThatEndAnywhereAreLogged) {
     }
 }
 
+TEST_F(Culture, WhatIsWrongWithATableIsToldWithItsPlace) {
+    Write(L"de_DE",
+          "<Strings direction=\"up\">\n<String id=\"IDS_A\">Gut</String>\n<String>Namenlos</String>\n"
+          "<String id=\"\">Leer</String>\n<Text id=\"IDS_C\">Fremd</Text>\n"
+          "<String id=\"IDS_D\">mit <b>Auszeichnung</b></String>\n<String id=\"IDS_A\">Nochmals</String>\n"
+          "<String id=\"IDS_E\">Ende</String></Strings>");
+    LogWatch log;
+    EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+    for (const char* const complaint :
+         {":1: Unknown direction up", ":3: No string with an id: String", ":4: No string with an id: String",
+          ":5: No string with an id: Text", ":6: Markup is not escaped in string IDS_D", ":7: Second string IDS_A"}) {
+        EXPECT_TRUE(log.Has("values\\de_DE\\strings.xml" + std::string(complaint))) << complaint;
+    }
+    EXPECT_EQ(log.Failures().size(), 6u);
+    EXPECT_FALSE(culture.IsRightToLeft());
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"Gut") << "the first one counts";
+    EXPECT_EQ(culture.GetString(L"IDS_C"), L"IDS_C");
+    EXPECT_EQ(culture.GetString(L"IDS_E"), L"Ende") << "the others are read all the same";
+}
+
+TEST_F(Culture, AnotherRootIsToldAndNothingOfItIsRead) {
+    Write(L"de_DE", R"(<Texts direction="rtl"><String id="IDS_A">Gut</String></Texts>)");
+    LogWatch log;
+    EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+    EXPECT_TRUE(log.Has("strings.xml:1: The root is not Strings but Texts"));
+    EXPECT_EQ(log.Failures().size(), 1u);
+    EXPECT_EQ(culture.GetLanguage(), L"en_US");
+    EXPECT_EQ(culture.GetString(L"IDS_A"), L"Hello");
+    EXPECT_FALSE(culture.IsRightToLeft());
+}
+
+// Seen in the path that a complaint names: the system opens a doubled backslash all the same.
+TEST_F(Culture, AFolderWithItsSlashGetsNoSecondOne) {
+    Write(L"de_DE", "<Strings/");
+    for (const wchar_t* const end : {L"", L"\\", L"/"}) {
+        culture.SetValuesFolder(Folder() + end);
+        LogWatch log;
+        EXPECT_TRUE(culture.SelectLanguage(L"de_DE", true));
+        EXPECT_TRUE(log.Has(*end == L'/' ? "values/de_DE\\strings.xml" : "values\\de_DE\\strings.xml"));
+    }
+}
+
 TEST_F(Culture, MissingTableFallsBackToEnglish) {
     std::filesystem::create_directories(Folder() + L"\\it_IT");
     LogWatch log;

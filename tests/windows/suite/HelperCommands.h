@@ -23,6 +23,8 @@ int ReportWriteOut(const Arguments& arguments);
 int ReportUploader(const Arguments& arguments);
 // Holds the writer up and reports until the queue is full.
 int ReportFull(const Arguments& arguments);
+// Reports when no thread can be started, then messages of the longest length and of one more.
+int ReportLimits(const Arguments& arguments);
 
 // url <address>: writes the address into "url.txt" of the local application data folder.
 int ReceiveUrl(const Arguments& arguments);

@@ -12,6 +12,7 @@
 #include "suite/common/Utf8.h"
 #include "suite/report/EventDataReport.h"
 #include "suite/report/TallyView.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/HelperCommands.h"
 #include "tests/windows/support/LockHolder.h"
@@ -38,6 +39,16 @@ long CountLinesWith(const std::string& text) {
         count += line.find(text) != std::string::npos;
     }
     return count;
+}
+
+HANDLE WINAPI NoThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+BOOL WINAPI NoModule(DWORD, LPCWSTR, HMODULE*) {
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return FALSE;
 }
 
 }  // namespace
@@ -104,9 +115,28 @@ int ReportFull(const Arguments&) {
     while (accepted < 10'000 && Send("1", "x")) {
         ++accepted;
     }
-    std::string message(9000, 'x');
-    const bool tooLongRefused = !EventDataReport::Instance().SendMsg(message);
-    return mutex && accepted >= 4096 && accepted < 10'000 && tooLongRefused ? 0 : 1;
+    return mutex && accepted >= 4096 && accepted < 10'000 ? 0 : 1;
+}
+
+int ReportLimits(const Arguments&) {
+    constexpr std::size_t kLongest = 8 * 1024;
+    EventDataReport& report = EventDataReport::Instance();
+    const HMODULE library = GetModuleHandleW(L"QxReport.dll");
+    {
+        const harness::ImportHook hook(library, "CreateThread", &NoThread);
+        if (report.SendMsg("nobody writes it")) {
+            return 1;
+        }
+    }
+    {
+        const harness::ImportHook hook(library, "GetModuleHandleExW", &NoModule);
+        if (report.SendMsg("the library could go before its thread")) {
+            return 1;
+        }
+    }
+    const bool longestTaken = report.SendMsg(std::string(kLongest, 'x'));
+    const bool tooLongTaken = report.SendMsg(std::string(kLongest + 1, 'y'));
+    return longestTaken && !tooLongTaken ? 0 : 1;
 }
 
 // The system ends a process like this at the end of a session: nothing is written by an exit.

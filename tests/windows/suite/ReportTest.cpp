@@ -107,3 +107,9 @@ TEST(ReportTest, AFullQueueRefusesAndNeverWaits) {
     TestFolder folder;
     EXPECT_EQ(Helper(L"report-full").Wait(), 0u);
 }
+
+TEST(ReportTest, NothingIsTakenWithoutAThreadNorBeyondTheLongestMessage) {
+    TestFolder folder;
+    EXPECT_EQ(Helper(L"report-limits").Wait(), 0u);
+    EXPECT_THAT(ReadLines(SpoolPath(folder)), ElementsAre(std::string(8 * 1024, 'x')));
+}

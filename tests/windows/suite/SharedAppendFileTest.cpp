@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <fstream>
 #include <future>
 
 #include "suite/common/LocalFolder.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/suite/TestFolder.h"
 
 using suite::SharedAppendFile;
@@ -103,4 +105,39 @@ TEST(LocalFolderTest, MakesWhatIsMissingAndSaysWhetherItIsThere) {
 
 TEST(LocalFolderTest, NamesTheProgram) {
     EXPECT_EQ(suite::ProgramName(), L"suite_logger_test");
+}
+
+TEST(LocalFolderTest, LongPathsAreGivenWhole) {
+    TestFolder folder;
+    const std::wstring path = L"C:\\" + std::wstring(300, L'd');
+    SetEnvironmentVariableW(L"LOCALAPPDATA", path.c_str());
+    EXPECT_EQ(suite::LocalDataFolder(), path);
+}
+
+namespace {
+
+std::wstring g_program;
+
+// By the rules of Windows: what does not fit with its end is cut off, and the whole room is said to be filled.
+DWORD WINAPI TellProgram(HMODULE, LPWSTR path, DWORD room) {
+    const auto length = static_cast<DWORD>(g_program.size());
+    const DWORD told = std::min(length, room - 1);
+    std::copy_n(g_program.data(), told, path);
+    path[told] = L'\0';
+    SetLastError(told < length ? ERROR_INSUFFICIENT_BUFFER : ERROR_SUCCESS);
+    return told < length ? room : length;
+}
+
+}  // namespace
+
+TEST(LocalFolderTest, AProgramMayLieDeep) {
+    const harness::ImportHook hook(nullptr, "GetModuleFileNameW", &TellProgram);
+    for (const std::size_t length : {1, 258, 259, 260, 261, 519, 520, 521, 32766}) {
+        g_program = std::wstring(length, L'p');
+        EXPECT_EQ(suite::ProgramPath(), g_program) << length;
+    }
+    g_program = L"C:\\" + std::wstring(300, L'd') + L"\\deep.exe";
+    EXPECT_EQ(suite::ProgramName(), L"deep");
+    g_program = std::wstring(100'000, L'p');
+    EXPECT_EQ(suite::ProgramPath(), L"") << "longer than the system's paths are";
 }

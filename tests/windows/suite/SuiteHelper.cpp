@@ -18,6 +18,7 @@ int wmain(int argc, wchar_t** argv) {
         {L"report-write-out", ReportWriteOut},
         {L"report-uploader", ReportUploader},
         {L"report-full", ReportFull},
+        {L"report-limits", ReportLimits},
         {L"url", ReceiveUrl},
         {L"crash", Crash},
     };

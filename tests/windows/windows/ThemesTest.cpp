@@ -338,10 +338,10 @@ TEST_F(ThemesTest, TheEffectsGrowAndTheirNumbersHoldAtTheUsualSize) {
 
 // --- right to left
 
-TEST_F(ThemesTest, TheCheckMarkIsNotMirrored) {
+TEST_F(ThemesTest, TheCheckMarkAndTheSignOfVideosAreNotMirrored) {
     auto& preview = Control<DuiLib::CButtonUI>(L"preview_switch");
-    preview.SetNormalImage(L"file='drawable/LumiCamera/checked.png' reverse='true'");
     const auto form = [&] {
+        preview.Invalidate();
         Manager().NeedUpdate();
         Manager().UpdateLayout();
         const Rect px = preview.GetPos();
@@ -354,13 +354,18 @@ TEST_F(ThemesTest, TheCheckMarkIsNotMirrored) {
         }
         return pixels;
     };
-    const std::vector<DWORD> before = form();
     DuiLib::UICulture& culture = *DuiLib::UICulture::GetInstance();
     const std::wstring language = culture.GetLanguage();
-    ASSERT_TRUE(culture.SelectLanguage(L"ar_SA", true));
-    preview.Invalidate();
-    EXPECT_EQ(form(), before);
-    culture.SelectLanguage(language, true);
+    std::vector<DWORD> other;
+    for (const wchar_t* name : {L"checked", L"video_icon"}) {
+        preview.SetNormalImage(L"file='drawable/LumiCamera/" + std::wstring(name) + L".png' reverse='true'");
+        const std::vector<DWORD> before = form();
+        EXPECT_NE(before, other) << "nothing is painted";
+        ASSERT_TRUE(culture.SelectLanguage(L"ar_SA", true));
+        EXPECT_EQ(form(), before) << Narrow(name);
+        culture.SelectLanguage(language, true);
+        other = before;
+    }
 }
 
 }  // namespace
