@@ -1,7 +1,10 @@
 // Servers that are absent, late, busy, dead, slow or lying.
+#include <atomic>
 #include <memory>
 
 #include "suite/common/Handle.h"
+#include "suite/ipc/RetrySchedule.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/ipc/IpcTest.h"
 #include "tests/windows/ipc/RawPipe.h"
 #include "tools/service/PipeServer.h"
@@ -10,6 +13,23 @@ namespace {
 
 using Kind = ServerEvent::Kind;
 using Bytes = std::vector<std::uint8_t>;
+
+// The library's clock, which can be put forward.
+class Clock {
+  public:
+    Clock() {
+        g_ahead = 0;
+        g_tick = hook_.Original<decltype(&GetTickCount64)>();
+    }
+    static void Advance(ULONGLONG ms) { g_ahead += ms; }
+
+  private:
+    static ULONGLONG WINAPI Tick() { return g_tick() + g_ahead; }
+
+    static inline std::atomic<ULONGLONG> g_ahead{0};
+    static inline decltype(&GetTickCount64) g_tick = nullptr;
+    const harness::ImportHook hook_{GetModuleHandleW(L"QxIpc.dll"), "GetTickCount64", &Tick};
+};
 
 class ClientFaultTest : public IpcTest {
   protected:
@@ -43,6 +63,32 @@ TEST_F(ClientFaultTest, PipeThatCannotBeOpenedIsToldOnce) {
     EXPECT_FALSE(client.PostIPCMessage(Ping()));
     EXPECT_FALSE(client.PostIPCMessage(Ping()));
     EXPECT_EQ(LinesWith("the pipe cannot be opened, error code: 32"), 1);
+}
+
+// What is opened in between is a file, whose server may be nobody that can be believed, and that ends at once.
+TEST_F(ClientFaultTest, AFailureToOpenIsToldAgainAfterAnOpening) {
+    constexpr char kClosed[] = "the pipe cannot be opened, error code: 32";
+    Expect(kClosed);
+    harness::TestLog::Allow(testing::HasSubstr("the pipe's server may be anybody's"));
+    const Clock clock;
+    wchar_t folder[MAX_PATH]{};
+    wchar_t file[MAX_PATH]{};
+    GetTempPathW(MAX_PATH, folder);
+    ASSERT_NE(GetTempFileNameW(folder, L"ipc", 0, file), 0u);
+    const auto hold = [&file] {
+        return suite::Handle(CreateFileW(file, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    };
+    suite::Handle owner = hold();
+    IPCMessageClient client(1, false, false, file);
+    EXPECT_EQ(LinesWith(kClosed), 1);
+    owner.Reset();
+    client.PostIPCMessage(Ping());
+    ASSERT_TRUE(harness::WaitUntil([&] { return static_cast<bool>(owner = hold()); })) << "the client lets go of it";
+    Clock::Advance(suite::RetrySchedule::kFirstPenaltyMs);
+    EXPECT_FALSE(client.PostIPCMessage(Ping()));
+    EXPECT_EQ(LinesWith(kClosed), 2);
+    owner.Reset();
+    DeleteFileW(file);
 }
 
 TEST_F(ClientFaultTest, ServerComesLater) {
@@ -93,6 +139,25 @@ TEST_F(ClientFaultTest, ServerIsRestarted) {
     }
     ASSERT_TRUE(WaitForLine("the pipe connection is lost"));
     EXPECT_EQ(LinesWith("the pipe connection is lost"), 1) << "short connections are told once";
+}
+
+// Each of three connections ends in the same way; the second one has lasted ten seconds.
+TEST_F(ClientFaultTest, AnEndIsToldAgainAfterAConnectionThatLasted) {
+    const Clock clock;
+    PipeServer server;
+    ASSERT_TRUE(server.Start(PipeName()));
+    IPCMessageClient client(1, true, false, PipeName());
+    ASSERT_TRUE(server.WaitFor(Kind::kHello, kDeadline));
+    server.DisconnectClients();
+    ASSERT_TRUE(server.WaitFor(Kind::kHello, kDeadline)) << "the first end is told by now";
+    EXPECT_EQ(LinesWith("the pipe connection is lost"), 1);
+    Clock::Advance(suite::RetrySchedule::kSettledMs);
+    server.DisconnectClients();
+    ASSERT_TRUE(server.WaitFor(Kind::kHello, kDeadline));
+    EXPECT_EQ(LinesWith("the pipe connection is lost"), 2);
+    server.DisconnectClients();
+    ASSERT_TRUE(server.WaitFor(Kind::kHello, kDeadline));
+    EXPECT_EQ(LinesWith("the pipe connection is lost"), 2) << "this one was short";
 }
 
 TEST_F(ClientFaultTest, LastMessageOfAnEndingServerArrives) {
