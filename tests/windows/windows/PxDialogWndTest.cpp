@@ -181,9 +181,8 @@ TEST_F(PxDialogWndTest, ASecondStartFindsIt) {
     ShowAnd(L"text", [this] {
         ShowWindow(dialog_->GetHWND(), SW_MINIMIZE);
         dialog_->ActivateExisting();
-        EXPECT_TRUE(Input::PumpUntil([this] {
-            return GetForegroundWindow() == dialog_->GetHWND() && GetFocus() == dialog_->GetHWND();
-        }));
+        EXPECT_TRUE(Input::PumpUntil(
+            [this] { return GetForegroundWindow() == dialog_->GetHWND() && GetFocus() == dialog_->GetHWND(); }));
         EXPECT_FALSE(IsIconic(dialog_->GetHWND()));
         Input::Key(VK_ESCAPE);
     });
