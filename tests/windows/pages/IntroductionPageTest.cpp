@@ -1,5 +1,6 @@
 #include "pages/IntroductionPage.h"
 
+#include "DuiLib/ContainerUI.h"
 #include "DuiLib/OptionUI.h"
 #include "DuiLib/RenderEngine.h"
 #include "pages/IntroductionHeader.h"
@@ -70,6 +71,25 @@ TEST_F(IntroductionPageTest, AClickShowsAnotherTab) {
     for (const int index : {2, 1, 0, 1}) {
         Press(kTabs[index].option);
         ExpectShown(kTabs[index]);
+    }
+}
+
+// The bar lies over the end of what it scrolls, the texts' too where they are larger.
+TEST_F(IntroductionPageTest, EachTextLeavesRoomForItsScrollBar) {
+    Open();
+    for (const Tab& tab : kTabs) {
+        Press(tab.option);
+        Manager().UpdateLayout();
+        const auto& texts = Control<DuiLib::CContainerUI>(std::wstring(tab.container) + L"_text");
+        ASSERT_GT(texts.GetCount(), 0);
+        for (int i = 0; i < texts.GetCount(); ++i) {
+            EXPECT_EQ(texts.GetPos().right - texts.GetItemAt(i)->GetPos().right, 12);
+        }
+        // Insets stay where they are from right to left: both sides are alike.
+        EXPECT_EQ(texts.GetItemAt(0)->GetPos().left - texts.GetPos().left, 12);
+        const DuiLib::Rect& page = Control(tab.container).GetPos();
+        EXPECT_EQ(page.right - texts.GetPos().right, 28);
+        EXPECT_EQ(texts.GetPos().left - page.left, 28 + 12 + 480 + 28);
     }
 }
 
