@@ -55,8 +55,11 @@ bool MoveIntoPlace(const std::wstring& unfinished, const std::wstring& target) {
 }
 
 void DeleteUnlessLink(const std::wstring& path) {
-    if (!suite::IsLink(path)) {
-        [[maybe_unused]] const bool deleted = suite::TryWhileHeld([&] { return DeleteFileW(path.c_str()) != FALSE; });
+    if (suite::IsLink(path) || suite::TryWhileHeld([&] { return DeleteFileW(path.c_str()) != FALSE; })) {
+        return;
+    }
+    if (const DWORD error = GetLastError(); error != ERROR_FILE_NOT_FOUND) {
+        LogLine(LogLevel::kInfo, L"BackgroundPicture::Remove", L"A picture stays, error code: ", error);
     }
 }
 

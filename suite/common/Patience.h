@@ -3,8 +3,11 @@
 // each new file a moment after it was closed, and let go of it soon.
 //
 // Only errors that such a neighbour causes are worth waiting for; all others are told at once. The waits double from
-// 10 ms; after two seconds the last error counts. Threads: any but one that must answer, for it sleeps.
+// 10 ms to 100, for one that comes again and again lets go for moments only; after two seconds the last error counts.
+// Threads: any but one that must answer, for it sleeps.
 #include <windows.h>
+
+#include <algorithm>
 
 namespace suite {
 
@@ -23,13 +26,14 @@ constexpr bool IsHeldByOthers(DWORD error) {
 }
 
 inline constexpr DWORD kFirstHoldWaitMs = 10;
+inline constexpr DWORD kMostHoldWaitMs = 100;
 inline constexpr DWORD kLongestHoldMs = 2000;
 
 // `attempt`: true, or false with the reason as the thread's last error, which is kept.
 template <typename Attempt>
 [[nodiscard]] bool TryWhileHeld(const Attempt& attempt) {
     DWORD waited = 0;
-    for (DWORD wait = kFirstHoldWaitMs;; wait *= 2) {
+    for (DWORD wait = kFirstHoldWaitMs;; wait = std::min(2 * wait, kMostHoldWaitMs)) {
         if (attempt()) {
             return true;
         }
@@ -38,9 +42,9 @@ template <typename Attempt>
             SetLastError(error);
             return false;
         }
-        wait = wait < kLongestHoldMs - waited ? wait : kLongestHoldMs - waited;
-        Sleep(wait);
-        waited += wait;
+        const DWORD left = std::min(wait, kLongestHoldMs - waited);
+        Sleep(left);
+        waited += left;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <random>
+#include <set>
 
 #include "suite/common/Handle.h"
 
@@ -28,10 +29,15 @@ void HoldNewFiles(const std::wstring& folder, const std::wstring& held) {
                                  FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_LAST_WRITE, &size, nullptr,
                                  nullptr)) {
         const auto* change = reinterpret_cast<const FILE_NOTIFY_INFORMATION*>(changes.data());
+        // A file whose changes have piled up is held once: nobody looks at it again before the one who waits for it.
+        std::set<std::wstring> looked;
         for (DWORD left = size; left > 0;) {
             const std::wstring name(change->FileName, change->FileNameLength / sizeof(wchar_t));
-            const suite::Handle file(CreateFileW((folder + L"\\" + name).c_str(), GENERIC_READ, 0, nullptr,
+            suite::Handle file;
+            if (looked.insert(name).second) {
+                file = suite::Handle(CreateFileW((folder + L"\\" + name).c_str(), GENERIC_READ, 0, nullptr,
                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+            }
             if (file) {
                 ReleaseSemaphore(semaphore.Get(), 1, nullptr);
                 Sleep(time(random));

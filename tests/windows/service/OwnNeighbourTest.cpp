@@ -73,6 +73,25 @@ TEST_F(OwnNeighbourTest, APictureThatIsHeldForASecondIsReplacedAndDeleted) {
     }
 }
 
+TEST_F(OwnNeighbourTest, APictureThatIsHeldForLongerStaysAndTheLogTells) {
+    Start();
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    {
+        const suite::Handle held = Hold(Picture(0), FILE_SHARE_READ | FILE_SHARE_WRITE);
+        ASSERT_TRUE(held);
+        EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+        EXPECT_TRUE(fs::exists(Picture(0)));
+    }
+    const std::string line = "A picture stays, error code: 32(BackgroundPicture::Remove)";
+    EXPECT_EQ(LogLines(line), 1);
+    EXPECT_THAT(GalleryNames(), IsEmpty());
+    ASSERT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
+    EXPECT_FALSE(fs::exists(Picture(0)));
+    pictures::BackgroundPicture::Remove(Picture(0));
+    EXPECT_EQ(LogLines(line), 1) << "what is gone is not told";
+}
+
 TEST(Patience, OnlyWhatANeighbourCausesIsTriedAgain) {
     for (const DWORD error : {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_SHARING_VIOLATION}, DWORD{ERROR_LOCK_VIOLATION},
                               DWORD{ERROR_DELETE_PENDING}, DWORD{ERROR_USER_MAPPED_FILE}}) {
@@ -106,7 +125,7 @@ TEST(Patience, EndsAfterTwoSeconds) {
     }));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
     EXPECT_GE(GetTickCount64() - start, 1900u);
-    EXPECT_EQ(attempts, 9) << "after 10, 20, 40 ... 640 ms, and what is left of two seconds";
+    EXPECT_EQ(attempts, 24) << "after 10, 20, 40, 80 ms, eighteen times 100, and what is left of two seconds";
 }
 
 }  // namespace
