@@ -87,10 +87,14 @@ TEST_F(CameraFaultTest, AnErrorWithoutAReasonIsAFailure) {
 }
 
 TEST_F(CameraFaultTest, AnErrorThatComesWithATypeAsksTheReaderNothing) {
-    Answer([](int) { return Failure(kInUse, MF_SOURCE_READERF_ERROR | MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED); });
-    MakeAndStart();
-    EXPECT_TRUE(WaitForPosted());
-    EXPECT_THAT(Posted(), ElementsAre(kInUse));
+    for (const DWORD type : {MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED, MF_SOURCE_READERF_NATIVEMEDIATYPECHANGED}) {
+        Answer([type](int) { return Failure(kInUse, MF_SOURCE_READERF_ERROR | type); });
+        const std::size_t before = Posted().size();
+        MakeAndStart();
+        EXPECT_TRUE(WaitForPosted(before + 1));
+        EXPECT_EQ(Posted().back(), kInUse);
+        Finish();
+    }
 }
 
 TEST_F(CameraFaultTest, AFailedReadOnlyReadsAgain) {

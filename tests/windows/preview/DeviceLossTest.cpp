@@ -505,6 +505,11 @@ TEST_F(DeviceLossTest, TheApertureIsThePicture) {
     target = {0, 4, 64, 44};
     EXPECT_TRUE(IsSame(Graphics::Seen().source, source));
     EXPECT_TRUE(IsSame(Graphics::Seen().destination, target));
+    // One side alone is left out.
+    for (const RECT& part : {RECT{4, 0, 64, 48}, RECT{0, 4, 64, 48}, RECT{0, 0, 60, 48}, RECT{0, 0, 64, 44}}) {
+        configure(part);
+        EXPECT_TRUE(IsSame(Graphics::Seen().source, {64 - part.right, part.top, 64 - part.left, part.bottom}));
+    }
     // What does not lie within the frame is none.
     const RECT whole = {0, 0, 64, 48};
     for (const RECT& wrong : {RECT{0, 0, 65, 48}, RECT{0, 0, 64, 49}, RECT{-1, 0, 64, 48}, RECT{0, -1, 64, 48},

@@ -322,6 +322,26 @@ TEST_F(OlderLayoutTest, AVideoWithoutAnyCoverGetsWhatStandsForOne) {
     EXPECT_EQ(Saved()[1].thumbPath, Picture(1).wstring());
 }
 
+// The list names a cover that is gone; one with the video's name lies in the shared folder all the same.
+TEST_F(OlderLayoutTest, ACoverThatIsCopiedIsWorthMoreThanWhatStandsForOne) {
+    std::ofstream(clip_) << "no video";
+    SetGroup(Piece(1, true, OwnFolder() / L"gone.jpg", clip_));
+    Start();
+    EXPECT_EQ(Content(Picture(1)), Content(Media(L"green.jpg")));
+    EXPECT_EQ(Saved()[0].thumbPath, Picture(1).wstring());
+}
+
+TEST_F(OlderLayoutTest, ACoverThatLiesElsewhereStaysInUse) {
+    std::ofstream(clip_) << "no video";
+    fs::remove(Old(1));
+    const fs::path cover = Own(L"green.jpg", L"cover.jpg");
+    SetGroup(Piece(1, true, cover, clip_));
+    Start();
+    ASSERT_EQ(Saved().size(), 1u);
+    EXPECT_EQ(Saved()[0].thumbPath, cover.wstring());
+    EXPECT_FALSE(fs::exists(Picture(1)));
+}
+
 TEST_F(OlderLayoutTest, WhatItDoesNotUnderstandIsKept) {
     const std::wstring rest = L"four[(&,f!=)]1[(&,f!=)]0[(&,f!=)]x[(&;i!-)]";
     SetGroup(rest + Piece(0, false, Old(0), L"D:\\a.jpg"));

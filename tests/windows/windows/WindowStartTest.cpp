@@ -211,6 +211,54 @@ TEST_F(MainWindowTest, WithoutAWindowTheRunEnds) {
     Input::TakeQuit();
 }
 
+TEST_F(MainWindowTest, EachWindowTellsWhoseStartHasFailed) {
+    Destroy();
+    Expect("[L4] Path append res fail!(PxMainWnd::SetValuePath)");
+    Expect("[L4] Path append res fail!(PxDialogWnd::SetValuePath)");
+    Expect("[L4] No window, error code: 8(CWindowWnd::Create)");
+    g_awareness = E_ACCESSDENIED;
+    const ImportHook awareness(nullptr, "SetProcessDpiAwareness", &SetAwareness);
+    const ImportHook append(nullptr, "PathCchAppend", &RefuseToAppend);
+    const ImportHook create(GetModuleHandleW(L"DuiLib.dll"), "CreateWindowExW", &NoWindow);
+    const auto counts = [] {
+        std::vector<std::size_t> lines;
+        for (const char* const name :
+             {"PxMainWnd::DPIAware", "PxMainWnd::SetValuePath", "PxDialogWnd::DPIAware", "PxDialogWnd::SetValuePath"}) {
+            lines.push_back(LogOf(name).size());
+        }
+        return lines;
+    };
+    const std::size_t fixtures = counts().front();
+    MainWindow window;
+    window.Run(GetModuleHandleW(nullptr));
+    EXPECT_THAT(counts(), ElementsAre(fixtures + 1, 1U, 0U, 0U));
+    PxDialogWnd dialog;
+    dialog.Run(GetModuleHandleW(nullptr));
+    EXPECT_THAT(counts(), ElementsAre(fixtures + 1, 1U, 1U, 1U));
+    g_awareness = S_OK;
+    Input::TakeQuit();
+}
+
+std::vector<BOOL> g_visibleWhileRead;
+const ImportHook* g_readAhead = nullptr;
+
+void ReadAhead(DuiLib::CPaintManagerUI* manager) {
+    g_visibleWhileRead.push_back(IsWindowVisible(manager->GetPaintWindow()));
+    g_readAhead->Original<void (*)(DuiLib::CPaintManagerUI*)>()(manager);
+}
+
+TEST_F(MainWindowTest, ItsPicturesAreReadWhileItIsMade) {
+    Destroy();
+    const ImportHook hook(nullptr, "CPaintManagerUI17ReadPicturesAhead", &ReadAhead);
+    g_readAhead = &hook;
+    g_visibleWhileRead.clear();
+    MainWindow window;
+    window.Open(GetModuleHandleW(nullptr));
+    EXPECT_THAT(g_visibleWhileRead, ElementsAre(FALSE)) << "before it is shown, and once";
+    DestroyWindow(window.GetHWND());
+    Input::TakeQuit();
+}
+
 // Only its own window can pass a lock on to its pages.
 TEST_F(MainWindowTest, IsRegisteredItselfThoughAStrangersWindowIsFound) {
     Destroy();
