@@ -272,6 +272,19 @@ class SoakTest : public testing::Test {
             ++added_;
     }
 
+    // A preview that a click has begun to open ends in a box here, after its switch can be pressed again.
+    void WaitForPreview() {
+        int looks = 0;
+        ASSERT_TRUE(WaitUntil([&] {
+            CloseWhatIsInFront();
+            const auto preview = program_->Find(L"preview_switch");
+            const bool isCalm = preview && (preview->state & STATE_SYSTEM_UNAVAILABLE) == 0 &&
+                                GetLastActivePopup(program_->Window()) == program_->Window();
+            looks = isCalm ? looks + 1 : 0;
+            return looks == 3;
+        }));
+    }
+
     // REQUIRES: nobody else writes the settings. What the key is given is shown, and what is clicked is written.
     void CompareWithModel() {
         SettingsModel model;
@@ -284,6 +297,7 @@ class SoakTest : public testing::Test {
             Machine::SetNumber(name.c_str(), static_cast<DWORD>(value));
         if (!program_->Find(kSwitches[0].control) && program_->Find(L"back_btn"))
             program_->Click(L"back_btn");
+        ASSERT_NO_FATAL_FAILURE(WaitForPreview());
         for (const SwitchRow& row : kSwitches) {
             ASSERT_TRUE(WaitUntil([&] {
                 const auto control = program_->Find(row.control);
