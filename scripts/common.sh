@@ -80,7 +80,22 @@ find_wine() {
     [ -n "$WINE" ] || WINE=/usr/lib/wine/wine64
     [ -x "$WINE" ] || WINE=$(command -v wine) || die "Wine is not installed"
     WINESERVER=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+    if [ -z "${PIXORA_SHARED_MEMORY:-}" ]; then
+        PIXORA_WINE=$WINE
+        PIXORA_NO_SHARED_MEMORY=$build/no-shared-memory.so
+        WINE=$root/scripts/wine-without-shm
+        export PIXORA_WINE PIXORA_NO_SHARED_MEMORY
+        make_no_shared_memory
+    fi
     export WINE WINESERVER
+}
+
+make_no_shared_memory() {
+    local source=$root/scripts/no-shared-memory.c
+    [ "$PIXORA_NO_SHARED_MEMORY" -nt "$source" ] && return 0
+    mkdir -p "$build"
+    gcc -shared -fPIC -O2 -o "$PIXORA_NO_SHARED_MEMORY.$$" "$source"
+    mv "$PIXORA_NO_SHARED_MEMORY.$$" "$PIXORA_NO_SHARED_MEMORY"
 }
 
 # import_settings file: into the registry of the current prefix.

@@ -80,7 +80,7 @@ class BackgroundsTest : public testing::Test {
     void OpenDialog(FileDialog& dialog) {
         ShowControl(L"custom_background_btn");
         program_->Click(L"custom_background_btn");
-        ASSERT_TRUE(dialog.WaitFor(program_->Window()));
+        ASSERT_TRUE(dialog.WaitFor(program_->Window())) << program_->InputState();
     }
     void Choose(const fs::path& path) {
         FileDialog dialog;

@@ -331,7 +331,8 @@ std::string Program::InputState() const {
     text << (IsWindowEnabled(window_) ? "enabled" : "disabled") << ", in front " << tell(GetForegroundWindow())
          << ", popup " << tell(GetLastActivePopup(window_)) << ", below the pointer " << tell(WindowFromPoint(pointer))
          << " at " << pointer.x << "," << pointer.y << " within " << clip.left << "," << clip.top << "," << clip.right
-         << "," << clip.bottom << ", capture " << tell(thread.hwndCapture) << ", state " << thread.flags;
+         << "," << clip.bottom << ", capture " << tell(thread.hwndCapture) << ", focus " << tell(thread.hwndFocus)
+         << ", state " << thread.flags;
     const auto list = [&](HWND window) {
         text << "; " << tell(window) << (IsWindowVisible(window) ? " shown" : " hidden")
              << (IsWindowEnabled(window) ? "" : " disabled")
