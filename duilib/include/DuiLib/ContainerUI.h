@@ -2,13 +2,12 @@
 // A control that holds others: in the base every child fills the container's inside.
 //
 // Attributes beside those of Control:
-//   inset: l,t,r,b, 0,0,0,0            room between the border and the children
+//   inset: l,t,r,b, 0,0,0,0            room between the border and the children; mirrored as their places are
 //   childpadding: number, 0            room between neighbours (vertical, horizontal and tile layouts)
 //   vscrollbar, hscrollbar: true | false, false   scrolls where the content is larger than the container
 //   mirror: true | false, true         false: not mirrored in right-to-left languages
-//   accposition: text, ""              what is said beside an option's name, as "{group}, {n} of {count}": {group} is
-//   this
-//                                      container's accname
+//   accposition: text, ""              what is said beside an option's name, as "{group}, {n} of {count}": {group}
+//                                      is this container's accname
 // A scroll bar appears only when it is needed, lies over the right (left in right-to-left languages) or lower edge
 // within the container, can be dragged, clicked beside its thumb, and follows wheel, arrows, Page Up/Down, Home and
 // End. The focused control is scrolled into view. A container that scrolls and holds nothing that can have the focus

@@ -104,7 +104,11 @@ Rect CContainerUI::PaddingPx(const CControlUI& child) const {
 }
 
 Rect CContainerUI::InsetPx() const {
-    return {ToPx(insetDip_.left), ToPx(insetDip_.top), ToPx(insetDip_.right), ToPx(insetDip_.bottom)};
+    Rect px{ToPx(insetDip_.left), ToPx(insetDip_.top), ToPx(insetDip_.right), ToPx(insetDip_.bottom)};
+    if (mirror_ && IsRightToLeft()) {
+        std::swap(px.left, px.right);
+    }
+    return px;
 }
 
 Size CContainerUI::MeasureContent(Size availablePx) {

