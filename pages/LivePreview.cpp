@@ -246,6 +246,10 @@ void LivePreview::FailOpening() {
 
 void LivePreview::GiveUpOpening() {
     LogLine(LogLevel::kError, L"LivePreview::GiveUpOpening", L"the camera does not open");
+    if (preview_) {
+        LogLine(LogLevel::kInfo, L"LivePreview::GiveUpOpening", L"it hangs at: ", preview_->OpeningStep(), L"; ",
+                preview::OpeningsUnderWay());
+    }
     FailOpening();
 }
 

@@ -25,7 +25,8 @@ struct Counts {
     std::mutex mutex;
     std::condition_variable changed;
     // Guarded by mutex.
-    int opening = 0;  // begun, those that wait for their turn included
+    int opening = 0;  // begun, those that wait for a thread or for their turn included
+    int waiting = 0;  // openings that have a thread, and wait there for their turn
     int closing = 0;
     int inside = 0;  // openings whose turn it is
 };
@@ -48,7 +49,9 @@ class Turn {
     Turn() {
         Counts& counts = TheCounts();
         std::unique_lock lock(counts.mutex);
+        ++counts.waiting;
         counts.changed.wait_for(lock, kTurnPatience, [&] { return counts.inside == 0 && counts.closing == 0; });
+        --counts.waiting;
         ++counts.inside;
     }
     ~Turn() { Add(&Counts::inside, -1); }
@@ -118,6 +121,14 @@ bool CloseCamera(std::shared_ptr<OpenCamera> camera, std::chrono::milliseconds a
         return true;
     }
     return *done && WaitServed(done->Get(), atMost);
+}
+
+std::wstring OpeningsUnderWay() {
+    Counts& counts = TheCounts();
+    const std::scoped_lock lock(counts.mutex);
+    return L"openings " + std::to_wstring(counts.opening) + L", waiting for their turn " +
+           std::to_wstring(counts.waiting) + L", inside " + std::to_wstring(counts.inside) + L", closings " +
+           std::to_wstring(counts.closing);
 }
 
 }  // namespace preview

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "preview/OpenCamera.h"
 
@@ -23,5 +24,8 @@ constexpr int kMostOpenings = 4;
 // Shuts the camera down and waits for that, for a time; sent messages are served meanwhile. False: it takes longer, and
 // goes on by itself.
 bool CloseCamera(std::shared_ptr<OpenCamera> camera, std::chrono::milliseconds atMost);
+
+// What is under way, in words for the log: which of several waits it is that an opening hangs in.
+std::wstring OpeningsUnderWay();
 
 }  // namespace preview

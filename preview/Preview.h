@@ -72,6 +72,8 @@ class Preview : public IMFSourceReaderCallback {
     ULONGLONG LastFrameTickMs() const { return lastFrameTickMs_; }
     // What the last read told that brought no frame; S_OK when a frame has come since. Any thread.
     HRESULT LastReadFailure() const { return lastReadFailure_; }
+    // Where Start is, in words for the log. Any thread.
+    const wchar_t* OpeningStep() const { return openingStep_; }
     // The device path of the camera that is open; empty when none is.
     std::wstring CameraLink() const;
 
@@ -134,6 +136,7 @@ class Preview : public IMFSourceReaderCallback {
     // --- any thread
     std::atomic<ULONGLONG> lastFrameTickMs_ = 0;
     std::atomic<HRESULT> lastReadFailure_ = S_OK;
+    std::atomic<const wchar_t*> openingStep_ = L"not begun";
     std::atomic<bool> deviceLost_ = false;
     std::atomic<bool> drawingHangs_ = false;  // as Close found it
 

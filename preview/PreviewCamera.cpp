@@ -50,12 +50,14 @@ HRESULT CopyNativeType(IMFSourceReader* reader, DWORD index, IMFMediaType** copy
 bool Preview::Start(UINT32 /*ignored*/) {
     // A preview that reads is closed before the start lock is taken: its callback may hold the sample lock and wait
     // for the start lock.
+    openingStep_ = L"closing what was open";
     Close();
     const std::scoped_lock guard(startLock_);
     Close();
     openingGeneration_ = generation_;
     published_ = false;
     opening_ = std::make_shared<preview::OpenCamera>();
+    openingStep_ = L"listing the cameras";
     const INT32 index = SelectDevice();
     const bool opened = index >= 0 && CreateDeviceSource(index);
     const std::shared_ptr<preview::OpenCamera> camera = std::move(opening_);
@@ -69,6 +71,7 @@ bool Preview::Start(UINT32 /*ignored*/) {
             lastFrameTickMs_ = GetTickCount64();
         }
     }
+    openingStep_ = L"ended";
     if (cancelled && !published_) {
         camera->ShutDown();
     } else if (!cancelled && !opened && index >= 0) {
@@ -117,6 +120,7 @@ bool Preview::CreateDeviceSource(INT32 index) {
         }
         return false;
     };
+    openingStep_ = L"opening the camera";
     HRESULT result = camera_system::CreateDeviceSource(camera.devices[index], &camera.source);
     if (FAILED(result)) {
         return fail(L"create device source error!", result);
@@ -126,6 +130,7 @@ bool Preview::CreateDeviceSource(INT32 index) {
         return false;
     }
     attributes->SetUnknown(MF_SOURCE_READER_ASYNC_CALLBACK, this);
+    openingStep_ = L"making the reader";
     result = CreateReader(camera.source, attributes);
     ComRelease(attributes);
     if (FAILED(result)) {

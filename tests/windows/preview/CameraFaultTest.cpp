@@ -445,6 +445,8 @@ TEST_F(CameraFaultTest, OpeningsComeOneAfterTheOther) {
     }));
     ASSERT_TRUE(gate.WaitUntilReached());
     EXPECT_TRUE(preview::BeginOpening([&] { order = ended.load(); }));
+    EXPECT_TRUE(Wait(
+        [] { return preview::OpeningsUnderWay() == L"openings 2, waiting for their turn 1, inside 1, closings 0"; }));
     constexpr std::chrono::milliseconds kChance(300);
     Wait([&] { return order >= 0; }, kChance);
     gate.Open();

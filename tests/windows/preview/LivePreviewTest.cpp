@@ -204,6 +204,10 @@ TEST_F(LivePreviewTest, AnOpeningThatDoesNotEndIsGivenUp) {
     Press(L"preview_switch");
     EXPECT_TRUE(WaitForMessage());
     EXPECT_GE(GetTickCount64() - begin, 9'900U) << "some cameras take five seconds";
+    EXPECT_THAT(
+        harness::TestLog::Lines(),
+        Contains("[L3] it hangs at: opening the camera; openings 1, waiting for their turn 0, inside 1, closings "
+                 "0(LivePreview::GiveUpOpening)"));
     EXPECT_FALSE(IsOn());
     EXPECT_TRUE(CanBeClicked());
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
