@@ -17,7 +17,6 @@
 namespace {
 
 using DuiLib::Rect;
-using testing::IsEmpty;
 
 // A contrast theme of black and red only: a pixel with green or blue in it has a colour that is not the system's.
 const std::map<int, COLORREF> kBlackAndRed = {{COLOR_WINDOW, RGB(0, 0, 0)},      {COLOR_WINDOWTEXT, RGB(255, 0, 0)},
