@@ -16,6 +16,7 @@
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/TestFolder.h"
+#include "tests/windows/support/KeptWriter.h"
 #include "tests/windows/support/LockHolder.h"
 
 namespace fs = std::filesystem;
@@ -195,6 +196,35 @@ TEST(LoggerTest, WhatWaitsIsWrittenOutOnRequest) {
     LogLine(3, L"Held", L"at the end");
     suite::WriteOutLog();
     EXPECT_THAT(ReadLines(log), testing::Contains(EndsWith("at the end(Held)")));
+}
+
+TEST(LoggerTest, WritingOutIsGivenUpAfterTwoSeconds) {
+    const fs::path log = QxLogger::GetInstance()->FilePath();
+    KeptWriter writer(L"QxLogger.dll");
+    LogLine(3, L"Kept", L"too long");
+    suite::WriteOutLog();
+    EXPECT_THAT(writer.Sleeps(), ElementsAre(2000));
+    EXPECT_THAT(ReadLines(log), testing::Not(testing::Contains(EndsWith("too long(Kept)"))));
+    writer.Release();
+    const auto line = testing::Contains(EndsWith("too long(Kept)"));
+    ASSERT_TRUE(harness::WaitUntil([&] { return testing::Value(ReadLines(log), line); }));
+}
+
+TEST(LoggerTest, FourThousandLinesWaitAtMost) {
+    constexpr int kMost = 4096;
+    const fs::path log = QxLogger::GetInstance()->FilePath();
+    const std::size_t before = ReadLines(log).size();
+    KeptWriter writer(L"QxLogger.dll");
+    for (int line = 0; line < kMost + 100; ++line) {
+        LogLine(3, L"Full", line);
+    }
+    writer.Release();
+    ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).size() >= before + kMost; }));
+    LogLine(3, L"Full", L"after");
+    ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).back().ends_with("after(Full)"); }));
+    const std::vector<std::string> lines = ReadLines(log);
+    ASSERT_EQ(lines.size(), before + kMost + 1);
+    EXPECT_THAT(Texts({lines.end() - 2, lines.end()}), ElementsAre("3 4095(Full)", "3 after(Full)"));
 }
 
 TEST(LoggerTest, ARunWhoseStartFindsTheLockKeptHasALogAllTheSame) {
