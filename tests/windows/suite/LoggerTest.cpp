@@ -199,32 +199,28 @@ TEST(LoggerTest, WhatWaitsIsWrittenOutOnRequest) {
 }
 
 TEST(LoggerTest, WritingOutIsGivenUpAfterTwoSeconds) {
-    const fs::path log = QxLogger::GetInstance()->FilePath();
     KeptWriter writer(L"QxLogger.dll");
     LogLine(3, L"Kept", L"too long");
     suite::WriteOutLog();
     EXPECT_THAT(writer.Sleeps(), ElementsAre(2000));
-    EXPECT_THAT(ReadLines(log), testing::Not(testing::Contains(EndsWith("too long(Kept)"))));
+    EXPECT_THAT(harness::TestLog::LinesOf("Kept"), IsEmpty());
     writer.Release();
-    const auto line = testing::Contains(EndsWith("too long(Kept)"));
-    ASSERT_TRUE(harness::WaitUntil([&] { return testing::Value(ReadLines(log), line); }));
+    EXPECT_TRUE(harness::TestLog::WaitFor("[L3] too long(Kept)")) << "yet it is not lost";
 }
 
 TEST(LoggerTest, FourThousandLinesWaitAtMost) {
-    constexpr int kMost = 4096;
-    const fs::path log = QxLogger::GetInstance()->FilePath();
-    const std::size_t before = ReadLines(log).size();
+    constexpr std::size_t kMost = 4096;
+    const auto lines = [] { return harness::TestLog::LinesOf("Full"); };
     KeptWriter writer(L"QxLogger.dll");
-    for (int line = 0; line < kMost + 100; ++line) {
+    for (std::size_t line = 0; line < kMost + 100; ++line) {
         LogLine(3, L"Full", line);
     }
     writer.Release();
-    ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).size() >= before + kMost; }));
+    ASSERT_TRUE(harness::WaitUntil([&] { return lines().size() >= kMost; }));
     LogLine(3, L"Full", L"after");
-    ASSERT_TRUE(harness::WaitUntil([&] { return ReadLines(log).back().ends_with("after(Full)"); }));
-    const std::vector<std::string> lines = ReadLines(log);
-    ASSERT_EQ(lines.size(), before + kMost + 1);
-    EXPECT_THAT(Texts({lines.end() - 2, lines.end()}), ElementsAre("3 4095(Full)", "3 after(Full)"));
+    ASSERT_TRUE(harness::TestLog::WaitFor("[L3] after(Full)"));
+    ASSERT_EQ(lines().size(), kMost + 1);
+    EXPECT_EQ(lines()[kMost - 1], "[L3] 4095(Full)");
 }
 
 TEST(LoggerTest, ARunWhoseStartFindsTheLockKeptHasALogAllTheSame) {
