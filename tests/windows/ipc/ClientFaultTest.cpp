@@ -7,6 +7,7 @@
 #include "tests/support/ImportHook.h"
 #include "tests/windows/ipc/IpcTest.h"
 #include "tests/windows/ipc/RawPipe.h"
+#include "tests/windows/ipc/SkippedWaits.h"
 #include "tools/service/PipeServer.h"
 
 namespace {
@@ -101,6 +102,13 @@ TEST_F(ClientFaultTest, ServerComesLater) {
     EXPECT_EQ(hello->frame.clientId, 42);
     EXPECT_TRUE(client.PostIPCMessage(Ping()));
     EXPECT_TRUE(server.WaitFor(Kind::kMessage, kDeadline));
+}
+
+TEST_F(ClientFaultTest, AnAbsentServerIsLookedForEveryTwoSeconds) {
+    const SkippedWaits waits(8);
+    IPCMessageClient client(42, true, false, PipeName());
+    EXPECT_THAT(waits.UntilAtRest(), testing::ElementsAre(50, 100, 200, 400, 800, 1600, 2000, 2000));
+    EXPECT_EQ(waits.Tries(), 9);
 }
 
 TEST_F(ClientFaultTest, PostingFindsAServerThatCameLater) {

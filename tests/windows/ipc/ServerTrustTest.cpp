@@ -10,6 +10,7 @@
 #include "tests/support/ImportHook.h"
 #include "tests/windows/ipc/IpcTest.h"
 #include "tests/windows/ipc/RawPipe.h"
+#include "tests/windows/ipc/SkippedWaits.h"
 #include "tools/service/PipeServer.h"
 
 namespace {
@@ -182,6 +183,27 @@ TEST_F(ServerTrustTest, AStrangerIsLeftAloneAndASoundServerFoundLater) {
     EXPECT_TRUE(client.PostIPCMessage(Ping()));
     EXPECT_TRUE(server.WaitFor(Kind::kMessage, kDeadline));
     EXPECT_EQ(LinesWith(kLine), 1);
+}
+
+// What can be opened again and again is a file, of which the doubles say the same.
+TEST_F(ServerTrustTest, AStrangerIsLeftAloneForLongerAndLonger) {
+    Expect(kLine);
+    wchar_t folder[MAX_PATH]{};
+    wchar_t file[MAX_PATH]{};
+    GetTempPathW(MAX_PATH, folder);
+    ASSERT_NE(GetTempFileNameW(folder, L"ipc", 0, file), 0u);
+    {
+        const ServerSays says({kOther, L""});
+        const SkippedWaits waits(7);
+        IPCMessageClient client(1, true, false, file);
+        EXPECT_THAT(waits.UntilAtRest(), testing::ElementsAre(1000, 2000, 4000, 8000, 16000, 30000, 30000));
+        EXPECT_EQ(waits.Tries(), 8);
+        for (int i = 0; i < 20; ++i) {
+            EXPECT_FALSE(client.PostIPCMessage(Ping()));
+        }
+        EXPECT_EQ(waits.Tries(), 8) << "a message does not make it try again";
+    }
+    DeleteFileW(file);
 }
 
 TEST_F(ServerTrustTest, WithoutAutomaticReconnectingAStrangerIsRefusedToo) {

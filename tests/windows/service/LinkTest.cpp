@@ -206,16 +206,26 @@ TEST_F(LinkTest, ManyMessagesWhileTheObserverComesAndGoes) {
 TEST_F(LinkTest, TheModelEndsWhileMessagesArrive) {
     for (int round = 0; round < 20; ++round) {
         std::promise<void> inside;
-        auto once = std::make_shared<std::once_flag>();
-        model_->SetStatusObserver(
-            [&inside, once](const FeatureStatusTuple&) { std::call_once(*once, [&inside] { inside.set_value(); }); });
+        std::atomic<int> begun = 0;
+        std::atomic<int> running = 0;
+        model_->SetStatusObserver([&](const FeatureStatusTuple&) {
+            ++running;
+            if (++begun == 1) {
+                inside.set_value();
+            }
+            SwitchToThread();
+            --running;
+        });
         for (int i = 0; i < 50; ++i) {
             server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
         }
         ASSERT_EQ(inside.get_future().wait_for(kDeadline), std::future_status::ready);
         model_.reset();
+        EXPECT_EQ(running, 0);
+        const int before = begun;
         model_ = MakeModel();
         ASSERT_TRUE(WaitForModel(server_));
+        EXPECT_EQ(begun, before) << "nothing comes to a model that has ended";
     }
 }
 

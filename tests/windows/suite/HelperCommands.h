@@ -19,6 +19,8 @@ int Report(const Arguments& arguments);
 int ReportMany(const Arguments& arguments);
 // Queues an event while somebody keeps the spool file's lock, asks for it to be written out, and is ended.
 int ReportWriteOut(const Arguments& arguments);
+// The same while the writer never gets the lock.
+int ReportWriteOutInVain(const Arguments& arguments);
 // Takes the spool file away as an uploader does, and reports again.
 int ReportUploader(const Arguments& arguments);
 // Holds the writer up and reports until the queue is full.

@@ -15,6 +15,7 @@
 #include "tests/support/ImportHook.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/HelperCommands.h"
+#include "tests/windows/support/KeptWriter.h"
 #include "tests/windows/support/LockHolder.h"
 
 namespace fs = std::filesystem;
@@ -145,6 +146,14 @@ int ReportWriteOut(const Arguments&) {
     Send("1", "last");
     EventDataReport::WriteOut();
     TerminateProcess(GetCurrentProcess(), 0);
+    return 1;
+}
+
+int ReportWriteOutInVain(const Arguments&) {
+    const KeptWriter writer(L"QxReport.dll");
+    Send("1", "last");
+    EventDataReport::WriteOut();
+    TerminateProcess(GetCurrentProcess(), writer.Sleeps() == std::vector<DWORD>{2000} ? 0 : 1);
     return 1;
 }
 

@@ -16,6 +16,7 @@
 #include "tests/support/TestLog.h"
 #include "tests/support/Wait.h"
 #include "tests/windows/suite/TestFolder.h"
+#include "tests/windows/support/KeptWriter.h"
 #include "tests/windows/support/LockHolder.h"
 
 namespace fs = std::filesystem;
@@ -195,6 +196,31 @@ TEST(LoggerTest, WhatWaitsIsWrittenOutOnRequest) {
     LogLine(3, L"Held", L"at the end");
     suite::WriteOutLog();
     EXPECT_THAT(ReadLines(log), testing::Contains(EndsWith("at the end(Held)")));
+}
+
+TEST(LoggerTest, WritingOutIsGivenUpAfterTwoSeconds) {
+    KeptWriter writer(L"QxLogger.dll");
+    LogLine(3, L"Kept", L"too long");
+    suite::WriteOutLog();
+    EXPECT_THAT(writer.Sleeps(), ElementsAre(2000));
+    EXPECT_THAT(harness::TestLog::LinesOf("Kept"), IsEmpty());
+    writer.Release();
+    EXPECT_TRUE(harness::TestLog::WaitFor("[L3] too long(Kept)")) << "yet it is not lost";
+}
+
+TEST(LoggerTest, FourThousandLinesWaitAtMost) {
+    constexpr std::size_t kMost = 4096;
+    const auto lines = [] { return harness::TestLog::LinesOf("Full"); };
+    KeptWriter writer(L"QxLogger.dll");
+    for (std::size_t line = 0; line < kMost + 100; ++line) {
+        LogLine(3, L"Full", line);
+    }
+    writer.Release();
+    ASSERT_TRUE(harness::WaitUntil([&] { return lines().size() >= kMost; }));
+    LogLine(3, L"Full", L"after");
+    ASSERT_TRUE(harness::TestLog::WaitFor("[L3] after(Full)"));
+    ASSERT_EQ(lines().size(), kMost + 1);
+    EXPECT_EQ(lines()[kMost - 1], "[L3] 4095(Full)");
 }
 
 TEST(LoggerTest, ARunWhoseStartFindsTheLockKeptHasALogAllTheSame) {

@@ -61,6 +61,12 @@ TEST(ReportTest, WhatIsQueuedIsWrittenOutOnRequest) {
     EXPECT_THAT(Events(folder), ElementsAre(R"("event":"1","text":"last")"));
 }
 
+TEST(ReportTest, WritingOutIsGivenUpAfterTwoSeconds) {
+    TestFolder folder;
+    EXPECT_EQ(Helper(L"report-write-out-in-vain").Wait(), 0u);
+    EXPECT_FALSE(fs::exists(SpoolPath(folder)));
+}
+
 TEST(ReportTest, ManyThreadsAndTwoProcessesLoseNothing) {
     TestFolder folder;
     Helper one(L"report-many 4 200 wait");

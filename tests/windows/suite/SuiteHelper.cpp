@@ -16,6 +16,7 @@ int wmain(int argc, wchar_t** argv) {
         {L"report", Report},
         {L"report-many", ReportMany},
         {L"report-write-out", ReportWriteOut},
+        {L"report-write-out-in-vain", ReportWriteOutInVain},
         {L"report-uploader", ReportUploader},
         {L"report-full", ReportFull},
         {L"report-limits", ReportLimits},
