@@ -14,13 +14,16 @@ class GlobalBlock {
     explicit GlobalBlock(SIZE_T bytes) : memory_(GlobalAlloc(GHND, bytes)) {
         data_ = memory_ != nullptr ? GlobalLock(memory_) : nullptr;
     }
+    // Keeps the thread's last error: unlocking sets it to zero, and whoever writes the block tells why that failed.
     ~GlobalBlock() {
+        const DWORD error = GetLastError();
         if (data_ != nullptr) {
             GlobalUnlock(memory_);
         }
         if (memory_ != nullptr) {
             GlobalFree(memory_);
         }
+        SetLastError(error);
     }
     GlobalBlock(const GlobalBlock&) = delete;
     GlobalBlock& operator=(const GlobalBlock&) = delete;

@@ -1,12 +1,16 @@
 // Adding and deleting: the order of things, files that vanish, folders that refuse.
+#include <atomic>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
+#include "service/pictures/BackgroundPicture.h"
 #include "service/pictures/CustomItemNames.h"
 #include "service/pictures/PaintingWait.h"
 #include "tests/support/ImportHook.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 #include "tests/windows/support/HangingDecoder.h"
+#include "tests/windows/support/TimeOfWaits.h"
 
 namespace CustomItemNames = pictures::CustomItemNames;
 
@@ -168,10 +172,35 @@ TEST_F(OwnAddTest, AFolderThatRefusesTheFileLeavesTheOldList) {
     ExpectAllAgree();
 }
 
+decltype(&DeleteFileW) g_delete = nullptr;
+std::atomic<int> g_discarded = 0;
+
+BOOL WINAPI NoteDiscarded(const wchar_t* path) {
+    const BOOL deleted = g_delete(path);
+    g_discarded += deleted && fs::path(path).extension() == L".part" ? 1 : 0;
+    return deleted;
+}
+
+// What is made too late is removed by whoever has made it.
+class LateDiscard {
+  public:
+    LateDiscard() {
+        g_discarded = 0;
+        g_delete = hook_.Original<decltype(g_delete)>();
+    }
+    static bool Comes() {
+        return harness::WaitUntil([] { return g_discarded == 1; });
+    }
+
+  private:
+    const harness::ImportHook hook_{nullptr, "DeleteFileW", &NoteDiscarded};
+};
+
 // The program ends, or the time is over, while the source is read: what comes of it later has no place any more.
 TEST_F(OwnAddTest, WhatIsMadeTooLateIsNotStored) {
     EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
     const Values before = AllValues();
+    const LateDiscard late;
     {
         const HangingDecoder decoder;
         const pictures::WaitWatch watch([] {});
@@ -185,11 +214,55 @@ TEST_F(OwnAddTest, WhatIsMadeTooLateIsNotStored) {
     }
     // Meanwhile another one takes the name.
     EXPECT_TRUE(Model().AddCustomBackground(Media(L"blue.png")));
-    EXPECT_TRUE(harness::WaitUntil([] {
-        return std::distance(fs::directory_iterator(UserFolder()), fs::directory_iterator()) == 2;
-    })) << "nothing unfinished is left";
+    EXPECT_TRUE(LateDiscard::Comes());
+    EXPECT_EQ(std::distance(fs::directory_iterator(UserFolder()), fs::directory_iterator()), 2);
     EXPECT_TRUE(IsAbout(Decode(Picture(1)).At(9, 9), 0x2040C0));
     ExpectAllAgree();
+}
+
+// Ten seconds to look at a file, twenty to make its picture; each limit is told in a message.
+TEST_F(OwnAddTest, AFileThatTakesForEverIsGivenUp) {
+    Expect("[L4] The work takes too long(RunWhilePainting)");
+    const Values before = AllValues();
+    const LateDiscard late;
+    {
+        const HangingDecoder decoder;
+        {
+            const TimeOfWaits time([] { HangingDecoder::LetGo(); });
+            EXPECT_FALSE(HomeService::CheckImageFile(Media(L"red.jpg")));
+            EXPECT_EQ(TimeOfWaits::Passed(), std::chrono::seconds(10));
+            EXPECT_THAT(TakeKinds(), ElementsAre(0));
+            EXPECT_FALSE(Model().AddCustomBackground(Media(L"red.jpg")));
+            EXPECT_EQ(TimeOfWaits::Passed(), std::chrono::seconds(20));
+            EXPECT_THAT(TakeKinds(), ElementsAre(0));
+        }
+        EXPECT_TRUE(harness::WaitUntil([] { return HangingDecoder::Inside() == 2; }));
+        EXPECT_EQ(AllValues(), before);
+    }
+    EXPECT_TRUE(LateDiscard::Comes());
+    EXPECT_TRUE(fs::is_empty(UserFolder()));
+}
+
+// Whoever reads a picture meanwhile, as the camera service does, has the old one or the new one.
+TEST_F(OwnAddTest, APictureIsMovedIntoItsPlaceWhole) {
+    namespace BackgroundPicture = pictures::BackgroundPicture;
+    const auto identity = [](const fs::path& path) {
+        const suite::Handle file(CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        BY_HANDLE_FILE_INFORMATION facts{};
+        EXPECT_TRUE(GetFileInformationByHandle(file.Get(), &facts));
+        return std::make_pair(facts.nFileIndexHigh, facts.nFileIndexLow);
+    };
+    EXPECT_TRUE(Model().AddCustomBackground(Media(L"red.jpg")));
+    const fs::path unfinished = BackgroundPicture::UnfinishedName(Picture(0));
+    ASSERT_EQ(BackgroundPicture::Prepare(Media(L"green.jpg"), false, unfinished), BackgroundPicture::Result::kMade);
+    const auto prepared = identity(unfinished);
+    EXPECT_NE(prepared, identity(Picture(0)));
+    EXPECT_TRUE(IsAbout(Decode(Picture(0)).At(9, 9), 0xC02020));
+    ASSERT_EQ(BackgroundPicture::Finish(unfinished, Picture(0)), BackgroundPicture::Result::kMade);
+    EXPECT_EQ(identity(Picture(0)), prepared) << "copied, not moved";
+    EXPECT_FALSE(fs::exists(unfinished));
+    EXPECT_TRUE(IsAbout(Decode(Picture(0)).At(9, 9), 0x20A040));
 }
 
 TEST_F(OwnAddTest, AFullDiskLeavesTheOldList) {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <set>
 
+#include "service/pictures/CustomFolder.h"
 #include "tests/support/ImportHook.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
@@ -33,7 +34,8 @@ class Links {
     static BOOL WINAPI FindNext(HANDLE search, WIN32_FIND_DATAW* entry) {
         const BOOL found = current_->findNext_.Original<decltype(&FindNextFileW)>()(search, entry);
         for (const fs::path path : paths_) {
-            if (found && path.filename() == entry->cFileName) {
+            // The shared folder is the only one whose listing tells links.
+            if (found && path.parent_path() == pictures::CustomFolder::kBase && path.filename() == entry->cFileName) {
                 entry->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
             }
         }

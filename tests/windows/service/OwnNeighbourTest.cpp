@@ -1,11 +1,14 @@
 // Neighbours that hold the program's files for a moment. PIXORA_HELD_FILES says how many are added and deleted.
+#include <atomic>
 #include <climits>
+#include <fstream>
 #include <iostream>
 #include <thread>
 
 #include "service/pictures/BackgroundPicture.h"
 #include "suite/common/Patience.h"
 #include "tests/support/Environment.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/service/OwnBackgrounds.h"
 
 namespace {
@@ -70,6 +73,35 @@ TEST_F(OwnNeighbourTest, APictureThatIsHeldForASecondIsReplacedAndDeleted) {
             EXPECT_TRUE(Model().DeleteCustomBackground(Name(0)));
             EXPECT_FALSE(fs::exists(Picture(0)));
         }
+    }
+}
+
+suite::Handle g_unfinished;
+std::atomic<int> g_waits = 0;
+
+void WINAPI LetGoOfUnfinished(DWORD) {
+    ++g_waits;
+    g_unfinished.Reset();
+}
+
+// One that is still there from before, and held, is waited for: a picture's and a cover's.
+TEST_F(OwnNeighbourTest, AnUnfinishedPictureThatIsHeldForAMomentIsWrittenAgain) {
+    Start();
+    for (const wchar_t* name : {L"red.jpg", L"clip.mp4"}) {
+        const fs::path unfinished = pictures::BackgroundPicture::UnfinishedName(Picture(0));
+        std::ofstream(unfinished) << "left from before";
+        g_unfinished = Hold(unfinished, 0);
+        ASSERT_TRUE(g_unfinished);
+        g_waits = 0;
+        {
+            const harness::ImportHook hook(nullptr, "Sleep", &LetGoOfUnfinished);
+            EXPECT_TRUE(pictures::BackgroundPicture::Make(Media(name), name == std::wstring(L"clip.mp4"), Picture(0)) ==
+                        pictures::BackgroundPicture::Result::kMade);
+        }
+        EXPECT_EQ(g_waits, 1);
+        g_unfinished.Reset();
+        EXPECT_GT(Decode(Picture(0)).width, 0u);
+        EXPECT_FALSE(fs::exists(unfinished));
     }
 }
 

@@ -12,6 +12,7 @@
 #include "suite/common/UserSid.h"
 #include "tests/support/FoundFunction.h"
 #include "tests/support/ImportHook.h"
+#include "tests/windows/service/RefusedCall.h"
 
 namespace {
 
@@ -80,7 +81,16 @@ TEST(UserIdentityTest, ATokenThatTellsNothingLeavesTheOtherSessions) {
 // Their libraries take longer to load than the window to be made, and a domain's controller may be out of reach.
 TEST(UserIdentityTest, NoAccountIsLookedUp) {
     const harness::FoundFunction give("WTSQueryUserToken", &Give);
-    EXPECT_EQ(InteractiveUserSid(), suite::OwnUserSid());
+    {
+        const RefusedCall byName(L"advapi32.dll", "LookupAccountNameW");
+        const RefusedCall byIdentifier(L"advapi32.dll", "LookupAccountSidW");
+        const int before = RefusedCall::Count();
+        EXPECT_EQ(InteractiveUserSid(), suite::OwnUserSid());
+        EXPECT_EQ(RefusedCall::Count(), before);
+        DWORD length = 0;
+        EXPECT_FALSE(LookupAccountNameW(nullptr, L"somebody", nullptr, &length, nullptr, &length, nullptr));
+        EXPECT_EQ(RefusedCall::Count(), before + 1) << "a look-up would have been seen";
+    }
     EXPECT_EQ(GetModuleHandleW(L"secur32.dll"), nullptr);
 }
 

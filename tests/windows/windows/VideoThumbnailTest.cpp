@@ -1,8 +1,12 @@
 #include "windows/VideoThumbnail.h"
 
+#include <gmock/gmock.h>
+
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 #include "suite/common/Handle.h"
 #include "tests/support/ImportHook.h"
@@ -112,6 +116,18 @@ TEST_F(VideoThumbnailTest, OnlyReadableVideosAreLookedAt) {
     EXPECT_EQ(shell.covers, 0);
 }
 
+// How long the test's thread has waited for an event, wait by wait.
+std::vector<DWORD> g_limits;
+DWORD g_thread = 0;
+decltype(&WaitForSingleObject) g_wait = nullptr;
+
+DWORD WINAPI NoteLimit(HANDLE object, DWORD ms) {
+    if (GetCurrentThreadId() == g_thread) {
+        g_limits.push_back(ms);
+    }
+    return g_wait(object, ms);
+}
+
 // An extractor that hangs, a share that is gone: the paint goes on, and the window is painted again when it came.
 TEST_F(VideoThumbnailTest, ACoverThatTakesLongIsRegisteredLater) {
     const suite::Handle gate(CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -120,8 +136,15 @@ TEST_F(VideoThumbnailTest, ACoverThatTakesLongIsRegisteredLater) {
     const std::wstring film = MakeFile(L"slow.mp4");
     const HWND window = window_.PaintManager().GetPaintWindow();
     ShowWindow(window, SW_SHOWNOACTIVATE);
-    for (int paint = 0; paint < 3; ++paint)
-        thumbnail_.Register(window_.PaintManager(), film);
+    {
+        g_thread = GetCurrentThreadId();
+        g_limits.clear();
+        const harness::ImportHook hook(nullptr, "WaitForSingleObject", &NoteLimit);
+        g_wait = hook.Original<decltype(g_wait)>();
+        for (int paint = 0; paint < 3; ++paint)
+            thumbnail_.Register(window_.PaintManager(), film);
+        EXPECT_THAT(g_limits, testing::ElementsAre(150)) << "by the first paint only";
+    }
     EXPECT_TRUE(thumbnail_.IsLooking()) << "one thread, whom nobody waits for";
     EXPECT_FALSE(window_.PaintManager().HasImage(film));
     Input::Pump();
@@ -165,7 +188,7 @@ TEST_F(VideoThumbnailTest, FourThreadsAreLeftBehindAtMost) {
     EXPECT_EQ(shell.covers, 5);
 }
 
-int g_opened = 0;
+std::atomic<int> g_opened = 0;
 const harness::ImportHook* g_create = nullptr;
 
 HANDLE WINAPI CountOpened(const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD creation,
@@ -174,27 +197,58 @@ HANDLE WINAPI CountOpened(const wchar_t* path, DWORD access, DWORD share, SECURI
     return g_create->Original<decltype(&CreateFileW)>()(path, access, share, security, creation, flags, pattern);
 }
 
+std::atomic<int> g_looks = 0;
+const harness::ImportHook* g_attributes = nullptr;
+
+BOOL WINAPI CountLooks(const wchar_t* path, GET_FILEEX_INFO_LEVELS level, void* facts) {
+    g_looks += std::wstring(path).ends_with(L"fails.mp4") ? 1 : 0;
+    return g_attributes->Original<decltype(&GetFileAttributesExW)>()(path, level, facts);
+}
+
+ULONGLONG g_tick = 0;
+
+ULONGLONG WINAPI Tick() {
+    return g_tick;
+}
+
+// Its time is looked at once in five seconds; the file is not opened again.
 TEST_F(VideoThumbnailTest, APathThatFailedIsLeftAlone) {
-    const harness::ImportHook hook(nullptr, "CreateFileW", &CountOpened);
-    g_create = &hook;
-    g_opened = 0;
+    const harness::ImportHook opened(nullptr, "CreateFileW", &CountOpened);
+    g_create = &opened;
+    const harness::ImportHook looks(nullptr, "GetFileAttributesExW", &CountLooks);
+    g_attributes = &looks;
+    const harness::ImportHook tick(nullptr, "GetTickCount64", &Tick);
+    g_tick = 1'000'000;
     const std::wstring film = MakeFile(L"fails.mp4");
     g_opened = 0;
+    g_looks = 0;
     for (int paint = 0; paint < 20; ++paint)
         Register(film);
+    EXPECT_EQ(g_looks, 1);
+    g_tick += 4999;
+    Register(film);
+    EXPECT_EQ(g_looks, 1);
+    g_tick += 1;
+    Register(film);
+    EXPECT_EQ(g_looks, 2);
+    Register(film);
+    EXPECT_EQ(g_looks, 2) << "five seconds from the last look on";
     EXPECT_EQ(g_opened, 1);
 }
 
 TEST_F(VideoThumbnailTest, AFileThatHasChangedIsLookedAtAgain) {
+    const harness::ImportHook tick(nullptr, "GetTickCount64", &Tick);
+    g_tick = 1'000'000;
     const std::wstring film = MakeFile(L"changes.mp4");
     Register(film);
     ASSERT_FALSE(window_.PaintManager().HasImage(film));
     FakeShell shell;
     std::filesystem::last_write_time(film, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
-    EXPECT_TRUE(Input::PumpUntil([&] {
-        thumbnail_.Register(window_.PaintManager(), film);
-        return window_.PaintManager().HasImage(film);
-    }));
+    Register(film);
+    EXPECT_EQ(shell.covers, 0);
+    g_tick += 5000;
+    Register(film);
+    EXPECT_TRUE(window_.PaintManager().HasImage(film));
 }
 
 // Each paint asks for the cover of the background in use.
