@@ -1,4 +1,6 @@
 // Servers that another user of the machine has started: what the system tells of them is a double's word.
+#include <windows.h>
+
 #include <sddl.h>
 
 #include <cstring>

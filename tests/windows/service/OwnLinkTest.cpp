@@ -1,5 +1,7 @@
 // Links and other people's folders where the user's own backgrounds belong: not followed, not copied, not deleted.
 // What the system says of links and owners is a double's word, for not every system that the tests run on makes links.
+#include <windows.h>
+
 #include <sddl.h>
 
 #include <cstring>
