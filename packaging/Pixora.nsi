@@ -69,6 +69,7 @@ VIAddVersionKey /LANG=0 "LegalCopyright" "${PUBLISHER}"
 Var removeData
 Var removeDataBox
 Var lock
+Var said
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
@@ -95,6 +96,27 @@ UninstPage custom un.AskWhatToRemove un.TakeAnswer
 !insertmacro MUI_LANGUAGE "TradChinese"
 !insertmacro MUI_LANGUAGE "Turkish"
 !include "Texts.nsh"
+
+; Why a run ends, for whoever has given it an output: a silent run shows nothing.
+!macro Say text
+    System::Call 'kernel32::GetStdHandle(i -11) p .R8'
+    FileWrite $R8 "${text}$\r$\n"
+    StrCpy $said 1
+!macroend
+
+; A file that cannot be unpacked ends the run without our doing.
+!macro SayUnpacking
+    ${If} $said == ""
+        !insertmacro Say "${WORK}\new"
+    ${EndIf}
+!macroend
+
+; Ends the run; what it has begun is taken back by .onInstFailed or un.onUninstFailed.
+!macro Fail code text
+    !insertmacro Say "${text}"
+    SetErrorLevel ${code}
+    Abort "${text}"
+!macroend
 
 ; CloseProgram: asks a running Pixora of this folder to close as its close button does, and waits for it. Ends the
 ; installation with EXIT_RUNNING when the program's file stays in use (it hangs, or runs in another user's session).
@@ -138,20 +160,13 @@ Function ${un}CloseProgram
             ${Break}
         ${EndIf}
         MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$(TextRunning)" /SD IDCANCEL IDRETRY again
-        SetErrorLevel ${EXIT_RUNNING}
-        Abort
+        !insertmacro Fail ${EXIT_RUNNING} "$(TextRunning)"
         again:
     ${Loop}
 FunctionEnd
 !macroend
 !insertmacro CloseFunctions ""
 !insertmacro CloseFunctions "un."
-
-; Ends the run; what it has begun is taken back by .onInstFailed or un.onUninstFailed.
-!macro Fail code text
-    SetErrorLevel ${code}
-    Abort "${text}"
-!macroend
 
 ; $0: exit code of the helper as text, $1: the path that a failure is about.
 !macro Helper command folder
@@ -194,7 +209,7 @@ Function ${un}OpenWork
     SetOutPath "$SYSDIR"
     !insertmacro Helper recover "$INSTDIR"
     ${If} $0 != 0
-        !insertmacro Fail ${EXIT_FAILED} "$1"
+        !insertmacro Fail ${EXIT_FAILED} "recover $1 ($0)"
     ${EndIf}
 FunctionEnd
 
@@ -242,7 +257,7 @@ Function ${un}Exchange
             ${Break}
         ${EndIf}
         ${If} $0 != ${EXIT_IN_USE}
-            !insertmacro Fail ${EXIT_FAILED} "$1"
+            !insertmacro Fail ${EXIT_FAILED} "$2 $1 ($0)"
         ${EndIf}
         MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$(TextInUse)$\n$\n$1" /SD IDCANCEL IDRETRY again
         !insertmacro Fail ${EXIT_IN_USE} "$1"
@@ -261,6 +276,7 @@ FunctionEnd
 
 !macro Refuse code text
     MessageBox MB_OK|MB_ICONSTOP "${text}" /SD IDOK
+    !insertmacro Say "${text}"
     SetErrorLevel ${code}
     Quit
 !macroend
@@ -284,6 +300,7 @@ Function .onInit
 FunctionEnd
 
 Function .onInstFailed
+    !insertmacro SayUnpacking
     Call TakeBack
     RMDir "$INSTDIR"
     RMDir "$PROGRAMFILES64\Velmora"
@@ -299,7 +316,7 @@ FunctionEnd
         MessageBox MB_OK|MB_ICONSTOP "$(TextFolder)$\n$\n$1" /SD IDOK
         !insertmacro Fail ${EXIT_FOLDER} "$1"
     ${ElseIf} $0 != 0
-        !insertmacro Fail ${EXIT_FAILED} "${WORK}"
+        !insertmacro Fail ${EXIT_FAILED} "${command} $1 ($0)"
     ${EndIf}
 !macroend
 

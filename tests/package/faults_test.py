@@ -43,7 +43,10 @@ def try_files_in_use(wine, old, new):
                "the open diagnostics program": ((f"{wine.prefix}/{PROGRAM}/PixoraDiagnostics.exe", "wait"), b"running")}
     for what, (command, says) in holders.items():
         with support.holding(wine, *command, says=says):
-            check(support.setup(wine, new) == IN_USE, f"{what} ends a silent upgrade with code {IN_USE}")
+            code, why = wine.result(new.setup, "/S", timeout=120)
+            check(code == IN_USE, f"{what} ends a silent upgrade with code {IN_USE}")
+            check(os.path.basename(command[-2 if command[0] == tool else 0].replace("\\", "/")) in why,
+                  f"and its output names the file: {why.strip()!r}")
             expect_unchanged(wine, old, "file in use")
     with support.holding(wine, tool, "hold", library, "read"):
         check(support.uninstall(wine) == IN_USE, "and a silent removal")

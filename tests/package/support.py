@@ -89,7 +89,13 @@ def expect_whole(wine, version, why):
 
 
 def setup(wine, version, timeout=120):
-    return wine.run(version.setup, "/S", timeout=timeout)
+    """The exit code of a silent run. Why it ends is printed, and has to be said."""
+    code, why = wine.result(version.setup, "/S", timeout=timeout)
+    if code in (0, 3010):
+        check(why == "", f"a run that succeeds says nothing: {why.strip()!r}")
+    else:
+        check(why.strip() != "", f"a run that ends with code {code} says why: {why.strip()!r}")
+    return code
 
 
 def uninstall_command(wine, *options):

@@ -76,10 +76,15 @@ class Wine:
         return subprocess.Popen([self.wine, *command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                 stderr=subprocess.DEVNULL, env=self.environment)
 
+    def result(self, *command, timeout=60):
+        """The exit code, and what it prints."""
+        run = subprocess.run([self.wine, *command], stdin=subprocess.DEVNULL, capture_output=True, env=self.environment,
+                             timeout=timeout, check=False)
+        return run.returncode, run.stdout.decode("utf-8", "replace")
+
     def output(self, *command, timeout=60):
         """What it prints."""
-        return subprocess.run([self.wine, *command], stdin=subprocess.DEVNULL, capture_output=True, env=self.environment,
-                              timeout=timeout, check=False).stdout.decode("utf-8", "replace")
+        return self.result(*command, timeout=timeout)[1]
 
     def exists(self, path):
         return os.path.exists(os.path.join(self.prefix, path))
