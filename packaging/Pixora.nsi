@@ -192,6 +192,12 @@ Function ${un}OpenWork
                 ${Break}
             ${EndIf}
             FileClose $lock
+            ; The helper of a run that was killed has nobody any more: it may never have begun, and so never end. Where
+            ; it had begun, what it leaves half done is undone below.
+            ${If} $R9 = 5
+                nsExec::Exec '"$SYSDIR\taskkill.exe" /F /IM PixoraSetupHelper.exe'
+                Pop $0
+            ${EndIf}
         ${EndIf}
         StrCpy $lock ""
         IntOp $R9 $R9 + 1

@@ -214,6 +214,17 @@ def expect_no_mixture(wine, *versions):
           "no mixture of two versions can be started")
 
 
+def try_helper_left_behind(wine, old, new, saved):
+    """A run that was killed may leave its helper, never begun, which keeps the file that the next run replaces."""
+    put_back(wine, old, saved)
+    helper = f"{wine.prefix}/{WORK}/PixoraSetupHelper.exe"
+    os.makedirs(os.path.dirname(helper), exist_ok=True)
+    shutil.copy(wine.tool("SetupTool.exe"), helper)
+    with support.holding(wine, helper, "wait", says=b"running"):
+        check(support.setup(wine, new) == 0, "a helper that was left behind does not stop the next run")
+    expect_whole(wine, new, "helper left behind")
+
+
 def try_kills(wine, old, new, saved):
     seed = int(time.time())
     print(f"note    seed {seed}", flush=True)
@@ -265,6 +276,7 @@ def main(build):
         if mounts:
             try_read_only(wine, old, new, saved)
             try_full_disk(wine, old, new, saved)
+        try_helper_left_behind(wine, old, new, saved)
         try_kills(wine, old, new, saved)
         try_restart(wine, new)
         try_removal_of_data(wine, new)
