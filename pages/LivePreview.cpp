@@ -38,7 +38,6 @@ constexpr unsigned kMostOpeningMs = 10'000;
 constexpr std::uint64_t kAfterResumeMs = 10'000;
 constexpr unsigned kBetweenOpeningsMs = 1000;
 
-constexpr unsigned kBetweenReleasesMs = 1000;
 constexpr unsigned kBetweenReleasesForStartMs = 50;
 
 // Ticks of the preview window, one a second: a camera that has delivered nothing for so long is given up. Counted in
@@ -72,14 +71,11 @@ LivePreview::LivePreview(PageHost* host, DuiLib::CPaintManagerUI* paintManager, 
       find_(std::move(find)),
       images_(std::move(images)),
       window_({[this] { Stop(); }, [this] { OnTick(); }, [this] { RecoverDevice(); },
-               [this](const std::wstring& link) { OnDeviceRemoved(link); }}),
-      self_(std::make_shared<LivePreview*>(this)) {}
+               [this](const std::wstring& link) { OnDeviceRemoved(link); }}) {}
 
 LivePreview::~LivePreview() {
     Stop();
     window_.Destroy();
-    // What is left now stays: its thread is still inside the graphics device.
-    std::erase_if(left_, Release);
 }
 
 void LivePreview::Initialize() {
@@ -102,12 +98,16 @@ int LivePreview::OnCreate(HWND parentWindow) {
 }
 
 int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
+    return CreateCapture(previewWindow, parentWindow, {});
+}
+
+int LivePreview::CreateCapture(HWND previewWindow, HWND parentWindow, suite::ComReference<IDirect3D9> direct3d) {
     Stop();
-    if (!ReleaseLeft()) {
+    if (!left_.ReleaseAll()) {
         LogLine(LogLevel::kError, L"HomePage::CreateMF", L"the graphics device is still busy");
         return 0;
     }
-    const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_);
+    const HRESULT result = Preview::CreateInstance(previewWindow, parentWindow, &preview_, std::move(direct3d));
     if (FAILED(result)) {
         LogLine(LogLevel::kError, L"HomePage::CreateMF", L"Preview::CreateInstance failed.", result);
         return 0;
@@ -115,11 +115,11 @@ int LivePreview::CreateMF(HWND previewWindow, HWND parentWindow) {
     return 1;
 }
 
-void LivePreview::MakeCapture() {
+void LivePreview::MakeCapture(suite::ComReference<IDirect3D9> direct3d) {
     // A device that is refused is told in a box, whose loop delivers further clicks.
     makingCapture_ = true;
     if (host_ && OnCreate(host_->GetWindow())) {
-        CreateMF(window_.Get(), host_->GetWindow());
+        CreateCapture(window_.Get(), host_->GetWindow(), std::move(direct3d));
     }
     makingCapture_ = false;
 }
@@ -133,27 +133,45 @@ void LivePreview::Click(DuiLib::CControlUI* sender) {
         if (sender) {
             ShowOff(sender);
         }
-    } else if (ReleaseLeft()) {
-        TurnOn(sender);
-    } else if (sender) {
+    } else if (preview_ || !sender) {
+        TurnOn(sender, {});
+    } else {
         BeginOpening(sender);
         Later(kMostOpeningMs, &LivePreview::GiveUpOpening);
-        Later(kBetweenReleasesForStartMs, &LivePreview::TurnOnWhenDeviceIsFree);
+        TurnOnWhenDeviceIsFree();
     }
 }
 
 void LivePreview::TurnOnWhenDeviceIsFree() {
-    if (ReleaseLeft()) {
-        opening_.reset();
-        TurnOn(switch_);
+    if (left_.ReleaseAll()) {
+        FindDirect3D();
     } else {
         Later(kBetweenReleasesForStartMs, &LivePreview::TurnOnWhenDeviceIsFree);
     }
 }
 
-void LivePreview::TurnOn(DuiLib::CControlUI* sender) {
+void LivePreview::FindDirect3D() {
+    const auto find = [opening = std::weak_ptr<Opening>(opening_)] {
+        const auto found = std::make_shared<suite::ComReference<IDirect3D9>>(Device::CreateDirect3D());
+        DuiLib::UIMainQueue::getInstance()->dispatch([opening, found] {
+            if (const auto alive = opening.lock()) {
+                alive->page->OnDirect3DFound(std::move(*found));
+            }
+        });
+    };
+    if (!preview::BeginOpening(find)) {
+        FailOpening();
+    }
+}
+
+void LivePreview::OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d) {
+    opening_.reset();
+    TurnOn(switch_, std::move(direct3d));
+}
+
+void LivePreview::TurnOn(DuiLib::CControlUI* sender, suite::ComReference<IDirect3D9> direct3d) {
     if (!preview_) {
-        MakeCapture();
+        MakeCapture(std::move(direct3d));
     }
     if (!preview_) {
         LogLine(LogLevel::kError, L"HomePage::ClickPreview", L"Init g_pPreview error");
@@ -246,10 +264,8 @@ void LivePreview::FailOpening() {
 
 void LivePreview::GiveUpOpening() {
     LogLine(LogLevel::kError, L"LivePreview::GiveUpOpening", L"the camera does not open");
-    if (preview_) {
-        LogLine(LogLevel::kInfo, L"LivePreview::GiveUpOpening", L"it hangs at: ", preview_->OpeningStep(), L"; ",
-                preview::OpeningsUnderWay());
-    }
+    LogLine(LogLevel::kInfo, L"LivePreview::GiveUpOpening", L"it hangs at: ",
+            preview_ ? preview_->OpeningStep() : L"the graphics device", L"; ", preview::OpeningsUnderWay());
     FailOpening();
 }
 
@@ -285,37 +301,13 @@ void LivePreview::Stop() {
     }
     window_.WantTicks(false);
     capture->Close();
-    if (!Release(capture)) {
+    if (!left_.Release(capture)) {
         LogLine(LogLevel::kInfo, L"LivePreview::Stop", L"the graphics device is busy; it is released later");
-        left_.push_back(capture);
-        ReleaseLeftLater();
     }
     // Nothing is posted any more: what waits belongs to the capture that has just ended.
     if (host_ && host_->GetWindow()) {
         DropMessages(host_->GetWindow(), Preview::kEventMessage);
     }
-}
-
-bool LivePreview::Release(Preview* capture) {
-    const bool released = capture->DestroyRenderer();
-    if (released) {
-        ComRelease(capture);
-    }
-    return released;
-}
-
-void LivePreview::ReleaseLeftLater() const {
-    DuiLib::UIMainQueue::getInstance()->dispatchAfter(kBetweenReleasesMs, [self = std::weak_ptr<LivePreview*>(self_)] {
-        const auto alive = self.lock();
-        if (alive && !(*alive)->ReleaseLeft()) {
-            (*alive)->ReleaseLeftLater();
-        }
-    });
-}
-
-bool LivePreview::ReleaseLeft() {
-    std::erase_if(left_, Release);
-    return left_.empty();
 }
 
 void LivePreview::OnScreenLock() {
@@ -325,7 +317,7 @@ void LivePreview::OnScreenLock() {
     Stop();
     ShowOff(find_(kSwitchName));
     EnableSwitch();
-    if (left_.empty()) {
+    if (left_.IsEmpty()) {
         window_.Destroy();
     }
 }

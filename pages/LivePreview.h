@@ -6,14 +6,15 @@
 // by name ("preview_switch", "preview_wnd", "preview_text").
 //
 // A camera takes its time, and a broken one all of it, so the window never waits for one:
-//   - Opening runs on a thread of its own, with the switch drawn on and disabled. What follows (the window shown, the
+//   - Opening runs on another thread, with the switch drawn on and disabled: first Direct3D looks through the adapters
+//     there, then, with the device that this thread makes, the camera is opened. What follows (the window shown, the
 //     wait for the first frames, the switch enabled) happens when that thread reports. Meanwhile everything else works,
 //     and a click of the switch does not count, by whatever device; clicks that wait in the queue when the switch is
 //     enabled come to their own controls first. What ends the preview before that (lock, sleep, an error, the page's
 //     end) drops the opening: its thread closes the camera itself when it comes back.
 //   - Closing is bounded (Preview::Close); a capture whose graphics device is in use is kept with its window until the
-//     device is free. The next one waits for that, as an opening: with two devices, the older one's release may never
-//     come back (Wine 8 makes contexts for it without end).
+//     device is free (BusyCaptures.h). The next one waits for that, as an opening: with two devices, the older one's
+//     release may never come back (Wine 8 makes contexts for it without end).
 //   - A lost graphics device is asked for here, on the window's thread, when the capture posts and then once a second.
 //   - A camera that falls silent is given up after five seconds, an opening that does not end after ten.
 // Thread: UI thread.
@@ -23,11 +24,13 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "pages/BusyCaptures.h"
 #include "pages/PreviewWindow.h"
 #include "service/GlobalUtils.h"
+#include "suite/common/ComReference.h"
 
+struct IDirect3D9;
 class PageHost;
 class Preview;
 
@@ -69,15 +72,18 @@ class LivePreview {
     void OnCaptureError(HRESULT code);
 
   private:
-    // One opening of the camera, from the click until the switch can be clicked again. Owned by its page alone: who
-    // finds it gone comes too late.
+    // One step of an opening, which lasts from the click until the switch can be clicked again. Owned by its page
+    // alone: who finds it gone comes too late.
     struct Opening {
         LivePreview* page;
     };
 
-    void TurnOn(DuiLib::CControlUI* sender);
+    int CreateCapture(HWND previewWindow, HWND parentWindow, suite::ComReference<IDirect3D9> direct3d);
+    void MakeCapture(suite::ComReference<IDirect3D9> direct3d);
+    void TurnOn(DuiLib::CControlUI* sender, suite::ComReference<IDirect3D9> direct3d);
     void TurnOnWhenDeviceIsFree();
-    void MakeCapture();
+    void FindDirect3D();
+    void OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d);
     // Whether it runs, or is to run.
     bool IsOn() const { return preview_ || opening_; }
     void BeginOpening(DuiLib::CControlUI* sender);
@@ -100,11 +106,6 @@ class LivePreview {
 
     // Stops and releases the capture, if there is one; the picture and the switch stay as they are.
     void Stop();
-    // Whether the capture gave its device back, and is released.
-    static bool Release(Preview* capture);
-    // Whether none is left.
-    bool ReleaseLeft();
-    void ReleaseLeftLater() const;
     void ShowOff(DuiLib::CControlUI* previewSwitch);
     // By what it shows; a screen reader says so.
     void NameArea(const wchar_t* text) const;
@@ -128,11 +129,10 @@ class LivePreview {
     PreviewWindow window_;
     Preview* preview_ = nullptr;         // owned reference; null: the preview is off
     std::shared_ptr<Opening> opening_;   // null: none is under way
-    std::vector<Preview*> left_;         // owned references of captures whose device is in use still
+    BusyCaptures left_;                  // former captures
     bool makingCapture_ = false;         // a box may be open
     std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
     int ticksWithoutFrame_ = 0;
-    bool isLossLogged_ = false;                 // of the device that is lost now
-    std::uint64_t resumedTickMs_ = 0;           // 0: never
-    const std::shared_ptr<LivePreview*> self_;  // ends with it: queued tasks hold a weak_ptr
+    bool isLossLogged_ = false;        // of the device that is lost now
+    std::uint64_t resumedTickMs_ = 0;  // 0: never
 };

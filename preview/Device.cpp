@@ -50,6 +50,10 @@ Device::~Device() {
     Destroy();
 }
 
+suite::ComReference<IDirect3D9> Device::CreateDirect3D() {
+    return suite::ComReference<IDirect3D9>(direct3d_system::Create9(D3D_SDK_VERSION));
+}
+
 HRESULT Device::Open(HWND window) {
     if (device_) {
         return S_OK;
@@ -66,7 +70,7 @@ HRESULT Device::Open(HWND window) {
 
 HRESULT Device::FindDirect3D() {
     if (!direct3d_) {
-        direct3d_ = direct3d_system::Create9(D3D_SDK_VERSION);
+        direct3d_ = CreateDirect3D().Detach();
         if (!direct3d_) {
             return E_FAIL;
         }

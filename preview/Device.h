@@ -9,8 +9,8 @@
 // device to the thread of its window: only there it may be asked, reset and released, so another thread that draws
 // only notices that it is lost.
 // Threads: no lock of its own, and the device is not made for several threads; the owner sees to it that no two
-// operations run at once. Open, Recover and Destroy run on the window's thread, ConfigureVideo where the camera is
-// opened, DrawSample on the thread that delivers frames.
+// operations run at once. Adopt, Open, Recover and Destroy run on the window's thread, ConfigureVideo where the camera
+// is opened, DrawSample on the thread that delivers frames.
 #include <windows.h>
 
 #include <d3d9.h>
@@ -20,6 +20,7 @@
 
 #include "preview/DeviceLoss.h"
 #include "preview/FormatTable.h"
+#include "suite/common/ComReference.h"
 
 class Device {
   public:
@@ -27,6 +28,12 @@ class Device {
     virtual ~Device();
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
+
+    // Makes a Direct3D object for Adopt: looking through the adapters may take some tenths of a second, in which a
+    // window should not have to wait. It belongs to no thread, unlike a device. Null: the system has none. Any thread.
+    [[nodiscard]] static suite::ComReference<IDirect3D9> CreateDirect3D();
+    // The object that Open makes its device with, in the place of one of its own. REQUIRES: there is none yet.
+    void Adopt(suite::ComReference<IDirect3D9> direct3d) { direct3d_ = direct3d.Detach(); }
 
     // Creates the Direct3D object and device; S_OK at once when there is a device. A refused device is also told in a
     // message box. `window`: borrowed; must outlive the device.

@@ -24,7 +24,8 @@ Preview::~Preview() {
     DestroyRenderer();
 }
 
-HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** result) {
+HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** result,
+                                suite::ComReference<IDirect3D9> direct3d) {
     if (!videoWindow || !eventWindow || !result) {
         return E_POINTER;
     }
@@ -32,7 +33,7 @@ HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** re
     if (!preview) {
         return E_OUTOFMEMORY;
     }
-    const HRESULT status = preview->Initialize();
+    const HRESULT status = preview->Initialize(std::move(direct3d));
     if (SUCCEEDED(status)) {
         *result = preview;
         preview->AddRef();
@@ -41,7 +42,8 @@ HRESULT Preview::CreateInstance(HWND videoWindow, HWND eventWindow, Preview** re
     return status;
 }
 
-HRESULT Preview::Initialize() {
+HRESULT Preview::Initialize(suite::ComReference<IDirect3D9> direct3d) {
+    renderer_.Adopt(std::move(direct3d));
     return renderer_.Open(videoWindow_);
 }
 

@@ -47,8 +47,9 @@ class Preview : public IMFSourceReaderCallback {
     static constexpr std::chrono::milliseconds kClosingWait{800};
 
     // Makes an object and opens its renderer on `videoWindow`. The caller owns one reference. The windows are borrowed
-    // and must outlive the drawing.
-    [[nodiscard]] static HRESULT CreateInstance(HWND videoWindow, HWND eventWindow, Preview** result);
+    // and must outlive the drawing. `direct3d`: of Device::CreateDirect3D; without one the renderer makes its own.
+    [[nodiscard]] static HRESULT CreateInstance(HWND videoWindow, HWND eventWindow, Preview** result,
+                                                suite::ComReference<IDirect3D9> direct3d = {});
 
     // Opens the camera anew and starts reading; the parameter does not matter. False: the log tells why, unless Close
     // came in between. One thread at a time; also when it reads already.
@@ -96,7 +97,7 @@ class Preview : public IMFSourceReaderCallback {
     Preview(HWND videoWindow, HWND eventWindow);
     virtual ~Preview();
 
-    HRESULT Initialize();
+    HRESULT Initialize(suite::ComReference<IDirect3D9> direct3d);
 
     // --- Start's thread, under the start lock (PreviewCamera.cpp)
     INT32 SelectDevice();

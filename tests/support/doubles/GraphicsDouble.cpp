@@ -86,6 +86,9 @@ void Graphics::GiveDesktopBack(bool forNewObjectsOnly) {
 namespace direct3d_system {
 
 IDirect3D9* Create9(UINT sdkVersion) {
+    if (const auto within = doubles::Graphics::Script().withinCreation) {
+        within();
+    }
     auto& state = doubles::GraphicsState::The();
     int number = 0;
     {

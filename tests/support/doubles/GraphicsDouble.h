@@ -2,6 +2,7 @@
 // A Direct3D 9 that keeps the system's documented rules, and what a test makes it do.
 //
 // Linked in the place of direct3d_system (preview/Direct3DSystem.h). Laxer systems forgive what this one does not:
+//   - the Direct3D object may be made on any thread
 //   - the device belongs to the thread that made it, which is the thread of its window's procedure: Reset,
 //     TestCooperativeLevel and the last Release from another thread fail and are broken rules (Violations)
 //   - Reset fails while an additional swap chain or a reference to a back buffer lives, and is a broken rule while the
@@ -28,7 +29,8 @@ namespace doubles {
 
 // What happens to calls, set by a test. Results count until they are changed; S_OK: the call works.
 struct GraphicsScript {
-    bool noDirect3D = false;  // Direct3DCreate9 gives null
+    bool noDirect3D = false;               // Direct3DCreate9 gives null
+    std::function<void()> withinCreation;  // of the Direct3D object
     HRESULT displayMode = S_OK;
     HRESULT deviceType = S_OK;
     HRESULT createDevice = S_OK;

@@ -131,6 +131,125 @@ class LivePreviewTest : public HomePageTest {
     }
 };
 
+// --- looking for the graphics device
+
+class FindingDeviceTest : public LivePreviewTest {
+  protected:
+    void SetUp() override {
+        LivePreviewTest::SetUp();
+        ChangeGraphics([this](GraphicsScript& script) { script.withinCreation = [this] { gate_.Pass(); }; });
+        Press(L"preview_switch");
+        ASSERT_TRUE(gate_.WaitUntilReached());
+    }
+    // What was looked for comes; it is of no use any more.
+    void ExpectItGoesUnused() {
+        ChangeGraphics([](GraphicsScript& script) { script.withinCreation = nullptr; });
+        gate_.Open();
+        EXPECT_TRUE(Wait([] { return Graphics::Seen().objects == 1 && Graphics::Seen().objectsAlive == 0; }));
+        EXPECT_EQ(Graphics::Seen().devices, 0);
+        EXPECT_EQ(Cameras::Seen().activations, 0);
+    }
+
+    Gate gate_;
+};
+
+TEST_F(FindingDeviceTest, EverythingElseWorksMeanwhile) {
+    EXPECT_TRUE(IsOn()) << "drawn on at once";
+    EXPECT_FALSE(CanBeClicked());
+    EXPECT_EQ(PreviewWindow(), nullptr);
+    Press(L"correct_sight_btn");
+    EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn")) << "a click of another control";
+    Notify(L"preview_switch", L"click");
+    Press(L"preview_switch");
+    Input::Pump();
+    EXPECT_TRUE(IsOn());
+    gate_.Open();
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_TRUE(FramesCome());
+    EXPECT_TRUE(IsWindowVisible(PreviewWindow()));
+    EXPECT_EQ(Graphics::Seen().objects, 1) << "the device is made with the one that was found";
+    EXPECT_EQ(Cameras::Seen().activations, 1);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(FindingDeviceTest, TheLockEndsIt) {
+    Lock();
+    ExpectOff();
+    ExpectItGoesUnused();
+    EXPECT_THAT(Messages(), IsEmpty());
+    TurnOn();
+}
+
+TEST_F(FindingDeviceTest, SleepEndsIt) {
+    Sleeps();
+    ExpectOff();
+    ExpectItGoesUnused();
+}
+
+TEST_F(FindingDeviceTest, AnErrorEndsIt) {
+    WakesUp();  // a capture would be opened again
+    Tell(E_FAIL);
+    ExpectOff();
+    ExpectItGoesUnused();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+}
+
+TEST_F(FindingDeviceTest, ThePageMayGo) {
+    DestroyPage();
+    ExpectItGoesUnused();
+}
+
+TEST_F(FindingDeviceTest, OneThatIsNotFoundInTimeIsGivenUp) {
+    Expect("[L4] the camera does not open(LivePreview::GiveUpOpening)");
+    const ULONGLONG begin = GetTickCount64();
+    EXPECT_TRUE(WaitForMessage());
+    EXPECT_GE(GetTickCount64() - begin, 9'000U);
+    ExpectOff();
+    EXPECT_THAT(
+        harness::TestLog::Lines(),
+        Contains("[L3] it hangs at: the graphics device; openings 1, waiting for their turn 0, inside 1, closings "
+                 "0(LivePreview::GiveUpOpening)"));
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    ExpectItGoesUnused();
+    TurnOn();
+}
+
+TEST_F(LivePreviewTest, WithoutDirect3DItStaysOff) {
+    Expect("[L4] Preview::CreateInstance failed.-2147467259(HomePage::CreateMF)");
+    Expect("[L4] Init g_pPreview error(HomePage::ClickPreview)");
+    ChangeGraphics([](GraphicsScript& script) { script.noDirect3D = true; });
+    PressSwitch();
+    ExpectOff();
+    EXPECT_EQ(Cameras::Seen().activations, 0);
+    EXPECT_THAT(Messages(), IsEmpty());
+    ChangeGraphics([](GraphicsScript& script) { script.noDirect3D = false; });
+    TurnOn();
+}
+
+// Each click whose look for a device hangs leaves a thread behind, but not without end.
+TEST_F(LivePreviewTest, WhileTooMuchHangsNothingMoreIsBegun) {
+    constexpr char kTooMany[] = "[L4] too many openings of a camera hang(CameraThreads::BeginOpening)";
+    Expect(kTooMany);
+    Gate gate;
+    int begun = 0;
+    ChangeGraphics([&](GraphicsScript& script) { script.withinCreation = [&] { gate.Pass(); }; });
+    for (; begun < 10 && Messages().empty(); ++begun) {
+        Press(L"preview_switch");
+        if (Messages().empty()) {
+            ASSERT_TRUE(gate.WaitUntilReached());
+            Lock();
+        }
+    }
+    EXPECT_EQ(begun, 5);
+    EXPECT_EQ(harness::TestLog::Count(kTooMany), 1);
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    ChangeGraphics([](GraphicsScript& script) { script.withinCreation = nullptr; });
+    gate.Open();
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().objects == 4 && Graphics::Seen().objectsAlive == 0; }));
+    TurnOn();
+}
+
 // --- opening
 
 TEST_F(LivePreviewTest, WhileTheCameraOpensEverythingElseWorks) {
@@ -244,7 +363,7 @@ TEST_F(LivePreviewTest, ARefusedDeviceIsToldInOneBoxHoweverOftenTheUserClicks) {
             }
         };
     });
-    Press(L"preview_switch");
+    PressSwitch();
     EXPECT_EQ(clicks, 3);
     EXPECT_EQ(Graphics::Seen().boxes.size(), 1U);
     EXPECT_EQ(harness::TestLog::Count("[L4] Init g_pPreview error(HomePage::ClickPreview)"), 1);
