@@ -47,9 +47,10 @@ ProcessFootprint LeastFrom(const std::vector<ProcessFootprint>& looks, int first
     return std::accumulate(begin + 1, begin + kLooksCompared, *begin, Least);
 }
 
-// What may be added between the end of the warming up and the end: caches that have a limit, a menu of the system. A
-// random run of twenty seconds has more than five hundred actions.
-constexpr std::size_t kMoreBytes = 16u << 20;
+// What may be added between the end of the warming up and the end: caches that have a limit, a menu of the system, and
+// what the heap keeps of the pictures of another scale or theme, up to twenty megabytes in one look and nothing in the
+// next. A random run of twenty seconds has more than five hundred actions.
+constexpr std::size_t kMoreBytes = 32u << 20;
 constexpr int kMoreHandles = 40;
 constexpr int kMoreThreads = 6;
 constexpr int kMoreGdiObjects = 30;
