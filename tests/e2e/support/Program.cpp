@@ -90,7 +90,7 @@ Program::Program(const std::wstring& arguments, const std::wstring& folder) {
     PROCESS_INFORMATION process = {};
     if (!CreateProcessW(path.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process)) {
-        throw std::runtime_error("the program cannot be started");
+        throw std::runtime_error("the program cannot be started: " + std::to_string(GetLastError()));
     }
     CloseHandle(process.hThread);
     process_ = suite::Handle(process.hProcess);
