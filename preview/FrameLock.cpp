@@ -34,12 +34,12 @@ bool FrameLock::LiesWithin(const std::uint8_t* begin, std::uint64_t length) cons
 }
 
 bool FrameLock::HasWideRows() const {
-    return std::abs(stride_) >= PackedFrameBytes(shape_.format, shape_.width, 1);
+    return std::llabs(stride_) >= PackedRowBytes(shape_.format, shape_.width);
 }
 
 // Where a frame has more lines than it needs, nobody tells which of them its chroma begins at.
 bool FrameLock::HasSpareLines(std::uint64_t length) const {
-    const auto pitch = static_cast<std::uint64_t>(std::abs(stride_));
+    const auto pitch = static_cast<std::uint64_t>(std::llabs(stride_));
     const std::uint64_t needed = shape_.height + (std::uint64_t{shape_.height} + 1) / 2;
     return shape_.format == PixelFormat::kNv12 && length > pitch * needed;
 }
@@ -105,7 +105,6 @@ void FrameLock::LockPacked() {
 }
 
 void FrameLock::LockPlain(std::int32_t stride) {
-    holds_ = false;
     BYTE* data = nullptr;
     result_ = buffer_->Lock(&data, nullptr, &plainLength_);
     if (FAILED(result_)) {

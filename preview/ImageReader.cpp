@@ -19,11 +19,11 @@ ImageReader::~ImageReader() {
 }
 
 bool ImageReader::Open(const std::wstring& path) {
-    opened_ = OpenFirstFrame(path);
-    if (!opened_) {
+    const bool opened = OpenFirstFrame(path);
+    if (!opened) {
         Close();
     }
-    return opened_;
+    return opened;
 }
 
 bool ImageReader::OpenFirstFrame(const std::wstring& path) {
@@ -42,7 +42,8 @@ bool ImageReader::OpenFirstFrame(const std::wstring& path) {
         LogLine(LogLevel::kError, kOpen, L"open error getFrame");
         return false;
     }
-    if (frame_->GetSize(&widthPx_, &heightPx_) != S_OK) {
+    UINT width = 0, height = 0;
+    if (frame_->GetSize(&width, &height) != S_OK) {
         LogLine(LogLevel::kError, kOpen, L"open error getSize");
         return false;
     }
@@ -59,11 +60,12 @@ bool ImageReader::OpenFirstFrame(const std::wstring& path) {
 }
 
 bool ImageReader::GetSize(UINT* widthPx, UINT* heightPx) {
-    if (frame_ == nullptr || frame_->GetSize(&widthPx_, &heightPx_) != S_OK) {
+    UINT width = 0, height = 0;
+    if (frame_ == nullptr || frame_->GetSize(&width, &height) != S_OK) {
         return false;
     }
-    *widthPx = widthPx_;
-    *heightPx = heightPx_;
+    *widthPx = width;
+    *heightPx = height;
     return true;
 }
 
@@ -71,5 +73,4 @@ void ImageReader::Close() {
     ComRelease(frame_);
     ComRelease(decoder_);
     ComRelease(factory_);
-    opened_ = false;
 }

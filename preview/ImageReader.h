@@ -19,16 +19,13 @@ class ImageReader {
 
     // False: the log tells the step, and nothing stays open.
     [[nodiscard]] bool Open(const std::wstring& path);
-    // Asks the first frame again. REQUIRES: opened.
+    // Asks the first frame again. False while nothing is open.
     [[nodiscard]] bool GetSize(UINT* widthPx, UINT* heightPx);
     void Close();
 
   private:
     bool OpenFirstFrame(const std::wstring& path);
 
-    bool opened_ = false;
-    UINT widthPx_ = 0;
-    UINT heightPx_ = 0;
     IWICImagingFactory* factory_ = nullptr;
     IWICBitmapDecoder* decoder_ = nullptr;
     IWICBitmapFrameDecode* frame_ = nullptr;

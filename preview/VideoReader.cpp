@@ -69,21 +69,19 @@ VideoReader::~VideoReader() {
 }
 
 bool VideoReader::Open(const std::wstring& path) {
-    if (opened_) {
+    Close();
+    const bool opened = OpenVideoStream(path);
+    if (!opened) {
         Close();
     }
-    opened_ = OpenVideoStream(path);
-    if (!opened_) {
-        Close();
-    }
-    return opened_;
+    return opened;
 }
 
 bool VideoReader::OpenVideoStream(const std::wstring& path) {
+    UINT width = 0, height = 0;
     return media_foundation::Startup(MF_VERSION, MFSTARTUP_FULL) == S_OK &&
            reader_system::CreateFromUrl(path.c_str(), &reader_) == S_OK && SelectYuy2(reader_) == S_OK &&
-           reader_->GetCurrentMediaType(kVideoStream, &mediaType_) == S_OK &&
-           GetFrameSize(&frameWidthPx_, &frameHeightPx_);
+           reader_->GetCurrentMediaType(kVideoStream, &mediaType_) == S_OK && GetFrameSize(&width, &height);
 }
 
 bool VideoReader::GetFrameSize(UINT* widthPx, UINT* heightPx) {
@@ -99,21 +97,24 @@ HBITMAP VideoReader::ReadCover(UINT maxWidthPx, UINT maxHeightPx) {
         LONGLONG time = 0;
         suite::ComReference<IMFSample> sample;
         const HRESULT result = reader_->ReadSample(kVideoStream, 0, &stream, &flags, &time, sample.Put());
-        if (SUCCEEDED(result) && (flags & MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED) != 0) {
+        if (FAILED(result)) {
+            break;
+        }
+        if ((flags & MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED) != 0) {
             // A decoder that has seen the first frame knows its size better.
             ComRelease(mediaType_);
             if (reader_->GetCurrentMediaType(kVideoStream, &mediaType_) != S_OK) {
                 break;
             }
         }
-        if (SUCCEEDED(result) && sample) {
+        if (sample) {
             ++frames;
             preview::CoverFrame next = ShrinkSample(sample.Get(), mediaType_, maxWidthPx, maxHeightPx);
             if (!next.pixels.empty()) {
                 cover = std::move(next);
             }
         }
-        if (FAILED(result) || (flags & kNoMore) != 0 || cover.MeanBrightness() > kNotDark) {
+        if ((flags & kNoMore) != 0 || cover.MeanBrightness() > kNotDark) {
             break;
         }
     }
@@ -123,7 +124,4 @@ HBITMAP VideoReader::ReadCover(UINT maxWidthPx, UINT maxHeightPx) {
 void VideoReader::Close() {
     ComRelease(mediaType_);
     ComRelease(reader_);
-    frameWidthPx_ = 0;
-    frameHeightPx_ = 0;
-    opened_ = false;
 }

@@ -19,19 +19,16 @@ class VideoReader {
 
     // Closes what was open before. False: nothing stays open.
     [[nodiscard]] bool Open(const std::wstring& path);
-    // REQUIRES: opened.
+    // False while nothing is open.
     [[nodiscard]] bool GetFrameSize(UINT* widthPx, UINT* heightPx);
     // One of the first frames, not larger than that, as a bitmap that the caller owns: the first that is not dark, for
-    // many videos fade in. Null when no frame comes. REQUIRES: opened; moves on in the video.
+    // many videos fade in. Null when no frame comes, or nothing is open. Moves on in the video.
     [[nodiscard]] HBITMAP ReadCover(UINT maxWidthPx, UINT maxHeightPx);
     void Close();
 
   private:
     bool OpenVideoStream(const std::wstring& path);
 
-    bool opened_ = false;
     IMFSourceReader* reader_ = nullptr;
     IMFMediaType* mediaType_ = nullptr;
-    UINT frameWidthPx_ = 0;
-    UINT frameHeightPx_ = 0;
 };

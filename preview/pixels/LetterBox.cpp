@@ -21,9 +21,10 @@ std::int32_t ScaleRounded(std::int32_t number, std::int32_t numerator, std::int3
 
 PictureSize CorrectAspect(PictureSize size, std::uint32_t numerator, std::uint32_t denominator) {
     constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
-    if (numerator == 0 || denominator == 0 || numerator > kMost || denominator > kMost) {
+    if (numerator > kMost || denominator > kMost) {
         return size;
     }
+    // A part that is 0 has no result below.
     const auto n = static_cast<std::int32_t>(numerator);
     const auto d = static_cast<std::int32_t>(denominator);
     PictureSize corrected = size;
@@ -44,7 +45,7 @@ PictureRect LetterBox(PictureSize size, const PictureRect& target) {
     if (fullWidth < 0 || fullWidth > targetWidth) {
         box = {targetWidth, ScaleRounded(targetWidth, size.height, size.width)};
     } else {
-        box = {ScaleRounded(targetHeight, size.width, size.height), targetHeight};
+        box = {fullWidth, targetHeight};
     }
     const std::int32_t left = target.left + (targetWidth - box.width) / 2;
     const std::int32_t top = target.top + (targetHeight - box.height) / 2;

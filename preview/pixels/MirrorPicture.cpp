@@ -7,9 +7,6 @@ namespace preview {
 
 void MirrorPicture(std::uint8_t* bits, std::uint32_t pitchBytes, std::uint32_t width, std::uint32_t height) {
     const std::size_t pixelBytes = BytesPerPixel(pitchBytes, width);
-    if (pixelBytes == 0) {
-        return;
-    }
     for (std::uint32_t row = 0; row < height; ++row) {
         std::uint8_t* left = bits + std::size_t{row} * pitchBytes;
         std::uint8_t* right = left + pixelBytes * (width - 1);

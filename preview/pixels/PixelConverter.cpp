@@ -15,9 +15,9 @@ void EndOfPicture() {
     _mm_sfence();
 }
 
-// Whether an odd row ends before its last Cr.
-bool LastCrIsMissing(std::uint32_t width, std::int32_t stride, std::uint64_t pairedRowBytes) {
-    return width % 2 != 0 && static_cast<std::uint64_t>(std::llabs(stride)) < pairedRowBytes;
+// Whether an odd row ends before its last Cr; says nothing of an even one.
+bool LastCrIsMissing(std::int32_t stride, std::uint64_t pairedRowBytes) {
+    return static_cast<std::uint64_t>(std::llabs(stride)) < pairedRowBytes;
 }
 
 template <const PixelRowFunctions& kRows>
@@ -44,7 +44,7 @@ void ConvertRgb24(std::uint8_t* destination, std::int32_t destinationStride, con
 template <const PixelRowFunctions& kRows>
 void ConvertYuy2(std::uint8_t* destination, std::int32_t destinationStride, const std::uint8_t* source,
                  std::int32_t sourceStride, std::uint32_t width, std::uint32_t height) {
-    const bool missingCr = LastCrIsMissing(width, sourceStride, 2 * (std::uint64_t{width} + 1));
+    const bool missingCr = LastCrIsMissing(sourceStride, 2 * (std::uint64_t{width} + 1));
     for (std::uint32_t y = 0; y < height; ++y) {
         kRows.yuy2(destination, 2 * std::ptrdiff_t{destinationStride}, source, width, missingCr);
         destination += destinationStride;
@@ -56,7 +56,7 @@ void ConvertYuy2(std::uint8_t* destination, std::int32_t destinationStride, cons
 template <const PixelRowFunctions& kRows>
 void ConvertNv12(std::uint8_t* destination, std::int32_t destinationStride, const std::uint8_t* source,
                  std::int32_t sourceStride, std::uint32_t width, std::uint32_t height) {
-    const bool missingCr = LastCrIsMissing(width, sourceStride, std::uint64_t{width} + 1);
+    const bool missingCr = LastCrIsMissing(sourceStride, std::uint64_t{width} + 1);
     const std::ptrdiff_t lumaStride = sourceStride;
     const std::ptrdiff_t pixelStride = destinationStride;
     const std::uint8_t* chroma = source + lumaStride * static_cast<std::ptrdiff_t>(height);

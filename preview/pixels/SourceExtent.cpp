@@ -48,10 +48,8 @@ std::int32_t GaplessStride(PixelFormat format, std::uint32_t width) {
     return columns;
 }
 
-std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height) {
-    const std::int64_t rowBytes = RowBytes(format, 0, width);
-    const std::int64_t rows = format == PixelFormat::kNv12 ? std::int64_t{height} + height / 2 : std::int64_t{height};
-    return rowBytes * rows;
+std::int64_t PackedRowBytes(PixelFormat format, std::uint32_t width) {
+    return RowBytes(format, 0, width);
 }
 
 }  // namespace preview

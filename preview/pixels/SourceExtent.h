@@ -21,7 +21,7 @@ SourceExtent ExtentOf(PixelFormat format, std::int32_t stride, std::uint32_t wid
 // The distance of a frame's rows where they follow each other, as the system lays them out: RGB in units of four bytes.
 std::int32_t GaplessStride(PixelFormat format, std::uint32_t width);
 
-// The bytes of a frame whose rows follow each other without a gap.
-std::int64_t PackedFrameBytes(PixelFormat format, std::uint32_t width, std::uint32_t height);
+// The bytes of a row that has room for nothing but its pixels.
+std::int64_t PackedRowBytes(PixelFormat format, std::uint32_t width);
 
 }  // namespace preview

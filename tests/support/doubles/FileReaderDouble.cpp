@@ -3,11 +3,10 @@
 #include <mfapi.h>
 #include <mferror.h>
 
-#include <cstring>
-
 #include "preview/ReaderSystem.h"
 #include "suite/common/ComObject.h"
 #include "suite/common/ComRelease.h"
+#include "tests/support/doubles/BufferDouble.h"
 #include "tests/support/doubles/Violations.h"
 
 namespace doubles {
@@ -24,6 +23,14 @@ int& Files::Reads() {
 
 namespace {
 
+int readersAlive = 0;
+std::vector<IMFMediaType*> typesSeen;
+
+void Watch(IMFMediaType* type) {
+    type->AddRef();
+    typesSeen.push_back(type);
+}
+
 HRESULT Unused(const char* call) {
     Violations::Add(std::string("IMFSourceReader::") + call + " is not for a cover");
     return E_NOTIMPL;
@@ -33,6 +40,11 @@ HRESULT Unused(const char* call) {
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // deleted by Release alone
 class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
   public:
+    FileReaderDouble() { ++readersAlive; }
+    ~FileReaderDouble() override { --readersAlive; }
+    FileReaderDouble(const FileReaderDouble&) = delete;
+    FileReaderDouble& operator=(const FileReaderDouble&) = delete;
+
     STDMETHODIMP GetStreamSelection(DWORD, WINBOOL*) override { return Unused("GetStreamSelection"); }
     STDMETHODIMP SetStreamSelection(DWORD, WINBOOL) override { return Unused("SetStreamSelection"); }
     STDMETHODIMP GetNativeMediaType(DWORD, DWORD, IMFMediaType**) override { return Unused("GetNativeMediaType"); }
@@ -44,6 +56,7 @@ class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
     }
 
     STDMETHODIMP SetCurrentMediaType(DWORD, DWORD*, IMFMediaType* type) override {
+        Watch(type);
         GUID subtype = {};
         type->GetGUID(MF_MT_SUBTYPE, &subtype);
         return Files::Script().acceptsYuy2 && subtype == MFVideoFormat_YUY2 ? S_OK : MF_E_INVALIDMEDIATYPE;
@@ -55,6 +68,10 @@ class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
         }
         asked_ = true;
         *type = MakeType(current_);
+        if (!Files::Script().tellsSize) {
+            (*type)->DeleteItem(MF_MT_FRAME_SIZE);
+        }
+        Watch(*type);
         return S_OK;
     }
     STDMETHODIMP ReadSample(DWORD, DWORD, DWORD* stream, DWORD* flags, LONGLONG* time, IMFSample** sample) override {
@@ -75,16 +92,12 @@ class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
         if (FAILED(frame.result) || frame.bytes.empty()) {
             return frame.result;
         }
-        IMFMediaBuffer* buffer = nullptr;
-        BYTE* data = nullptr;
-        const auto size = static_cast<DWORD>(frame.bytes.size());
-        if (FAILED(MFCreateMemoryBuffer(size, &buffer))) {
-            return E_OUTOFMEMORY;
-        }
-        buffer->Lock(&data, nullptr, nullptr);
-        std::memcpy(data, frame.bytes.data(), size);
-        buffer->Unlock();
-        buffer->SetCurrentLength(size);
+        BufferShape shape;
+        shape.rowBytes = static_cast<std::uint32_t>(frame.bytes.size());
+        shape.rows = 1;
+        shape.knowsPlanes = false;
+        shape.lock = frame.lock;
+        IMFMediaBuffer* buffer = BufferDouble::Make(shape, frame.bytes.data());
         *sample = MakeSample(buffer, 0);
         ComRelease(buffer);
         return S_OK;
@@ -97,6 +110,15 @@ class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
 #pragma GCC diagnostic pop
 
 }  // namespace
+
+int Files::Held() {
+    int held = readersAlive;
+    for (IMFMediaType* type : typesSeen) {
+        held += type->Release() != 0 ? 1 : 0;
+    }
+    typesSeen.clear();
+    return held;
+}
 
 }  // namespace doubles
 

@@ -27,6 +27,28 @@ TEST(ImageAttribute, ReadsEveryPart) {
     EXPECT_TRUE(image->reverse);
 }
 
+TEST(ImageAttribute, TheSmallestAndTheLargestValues) {
+    const auto image = ParseImageAttribute(L"file='a' source='0,0,1,1' corner='0,0,0,0' fade='0' reverse='false'");
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->sourceDip, (Rect{0, 0, 1, 1}));
+    EXPECT_EQ(image->cornerDip, Rect{});
+    EXPECT_EQ(image->fade, 0);
+    EXPECT_FALSE(image->reverse);
+    EXPECT_EQ(ParseImageAttribute(L"file='a' fade='255'")->fade, 255);
+}
+
+TEST(ImageAttribute, EitherQuoteMakesAList) {
+    const auto image = ParseImageAttribute(LR"(file="drawable/a.png" fade="7")");
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->file, L"drawable/a.png");
+    EXPECT_EQ(image->fade, 7);
+}
+
+TEST(ImageAttribute, BlanksAroundAFileAreNotItsName) {
+    EXPECT_EQ(ParseImageAttribute(L"\t\r\n a.png\t\r\n ")->file, L"a.png");
+    EXPECT_EQ(ParseImageAttribute(L"file=' a.png\t'")->file, L"a.png");
+}
+
 TEST(ImageAttribute, AFileMayHaveAQuoteInItsName) {
     const auto image = ParseImageAttribute(L"file='C:\\Users\\O'Neil\\a.jpg' reverse='true'");
     ASSERT_TRUE(image);
@@ -41,10 +63,28 @@ TEST(ImageAttribute, AFileMayHaveAnEqualsSign) {
 }
 
 TEST(ImageAttribute, RefusesWhatItDoesNotUnderstand) {
-    for (const wchar_t* text :
-         {L"", L"  ", L"file=''", L"reverse='true'", L"file='a' colour='1'", L"file='a' source='1,2,3'",
-          L"file='a' source='5,5,5,9'", L"file='a' source='-1,0,5,9'", L"file='a' corner='1,2,3,-4'",
-          L"file='a' fade='256'", L"file='a' fade='-1'", L"file='a' reverse='yes'", L"file='a", L"file='a' x"}) {
+    for (const wchar_t* text : {L"",
+                                L"  ",
+                                L"file=''",
+                                L"reverse='true'",
+                                L"file='a' colour='1'",
+                                L"file='a' source='1,2,3'",
+                                L"file='a' source='5,5,5,9'",
+                                L"file='a' source='5,5,9,5'",
+                                L"file='a' source='-1,0,5,9'",
+                                L"file='a' corner='1,2,3'",
+                                L"file='a' corner='-1,2,3,4'",
+                                L"file='a' corner='1,-2,3,4'",
+                                L"file='a' corner='1,2,-3,4'",
+                                L"file='a' corner='1,2,3,-4'",
+                                L"file='a' dest='1,2,3'",
+                                L"file=' '",
+                                L"file='a' fade=''",
+                                L"file='a' fade='256'",
+                                L"file='a' fade='-1'",
+                                L"file='a' reverse='yes'",
+                                L"file='a",
+                                L"file='a' x"}) {
         EXPECT_FALSE(ParseImageAttribute(text)) << testing::PrintToString(std::wstring(text));
     }
 }

@@ -36,6 +36,10 @@ TEST(CameraAllowList, OthersAreRefused) {
     EXPECT_FALSE(IsAllowedCameraLink(L"\\\\?\\usb#vid_05c&pid_8#1"));
     EXPECT_FALSE(IsAllowedCameraLink(L"VID 3196"));
     EXPECT_FALSE(IsAllowedCameraLink(L"INT3481"));
+    EXPECT_FALSE(
+        IsAllowedCameraLink(L"vid\x7F"
+                            L"05c8"))
+        << "as far from the underscore as a letter from its capital";
 }
 
 TEST(CameraAllowList, OnlyAsciiLettersChangeCase) {

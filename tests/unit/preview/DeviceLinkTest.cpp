@@ -17,6 +17,7 @@ TEST(DeviceLink, AnotherDeviceIsAnotherOne) {
     EXPECT_FALSE(IsSameDevice(kLink, L"\\\\?\\usb#vid_05c8&pid_0001&mi_00#7&1a2b&0&0001#{e5323777}"));
     EXPECT_FALSE(IsSameDevice(kLink, L"\\\\?\\usb#vid_05c8&pid_0001&mi_00#7&1a2b&0&00000#{e5323777}"));
     EXPECT_FALSE(IsSameDevice(kLink, L"\\\\?\\usb#vid_05c8&pid_0001#{e5323777}"));
+    EXPECT_FALSE(IsSameDevice(L"\\\\?\\sw#{a}#1#{kind}", L"\\\\?\\sw#{a}#2#{kind}")) << "the last one is the kind";
 }
 
 TEST(DeviceLink, NothingIsNoDevice) {

@@ -55,11 +55,16 @@ TEST(CorrectAspect, WidePixelsWidenAndTallPixelsHeighten) {
 
 TEST(CorrectAspect, ARatioWithoutMeaningChangesNothing) {
     for (const auto& [numerator, denominator] :
-         {std::pair{0U, 0U}, {0U, 1U}, {1U, 0U}, {0xFFFFFFFFU, 1U}, {1U, 0x7FFFFFFFU}}) {
+         {std::pair{0U, 0U}, {0U, 1U}, {1U, 0U}, {0xFFFFFFFFU, 1U}, {1U, 0x7FFFFFFFU}, {0xFFFFFFFFU, 0xFFFFFFFEU}}) {
         const PictureSize size = CorrectAspect({640, 480}, numerator, denominator);
         EXPECT_EQ(size.width, 640);
         EXPECT_EQ(size.height, 480);
     }
+}
+
+TEST(CorrectAspect, ThePartsMayBeAsLargeAsANumberCanBe) {
+    EXPECT_EQ(CorrectAspect({640, 480}, 0x7FFFFFFFU, 0x3FFFFFFFU).width, 1280);
+    EXPECT_EQ(CorrectAspect({640, 480}, 0x3FFFFFFFU, 0x7FFFFFFFU).height, 960);
 }
 
 TEST(LetterBox, TheSameShapeFillsTheWindow) {
@@ -69,6 +74,7 @@ TEST(LetterBox, TheSameShapeFillsTheWindow) {
 
 TEST(LetterBox, AWiderWindowGetsBarsLeftAndRight) {
     ExpectBox({640, 480}, {0, 0, 598, 354}, {63, 0, 535, 354});
+    ExpectBox({640, 480}, {0, 0, 599, 354}, {63, 0, 535, 354});  // the odd column is on the right
 }
 
 TEST(LetterBox, ATallerWindowGetsBarsAboveAndBelow) {
@@ -81,6 +87,11 @@ TEST(LetterBox, TheTargetNeedNotStartAtZero) {
 
 TEST(LetterBox, AnEmptyWindowGetsAnEmptyBox) {
     ExpectBox({640, 480}, {0, 0, 0, 0}, {0, 0, 0, 0});
+}
+
+// Scaled to the window's height it is just as wide; scaled to the width it would be twice as high.
+TEST(LetterBox, APictureThatIsRoundedToTheWindowsWidthKeepsTheHeight) {
+    ExpectBox({1, 100}, {0, 0, 1, 50}, {0, 0, 1, 50});
 }
 
 // A camera may claim pixels of any shape.

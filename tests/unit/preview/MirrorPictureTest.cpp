@@ -73,6 +73,7 @@ TEST(MirrorPicture, NothingToDoWithoutPixels) {
     MirrorPicture(picture.data(), 64, 65, 1);
     MirrorPicture(picture.data(), 64, 8, 0);
     EXPECT_EQ(picture, before);
+    EXPECT_EQ(BytesPerPixel(64, 0), 0U);
 }
 
 }  // namespace

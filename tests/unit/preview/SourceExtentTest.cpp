@@ -24,15 +24,20 @@ TEST(SourceExtent, BottomUp) {
 
 TEST(SourceExtent, OddSizesCountTheLastPairOnlyWhereTheRowHasRoomForIt) {
     ExpectExtent(ExtentOf(PixelFormat::kYuy2, 14, 7, 1), 0, 14);
+    ExpectExtent(ExtentOf(PixelFormat::kYuy2, 15, 7, 1), 0, 14);
     ExpectExtent(ExtentOf(PixelFormat::kYuy2, 16, 7, 1), 0, 16);
     ExpectExtent(ExtentOf(PixelFormat::kNv12, 7, 7, 5), 0, 7 * 8);
     ExpectExtent(ExtentOf(PixelFormat::kNv12, 8, 7, 5), 0, 8 * 8);
 }
 
+TEST(SourceExtent, EvenRowsEndWithTheirPixelsHoweverFarApartTheyAre) {
+    ExpectExtent(ExtentOf(PixelFormat::kYuy2, 1300, 640, 480), 0, 1300 * 479 + 1280);
+    ExpectExtent(ExtentOf(PixelFormat::kNv12, 700, 640, 480), 0, 700 * 719 + 640);
+}
+
 TEST(SourceExtent, TheLargestSizesDoNotOverflow) {
     ExpectExtent(ExtentOf(PixelFormat::kNv12, INT32_MIN, kMostSide, kMostSide), -0x80000000LL * (0x8000 + 0x4000 - 1),
                  0x8000);
-    EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb32, kMostSide, kMostSide), 0x100000000LL);
 }
 
 TEST(GaplessStride, RowsFollowEachOtherInTheSystemsUnits) {
@@ -46,11 +51,11 @@ TEST(GaplessStride, RowsFollowEachOtherInTheSystemsUnits) {
     EXPECT_EQ(GaplessStride(PixelFormat::kRgb32, kMostSide), 0x20000);
 }
 
-TEST(PackedFrameBytes, OfTheUsualSizes) {
-    EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb32, 1280, 720), 3686400);
-    EXPECT_EQ(PackedFrameBytes(PixelFormat::kRgb24, 1280, 720), 2764800);
-    EXPECT_EQ(PackedFrameBytes(PixelFormat::kYuy2, 1280, 720), 1843200);
-    EXPECT_EQ(PackedFrameBytes(PixelFormat::kNv12, 1280, 720), 1382400);
+TEST(PackedRowBytes, HoldNothingButThePixels) {
+    EXPECT_EQ(PackedRowBytes(PixelFormat::kRgb32, 161), 644);
+    EXPECT_EQ(PackedRowBytes(PixelFormat::kRgb24, 161), 483);
+    EXPECT_EQ(PackedRowBytes(PixelFormat::kYuy2, 161), 322);
+    EXPECT_EQ(PackedRowBytes(PixelFormat::kNv12, 161), 161);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ TEST(ProductNameTest, KeepsWhatAnElementNameMayHold) {
     EXPECT_EQ(ElementNameOf(" Notora 15 (Gen 2)/<x>&\"\n"), "Notora15Gen2x");
     EXPECT_EQ(ElementNameOf("\xC3\x84\xE6\x97\xA5z"), "z");
     EXPECT_EQ(ElementNameOf(std::string("a\0b", 3)), "ab");
+    EXPECT_EQ(ElementNameOf("AZ@[az`{09/:"), "AZaz09") << "and none of their neighbours";
 }
 
 TEST(ProductNameTest, BeginsWithALetterOrAnUnderscore) {

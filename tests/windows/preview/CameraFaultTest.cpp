@@ -463,8 +463,10 @@ TEST_F(CameraFaultTest, AnOpeningThatHangsIsNotWaitedForForEver) {
     }));
     ASSERT_TRUE(gate.WaitUntilReached());
     std::atomic<bool> begun = false;
+    const auto begin = std::chrono::steady_clock::now();
     EXPECT_TRUE(preview::BeginOpening([&] { begun = true; }));
     EXPECT_TRUE(Wait([&] { return begun.load(); }));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << "it may still come back";
     EXPECT_FALSE(ended);
     gate.Open();
     EXPECT_TRUE(Wait([&] { return ended.load(); }));
@@ -497,6 +499,7 @@ TEST_F(CameraFaultTest, AFailedStartIsFreedByTheNextClose) {
 TEST_F(CameraFaultTest, AfterTooManyHangingOpeningsNoneIsBegun) {
     Gate gate;
     std::atomic<int> ended = 0;
+    EXPECT_EQ(preview::kMostOpenings, 4);
     for (int i = 0; i < preview::kMostOpenings; ++i) {
         EXPECT_TRUE(preview::BeginOpening([&] {
             gate.Pass();

@@ -3,6 +3,7 @@
 #include <mfapi.h>
 #include <mferror.h>
 
+#include <array>
 #include <cstdlib>
 
 #include "preview/VideoReader.h"
@@ -30,7 +31,11 @@ class CoverTest : public PreviewTest {
         Files::Script().delivers = Yuy2(64, 48);
         Violations::Take();
     }
-    void TearDown() override { EXPECT_THAT(Violations::Take(), IsEmpty()); }
+    void TearDown() override {
+        reader_.Close();
+        EXPECT_EQ(Files::Held(), 0);
+        EXPECT_THAT(Violations::Take(), IsEmpty());
+    }
 
     static CameraType Yuy2(std::uint32_t width, std::uint32_t height) {
         CameraType type;
@@ -44,10 +49,20 @@ class CoverTest : public PreviewTest {
                            const std::function<std::uint8_t(std::uint32_t x, std::uint32_t y)>& luma) {
         FileFrame frame;
         for (std::uint32_t y = 0; y < height; ++y) {
-            for (std::uint32_t x = 0; x < width; ++x) {
+            for (std::uint32_t x = 0; x < (width + 1) / 2 * 2; ++x) {
                 frame.bytes.push_back(luma(x, y));
                 frame.bytes.push_back(128);
             }
+        }
+        return frame;
+    }
+    // The grey that such a luma becomes.
+    static std::uint32_t Grey(std::uint32_t luma) { return (298 * (luma - 16) + 128) >> 8; }
+    // Of one colour.
+    static FileFrame Coloured(std::uint32_t width, std::uint32_t height, std::array<std::uint8_t, 3> yCbCr) {
+        FileFrame frame;
+        for (std::uint32_t i = 0; i < width * height; i += 2) {
+            frame.bytes.insert(frame.bytes.end(), {yCbCr[0], yCbCr[1], yCbCr[0], yCbCr[2]});
         }
         return frame;
     }
@@ -144,6 +159,107 @@ TEST_F(CoverTest, IsAsManyWholeTimesSmallerAsItTakes) {
     EXPECT_EQ(cover.height, 16);
 }
 
+TEST_F(CoverTest, TheSizeThatIsAskedForMayBeReached) {
+    Files::Script().frames = {Plain(64, 48, kBright)};
+    struct Asked {
+        UINT maxWidth, maxHeight;
+        LONG width, height;
+    };
+    for (const Asked& asked : {Asked{64, 48, 64, 48}, Asked{63, 48, 32, 24}, Asked{64, 47, 32, 24},
+                               Asked{32, 24, 32, 24}, Asked{64, 12, 16, 12}, Asked{16, 48, 16, 12}}) {
+        SCOPED_TRACE(testing::Message() << asked.maxWidth << "x" << asked.maxHeight);
+        const Cover cover = Read(asked.maxWidth, asked.maxHeight);
+        EXPECT_EQ(cover.width, asked.width);
+        EXPECT_EQ(cover.height, asked.height);
+    }
+}
+
+TEST_F(CoverTest, APixelIsTheMeanOfItsBlock) {
+    const auto luma = [](std::uint32_t x, std::uint32_t y) { return static_cast<std::uint8_t>(40 + 3 * x + 25 * y); };
+    const auto mean = [&](std::uint32_t left, std::uint32_t top, std::uint32_t columns, std::uint32_t rows) {
+        std::uint32_t sum = 0;
+        for (std::uint32_t i = 0; i < columns * rows; ++i) {
+            sum += Grey(luma(left + i % columns, top + i / columns));
+        }
+        return sum / (columns * rows);
+    };
+    // What is left over at the right and below belongs to no block.
+    for (const auto& [width, height, times] :
+         {std::array{6U, 4U, 2U}, std::array{7U, 5U, 2U}, std::array{7U, 6U, 3U}}) {
+        SCOPED_TRACE(testing::Message() << width << "x" << height);
+        Files::Script().delivers = Yuy2(width, height);
+        Files::Script().frames = {Frame(width, height, luma)};
+        const Cover cover = Read((width + times - 1) / times, (height + times - 1) / times);
+        ASSERT_EQ(cover.width, static_cast<LONG>(width / times));
+        ASSERT_EQ(cover.height, static_cast<LONG>(height / times));
+        for (LONG y = 0; y < cover.height; ++y) {
+            for (LONG x = 0; x < cover.width; ++x) {
+                EXPECT_EQ(cover.At(x, y), mean(static_cast<std::uint32_t>(x) * times,
+                                               static_cast<std::uint32_t>(y) * times, times, times))
+                    << x << "," << y;
+            }
+        }
+    }
+    // Flatter and narrower than a block.
+    for (const auto& [width, height, maxWidth, maxHeight] :
+         {std::array{2U, 96U, 100U, 10U}, std::array{96U, 2U, 10U, 100U}}) {
+        const bool narrow = width == 2;
+        Files::Script().delivers = Yuy2(width, height);
+        Files::Script().frames = {Frame(width, height, [narrow](std::uint32_t x, std::uint32_t y) {
+            return (narrow ? x : y) == 0 ? kBright : kDark;
+        })};
+        const Cover cover = Read(maxWidth, maxHeight);
+        EXPECT_EQ(cover.width, narrow ? 1 : 9);
+        EXPECT_EQ(cover.height, narrow ? 9 : 1);
+        EXPECT_THAT(cover.pixels, testing::Each(Grey(kBright) / 2 * 0x010101));
+    }
+}
+
+TEST_F(CoverTest, ColoursStayWhatTheyAre) {
+    struct Colour {
+        std::array<std::uint8_t, 3> yCbCr;
+        std::uint32_t pixel;
+    };
+    for (const Colour& colour :
+         {Colour{{81, 90, 240}, 0xFF0000}, Colour{{145, 54, 34}, 0x00FF01}, Colour{{41, 240, 110}, 0x0000FF}}) {
+        Files::Script().frames = {Coloured(64, 48, colour.yCbCr)};
+        EXPECT_THAT(Read().pixels, testing::Each(colour.pixel));
+        EXPECT_THAT(Read(20, 20).pixels, testing::Each(colour.pixel));
+    }
+}
+
+TEST_F(CoverTest, IsUpright) {
+    Files::Script().frames = {Frame(64, 48, [](std::uint32_t, std::uint32_t y) { return y < 24 ? kBright : kDark; })};
+    ASSERT_TRUE(reader_.Open(L"any.mp4"));
+    const suite::GdiBitmap bitmap(reader_.ReadCover(1000, 1000));
+    ASSERT_TRUE(bitmap);
+    HDC memory = CreateCompatibleDC(nullptr);
+    HGDIOBJ former = SelectObject(memory, bitmap.Get());
+    EXPECT_GT(GetGValue(GetPixel(memory, 5, 23)), 100);
+    EXPECT_LT(GetGValue(GetPixel(memory, 5, 24)), 20);
+    SelectObject(memory, former);
+    DeleteDC(memory);
+}
+
+// A mean of 24 of 255 is dark, of 25 is not; green counts twice.
+TEST_F(CoverTest, WhatCountsAsDark) {
+    const auto isDark = [&](const FileFrame& frame) {
+        Files::Script().frames = {frame, Plain(64, 48, kBright)};
+        Read();
+        return Files::Reads() == 2;
+    };
+    EXPECT_TRUE(isDark(Plain(64, 48, 37))) << "24";
+    EXPECT_FALSE(isDark(Frame(64, 48, [](std::uint32_t x, std::uint32_t) {
+        return static_cast<std::uint8_t>(x % 2 == 0 ? 37 : 38);  // 24 and 26
+    })));
+    EXPECT_TRUE(isDark(Coloured(64, 48, {16, 176, 128}))) << "blue 97";
+    EXPECT_FALSE(isDark(Coloured(64, 48, {16, 178, 128}))) << "blue 101";
+    EXPECT_TRUE(isDark(Coloured(64, 48, {16, 128, 190}))) << "red 99";
+    EXPECT_FALSE(isDark(Coloured(64, 48, {16, 128, 191}))) << "red 101";
+    EXPECT_TRUE(isDark(Coloured(64, 48, {16, 87, 87}))) << "green 49";
+    EXPECT_FALSE(isDark(Coloured(64, 48, {16, 86, 86}))) << "green 51";
+}
+
 TEST_F(CoverTest, NothingIsReadAfterAnErrorOrTheEnd) {
     for (const DWORD flag : {MF_SOURCE_READERF_ERROR, MF_SOURCE_READERF_ENDOFSTREAM}) {
         FileFrame last = Plain(64, 48, kDark);
@@ -176,13 +292,75 @@ TEST_F(CoverTest, AShortBufferIsNoCover) {
     cut.bytes.pop_back();
     Files::Script().frames = {cut};
     EXPECT_EQ(Read().width, 0);
-    Files::Script().delivers = Yuy2(0, 48);
-    EXPECT_EQ(Read().width, 0);
+    Files::Script().frames = {Plain(64, 48, kDark), cut};
+    EXPECT_EQ(Read().width, 64) << "the one before";
+}
+
+TEST_F(CoverTest, SizesThatNoFrameHasAreNone) {
+    for (const auto& [width, height, cover] :
+         {std::array{0U, 48U, 0U}, std::array{64U, 0U, 0U}, std::array{0x8000U, 1U, 992U}, std::array{0x8001U, 1U, 0U},
+          std::array{1U, 0x8000U, 1U}, std::array{1U, 0x8001U, 0U}}) {
+        SCOPED_TRACE(testing::Message() << width << "x" << height);
+        Files::Script().delivers = Yuy2(width, height);
+        Files::Script().frames = {Plain(std::max(width, 1U), std::max(height, 1U), kBright)};
+        EXPECT_EQ(Read().width, static_cast<LONG>(cover));
+    }
+}
+
+TEST_F(CoverTest, ABufferThatCannotBeLockedIsNoFrame) {
+    FileFrame locked = Plain(64, 48, kBright);
+    locked.lock = E_ACCESSDENIED;
+    Files::Script().frames = {locked, Plain(64, 48, kBright)};
+    EXPECT_EQ(Read().width, 64);
+    EXPECT_EQ(Files::Reads(), 2);
 }
 
 TEST_F(CoverTest, ADecoderThatDoesNotKnowYuy2OpensNothing) {
     Files::Script().acceptsYuy2 = false;
     EXPECT_FALSE(reader_.Open(L"phone.mov"));
+    EXPECT_EQ(Files::Held(), 0) << "nothing stays open";
+    EXPECT_EQ(reader_.ReadCover(10, 10), nullptr);
+}
+
+TEST_F(CoverTest, AVideoWithoutASizeOpensNothing) {
+    Files::Script().tellsSize = false;
+    EXPECT_FALSE(reader_.Open(L"any.mp4"));
+    EXPECT_EQ(Files::Held(), 0) << "nothing stays open";
+}
+
+TEST_F(CoverTest, OpeningAgainClosesWhatWasOpen) {
+    EXPECT_TRUE(reader_.Open(L"any.mp4"));
+    EXPECT_TRUE(reader_.Open(L"other.mp4"));
+    UINT width = 0, height = 0;
+    EXPECT_TRUE(reader_.GetFrameSize(&width, &height));
+    EXPECT_EQ(Files::Held(), 2) << "one reader and its type";
+    reader_.Close();
+    EXPECT_FALSE(reader_.GetFrameSize(&width, &height));
+    EXPECT_EQ(Files::Held(), 0);
+    VideoReader().Close();
+    EXPECT_TRUE(VideoReader().Open(L"any.mp4"));
+    EXPECT_EQ(Files::Held(), 0) << "the end closes it";
+}
+
+TEST_F(CoverTest, OpeningStartsMediaFoundation) {
+    const auto isStarted = [] {
+        DWORD queue = 0;
+        const bool made = SUCCEEDED(MFAllocateWorkQueue(&queue));
+        if (made) {
+            MFUnlockWorkQueue(queue);
+        }
+        return made;
+    };
+    int starts = 0;
+    for (; isStarted() && starts < 10'000; ++starts) {
+        MFShutdown();
+    }
+    ASSERT_FALSE(isStarted());
+    EXPECT_TRUE(reader_.Open(L"any.mp4"));
+    EXPECT_TRUE(isStarted());
+    for (; starts > 1; --starts) {
+        MFStartup(MF_VERSION, MFSTARTUP_FULL);
+    }
 }
 
 }  // namespace

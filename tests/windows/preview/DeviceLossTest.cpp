@@ -545,7 +545,7 @@ class FrameBufferTest : public DeviceLossTest {
     HRESULT DrawBytes(const std::vector<std::uint8_t>& rows, const BufferShape& shape) {
         IMFMediaBuffer* buffer = BufferDouble::Make(shape, rows.data());
         const HRESULT result = device_.DrawSample(buffer);
-        ComRelease(buffer);
+        EXPECT_EQ(buffer->Release(), 0U) << "somebody holds the buffer";
         return result;
     }
     // Configures for that frame and draws it from such a buffer.
@@ -597,6 +597,13 @@ TEST_F(FrameBufferTest, RowsWithoutPaddingAreReadWhereTheyLie) {
         shape.knowsBounds = false;
         ExpectDrawn(frame, shape);
     }
+    // The last row of chroma is that of one line.
+    const Frame odd = MakeFrame(PixelFormat::kNv12, kWidth, kHeight - 1);
+    BufferShape shape = ShapeOf(odd);
+    shape.lock = E_NOTIMPL;
+    ExpectDrawn(odd, shape);
+    shape.knowsBounds = false;
+    ExpectDrawn(odd, shape);
 }
 
 TEST_F(FrameBufferTest, LargeAndOddFramesAreDrawn) {
@@ -667,6 +674,15 @@ TEST_F(FrameBufferTest, ABufferThatDoesNotTellItsLengthIsDrawnAsAPackedCopy) {
     shape.knowsBounds = false;
     shape.contiguousLength = E_NOTIMPL;
     ExpectDrawn(frame, shape);
+}
+
+TEST_F(FrameBufferTest, APackedCopyWithARowMoreIsOfAnotherShape) {
+    const Frame frame = MakeFrame(PixelFormat::kYuy2, kWidth, kHeight);
+    const Frame higher = MakeFrame(PixelFormat::kYuy2, kWidth, kHeight + 1);
+    BufferShape shape = ShapeOf(higher);
+    shape.knowsBounds = false;
+    shape.contiguousLength = E_NOTIMPL;
+    ExpectDropped(frame, higher, shape);
 }
 
 TEST_F(FrameBufferTest, WhereOneWayFailsTheNextIsTaken) {

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/ImportHook.h"
@@ -88,6 +89,7 @@ HRESULT STDMETHODCALLTYPE Decoder(void* self, LPCWSTR path, const GUID* vendor, 
 }
 
 decltype(&CoCreateInstance) g_create;
+IUnknown* g_made = nullptr;  // the factory that was made last; a reference of the test's
 
 HRESULT WINAPI Create(REFCLSID kind, IUnknown* outer, DWORD context, REFIID iid, void** object) {
     if (g_fails == Step::kFactory) {
@@ -95,6 +97,8 @@ HRESULT WINAPI Create(REFCLSID kind, IUnknown* outer, DWORD context, REFIID iid,
     }
     const HRESULT result = g_create(kind, outer, context, iid, object);
     if (result == S_OK) {
+        g_made = static_cast<IUnknown*>(*object);
+        g_made->AddRef();
         g_factory.Take(*object, reinterpret_cast<void*>(&Decoder));
     }
     return result;
@@ -119,7 +123,14 @@ class ImageReaderTest : public PreviewTest {
         g_fails = step;
         ImageReader reader;
         EXPECT_FALSE(reader.Open(path_));
+        ExpectGivenBack();
         return TakeFailures();
+    }
+
+    // Nobody else holds the factory any more.
+    static void ExpectGivenBack() {
+        IUnknown* made = std::exchange(g_made, nullptr);
+        EXPECT_TRUE(made == nullptr || made->Release() == 0);
     }
 
     std::wstring path_;
@@ -166,6 +177,8 @@ TEST_F(ImageReaderTest, ASizeThatIsNotToldAnyMoreIsNone) {
     EXPECT_TRUE(reader.GetSize(&width, &height));
     EXPECT_EQ(width, 2u);
     EXPECT_EQ(height, 1u);
+    reader.Close();
+    ExpectGivenBack();
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "service/KindNotifier.h"
+#include "service/link/ServiceLink.h"
 #include "tests/windows/service/ServiceTest.h"
 
 namespace {
@@ -243,6 +244,30 @@ TEST_F(LinkTest, SnapshotsOnTwoThreadsAtOnce) {
         EXPECT_EQ(std::get<2>(model_->GetFeatureStatus()).btnName, L"");
     }
     EXPECT_EQ(done.get_future().wait_for(kDeadline), std::future_status::ready);
+}
+
+TEST_F(LinkTest, WithoutAConnectionNothingIsSent) {
+    const service::ServiceLink link(service::ServiceLink::Callbacks{});
+    link.SendPing();
+    link.SendSwitchState(1);
+    EXPECT_EQ(FailedPings(), 0);
+    // The first thing that the service hears comes from the model, which is connected.
+    model_->SendSignal();
+    EXPECT_EQ(Next(), Ping());
+}
+
+// Nobody posts: the link looks for the service by itself.
+TEST_F(LinkTest, AServiceThatWasRestartedIsHeardWithoutAWordFromHere) {
+    std::promise<void> seen;
+    auto once = std::make_shared<std::once_flag>();
+    model_->SetStatusObserver(
+        [&seen, once](const FeatureStatusTuple&) { std::call_once(*once, [&seen] { seen.set_value(); }); });
+    server_.Stop();
+    StartServer(server_);
+    ASSERT_TRUE(WaitForModel(server_));
+    server_.Send(Protocol::FromService(Protocol::kSettingsChangedCode));
+    EXPECT_EQ(seen.get_future().wait_for(kDeadline), std::future_status::ready);
+    model_->SetStatusObserver({});
 }
 
 TEST_F(LinkTest, AServiceThatComesLaterIsFound) {

@@ -1,6 +1,11 @@
+#include <windows.h>
+
+#include <dbghelp.h>
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <fstream>
+#include <regex>
 
 #include "tests/support/TestLog.h"
 #include "tests/windows/suite/TestFolder.h"
@@ -14,6 +19,41 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
+
+// The dump's exception stream; zeros when it has none.
+MINIDUMP_EXCEPTION_STREAM ExceptionOf(const std::string& dump) {
+    MINIDUMP_EXCEPTION_STREAM exception{};
+    MINIDUMP_HEADER header{};
+    const auto read = [&](auto& part, std::size_t place) {
+        EXPECT_LE(place + sizeof part, dump.size());
+        std::memcpy(&part, dump.data() + place, std::min(sizeof part, dump.size() - std::min(dump.size(), place)));
+    };
+    read(header, 0);
+    for (ULONG32 i = 0; i < header.NumberOfStreams; ++i) {
+        MINIDUMP_DIRECTORY stream{};
+        read(stream, header.StreamDirectoryRva + i * sizeof stream);
+        if (stream.StreamType == ExceptionStream) {
+            read(exception, stream.Location.Rva);
+        }
+    }
+    return exception;
+}
+
+// As the names of dumps have it: "yyyymmdd-hhmmssmmm".
+std::string Stamp() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d%02d%02d-%02d%02d%02d%03d", now.wYear, now.wMonth, now.wDay, now.wHour,
+                  now.wMinute, now.wSecond, now.wMilliseconds);
+    return text;
+}
+
+std::smatch Match(const std::string& text, const char* pattern) {
+    std::smatch match;
+    EXPECT_TRUE(std::regex_search(text, match, std::regex(pattern))) << text << " is not like " << pattern;
+    return match;
+}
 
 class CrashDumpTest : public testing::Test {
   protected:
@@ -40,17 +80,49 @@ class CrashDumpTest : public testing::Test {
 
     void ExpectDump(const std::wstring& kind, const std::wstring& how, const std::string& text, DWORD code) {
         harness::TestLog::Expect(HasSubstr(text));
-        EXPECT_EQ(Helper(L"crash " + kind + L" " + how).Wait(), code);
+        const std::string before = Stamp();
+        Helper helper(L"crash " + kind + L" " + how);
+        const DWORD process = helper.Id();
+        EXPECT_EQ(helper.Wait(), code);
+        const std::string after = Stamp();
         ASSERT_THAT(Dumps(), SizeIs(1));
         EXPECT_EQ(ReadBytes(Dumps()[0]).substr(0, 4), "MDMP");
         EXPECT_GT(fs::file_size(Dumps()[0]), 1000u);
-        EXPECT_THAT(Dumps()[0].filename().string(), testing::MatchesRegex("suite_helper-\\d+-\\d+-\\d+\\.dmp"));
+        const std::string name = Dumps()[0].filename().string();
+        const std::smatch parts = Match(name, R"(^suite_helper-(\d{8}-\d{9})-(\d+)\.dmp$)");
+        EXPECT_GE(parts.str(1), before);
+        EXPECT_LE(parts.str(1), after);
+        EXPECT_EQ(parts.str(2), std::to_string(process));
         const std::vector<std::string> lines = folder_.HelperLogLines();
         EXPECT_THAT(lines, Contains(AllOf(HasSubstr("[L4]"), HasSubstr(text), HasSubstr(", dump: "),
                                           HasSubstr(Dumps()[0].filename().string()), EndsWith(")")))
                                .Times(1))
             << testing::PrintToString(lines);
         EXPECT_THAT(lines, Contains(HasSubstr("[L4]")).Times(1));
+        ExpectSameCrash(lines, ExceptionOf(ReadBytes(Dumps()[0])), kind, how);
+    }
+
+    // The log's line and the dump tell of one crash, and of the thread that it was on.
+    static void ExpectSameCrash(const std::vector<std::string>& lines, const MINIDUMP_EXCEPTION_STREAM& dumped,
+                                const std::wstring& kind, const std::wstring& how) {
+        std::string before;
+        std::string crash;
+        for (const std::string& line : lines) {
+            (line.find("[L4]") == std::string::npos ? before : crash) = line;
+        }
+        const std::smatch told = Match(
+            crash, R"( 0x([0-9A-F]{8}) at (suite_helper\.exe|QxCrashDump\.dll)\+0x[0-9A-F]{1,6} on thread (\d+), )");
+        const DWORD code = dumped.ExceptionRecord.ExceptionCode;
+        const DWORD flags = dumped.ExceptionRecord.ExceptionFlags;
+        const bool hasAddress = dumped.ExceptionRecord.ExceptionAddress != 0;
+        EXPECT_EQ(std::stoul(told.str(1), nullptr, 16), code);
+        EXPECT_EQ(told.str(3), std::to_string(dumped.ThreadId));
+        EXPECT_TRUE(hasAddress);
+        const bool made = told.str(2) == "QxCrashDump.dll";  // by the handler itself, where no exception was raised
+        EXPECT_EQ(flags, made ? DWORD{EXCEPTION_NONCONTINUABLE} : 0);
+        if (kind != L"two-threads") {
+            EXPECT_EQ(told.str(3) == Match(before, R"(\[L3\] \[(\d+)\] )").str(1), how != L"thread");
+        }
     }
 
     // REQUIRES: no dump can be written.
@@ -89,11 +161,12 @@ TEST_F(CrashDumpTest, StackOverflow) {
 }
 
 TEST_F(CrashDumpTest, UncaughtException) {
-    ExpectDump(L"throw", L"registered", "std::terminate, uncaught exception: thrown on purpose 0x40000015");
+    ExpectDump(L"throw", L"registered",
+               "std::terminate, uncaught exception: thrown on purpose 0x40000015 at QxCrashDump");
 }
 
 TEST_F(CrashDumpTest, Abort) {
-    ExpectDump(L"abort", L"registered", "abort 0x40000015");
+    ExpectDump(L"abort", L"registered", "abort 0x40000015 at QxCrashDump");
 }
 
 // A dump takes seconds under Wine, so the other kinds go without: a file stands where the folder should be.
@@ -115,6 +188,31 @@ TEST_F(CrashDumpTest, ACrashBeforeTheLogIsOpenIsLoggedToo) {
     std::ofstream(folder_.Path() / L"QUILLON") << "no folder";
     ExpectLine(L"access", L"early", "unhandled exception 0xC0000005");
     EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr("before(Crash)")).Times(2));
+}
+
+TEST_F(CrashDumpTest, HandlersThatWereThereBeforeEndTheProgram) {
+    std::ofstream(folder_.Path() / L"QUILLON") << "no folder";
+    harness::TestLog::Expect(HasSubstr("the crash dump cannot be written: 3"));
+    harness::TestLog::Expect(HasSubstr("no folder for crash dumps"));
+    harness::TestLog::Expect(HasSubstr("unhandled exception 0xC0000005"));
+    EXPECT_EQ(Helper(L"crash access others").Wait(), 91u);
+    harness::TestLog::Expect(HasSubstr("std::terminate, uncaught exception: thrown on purpose"));
+    EXPECT_EQ(Helper(L"crash throw others").Wait(), 92u);
+    harness::TestLog::Expect(HasSubstr("abort 0x40000015"));
+    EXPECT_EQ(Helper(L"crash abort others").Wait(), 93u);
+    EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr("the crash dump cannot be written")).Times(3));
+}
+
+TEST_F(CrashDumpTest, TheProductsNameBecomesAFolder) {
+    const auto expect = [&](const std::wstring& product, const std::wstring& folder) {
+        EXPECT_EQ(Helper(L"crash nothing registered \"" + product + L"\"").Wait(), 7u);
+        EXPECT_TRUE(fs::exists(folder_.Path() / folder / L"CrashDumps")) << fs::path(folder);
+    };
+    expect(L" A B!", L" A B!");
+    expect(L"a/b:c*d?e\\\"f<g>h|i\x01j\\k", L"a_b_c_d_e_f_g_h_i_j_k");
+    expect(L"Last. ..", L"Last");
+    expect(L"..", L"suite_helper");
+    expect(L"", L"suite_helper");
 }
 
 TEST_F(CrashDumpTest, ASoundProgramLeavesNothing) {

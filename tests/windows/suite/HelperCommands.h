@@ -31,6 +31,8 @@ int ReportLimits(const Arguments& arguments);
 // url <address>: writes the address into "url.txt" of the local application data folder.
 int ReceiveUrl(const Arguments& arguments);
 
-// crash <kind> <plain|registered|disabled|early|thread|unloaded>: ends in that way, without the crash handler; with it;
-// with the handler's enable flag 0; before the log is open; on another thread; after the library was let go.
+// crash <kind> <plain|registered|disabled|early|thread|unloaded|others> [<product>]: ends in that way, without the
+// crash handler; with it; with the handler's enable flag 0; before the log is open; on another thread; after the
+// library was let go; with handlers that were there before. Those end with 91 for an exception of the system, 92 for
+// std::terminate and 93 for abort.
 int Crash(const Arguments& arguments);

@@ -1,6 +1,8 @@
 #include <windows.h>
 
+#include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <map>
 #include <stdexcept>
 #include <thread>
@@ -64,7 +66,7 @@ const std::map<std::wstring, void (*)()> kCrashes = {
 };
 
 // As a program does it: the library is found at run time and let go at the end.
-HMODULE LoadAndRegister(bool enable) {
+HMODULE LoadAndRegister(bool enable, const std::wstring& product) {
     std::wstring path = suite::ProgramPath();
     path.replace(path.find_last_of(L'\\') + 1, std::wstring::npos, L"QxCrashDump.dll");
     const HMODULE library = LoadLibraryW(path.c_str());
@@ -74,12 +76,30 @@ HMODULE LoadAndRegister(bool enable) {
         std::exit(1);
     }
     CrashRegistration record;
-    record.enableFlag = enable ? 1 : 0;
     record.appName = L"QUILLON";
-    record.productName = L"QUILLON";
+    record.productName = product;
     registerHandler(nullptr);
     registerHandler(&record);
+    if (enable) {
+        record.enableFlag = 1;
+        registerHandler(&record);
+        registerHandler(&record);  // does nothing
+    }
     return library;
+}
+
+LONG WINAPI OtherFilter(EXCEPTION_POINTERS* exception) {
+    constexpr DWORD kThrowOfTheRuntime = 0x20474343;
+    if (exception->ExceptionRecord->ExceptionCode == kThrowOfTheRuntime) {
+        return EXCEPTION_CONTINUE_EXECUTION;
+    }
+    std::_Exit(91);
+}
+
+void SetOtherHandlers() {
+    SetUnhandledExceptionFilter(&OtherFilter);
+    std::set_terminate([] { std::_Exit(92); });
+    std::signal(SIGABRT, [](int) { std::_Exit(93); });
 }
 
 }  // namespace
@@ -88,8 +108,12 @@ HMODULE LoadAndRegister(bool enable) {
 int Crash(const Arguments& arguments) {
     const auto crash = kCrashes.at(arguments.at(1));
     const std::wstring& how = arguments.at(2);
+    if (how == L"others") {
+        SetOtherHandlers();
+    }
     if (how != L"plain") {
-        const HMODULE library = LoadAndRegister(how != L"disabled");
+        const std::wstring product = arguments.size() > 3 ? arguments[3] : L"QUILLON";
+        const HMODULE library = LoadAndRegister(how != L"disabled", product);
         if (how == L"unloaded") {
             FreeLibrary(library);
         }

@@ -7,6 +7,7 @@
 #include "suite/common/Utf8.h"
 #include "suite/product/MachineType.h"
 #include "suite/product/SystemEnvironment.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/WineOnly.h"
 
 using ProductAdapt::MachineType;
@@ -72,4 +73,63 @@ TEST(SystemEnvironmentTest, IsTheUsersDisplayLanguage) {
     if (const char* const expected = std::getenv("EXPECTED_LANGUAGE")) {
         EXPECT_EQ(tag, expected);
     }
+}
+
+namespace {
+
+// What the system says of the user's languages.
+struct Session {
+    std::wstring languages;  // each with its end
+    int answers = 2;         // of the list; then it fails
+    std::wstring format;     // empty: none
+} g_session;
+
+BOOL WINAPI Languages(DWORD flags, PULONG count, PZZWSTR list, PULONG length) {
+    EXPECT_EQ(flags, DWORD{MUI_LANGUAGE_NAME});
+    if (g_session.answers-- <= 0) {
+        return FALSE;
+    }
+    const std::wstring all = g_session.languages + L'\0';
+    if (list) {
+        EXPECT_GE(*length, all.size());
+        all.copy(list, all.size());
+    }
+    *count = g_session.languages.empty() ? 0 : 1;
+    *length = g_session.languages.empty() ? 0 : static_cast<ULONG>(all.size());
+    return TRUE;
+}
+
+int WINAPI Format(LPWSTR name, int room) {
+    EXPECT_EQ(room, LOCALE_NAME_MAX_LENGTH);
+    name[g_session.format.copy(name, g_session.format.size())] = L'\0';
+    return g_session.format.empty() ? 0 : static_cast<int>(g_session.format.size() + 1);
+}
+
+class LanguageSourceTest : public testing::Test {
+  protected:
+    static std::wstring LanguageOf(const Session& session) {
+        g_session = session;
+        return SystemEnvironment::GetCurrentUserLanguage();
+    }
+
+  private:
+    const HMODULE library_ = GetModuleHandleW(L"QxProduct.dll");
+    const harness::ImportHook languages_{library_, "GetUserPreferredUILanguages", &Languages};
+    const harness::ImportHook format_{library_, "GetUserDefaultLocaleName", &Format};
+};
+
+}  // namespace
+
+TEST_F(LanguageSourceTest, TheFirstDisplayLanguageCounts) {
+    EXPECT_EQ(LanguageOf({std::wstring(L"pt-BR\0de-DE\0", 12), 2, L"fr-FR"}), L"pt-BR");
+}
+
+TEST_F(LanguageSourceTest, WithoutOneTheRegionalFormatDoes) {
+    EXPECT_EQ(LanguageOf({{}, 2, L"fr-FR"}), L"fr-FR") << "an empty list";
+    EXPECT_EQ(LanguageOf({std::wstring(L"pt-BR\0", 6), 0, L"fr-FR"}), L"fr-FR") << "no list";
+    EXPECT_EQ(LanguageOf({std::wstring(L"pt-BR\0", 6), 1, L"fr-FR"}), L"fr-FR") << "one that goes between two calls";
+}
+
+TEST_F(LanguageSourceTest, WithoutEitherItIsEnglish) {
+    EXPECT_EQ(LanguageOf({{}, 2, {}}), L"en-US");
 }

@@ -18,6 +18,7 @@ class Helper {
     // The exit code. Writing a dump takes seconds under Wine, and many more on a busy machine.
     DWORD Wait() { return process_.WaitForEnd(std::chrono::minutes(2)); }
     void Kill() { process_.Kill(); }
+    DWORD Id() const { return GetProcessId(process_.Process()); }
 
   private:
     harness::ChildProcess process_;
