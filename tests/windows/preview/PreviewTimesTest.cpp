@@ -154,9 +154,11 @@ TEST_F(PreviewTimesTest, AnOpeningHasTenSeconds) {
     ChangeCamera([&](CameraScript& script) { script.withinActivation = [&] { gate.Pass(); }; });
     Press(L"preview_switch");
     ASSERT_TRUE(gate.WaitUntilReached());
-    ASSERT_THAT(Delays(), ElementsAre(10'000U));
+    ASSERT_THAT(Delays(), ElementsAre(10'000U, 10'000U)) << "to find the graphics device, and to open the camera";
     EXPECT_TRUE(IsOn());
     g_later.front().run();
+    EXPECT_TRUE(IsOn()) << "the device was found";
+    g_later.back().run();
     EXPECT_FALSE(IsOn());
     EXPECT_TRUE(CanBeClicked());
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
@@ -177,8 +179,8 @@ TEST_F(PreviewTimesTest, ForTenSecondsAfterSleepItIsTriedAgainEachSecond) {
     ChangeCamera([](CameraScript& script) { script.activate = E_FAIL; });
     g_tick += 9'999;
     Press(L"preview_switch");
-    EXPECT_TRUE(Input::PumpUntil([] { return g_later.size() == 2; }));
-    ASSERT_THAT(Delays(), ElementsAre(10'000U, 1000U)) << "the opening's end, and the next one";
+    EXPECT_TRUE(Input::PumpUntil([] { return g_later.size() == 3; }));
+    ASSERT_THAT(Delays(), ElementsAre(10'000U, 10'000U, 1000U)) << "the ends of the opening, and the next one";
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_TRUE(IsOn());
     g_tick += 1;
