@@ -21,7 +21,7 @@ TEST(AttributeParser, NumbersAreDecimalWithASign) {
 
 TEST(AttributeParser, WhatIsNotWhollyANumberIsNone) {
     for (const wchar_t* text : {L"", L" ", L"-", L"+-1", L"1 2", L"12px", L"0x10", L"1.5", L"1000001", L"-1000001",
-                                L"99999999999999999999", L"\x0661"}) {
+                                L"99999999999999999999", L"\x0661", L"1/", L"1:"}) {
         EXPECT_EQ(ParseInt(text), std::nullopt);
     }
 }
