@@ -49,8 +49,8 @@ std::uint8_t* PixelPlace(std::uint8_t* row, std::uint32_t width, std::uint32_t c
     return row + std::size_t{4} * (kMirrored ? width - 1 - column : column);
 }
 
-// The blocks of kBlock columns that cover the columns [0, columns) of a row, the last one overlapping the one before
-// where it must. REQUIRES: kBlock <= columns <= width.
+// The blocks of kBlock columns that cover the columns [0, columns) of a row, the second one overlapping the first where
+// it must. REQUIRES: kBlock <= columns <= width.
 template <std::uint32_t kBlock, bool kMirrored>
 class PixelBlocks {
   public:
@@ -61,30 +61,30 @@ class PixelBlocks {
 
     class Iterator {
       public:
-        Iterator(const PixelBlocks& blocks, std::size_t x) : blocks_(blocks), x_(x) {}
-        Block operator*() const {
-            const std::size_t x = x_ < blocks_.last_ ? x_ : blocks_.last_;
-            return {x, blocks_.row_ + 4 * (kMirrored ? blocks_.width_ - kBlock - x : x)};
-        }
+        Iterator(const PixelBlocks& blocks, std::size_t x)
+            : blocks_(blocks), x_(x), step_((blocks.columns_ - 1) % kBlock + 1) {}
+        Block operator*() const { return {x_, blocks_.row_ + 4 * (kMirrored ? blocks_.width_ - kBlock - x_ : x_)}; }
         Iterator& operator++() {
-            x_ += kBlock;
+            x_ += step_;
+            step_ = kBlock;
             return *this;
         }
-        bool operator!=(const Iterator& other) const { return x_ < other.x_; }
+        bool operator!=(const Iterator& other) const { return x_ != other.x_; }
 
       private:
         const PixelBlocks& blocks_;
         std::size_t x_;
+        std::size_t step_;  // what is left over comes first
     };
 
     PixelBlocks(std::uint32_t columns, std::uint8_t* row, std::uint32_t width)
-        : last_(columns - kBlock), row_(row), width_(width) {}
+        : columns_(columns), row_(row), width_(width) {}
 
     Iterator begin() const { return {*this, 0}; }
-    Iterator end() const { return {*this, last_ + kBlock}; }
+    Iterator end() const { return {*this, columns_}; }
 
   private:
-    std::size_t last_;
+    std::size_t columns_;
     std::uint8_t* row_;
     std::uint32_t width_;
 };
