@@ -71,7 +71,8 @@ LivePreview::LivePreview(PageHost* host, DuiLib::CPaintManagerUI* paintManager, 
       find_(std::move(find)),
       images_(std::move(images)),
       window_({[this] { Stop(); }, [this] { OnTick(); }, [this] { RecoverDevice(); },
-               [this](const std::wstring& link) { OnDeviceRemoved(link); }}) {}
+               [this](const std::wstring& link) { OnDeviceRemoved(link); }}),
+      self_(std::make_shared<LivePreview*>(this)) {}
 
 LivePreview::~LivePreview() {
     Stop();
@@ -151,22 +152,29 @@ void LivePreview::TurnOnWhenDeviceIsFree() {
 }
 
 void LivePreview::FindDirect3D() {
-    const auto find = [opening = std::weak_ptr<Opening>(opening_)] {
+    opening_->wantsDirect3D = true;
+    if (findsDirect3D_) {
+        return;
+    }
+    findsDirect3D_ = preview::BeginOpening([self = std::weak_ptr<LivePreview*>(self_)] {
         const auto found = std::make_shared<suite::ComReference<IDirect3D9>>(Device::CreateDirect3D());
-        DuiLib::UIMainQueue::getInstance()->dispatch([opening, found] {
-            if (const auto alive = opening.lock()) {
-                alive->page->OnDirect3DFound(std::move(*found));
+        DuiLib::UIMainQueue::getInstance()->dispatch([self, found] {
+            if (const auto alive = self.lock()) {
+                (*alive)->OnDirect3DFound(std::move(*found));
             }
         });
-    };
-    if (!preview::BeginOpening(find)) {
+    });
+    if (!findsDirect3D_) {
         FailOpening();
     }
 }
 
 void LivePreview::OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d) {
-    opening_.reset();
-    TurnOn(switch_, std::move(direct3d));
+    findsDirect3D_ = false;
+    if (opening_ && opening_->wantsDirect3D) {
+        opening_.reset();
+        TurnOn(switch_, std::move(direct3d));
+    }
 }
 
 void LivePreview::TurnOn(DuiLib::CControlUI* sender, suite::ComReference<IDirect3D9> direct3d) {
@@ -193,14 +201,14 @@ void LivePreview::Start(DuiLib::CControlUI* sender) {
 }
 
 void LivePreview::BeginOpening(DuiLib::CControlUI* sender) {
-    opening_ = std::make_shared<Opening>(Opening{this});
+    opening_ = std::make_shared<Opening>(Opening{.page = this});
     switch_ = sender;
     DrawSwitch(sender, true);
     sender->SetEnabled(false);
 }
 
 void LivePreview::Open() {
-    opening_ = std::make_shared<Opening>(Opening{this});
+    opening_ = std::make_shared<Opening>(Opening{.page = this});
     if (preview::BeginOpening([capture = Share(preview_), opening = std::weak_ptr<Opening>(opening_)] {
             OpenOnCameraThread(*capture, opening);
         })) {
@@ -211,9 +219,12 @@ void LivePreview::Open() {
 }
 
 void LivePreview::OpenOnCameraThread(Preview& capture, const std::weak_ptr<Opening>& opening) {
+    if (opening.expired()) {
+        return;  // the preview was ended while this thread waited for its turn; there is no device any more
+    }
     const bool started = capture.Start(0);
     if (opening.expired()) {
-        capture.Close();  // the preview may have been ended before Start began
+        capture.Close();  // it may have been ended before Start began
     }
     DuiLib::UIMainQueue::getInstance()->dispatch([opening, started] {
         if (const auto alive = opening.lock()) {
@@ -233,7 +244,7 @@ void LivePreview::OnOpened(bool started) {
 }
 
 void LivePreview::ShowPicture() {
-    const auto opening = std::make_shared<Opening>(Opening{this});
+    const auto opening = std::make_shared<Opening>(Opening{.page = this});
     opening_ = opening;  // the time of the opening does not count any more
     lastFrameTickMs_ = preview_->LastFrameTickMs();
     ticksWithoutFrame_ = 0;
@@ -283,7 +294,7 @@ void LivePreview::Later(unsigned delayMs, void (LivePreview::*operation)()) cons
 }
 
 void LivePreview::OpenLater() {
-    opening_ = std::make_shared<Opening>(Opening{this});
+    opening_ = std::make_shared<Opening>(Opening{.page = this});
     Later(kBetweenOpeningsMs, &LivePreview::Open);
 }
 

@@ -76,6 +76,7 @@ class LivePreview {
     // alone: who finds it gone comes too late.
     struct Opening {
         LivePreview* page;
+        bool wantsDirect3D = false;
     };
 
     int CreateCapture(HWND previewWindow, HWND parentWindow, suite::ComReference<IDirect3D9> direct3d);
@@ -133,6 +134,8 @@ class LivePreview {
     bool makingCapture_ = false;         // a box may be open
     std::uint64_t lastFrameTickMs_ = 0;  // as the last tick found it
     int ticksWithoutFrame_ = 0;
-    bool isLossLogged_ = false;        // of the device that is lost now
-    std::uint64_t resumedTickMs_ = 0;  // 0: never
+    bool isLossLogged_ = false;                 // of the device that is lost now
+    std::uint64_t resumedTickMs_ = 0;           // 0: never
+    bool findsDirect3D_ = false;                // one look at a time: who comes meanwhile gets what it finds
+    const std::shared_ptr<LivePreview*> self_;  // ends with it: queued tasks hold a weak_ptr
 };

@@ -316,6 +316,8 @@ TEST_F(HomePagePreviewTest, ManyCyclesUseOneWindow) {
 
 // Frames arrive quickly on the reader's thread while the UI thread does what it may do in any order.
 TEST_F(HomePagePreviewTest, AnythingAtAnyMomentNeitherHangsNorCrashes) {
+    // Pages come and go faster here than a slow system finds a graphics device for each.
+    harness::TestLog::Allow("[L4] too many openings of a camera hang(CameraThreads::BeginOpening)");
     CameraSettings settings = camera_->Settings();
     settings.modes.front().framesPerSecond = 300;
     camera_ = DemoCamera::Make(settings);
