@@ -10,6 +10,7 @@
 #include "DuiLib/UIMainQueue.h"
 #include "pages/PageHost.h"
 #include "preview/CameraThreads.h"
+#include "preview/Device.h"
 #include "preview/DeviceLink.h"
 #include "preview/DeviceLoss.h"
 #include "preview/Preview.h"

@@ -1,6 +1,7 @@
 #pragma once
-// Where cameras are opened and closed: drivers may take seconds for either, or never come back, so it happens on
-// threads of the system's pool, and who asked for it waits as long as he likes.
+// Where cameras are opened and closed, and where Direct3D looks through the adapters for them: drivers may take seconds
+// for it, or never come back, so it happens on threads of the system's pool, and who asked for it waits as long as he
+// likes.
 //
 // The threads have joined the multithreaded apartment. What hangs is left alone; while too much does, nothing more is
 // begun. Any thread.
@@ -16,9 +17,9 @@ namespace preview {
 // As many openings may hang before a camera counts as one that cannot be used.
 constexpr int kMostOpenings = 4;
 
-// Runs the work that opens a camera, and that owns what it uses. As a camera can be opened by one at a time, it begins
-// when earlier openings and closings have ended, but waits no longer than five seconds for one that hangs. False: too
-// many openings hang, or the system refuses; the log tells.
+// Runs the work that opens a camera or prepares it, and that owns what it uses. As a camera can be opened by one at a
+// time, it begins when earlier openings and closings have ended, but waits no longer than five seconds for one that
+// hangs. False: too many openings hang, or the system refuses; the log tells.
 [[nodiscard]] bool BeginOpening(std::function<void()> work);
 
 // Shuts the camera down and waits for that, for a time; sent messages are served meanwhile. False: it takes longer, and

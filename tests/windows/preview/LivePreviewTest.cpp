@@ -8,6 +8,7 @@
 #include <thread>
 #include <utility>
 
+#include "preview/CameraThreads.h"
 #include "preview/ServedWait.h"
 #include "service/KindNotifier.h"
 #include "suite/common/Handle.h"
@@ -105,6 +106,17 @@ class LivePreviewTest : public HomePageTest {
         ChangeGraphics([&gate](GraphicsScript& script) { script.withinPresent = [&gate] { gate.Pass(); }; });
         ASSERT_TRUE(gate.WaitUntilReached());
     }
+    // The preview is being turned on. A click that reaches the page all the same, by whatever way, does not count.
+    void ExpectOnlyOthersCanBeClicked() {
+        EXPECT_TRUE(IsOn()) << "drawn on at once";
+        EXPECT_FALSE(CanBeClicked());
+        Press(L"correct_sight_btn");
+        EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn")) << "a click of another control";
+        Notify(L"preview_switch", L"click");
+        Press(L"preview_switch");
+        Input::Pump();
+        EXPECT_TRUE(IsOn());
+    }
     static bool FramesCome() {
         const int goal = Graphics::Seen().presents + 3;
         return Wait([&] { return Graphics::Seen().presents >= goal; });
@@ -154,15 +166,8 @@ class FindingDeviceTest : public LivePreviewTest {
 };
 
 TEST_F(FindingDeviceTest, EverythingElseWorksMeanwhile) {
-    EXPECT_TRUE(IsOn()) << "drawn on at once";
-    EXPECT_FALSE(CanBeClicked());
     EXPECT_EQ(PreviewWindow(), nullptr);
-    Press(L"correct_sight_btn");
-    EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn")) << "a click of another control";
-    Notify(L"preview_switch", L"click");
-    Press(L"preview_switch");
-    Input::Pump();
-    EXPECT_TRUE(IsOn());
+    ExpectOnlyOthersCanBeClicked();
     gate_.Open();
     EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
     EXPECT_TRUE(FramesCome());
@@ -231,6 +236,24 @@ TEST_F(FindingDeviceTest, OneThatIsNotFoundInTimeIsGivenUp) {
     TurnOn();
 }
 
+// A camera is opened by one at a time: when the device is there, somebody else has the turn.
+TEST_F(FindingDeviceTest, AnOpeningThatIsEndedBeforeItsTurnOpensNothing) {
+    Gate other;
+    ASSERT_TRUE(preview::BeginOpening([&] { other.Pass(); }));
+    gate_.Open();
+    ASSERT_TRUE(harness::WaitUntil(
+        [] { return preview::OpeningsUnderWay() == L"openings 1, waiting for their turn 0, inside 1, closings 0"; }));
+    ASSERT_TRUE(Wait(
+        [] { return preview::OpeningsUnderWay() == L"openings 2, waiting for their turn 1, inside 1, closings 0"; }));
+    EXPECT_EQ(Graphics::Seen().devices, 1);
+    Lock();
+    ExpectOff();
+    other.Open();
+    EXPECT_TRUE(Wait([] { return preview::OpeningsUnderWay().starts_with(L"openings 0,"); }));
+    EXPECT_EQ(Cameras::Seen().activations, 0);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
 TEST_F(LivePreviewTest, WithoutDirect3DItStaysOff) {
     Expect("[L4] Preview::CreateInstance failed.-2147467259(HomePage::CreateMF)");
     Expect("[L4] Init g_pPreview error(HomePage::ClickPreview)");
@@ -250,16 +273,8 @@ TEST_F(LivePreviewTest, WhileTheCameraOpensEverythingElseWorks) {
     ChangeCamera([&](CameraScript& script) { script.withinActivation = [&] { gate.Pass(); }; });
     Press(L"preview_switch");
     ASSERT_TRUE(gate.WaitUntilReached());
-    EXPECT_TRUE(IsOn()) << "drawn on at once";
-    EXPECT_FALSE(CanBeClicked());
     EXPECT_FALSE(IsWindowVisible(PreviewWindow()));
-    Press(L"correct_sight_btn");
-    EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn")) << "a click of another control";
-    // A click that reaches the page all the same, by whatever way, does not count.
-    Notify(L"preview_switch", L"click");
-    Press(L"preview_switch");
-    Input::Pump();
-    EXPECT_TRUE(IsOn());
+    ExpectOnlyOthersCanBeClicked();
     EXPECT_EQ(Cameras::Seen().activations, 1);
     gate.Open();
     EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
