@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <tuple>
+#include <utility>
 
 #include "DuiLib/Theme.h"
 #include "paint/PictureFile.h"
@@ -78,6 +79,7 @@ class ImageCache::Impl {
         std::erase_if(pictures_, [](const auto& entry) { return !entry.second.file.empty(); });
         scaled_.clear();
         scaledPixels_ = 0;
+        former_.clear();
         readAhead_.Forget();
         fresh_ = true;
     }
@@ -86,12 +88,21 @@ class ImageCache::Impl {
         readAhead_.Forget();
         fresh_ = true;
         for (auto it = pictures_.begin(); it != pictures_.end();) {
-            Picture& picture = it->second;
-            const bool other = !picture.file.empty() && !picture.Serves(Resolve(picture.name));
-            if (other) {
-                ForgetScaled(it->first);
+            const auto current = it++;
+            const auto& [key, picture] = *current;
+            const Picture now = Resolve(picture.name);
+            if (picture.file.empty() || picture.Serves(now)) {
+                continue;
             }
-            it = other ? pictures_.erase(it) : std::next(it);
+            Former back = std::exchange(former_[key], Former{std::move(current->second), TakeScaled(key)});
+            if (!back.picture.Serves(now)) {
+                pictures_.erase(current);
+                continue;
+            }
+            current->second = std::move(back.picture);
+            for (auto& [use, image] : back.scaled) {
+                Keep(use, std::move(image));
+            }
         }
     }
 
@@ -175,12 +186,18 @@ class ImageCache::Impl {
         const std::wstring key = KeyOf(name);
         TakeRead(key);
         pictures_.erase(key);
+        former_.erase(key);
         logged_.erase(key);
-        ForgetScaled(key);
+        TakeScaled(key);
     }
 
   private:
-    using ScaledMap = std::map<ScaledKey, Scaled>;
+    using ScaledImages = std::vector<std::pair<ScaledKey, ScaledImage>>;
+
+    struct Former {
+        Picture picture;
+        ScaledImages scaled;
+    };
 
     // The file that serves the name now; not read yet.
     Picture Resolve(const std::wstring& name) const {
@@ -194,10 +211,18 @@ class ImageCache::Impl {
         return picture;
     }
 
-    void ForgetScaled(const std::wstring& key) {
+    ScaledImages TakeScaled(const std::wstring& key) {
+        ScaledImages taken;
         for (auto it = scaled_.begin(); it != scaled_.end();) {
-            it = it->first.picture == key ? Drop(it) : std::next(it);
+            if (it->first.picture != key) {
+                ++it;
+                continue;
+            }
+            scaledPixels_ -= it->second.image.pixels.size();
+            taken.emplace_back(it->first, std::move(it->second.image));
+            it = scaled_.erase(it);
         }
+        return taken;
     }
 
     PictureUse UseOf(const ImageAttribute& image, Size sizePx, bool rightToLeft) const {
@@ -276,14 +301,12 @@ class ImageCache::Impl {
 
     void MakeRoom(size_t pixels) {
         while (!scaled_.empty() && scaledPixels_ + pixels > kMaxScaledPixels) {
-            Drop(std::min_element(scaled_.begin(), scaled_.end(),
-                                  [](const auto& a, const auto& b) { return a.second.lastUse < b.second.lastUse; }));
+            const auto oldest = std::min_element(scaled_.begin(), scaled_.end(), [](const auto& a, const auto& b) {
+                return a.second.lastUse < b.second.lastUse;
+            });
+            scaledPixels_ -= oldest->second.image.pixels.size();
+            scaled_.erase(oldest);
         }
-    }
-
-    ScaledMap::iterator Drop(ScaledMap::iterator it) {
-        scaledPixels_ -= it->second.image.pixels.size();
-        return scaled_.erase(it);
     }
 
     PictureDecoder decoder_;
@@ -292,8 +315,9 @@ class ImageCache::Impl {
     bool listing_ = false;  // what is asked for is noted, not read
     int dpi_ = 96;
     std::map<std::wstring, Picture> pictures_;
-    std::set<std::wstring> logged_;  // failures that were told
-    ScaledMap scaled_;
+    std::map<std::wstring, Former> former_;  // what another theme showed instead, last
+    std::set<std::wstring> logged_;          // failures that were told
+    std::map<ScaledKey, Scaled> scaled_;
     size_t scaledPixels_ = 0;
     unsigned long long uses_ = 0;
 };

@@ -7,9 +7,10 @@
 // asks for is taken, else the largest there is; a file elsewhere has its pixels as units. A theme has folders of its
 // own that are looked into first, and gives masks their colours (PictureTheme.h). Decoding goes through the system's
 // imaging component; a picture larger than 8192 × 8192 is refused, and the pixels of large ones are kept only as they
-// were scaled. What was scaled and not used for the longest time goes first when there is much of it. A file that is
-// missing or broken is logged once and draws nothing. Nine-grid images are scaled by parts. The program's own pictures
-// can be read ahead on other threads (PictureReadAhead.h). Thread: UI thread. Owns its pixels.
+// were scaled. What was scaled and not used for the longest time goes first when there is much of it. What the former
+// theme showed in the place of this one's is kept for its coming back, until the scale changes. A file that is missing
+// or broken is logged once and draws nothing. Nine-grid images are scaled by parts. The program's own pictures can be
+// read ahead on other threads (PictureReadAhead.h). Thread: UI thread. Owns its pixels.
 #include <windows.h>
 
 #include <functional>
@@ -28,7 +29,7 @@ class ImageCache {
     ~ImageCache();
 
     void SetDpi(int dpi);   // drops everything that was scaled; registered bitmaps stay
-    void OnThemeChanged();  // drops what the theme shows another picture for
+    void OnThemeChanged();  // puts aside what the theme shows another picture for
     // The image as it covers `sizePx`; in a right-to-left window one that asks for it is mirrored, unless it has no
     // direction. Null when it cannot be drawn. Valid until the next call of a member that is not const.
     const ScaledImage* Get(const ImageAttribute& image, Size sizePx, bool rightToLeft);

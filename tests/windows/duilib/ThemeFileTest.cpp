@@ -171,6 +171,10 @@ class ThemePictures : public ThemeFiles {
         return Render(window, dpi).CenterOf({0, 0, DipToPx(80, dpi), DipToPx(60, dpi)});
     }
     void Tell() { FakeLook::Tell(window.GetHWND()); }
+    void SetDark(bool dark) {
+        look.SetDark(dark);
+        Tell();
+    }
 
     TestWindow window{
         R"(<Window size="80,60" bkcolor="#FF808080"><VerticalLayout><Control name="c"/></VerticalLayout></Window>)"};
@@ -205,6 +209,94 @@ TEST_F(ThemePictures, WhatServesBothThemesIsKept) {
     Tell();
     EXPECT_EQ(Look(L"drawable/both.png"), kRed);
     EXPECT_EQ(Look(L"drawable/a.png"), kBlue);
+}
+
+// In the next four, a file that is read again would be found changed.
+TEST_F(ThemePictures, ThoseOfTheFormerThemeAreKeptForItsComingBack) {
+    const auto write = [](std::uint32_t light, std::uint32_t dark) {
+        Write(L"drawable/a.png", light);
+        Write(L"drawable-dark/a.png", dark);
+        Write(L"drawable/large.png", light, 520);  // of more pixels than are kept as they are read
+        Write(L"drawable-dark/large.png", dark, 520);
+    };
+    write(kRed, kBlue);
+    for (const bool dark : {false, true, false, true}) {
+        SetDark(dark);
+        EXPECT_EQ(Look(L"drawable/a.png"), dark ? kBlue : kRed);
+        EXPECT_EQ(Look(L"drawable/large.png"), dark ? kBlue : kRed);
+        if (dark) {
+            write(kGreen, kGreen);
+        }
+    }
+    SetDark(false);
+    EXPECT_EQ(Look(L"file='drawable/a.png' dest='0,0,80,60'"), kRed) << "in another size";
+}
+
+TEST_F(ThemePictures, OneFormerThemeIsKeptAndShownForNoOther) {
+    Write(L"drawable/a.png", kRed);
+    Write(L"drawable-dark/a.png", kBlue);
+    Write(L"drawable-contrast/a.png", kWhite);
+    const auto contrast = [this](bool on) {
+        look.highContrast = on;
+        Tell();
+    };
+    EXPECT_EQ(Look(L"drawable/a.png"), kRed);
+    SetDark(true);
+    EXPECT_EQ(Look(L"drawable/a.png"), kBlue);
+    Write(L"drawable/a.png", kGreen);
+    Write(L"drawable-dark/a.png", kGreen);
+    contrast(true);
+    EXPECT_EQ(Look(L"drawable/a.png"), kWhite);
+    contrast(false);
+    EXPECT_EQ(Look(L"drawable/a.png"), kBlue);
+    contrast(true);
+    EXPECT_EQ(Look(L"drawable/a.png"), kWhite);
+    look.SetDark(false);
+    contrast(false);
+    EXPECT_EQ(Look(L"drawable/a.png"), kGreen);
+}
+
+TEST_F(ThemePictures, AnotherScaleAndARemovalForgetThoseOfTheFormerThemeToo) {
+    for (const bool removed : {false, true}) {
+        Write(L"drawable/a.png", kRed);
+        Write(L"drawable-dark/a.png", kBlue);
+        window.PaintManager().RemoveImage(L"drawable/a.png");
+        SetDark(false);
+        EXPECT_EQ(Look(L"drawable/a.png"), kRed);
+        SetDark(true);
+        EXPECT_EQ(Look(L"drawable/a.png"), kBlue);
+        Write(L"drawable/a.png", kGreen);
+        if (removed) {
+            window.PaintManager().RemoveImage(L"drawable/a.png");
+        } else {
+            EXPECT_EQ(Look(L"drawable/a.png", 192), kBlue);
+        }
+        EXPECT_EQ(Look(L"drawable/a.png"), kBlue);
+        SetDark(false);
+        EXPECT_EQ(Look(L"drawable/a.png"), kGreen) << removed;
+    }
+}
+
+// Of twelve mebipixels that are kept, those that are not shown for now take nothing away.
+TEST_F(ThemePictures, HoweverOftenTheThemeChangesTheRestIsKept) {
+    const std::wstring names[] = {L"drawable/first.png", L"drawable/second.png"};
+    const auto write = [&](std::uint32_t light, std::uint32_t dark) {
+        for (const wchar_t* const name : {L"first.png", L"second.png"}) {
+            Write((std::wstring(L"drawable/") + name).c_str(), light, 520);
+            Write((std::wstring(L"drawable-dark/") + name).c_str(), dark, 520);
+        }
+    };
+    write(kRed, kBlue);
+    for (int i = 0; i < 10; ++i) {
+        const bool dark = i % 2 != 0;
+        SetDark(dark);
+        for (const std::wstring& name : names) {
+            EXPECT_EQ(Look((L"file='" + name + L"' dest='0,0,1024,1024'").c_str()), dark ? kBlue : kRed) << i;
+        }
+        if (i == 1) {
+            write(kGreen, kGreen);
+        }
+    }
 }
 
 TEST_F(ThemePictures, RegisteredOnesStay) {
