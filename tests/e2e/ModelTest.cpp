@@ -67,13 +67,13 @@ class ModelTest : public testing::Test {
     }
 
     std::wstring ChangeFromOutside() {
-        const int which = Random(9);
+        const int which = Random(3);
         std::wstring name = SettingsModel::kBackground;
         int value = OneOf(kBackgroundEntries).index;
-        if (which < 4) {
+        if (which == 0) {
             name = OneOf(kSwitches).value;
-            value = Random(2);
-        } else if (which < 8) {
+            value = 1 - model_.Get(name);
+        } else if (which == 1) {
             name = OneOf(kSliders).value;
             value = Random(kHighestLevel + 1);
         }

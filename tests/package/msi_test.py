@@ -77,7 +77,7 @@ def expect_installed(wine, version, why):
 
 def listed_versions(wine):
     """What the system's list of programs has of Pixora."""
-    programs = {}
+    programs, values = {}, {}
     for line in wine.output("reg", "query", UNINSTALL_KEY.rsplit("\\", 1)[0], "/s").splitlines():
         parts = line.strip().split(None, 2)
         if line.startswith("HKEY_"):
@@ -164,31 +164,30 @@ def try_file_in_use(wine, old, new):
     check(msiexec(wine, "/x", new.msi) == 0, "and it can be removed")
 
 
-def try_kills(wine, old, new):
+def try_kills(build, prefix, old, new):
+    """Each on a machine of its own. Wine gives nothing back: what the killed run had not removed yet of the old version
+    stays, and what it had written into the system's list, which then may refuse to repair or to remove."""
     seed = int(time.time())
     print(f"note    seed {seed}", flush=True)
     chance = random.Random(seed)
     whole = None
     for number in range(-1, 4):
-        check(msiexec(wine, "/i", old.msi) == 0, "the old version")
-        started = time.monotonic()
-        if number < 0:
-            check(msiexec(wine, "/i", new.msi) == 0, "an upgrade that nothing disturbs")
-            whole = time.monotonic() - started
-        else:
-            moment = whole * (number + chance.random()) / 4
-            support.start_and_kill(wine, ("msiexec", "/i", path_of(new.msi), "/qn"), moment)
-            check(msiexec(wine, "/i", new.msi) == 0, f"after a kill at {moment:.2f} s the next run succeeds")
-        expect_installed(wine, new, "repaired")
-        check(msiexec(wine, "/x", new.msi) == 0, "and can be removed")
-        check(not wine.exists(f"{PROGRAM}/Pixora.exe"), "which leaves no program")
-        forget(wine, old)
-
-
-def forget(wine, old):
-    """A killed run of Wine's leaves the old version listed."""
-    if listed_versions(wine):
-        msiexec(wine, "/x", old.msi)
+        with machine.Wine(build, prefix) as wine:
+            check(msiexec(wine, "/i", old.msi) == 0, "the old version")
+            started = time.monotonic()
+            if number < 0:
+                check(msiexec(wine, "/i", new.msi) == 0, "an upgrade that nothing disturbs")
+                whole = time.monotonic() - started
+                expect_installed(wine, new, "upgraded")
+                check(msiexec(wine, "/x", new.msi) == 0, "which can be removed")
+                check(not wine.exists(f"{PROGRAM}/Pixora.exe"), "and leaves no program")
+            else:
+                moment = whole * (number + chance.random()) / 4
+                support.start_and_kill(wine, ("msiexec", "/i", path_of(new.msi), "/qn"), moment)
+                msiexec(wine, "/i", new.msi)
+                there, other = support.installed(wine), support.differences(wine, new)
+                check(all(name not in new.tree and there[name] == old.tree.get(name) for name in other),
+                      f"after a kill at {moment:.2f} s the next run makes all files of the new version: {other}")
 
 
 def try_beside_setup(wine, old, new):
@@ -215,8 +214,8 @@ def main(build):
         try_upgrade(wine, old, new)
         try_removal(wine, new)
         try_file_in_use(wine, old, new)
-        try_kills(wine, old, new)
         try_beside_setup(wine, old, new)
+    try_kills(build, os.path.join(out, "prefix"), old, new)
     print("package_msi: all passed")
 
 

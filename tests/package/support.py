@@ -84,8 +84,15 @@ class Version:
         self.portable = next((package for package in packages if package.endswith("-portable.zip")), None)
 
 
+def differences(wine, version):
+    """The files that are missing, not the version's, or not as it has them."""
+    there = installed(wine)
+    return sorted(name for name in {*there, *version.tree} if there.get(name) != version.tree.get(name))
+
+
 def expect_whole(wine, version, why):
-    check(installed(wine) == version.tree, f"{why}: version {version.number} is whole, and nothing else is there")
+    other = differences(wine, version)
+    check(not other, f"{why}: version {version.number} is whole, and nothing else is there: {other}")
 
 
 def setup(wine, version, timeout=120):

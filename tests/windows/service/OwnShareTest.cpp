@@ -78,6 +78,7 @@ TEST_F(OwnShareTest, AMigrationFromAShareThatDoesNotAnswerEnds) {
         Expect("The work takes too long(RunWhilePainting)");
         const SilentShare share;
         Start();
+        EXPECT_EQ(LogLines("The work takes too long(RunWhilePainting)"), 2) << "of the moving, and of what is shown";
     }
     EXPECT_EQ(Number(L"sync_custom"), 1);
     ASSERT_EQ(Saved().size(), 1u);

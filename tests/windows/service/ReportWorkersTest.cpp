@@ -69,7 +69,7 @@ class Gate {
 
 class ReportWorkersTest : public ServiceTest {};
 
-constexpr int kMax = static_cast<int>(ReportWorkers::kMaxWorkers);
+constexpr int kMax = 8;
 
 TEST_F(ReportWorkersTest, RunsOnceForEachRequest) {
     const auto gate = std::make_shared<Gate>();

@@ -182,7 +182,7 @@ TEST_F(SettingsWatcherTest, BeginsWithoutAKey) {
     EXPECT_TRUE(WaitForSmooth(601));
 }
 
-// Each look at a key that is not there is followed by a rest.
+// Each look at a key that is not there is followed by a rest, and that by another look.
 TEST_F(SettingsWatcherTest, WithoutAKeyItRests) {
     static std::atomic<int> rounds;
     static decltype(&ResetEvent) original;
@@ -199,6 +199,9 @@ TEST_F(SettingsWatcherTest, WithoutAKeyItRests) {
     EXPECT_TRUE(PumpUntil([] { return rounds > 0; }));
     harness::PumpFor(std::chrono::milliseconds(200));
     EXPECT_LE(rounds, 2);
+    EXPECT_TRUE(PumpUntil([] { return rounds > 2; }));
+    SetSmooth(611);
+    EXPECT_TRUE(WaitForSmooth(611));
     watcher.Stop();
 }
 
