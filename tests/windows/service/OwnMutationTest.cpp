@@ -55,6 +55,7 @@ TEST_F(OwnMutationTest, PicturesAreAnswered) {
 
 // Each in a process of its own: a decoder of the system that is kept busy by one file may not serve the next.
 TEST_F(OwnMutationTest, VideosAreAnswered) {
+    Allow("The work takes too long");  // a decoder that a file hangs is given up
     int accepted = 0;
     for (int i = 0; i < 12; ++i) {
         const fs::path file = Mutated(i % 2 == 0 ? L"clip.mp4" : L"clip.mov", i);
