@@ -77,7 +77,8 @@ TEST(SystemEnvironmentTest, IsTheUsersDisplayLanguage) {
 
 namespace {
 
-// What the system says of the user's languages.
+// What the system says of the user's languages. Asked for the length of the list, it wants to be given none; what it
+// leaves behind when it fails is no language.
 struct Session {
     std::wstring languages;  // each with its end
     int answers = 2;         // of the list; then it fails
@@ -86,7 +87,7 @@ struct Session {
 
 BOOL WINAPI Languages(DWORD flags, PULONG count, PZZWSTR list, PULONG length) {
     EXPECT_EQ(flags, DWORD{MUI_LANGUAGE_NAME});
-    if (g_session.answers-- <= 0) {
+    if (g_session.answers-- <= 0 || (!list && *length != 0)) {
         return FALSE;
     }
     const std::wstring all = g_session.languages + L'\0';
@@ -101,8 +102,9 @@ BOOL WINAPI Languages(DWORD flags, PULONG count, PZZWSTR list, PULONG length) {
 
 int WINAPI Format(LPWSTR name, int room) {
     EXPECT_EQ(room, LOCALE_NAME_MAX_LENGTH);
-    name[g_session.format.copy(name, g_session.format.size())] = L'\0';
-    return g_session.format.empty() ? 0 : static_cast<int>(g_session.format.size() + 1);
+    const std::wstring written = g_session.format.empty() ? L"?" : g_session.format;
+    name[written.copy(name, written.size())] = L'\0';
+    return g_session.format.empty() ? 0 : static_cast<int>(written.size() + 1);
 }
 
 class LanguageSourceTest : public testing::Test {
