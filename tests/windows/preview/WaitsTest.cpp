@@ -412,6 +412,22 @@ TEST_F(CameraThreadsTest, TheListOfDevicesIsFreedOnce) {
     EXPECT_EQ(Frees::Calls(), 1);
 }
 
+// An opening that ended in the middle, so that nobody closed it.
+TEST_F(CameraThreadsTest, WhatNobodyClosedGoesWithTheCamera) {
+    using Frees = Counted<decltype(&CoTaskMemFree)>;
+    IMFAttributes* attributes = nullptr;
+    ASSERT_EQ(MFCreateAttributes(&attributes, 1), S_OK);
+    attributes->AddRef();
+    const Frees frees("CoTaskMemFree");
+    {
+        preview::OpenCamera camera;
+        camera.enumerationAttributes = attributes;
+        camera.devices = static_cast<IMFActivate**>(CoTaskMemAlloc(sizeof(IMFActivate*)));
+    }
+    EXPECT_EQ(Frees::Calls(), 1);
+    EXPECT_EQ(attributes->Release(), 0u);
+}
+
 // --- the picture's part
 
 TEST(VisiblePartTest, OnlyAWholeApertureWithinTheFrameCounts) {
