@@ -80,8 +80,8 @@ function(pixora_test_options name)
     set_target_properties(${name} PROPERTIES PIXORA_TEST ON)
     if(WIN32)
         target_compile_options(${name} PRIVATE -O1)
-        if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-            # GCC 12 gives these warnings for short wide strings of the precompiled header's std::wstring.
+        if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
+            # GCC 12 and 14 give these warnings for short wide strings of the precompiled header's std::wstring.
             target_compile_options(${name} PRIVATE -Wno-array-bounds -Wno-stringop-overread -Wno-stringop-overflow)
         endif()
     endif()

@@ -5,6 +5,7 @@
 #include <oleacc.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "suite/common/ComReference.h"
@@ -33,9 +34,9 @@ struct Spoken {
 // which has to run messages.
 class Listener {
   public:
-    explicit Listener(DWORD process) {
+    explicit Listener(DWORD process)
+        : hook_(SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, Hear, process, 0, WINEVENT_OUTOFCONTEXT)) {
         current_ = this;
-        hook_ = SetWinEventHook(EVENT_MIN, EVENT_MAX, nullptr, Hear, process, 0, WINEVENT_OUTOFCONTEXT);
     }
     ~Listener() {
         UnhookWinEvent(hook_);
@@ -99,7 +100,7 @@ class Listener {
     }
 
     static inline Listener* current_ = nullptr;
-    HWINEVENTHOOK hook_ = nullptr;
+    const HWINEVENTHOOK hook_;
     std::vector<Spoken> heard_;
 };
 
@@ -111,18 +112,18 @@ class SpokenTest : public testing::Test {
         program_.emplace();
         ASSERT_TRUE(program_->WaitForWindow());
         SetForegroundWindow(program_->Window());
-        listener_.emplace(program_->ProcessId());
+        listener_ = std::make_unique<Listener>(program_->ProcessId());
     }
 
     // What was recorded before is forgotten.
     void ListenAnew() {
         listener_.reset();
-        listener_.emplace(program_->ProcessId());
+        listener_ = std::make_unique<Listener>(program_->ProcessId());
     }
 
     PipeServer service_;
     std::optional<Program> program_;
-    std::optional<Listener> listener_;
+    std::unique_ptr<Listener> listener_;
 };
 
 TEST_F(SpokenTest, ABackgroundThatTheArrowsReachTellsItsPlaceAndThatItIsChosen) {

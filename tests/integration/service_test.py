@@ -100,6 +100,21 @@ def check_message_window(wine):
     service.relay.wait(timeout=60)
 
 
+def check_places(wine):
+    """What the probe tells is in pixels of the screen, whatever its scale."""
+    desktop = r"HKCU\Control Panel\Desktop"
+    wine.run("reg", "add", desktop, "/v", "LogPixels", "/t", "REG_DWORD", "/d", "144", "/f")
+    wine.sign_in_again()
+    program = start(wine)
+    rect = wine.output(wine.tool("PixoraProbe.exe"), "rect").split()
+    left, top, right, bottom = map(int, rect)
+    check((right - left, bottom - top) == (1560, 906), f"the window is half as large again at 150 %: {rect}")
+    press(wine, "closebtn")
+    check(program.wait(timeout=60) == 0, "its close button ends the program")
+    wine.run("reg", "delete", desktop, "/v", "LogPixels", "/f")
+    wine.sign_in_again()
+
+
 def check_bytes(data):
     frames, rest = pipe.take_frames(data)
     check(rest == b"" and len(frames) == 5, "five whole frames")
@@ -144,6 +159,7 @@ def main():
                                 ("lumi_camera_eye_correction", 0), ("lumi_camera_person_track", 0),
                                 ("lumi_camera_beauty_person", 0)):
                 set_number(wine, name, value)
+            check_places(wine)
             data = check_settings_window(wine)
             check_message_window(wine)
         check_bytes(data)

@@ -117,6 +117,8 @@ int Run(std::vector<std::wstring> arguments) {
 
 int wmain(int argc, wchar_t** argv) {
     SetConsoleOutputCP(CP_UTF8);
+    // Else the system tells it the places of another process' windows as if every screen were at 100 %.
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
     const suite::ComApartment com(suite::ComApartment::Kind::kSingleThreaded);
     int status = 64;
     try {

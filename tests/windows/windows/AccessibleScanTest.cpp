@@ -61,7 +61,7 @@ double Luminance(DWORD rgb) {
 }
 
 double Contrast(DWORD one, DWORD other) {
-    const auto [dark, light] = std::minmax(Luminance(one), Luminance(other));
+    const auto [dark, light] = std::minmax({Luminance(one), Luminance(other)});
     return (light + 0.05) / (dark + 0.05);
 }
 

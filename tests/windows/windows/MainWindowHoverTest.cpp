@@ -60,7 +60,7 @@ TEST_F(MainWindowHoverTest, AControlWithoutANameChangesNothing) {
     DuiLib::CControlUI& cell = *Control(L"custom_background_btn_0_item").GetParent();
     ASSERT_EQ(cell.GetName(), L"");
     const DuiLib::Rect& place = cell.GetPos();
-    const DuiLib::Rect& item = Control(L"custom_background_btn_0_item").GetPos();
+    const DuiLib::Rect item = Control(L"custom_background_btn_0_item").GetPos();
     ASSERT_GT(place.right, item.right);
     Input::MoveTo(Manager(), {place.right - 2, (item.top + item.bottom) / 2});
     EXPECT_EQ(Manager().GetHot(), &cell);
@@ -111,7 +111,7 @@ TEST_F(MainWindowHoverTest, AnEntrysHintStandsBelowItWithItsName) {
     GetWindowRect(Hint(), &place);
     RECT window = {};
     GetWindowRect(Window().GetHWND(), &window);
-    const DuiLib::Rect& entry = Control(L"img_five_background_btn").GetPos();
+    const DuiLib::Rect entry = Control(L"img_five_background_btn").GetPos();
     EXPECT_EQ(place.right - place.left, width);
     EXPECT_EQ(place.bottom - place.top, 104);
     EXPECT_EQ(place.left, window.left + entry.left + (40 - width) / 2);
@@ -159,7 +159,7 @@ TEST_F(MainWindowHoverTest, TheDeleteButtonHasAHintOfItsOwn) {
     GetWindowRect(DeleteHint(), &place);
     RECT window = {};
     GetWindowRect(Window().GetHWND(), &window);
-    const DuiLib::Rect& button = Control(L"custom_background_btn_0_del").GetPos();
+    const DuiLib::Rect button = Control(L"custom_background_btn_0_del").GetPos();
     EXPECT_EQ(place.left, window.left + button.left - 18);
     EXPECT_EQ(place.top, window.top + button.top + 12);
     EXPECT_FALSE(IsWindowVisible(Hint()));
@@ -201,7 +201,7 @@ TEST_F(MainWindowHoverTest, OnAMonitorOfAnotherScaleTheHintIsMadeAgain) {
     EXPECT_EQ(place.bottom - place.top, 156);
     const int width = ToolTipWnd::GetInstance(nullptr).GetToolTipWidth();
     EXPECT_EQ(place.right - place.left, MulDiv(width, 144, 96));
-    const DuiLib::Rect& entry = Control(L"img_five_background_btn").GetPos();
+    const DuiLib::Rect entry = Control(L"img_five_background_btn").GetPos();
     EXPECT_EQ(place.left, 10 + entry.left + MulDiv((40 - width) / 2, 144, 96));
     EXPECT_EQ(place.top, 10 + entry.top + MulDiv(33, 144, 96));
 }

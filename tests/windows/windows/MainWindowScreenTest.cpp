@@ -88,7 +88,7 @@ TEST_P(MainWindowOnScreen, ThePictureLiesOverItsPlace) {
     const RECT picture = PictureShown();
     EXPECT_TRUE(EqualRect(&picture, &GetParam().picture))
         << picture.left << "," << picture.top << "," << picture.right << "," << picture.bottom;
-    const Rect& place = Control(L"preview_wnd").GetPos();
+    const Rect place = Control(L"preview_wnd").GetPos();
     EXPECT_EQ(place.left, picture.left);
     EXPECT_EQ(place.top, picture.top);
     // Its place is rounded where the picture is cut, and has the pixel that regions leave out.
