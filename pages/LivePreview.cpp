@@ -154,8 +154,14 @@ void LivePreview::TurnOnWhenDeviceIsFree() {
 
 void LivePreview::FindDirect3D() {
     opening_->wantsDirect3D = true;
+    if (!LookForDirect3D()) {
+        FailOpening();
+    }
+}
+
+bool LivePreview::LookForDirect3D() {
     if (findsDirect3D_) {
-        return;
+        return true;
     }
     findsDirect3D_ = preview::BeginOpening([self = std::weak_ptr<LivePreview*>(self_)] {
         const auto found = std::make_shared<suite::ComReference<IDirect3D9>>(Device::CreateDirect3D());
@@ -165,9 +171,7 @@ void LivePreview::FindDirect3D() {
             }
         });
     });
-    if (!findsDirect3D_) {
-        FailOpening();
-    }
+    return findsDirect3D_;
 }
 
 void LivePreview::OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d) {
@@ -175,6 +179,9 @@ void LivePreview::OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d) {
     if (opening_ && opening_->wantsDirect3D) {
         opening_.reset();
         TurnOn(switch_, std::move(direct3d));
+    } else if (preview_ && preview_->WantsDirect3D()) {
+        const std::shared_ptr<Preview> capture = Share(preview_);
+        OnDeviceTried(capture.get(), capture->RecoverDeviceWith(std::move(direct3d)));
     }
 }
 
@@ -432,10 +439,19 @@ void LivePreview::RecoverDevice() {
     if (!std::exchange(isLossLogged_, true)) {
         LogLine(LogLevel::kInfo, L"LivePreview::RecoverDevice", preview::kDeviceLostLine);
     }
-    // The system may send messages to the window, which may end the preview.
     const std::shared_ptr<Preview> capture = Share(preview_);
-    const HRESULT result = capture->RecoverDevice();
-    if (FAILED(result) && capture.get() == preview_) {
+    HRESULT result = capture->RecoverDevice();
+    if (result == S_FALSE && capture->WantsDirect3D() && !LookForDirect3D()) {
+        result = D3DERR_NOTAVAILABLE;
+    }
+    OnDeviceTried(capture.get(), result);
+}
+
+void LivePreview::OnDeviceTried(const Preview* capture, HRESULT result) {
+    if (capture != preview_) {
+        return;  // the system sends messages to the window meanwhile, which may end the preview
+    }
+    if (FAILED(result)) {
         LogLine(LogLevel::kError, L"LivePreview::RecoverDevice", L"the graphics device does not come back: 0x",
                 std::hex, result);
         OnCaptureError(result);

@@ -16,6 +16,7 @@
 //     device is free (BusyCaptures.h). The next one waits for that, as an opening: with two devices, the older one's
 //     release may never come back (Wine 8 makes contexts for it without end).
 //   - A lost graphics device is asked for here, on the window's thread, when the capture posts and then once a second.
+//     Where it needs a new object of Direct3D, the other thread looks for it too, one at a time.
 //   - A camera that falls silent is given up after five seconds, an opening that does not end after ten.
 // Thread: UI thread.
 #include <windows.h>
@@ -84,6 +85,8 @@ class LivePreview {
     void TurnOn(DuiLib::CControlUI* sender, suite::ComReference<IDirect3D9> direct3d);
     void TurnOnWhenDeviceIsFree();
     void FindDirect3D();
+    // OnDirect3DFound gets what there is. False: nothing can be looked for.
+    [[nodiscard]] bool LookForDirect3D();
     void OnDirect3DFound(suite::ComReference<IDirect3D9> direct3d);
     // Whether it runs, or is to run.
     bool IsOn() const { return preview_ || opening_; }
@@ -115,6 +118,8 @@ class LivePreview {
     bool IsAreaShown() const;
     void OnTick();
     void RecoverDevice();
+    // `result`: of a try to get the capture's device back.
+    void OnDeviceTried(const Preview* capture, HRESULT result);
     void CheckSilence();
     void OnDeviceRemoved(const std::wstring& link);
 

@@ -314,23 +314,23 @@ HRESULT Device::CheckDevice() {
 }
 
 HRESULT Device::Reset() {
-    if (device_) {
-        ComRelease(swapChain_);  // while one lives, no reset works
-        D3DPRESENT_PARAMETERS parameters = deviceParameters_;
-        if (FAILED(device_->Reset(&parameters))) {
-            Destroy();
-        }
+    const HRESULT result = ResetDevice() ? S_OK : MakeDeviceAnew();
+    return SUCCEEDED(result) ? RestoreSwapChain() : result;
+}
+
+bool Device::ResetDevice() {
+    ComRelease(swapChain_);  // while one lives, no reset works
+    D3DPRESENT_PARAMETERS parameters = deviceParameters_;
+    if (FAILED(device_->Reset(&parameters))) {
+        Destroy();
+        return false;
     }
-    if (!device_) {
-        HRESULT result = FindDirect3D();
-        if (SUCCEEDED(result)) {
-            result = CreateDevice(window_);
-        }
-        if (FAILED(result)) {
-            return result;
-        }
-    }
-    return RestoreSwapChain();
+    return true;
+}
+
+HRESULT Device::MakeDeviceAnew() {
+    const HRESULT result = FindDirect3D();
+    return SUCCEEDED(result) ? CreateDevice(window_) : result;
 }
 
 HRESULT Device::RestoreSwapChain() {
@@ -357,7 +357,19 @@ HRESULT Device::Recover(std::uint64_t nowMs) {
     if (loss_.WantsNewObject()) {
         Destroy();
     }
-    HRESULT result = device_ ? CheckDevice() : Reset();
+    return TryAgain();
+}
+
+HRESULT Device::RecoverWith(suite::ComReference<IDirect3D9> direct3d) {
+    if (!WantsDirect3D()) {
+        return IsLost() ? S_FALSE : S_OK;
+    }
+    direct3d_ = direct3d.Detach();
+    return TryAgain();
+}
+
+HRESULT Device::TryAgain() {
+    HRESULT result = direct3d_ ? FindDevice() : D3DERR_DEVICELOST;
     if (SUCCEEDED(result)) {
         result = RestoreSwapChain();
     }
@@ -366,6 +378,17 @@ HRESULT Device::Recover(std::uint64_t nowMs) {
         return S_OK;
     }
     return IsLoss(result) && !loss_.IsLastTry() ? S_FALSE : result;
+}
+
+HRESULT Device::FindDevice() {
+    if (!device_) {
+        return MakeDeviceAnew();
+    }
+    const HRESULT result = device_->TestCooperativeLevel();
+    if (result != D3DERR_DEVICENOTRESET) {
+        return result;
+    }
+    return ResetDevice() ? S_OK : D3DERR_DEVICELOST;
 }
 
 void Device::Destroy() {

@@ -5,12 +5,13 @@
 // video's size. Each frame is converted straight into that back buffer, mirrored so that the user sees himself as in a
 // looking-glass, and then scaled into the window with black bars around it. Presenting never waits for the display.
 //
-// A lost device (see DeviceLoss.h) is no failure: frames are dropped, and Recover makes it work again. Direct3D ties a
-// device to the thread of its window: only there it may be asked, reset and released, so another thread that draws
-// only notices that it is lost.
+// A lost device (see DeviceLoss.h) is no failure: frames are dropped, and Recover makes it work again, or tells that it
+// takes a new object of Direct3D and RecoverWith. Direct3D ties a device to the thread of its window: only there it may
+// be asked, reset and released, so another thread that draws only notices that it is lost.
+//
 // Threads: no lock of its own, and the device is not made for several threads; the owner sees to it that no two
-// operations run at once. Adopt, Open, Recover and Destroy run on the window's thread, ConfigureVideo where the camera
-// is opened, DrawSample on the thread that delivers frames.
+// operations run at once. Adopt, Open, Recover, RecoverWith and Destroy run on the window's thread, ConfigureVideo
+// where the camera is opened, DrawSample on the thread that delivers frames.
 #include <windows.h>
 
 #include <d3d9.h>
@@ -56,6 +57,10 @@ class Device {
     // Tries to get a lost device back, once a second at most, and never with a box. S_FALSE: not yet. A failure: it
     // will not come back. REQUIRES: the window's thread.
     [[nodiscard]] HRESULT Recover(std::uint64_t nowMs);
+    // Whether it can only come back with a new Direct3D object, which Recover does not make: it may take long.
+    bool WantsDirect3D() const { return IsLost() && direct3d_ == nullptr; }
+    // Goes on with the try that wants one. Null: the system has none for now. As Recover otherwise.
+    [[nodiscard]] HRESULT RecoverWith(suite::ComReference<IDirect3D9> direct3d);
 
     // Releases swap chain, device and Direct3D object. Size and format survive, so that a reset can build them anew.
     void Destroy();
@@ -70,6 +75,7 @@ class Device {
   private:
     HRESULT FindDirect3D();
     HRESULT CreateDevice(HWND window);
+    HRESULT MakeDeviceAnew();
     HRESULT AdoptMediaType(IMFMediaType* type);
     HRESULT CreateSwapChain();
     void UpdateTargetRect();
@@ -79,7 +85,11 @@ class Device {
     void TellBadBuffer();
     HRESULT CheckDevice();
     HRESULT Reset();
+    // False: the device is gone, and its Direct3D object with it.
+    bool ResetDevice();
     HRESULT RestoreSwapChain();
+    HRESULT TryAgain();
+    HRESULT FindDevice();
 
     HWND window_ = nullptr;  // borrowed
     DWORD windowThread_ = 0;

@@ -38,8 +38,8 @@ class DeviceLoss {
         ++tries_;
         return true;
     }
-    // Of the try that is under way.
-    bool WantsNewObject() const { return tries_ > 1 && tries_ % kTriesOfAnObject == 1; }
+    // Of the try that is under way. An object takes its time, which there is none of behind the last one.
+    bool WantsNewObject() const { return tries_ > 1 && tries_ % kTriesOfAnObject == 1 && !IsLastTry(); }
     bool IsLastTry() const { return tries_ >= kMostTries; }
     // Even the last one did not bring a frame to the screen.
     bool IsOver() const { return tries_ > kMostTries; }

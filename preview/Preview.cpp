@@ -91,6 +91,14 @@ bool Preview::DestroyRenderer() {
 }
 
 HRESULT Preview::RecoverDevice() {
+    return Recover([this] { return renderer_.Recover(GetTickCount64()); });
+}
+
+HRESULT Preview::RecoverDeviceWith(suite::ComReference<IDirect3D9> direct3d) {
+    return Recover([this, &direct3d] { return renderer_.RecoverWith(std::move(direct3d)); });
+}
+
+HRESULT Preview::Recover(const std::function<HRESULT()>& recover) {
     if (recovering_) {
         return S_FALSE;
     }
@@ -99,9 +107,10 @@ HRESULT Preview::RecoverDevice() {
         return S_FALSE;
     }
     recovering_ = true;
-    const HRESULT result = renderer_.Recover(GetTickCount64());
+    const HRESULT result = recover();
     recovering_ = false;
     deviceLost_ = renderer_.IsLost();
+    wantsDirect3D_ = renderer_.WantsDirect3D();
     return result;
 }
 

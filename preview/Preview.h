@@ -8,9 +8,9 @@
 // then and once a second until the device is there again; frames are dropped meanwhile.
 //
 // Threads and locks:
-//   - the window's thread (the page's) calls CreateInstance, Close, RecoverDevice and DestroyRenderer. None of them
-//     waits for the thread that draws, or for the camera, longer than kDrawingWait or kClosingWait, and what other
-//     threads send to its windows is served meanwhile.
+//   - the window's thread (the page's) calls CreateInstance, Close, RecoverDevice, RecoverDeviceWith and
+//     DestroyRenderer. None of them waits for the thread that draws, or for the camera, longer than kDrawingWait or
+//     kClosingWait, and what other threads send to its windows is served meanwhile.
 //   - Start runs on any thread, for a camera may take its time, and where it comes too late Close does too. Close ends
 //     it from outside: what it has opened by then it closes itself, and its result is false.
 //   - the platform's reader thread calls OnReadSample, where all drawing happens.
@@ -26,6 +26,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -65,6 +66,9 @@ class Preview : public IMFSourceReaderCallback {
     bool IsDeviceLost() const { return deviceLost_; }
     // S_OK: the device is there. S_FALSE: not yet. A failure: it will not come back.
     [[nodiscard]] HRESULT RecoverDevice();
+    // Whether that needs a new object of Device::CreateDirect3D, with which RecoverDeviceWith goes on.
+    bool WantsDirect3D() const { return wantsDirect3D_; }
+    [[nodiscard]] HRESULT RecoverDeviceWith(suite::ComReference<IDirect3D9> direct3d);
 
     // 0: idle, 1: started. Any thread.
     UINT32 State() const { return state_; }
@@ -125,6 +129,7 @@ class Preview : public IMFSourceReaderCallback {
     void ReadNow(UINT32 generation);
     static void CALLBACK OnPauseOver(PTP_CALLBACK_INSTANCE instance, void* context, PTP_TIMER timer);
 
+    HRESULT Recover(const std::function<HRESULT()>& recover);
     void TellLoss();
     void PostFailure(HRESULT result, UINT32 generation);
 
@@ -154,6 +159,7 @@ class Preview : public IMFSourceReaderCallback {
 
     // --- the window's thread
     bool recovering_ = false;
+    bool wantsDirect3D_ = false;  // as the last try left it
 
     // --- guarded by the sample lock
     preview::SampleLock sampleLock_;

@@ -72,8 +72,12 @@ class DeviceLossTest : public PreviewTest {
         return result;
     }
     HRESULT Draw() { return Draw(frame_); }
-    // The next try, each a second after the one before.
-    HRESULT Recover() { return device_.Recover(nowMs_ += 1000); }
+    // The next try, each a second after the one before; with a new object of Direct3D where it wants one.
+    HRESULT Recover() {
+        const HRESULT result = TryToRecover();
+        return result == S_FALSE && device_.WantsDirect3D() ? device_.RecoverWith(Device::CreateDirect3D()) : result;
+    }
+    HRESULT TryToRecover() { return device_.Recover(nowMs_ += 1000); }
 
     TestWindow window_{kWidth, kHeight};
     const Frame frame_ = MakeFrame(PixelFormat::kYuy2, kWidth, kHeight);
@@ -290,6 +294,46 @@ TEST_F(DeviceLossTest, EachFiveSecondsTheObjectIsNewAgain) {
         EXPECT_EQ(Recover(), S_FALSE);
     }
     EXPECT_EQ(Graphics::Seen().objects, 3);
+}
+
+TEST_F(DeviceLossTest, TheNewObjectIsMadeByTheOwner) {
+    Open();
+    EXPECT_EQ(device_.RecoverWith(Device::CreateDirect3D()), S_OK) << "nothing is lost";
+    EXPECT_EQ(Graphics::Seen().objectsAlive, 1);
+    Graphics::TakeDesktop();
+    Draw();
+    Graphics::GiveDesktopBack(true);
+    for (int second = 0; second < 5; ++second) {
+        EXPECT_EQ(TryToRecover(), S_FALSE);
+        EXPECT_FALSE(device_.WantsDirect3D());
+    }
+    EXPECT_EQ(device_.RecoverWith(Device::CreateDirect3D()), S_FALSE) << "none is wanted";
+    EXPECT_EQ(Graphics::Seen().objectsAlive, 1);
+    EXPECT_EQ(TryToRecover(), S_FALSE);
+    EXPECT_TRUE(device_.WantsDirect3D());
+    EXPECT_EQ(Graphics::Seen().objectsAlive, 0) << "the former one is given back before";
+    EXPECT_EQ(device_.RecoverWith({}), S_FALSE) << "the system has none for now";
+    EXPECT_TRUE(device_.WantsDirect3D());
+    EXPECT_EQ(TryToRecover(), S_FALSE);
+    EXPECT_EQ(device_.RecoverWith(Device::CreateDirect3D()), S_OK);
+    EXPECT_FALSE(device_.WantsDirect3D());
+    EXPECT_EQ(Graphics::Seen().objects, 4);
+    EXPECT_EQ(Draw(), S_OK);
+    EXPECT_EQ(Graphics::Seen().presents, 1);
+}
+
+TEST_F(DeviceLossTest, ANewObjectThatNeverComesIsNotWaitedForLonger) {
+    Open();
+    Graphics::TakeDesktop();
+    Draw();
+    Graphics::GiveDesktopBack();
+    Change([](GraphicsScript& script) { script.reset = D3DERR_DRIVERINTERNALERROR; });
+    for (int second = 0; second < 30; ++second) {
+        ASSERT_EQ(TryToRecover(), S_FALSE) << second;
+        ASSERT_TRUE(device_.WantsDirect3D());
+    }
+    EXPECT_EQ(TryToRecover(), D3DERR_DEVICELOST);
+    EXPECT_EQ(Graphics::Seen().objects, 1);
 }
 
 TEST_F(DeviceLossTest, AfterHalfAMinuteItIsOver) {

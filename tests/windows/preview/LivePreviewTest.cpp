@@ -4,6 +4,7 @@
 
 #include <dbt.h>
 
+#include <atomic>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -796,6 +797,81 @@ TEST_F(LivePreviewTest, ADeviceThatStaysLostLongerThanACameraMayBeSilentIsNoErro
     EXPECT_TRUE(FramesCome());
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+}
+
+// --- looking for another graphics device, as the one that is lost cannot be reset
+
+class FindingAnotherDeviceTest : public LivePreviewTest {
+  protected:
+    void SetUp() override {
+        LivePreviewTest::SetUp();
+        TurnOn();
+        ChangeGraphics([this](GraphicsScript& script) {
+            script.reset = D3DERR_DRIVERINTERNALERROR;
+            script.withinCreation = [this] { gate_.Pass(); };
+        });
+        Graphics::TakeDesktopFor(1);
+        ASSERT_TRUE(gate_.WaitUntilReached());
+        EXPECT_EQ(Graphics::Seen().objectsAlive, 0) << "what was lost has gone";
+    }
+    Gate gate_;
+};
+
+TEST_F(FindingAnotherDeviceTest, EverythingElseWorksMeanwhile) {
+    EXPECT_TRUE(IsOn());
+    EXPECT_TRUE(CanBeClicked());
+    Press(L"correct_sight_btn");
+    EXPECT_TRUE(IsDrawnOn(L"correct_sight_btn"));
+    EXPECT_EQ(harness::TestLog::Count(kLost), 1);
+    EXPECT_EQ(harness::TestLog::Count(kBack), 0);
+    gate_.Open();
+    EXPECT_TRUE(FramesCome());
+    EXPECT_EQ(Graphics::Seen().objects, 2);
+    EXPECT_EQ(Graphics::Seen().devices, 2);
+    EXPECT_EQ(harness::TestLog::Count(kLost), 1);
+    EXPECT_EQ(harness::TestLog::Count(kBack), 1);
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_THAT(Graphics::Seen().boxes, IsEmpty());
+}
+
+TEST_F(FindingAnotherDeviceTest, TheSwitchTurnsItOff) {
+    Press(L"preview_switch");
+    ExpectOff();
+    gate_.Open();
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().objects == 2 && Graphics::Seen().objectsAlive == 0; }));
+    EXPECT_EQ(Graphics::Seen().devices, 1);
+}
+
+TEST_F(FindingAnotherDeviceTest, TheNextStartGetsWhatIsFound) {
+    Press(L"preview_switch");
+    ExpectOff();
+    Press(L"preview_switch");
+    EXPECT_TRUE(IsOn());
+    gate_.Open();
+    EXPECT_TRUE(FramesCome());
+    EXPECT_TRUE(Wait([this] { return CanBeClicked(); }));
+    EXPECT_EQ(Graphics::Seen().objects, 2);
+}
+
+TEST_F(LivePreviewTest, ADeviceThatNobodyCanLookForIsTold) {
+    Expect("[L4] too many openings of a camera hang(CameraThreads::BeginOpening)");
+    Expect("[L4] the graphics device does not come back: 0x8876086a(LivePreview::RecoverDevice)");
+    TurnOn();
+    std::atomic<int> ended = 0;
+    Gate hanging;
+    for (int i = 0; i < preview::kMostOpenings; ++i) {
+        ASSERT_TRUE(preview::BeginOpening([&] {
+            hanging.Pass();
+            ++ended;
+        }));
+    }
+    ChangeGraphics([](GraphicsScript& script) { script.reset = D3DERR_DRIVERINTERNALERROR; });
+    Graphics::TakeDesktopFor(1);
+    EXPECT_TRUE(WaitForMessage());
+    ExpectOff();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    hanging.Open();
+    EXPECT_TRUE(Wait([&] { return ended == preview::kMostOpenings; }));
 }
 
 TEST_F(LivePreviewTest, ADeviceThatDoesNotComeBackIsToldOnceAndWithoutABox) {

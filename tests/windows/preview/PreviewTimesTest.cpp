@@ -4,6 +4,7 @@
 #include <mfidl.h>
 #include <mfreadwrite.h>
 
+#include <atomic>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -23,6 +24,7 @@ using doubles::CameraAnswer;
 using doubles::Cameras;
 using doubles::CameraScript;
 using doubles::Graphics;
+using doubles::GraphicsScript;
 using doubles::Violations;
 using GlobalUtils::PowerKind;
 using testing::ElementsAre;
@@ -63,7 +65,7 @@ void KeepForLater(DuiLib::UIMainQueue* self, unsigned delayMs, std::function<voi
 
 // --- the time
 
-ULONGLONG g_tick = 0;
+std::atomic<ULONGLONG> g_tick = 0;  // the threads that read ask too
 
 ULONGLONG WINAPI Tick() {
     return g_tick;
@@ -144,6 +146,43 @@ TEST_F(PreviewTimesTest, FiveSecondsWithoutAFrameAreTooMany) {
     TickTimes(1);
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
     EXPECT_FALSE(IsOn());
+}
+
+TEST_F(PreviewTimesTest, ADeviceThatIsLookedForInVainHasHalfAMinute) {
+    Expect("[L4] the graphics device does not come back: 0x88760868(LivePreview::RecoverDevice)");
+    const harness::ImportHook timer(nullptr, "SetTimer", &NoTicks);
+    const harness::ImportHook tick(nullptr, "GetTickCount64", &Tick);
+    g_tick = 1'000'000;
+    Press(L"preview_switch");
+    ASSERT_TRUE(Input::PumpUntil([this] { return CanBeClicked(); }));
+    doubles::Gate gate;
+    std::atomic<int> looks = 0;
+    Graphics::Change([&](GraphicsScript& script) {
+        script.reset = D3DERR_DRIVERINTERNALERROR;
+        script.withinCreation = [&] {
+            ++looks;
+            gate.Pass();
+        };
+    });
+    Graphics::TakeDesktopFor(1);
+    ASSERT_TRUE(gate.WaitUntilReached());
+    const auto nextSecond = [] {
+        g_tick += 1000;
+        const int goal = Cameras::Seen().reads + 2;
+        EXPECT_TRUE(Input::PumpUntil([&] { return Cameras::Seen().reads >= goal; })) << "frames come, and are dropped";
+        TickTimes(1);
+    };
+    for (int second = 1; second < 30; ++second) {
+        nextSecond();
+        ASSERT_THAT(Messages(), IsEmpty()) << second;
+    }
+    EXPECT_TRUE(IsOn());
+    nextSecond();
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    EXPECT_FALSE(IsOn());
+    EXPECT_EQ(looks, 1) << "one looks at a time";
+    gate.Open();
+    EXPECT_TRUE(Input::PumpUntil([] { return Graphics::Seen().objects == 2 && Graphics::Seen().objectsAlive == 0; }));
 }
 
 TEST_F(PreviewTimesTest, AnOpeningHasTenSeconds) {
