@@ -74,7 +74,11 @@ class FileReaderDouble final : public suite::ComObject<IMFSourceReader> {
         Watch(*type);
         return S_OK;
     }
-    STDMETHODIMP ReadSample(DWORD, DWORD, DWORD* stream, DWORD* flags, LONGLONG* time, IMFSample** sample) override {
+    STDMETHODIMP ReadSample(DWORD index, DWORD control, DWORD* stream, DWORD* flags, LONGLONG* time,
+                            IMFSample** sample) override {
+        if (index != static_cast<DWORD>(MF_SOURCE_READER_FIRST_VIDEO_STREAM) || control != 0) {
+            Violations::Add("a read of another stream, or one that empties the decoder");
+        }
         const auto& frames = Files::Script().frames;
         const auto number = static_cast<std::size_t>(Files::Reads()++);
         *stream = 0;

@@ -296,6 +296,24 @@ TEST_F(DeviceLossTest, EachFiveSecondsTheObjectIsNewAgain) {
     EXPECT_EQ(Graphics::Seen().objects, 3);
 }
 
+TEST_F(DeviceLossTest, WithoutItsSwapChainADeviceIsNotBack) {
+    Open();
+    Graphics::TakeDesktop();
+    Draw();
+    Graphics::GiveDesktopBack();
+    Change([](GraphicsScript& script) { script.createSwapChain = D3DERR_NOTAVAILABLE; });
+    EXPECT_EQ(Recover(), S_FALSE);
+    EXPECT_TRUE(device_.IsLost());
+    EXPECT_EQ(Draw(), S_OK);
+    Change([](GraphicsScript& script) { script.createSwapChain = D3DERR_OUTOFVIDEOMEMORY; });
+    EXPECT_EQ(Recover(), D3DERR_OUTOFVIDEOMEMORY);
+    Change([](GraphicsScript& script) { script.createSwapChain = S_OK; });
+    EXPECT_EQ(Recover(), S_OK);
+    EXPECT_EQ(Graphics::Seen().resets, 1);
+    EXPECT_EQ(Draw(), S_OK);
+    EXPECT_EQ(Graphics::Seen().presents, 1);
+}
+
 TEST_F(DeviceLossTest, TheNewObjectIsMadeByTheOwner) {
     Open();
     EXPECT_EQ(device_.RecoverWith(Device::CreateDirect3D()), S_OK) << "nothing is lost";
