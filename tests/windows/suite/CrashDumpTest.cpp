@@ -190,6 +190,18 @@ TEST_F(CrashDumpTest, ACrashBeforeTheLogIsOpenIsLoggedToo) {
     EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr("before(Crash)")).Times(2));
 }
 
+TEST_F(CrashDumpTest, NothingIsLeftOfADumpThatCannotBeWritten) {
+    for (const auto& [how, line] : {std::pair{L"full", "the crash dump cannot be written: 112"},
+                                    std::pair{L"refused", "the crash dump cannot be written: 5"}}) {
+        harness::TestLog::Expect(HasSubstr("unhandled exception 0xC0000005"));
+        harness::TestLog::Expect(HasSubstr(line));
+        const std::wstring command = L"crash access ";
+        EXPECT_EQ(Helper(command + how).Wait(), Helper(command + L"plain").Wait());
+        EXPECT_THAT(Dumps(), IsEmpty());
+        EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr(line)).Times(1));
+    }
+}
+
 TEST_F(CrashDumpTest, HandlersThatWereThereBeforeEndTheProgram) {
     std::ofstream(folder_.Path() / L"QUILLON") << "no folder";
     harness::TestLog::Expect(HasSubstr("the crash dump cannot be written: 3"));

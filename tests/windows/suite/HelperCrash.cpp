@@ -1,15 +1,20 @@
 #include <windows.h>
 
+#include <dbghelp.h>
+
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
 #include "suite/common/LocalFolder.h"
 #include "suite/crashdump/CrashRegistration.h"
 #include "suite/logger/QxLogger.h"
+#include "tests/support/ImportHook.h"
 #include "tests/windows/suite/HelperCommands.h"
 
 namespace {
@@ -96,6 +101,26 @@ LONG WINAPI OtherFilter(EXCEPTION_POINTERS* exception) {
     std::_Exit(91);
 }
 
+// A disk that is full before the dump is whole.
+BOOL WINAPI WriteHalfADump(HANDLE, DWORD, HANDLE file, MINIDUMP_TYPE, PMINIDUMP_EXCEPTION_INFORMATION,
+                           PMINIDUMP_USER_STREAM_INFORMATION, PMINIDUMP_CALLBACK_INFORMATION) {
+    DWORD written = 0;
+    WriteFile(file, "MDMP", 4, &written, nullptr);
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+FARPROC WINAPI FindOnAFullDisk(HMODULE library, const char* function) {
+    return std::strcmp(function, "MiniDumpWriteDump") == 0
+               ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&WriteHalfADump))
+               : GetProcAddress(library, function);
+}
+
+HANDLE WINAPI RefuseFile(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+}
+
 void SetOtherHandlers() {
     SetUnhandledExceptionFilter(&OtherFilter);
     std::set_terminate([] { std::_Exit(92); });
@@ -106,6 +131,7 @@ void SetOtherHandlers() {
 
 // Ends with 7 when the kind is no crash.
 int Crash(const Arguments& arguments) {
+    std::optional<harness::ImportHook> fault;
     const auto crash = kCrashes.at(arguments.at(1));
     const std::wstring& how = arguments.at(2);
     if (how == L"others") {
@@ -116,6 +142,10 @@ int Crash(const Arguments& arguments) {
         const HMODULE library = LoadAndRegister(how != L"disabled", product);
         if (how == L"unloaded") {
             FreeLibrary(library);
+        } else if (how == L"full") {
+            fault.emplace(library, "GetProcAddress", &FindOnAFullDisk);
+        } else if (how == L"refused") {
+            fault.emplace(library, "CreateFileW", &RefuseFile);
         }
     }
     if (how != L"early") {
