@@ -855,6 +855,7 @@ TEST_F(FindingAnotherDeviceTest, TheNextStartGetsWhatIsFound) {
 
 TEST_F(LivePreviewTest, ADeviceThatNobodyCanLookForIsTold) {
     Expect("[L4] too many openings of a camera hang(CameraThreads::BeginOpening)");
+    Expect("[L4] too many openings of a camera hang(CameraThreads::BeginOpening)");
     Expect("[L4] the graphics device does not come back: 0x8876086a(LivePreview::RecoverDevice)");
     TurnOn();
     std::atomic<int> ended = 0;
@@ -870,6 +871,9 @@ TEST_F(LivePreviewTest, ADeviceThatNobodyCanLookForIsTold) {
     EXPECT_TRUE(WaitForMessage());
     ExpectOff();
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
+    Press(L"preview_switch");
+    EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable, kCameraUnavailable)) << "a start is told at once too";
+    ExpectOff();
     hanging.Open();
     EXPECT_TRUE(Wait([&] { return ended == preview::kMostOpenings; }));
 }
