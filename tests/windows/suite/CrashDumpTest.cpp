@@ -184,6 +184,7 @@ TEST_F(CrashDumpTest, EveryKindIsLoggedAndKeepsItsCodeThoughNoDumpCanBeWritten) 
     ExpectLine(L"illegal", L"registered", "unhandled exception 0xC000001D");
     ExpectLine(L"own-code", L"registered", "unhandled exception 0xE0001234");
     ExpectLine(L"throw", L"thread", "std::terminate, uncaught exception: thrown on purpose 0x40000015");
+    ExpectLine(L"throw", L"raw-thread", "std::terminate, uncaught exception: thrown on purpose 0x40000015");
     ExpectLine(L"throw-int", L"registered", "std::terminate, uncaught exception of another type 0x40000015");
     ExpectLine(L"abort", L"thread", "abort 0x40000015");
     harness::TestLog::Expect(HasSubstr("unhandled exception 0xC00000FD"));
@@ -206,6 +207,18 @@ TEST_F(CrashDumpTest, NothingIsLeftOfADumpThatCannotBeWritten) {
         EXPECT_EQ(Helper(command + how).Wait(), Helper(command + L"plain").Wait());
         EXPECT_THAT(Dumps(), IsEmpty());
         EXPECT_THAT(folder_.HelperLogLines(), Contains(HasSubstr(line)).Times(1));
+    }
+}
+
+// Nobody waits for it until the writer's patience ends.
+TEST_F(CrashDumpTest, AWriterThatCrashesItselfEndsTheProgramAtOnce) {
+    for (const wchar_t* how : {L"writer-access", L"writer-abort"}) {
+        harness::TestLog::Expect(HasSubstr("unhandled exception 0xC0000005"));
+        const std::wstring command = L"crash access ";
+        const DWORD plain = Helper(command + L"plain").Wait();
+        const ULONGLONG begin = GetTickCount64();
+        EXPECT_EQ(Helper(command + how).Wait(), plain);
+        EXPECT_LT(GetTickCount64() - begin, 30'000U);
     }
 }
 

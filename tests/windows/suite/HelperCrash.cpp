@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <exception>
 #include <map>
 #include <optional>
@@ -116,6 +117,21 @@ FARPROC WINAPI FindOnAFullDisk(HMODULE library, const char* function) {
                : GetProcAddress(library, function);
 }
 
+// What the thread that writes the dump does meanwhile.
+void (*crashOfWriter)() = nullptr;
+
+BOOL WINAPI CrashWhileWriting(HANDLE, DWORD, HANDLE, MINIDUMP_TYPE, PMINIDUMP_EXCEPTION_INFORMATION,
+                              PMINIDUMP_USER_STREAM_INFORMATION, PMINIDUMP_CALLBACK_INFORMATION) {
+    crashOfWriter();
+    return FALSE;
+}
+
+FARPROC WINAPI FindWhatCrashes(HMODULE library, const char* function) {
+    return std::strcmp(function, "MiniDumpWriteDump") == 0
+               ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CrashWhileWriting))
+               : GetProcAddress(library, function);
+}
+
 HANDLE WINAPI RefuseFile(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
     SetLastError(ERROR_ACCESS_DENIED);
     return INVALID_HANDLE_VALUE;
@@ -144,6 +160,9 @@ int Crash(const Arguments& arguments) {
             FreeLibrary(library);
         } else if (how == L"full") {
             fault.emplace(library, "GetProcAddress", &FindOnAFullDisk);
+        } else if (how.starts_with(L"writer-")) {
+            crashOfWriter = kCrashes.at(how.substr(std::wcslen(L"writer-")));
+            fault.emplace(library, "GetProcAddress", &FindWhatCrashes);
         } else if (how == L"refused") {
             fault.emplace(library, "CreateFileW", &RefuseFile);
         }
@@ -154,6 +173,13 @@ int Crash(const Arguments& arguments) {
     LogLine(3, L"Crash", L"before");
     if (how == L"thread") {
         std::thread(crash).join();
+    } else if (how == L"raw-thread") {
+        // As one of the system's pool: nothing of the language's runtime stands around it.
+        const auto run = [](void* work) -> DWORD {
+            reinterpret_cast<void (*)()>(work)();
+            return 0;
+        };
+        WaitForSingleObject(CreateThread(nullptr, 0, run, reinterpret_cast<void*>(crash), 0, nullptr), INFINITE);
     } else {
         crash();
     }
