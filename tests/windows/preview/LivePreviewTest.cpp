@@ -878,6 +878,19 @@ TEST_F(LivePreviewTest, ADeviceThatNobodyCanLookForIsTold) {
     EXPECT_TRUE(Wait([&] { return ended == preview::kMostOpenings; }));
 }
 
+TEST_F(LivePreviewTest, ADeviceThatFailsWhenThePreviewHasEndedMeanwhileIsNotTold) {
+    TurnOn();
+    ChangeGraphics([](GraphicsScript& script) {
+        script.withinReset = [] { Lock(); };
+        script.createSwapChain = D3DERR_OUTOFVIDEOMEMORY;
+    });
+    Graphics::TakeDesktopFor(1);
+    EXPECT_TRUE(Wait([this] { return !IsOn(); }));
+    ExpectOff();
+    EXPECT_TRUE(Wait([] { return Graphics::Seen().devicesAlive == 0; }));
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
 TEST_F(LivePreviewTest, ADeviceThatDoesNotComeBackIsToldOnceAndWithoutABox) {
     Expect("[L4] the graphics device does not come back: 0x8876017c(LivePreview::RecoverDevice)");
     TurnOn();
