@@ -6,13 +6,10 @@
 
 #include <atomic>
 #include <optional>
-#include <thread>
 #include <utility>
 
 #include "preview/CameraThreads.h"
-#include "preview/ServedWait.h"
 #include "service/KindNotifier.h"
-#include "suite/common/Handle.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TopLevelWindows.h"
 #include "tests/support/doubles/CameraDouble.h"
@@ -489,51 +486,6 @@ TEST_F(FirstFramesTest, AnErrorThatComesMeanwhileEndsIt) {
     Input::Pump();
     ExpectOff();
     EXPECT_THAT(Messages(), ElementsAre(kCameraUnavailable));
-}
-
-// --- the waits themselves
-
-TEST(ServedWaitTest, WhatOthersSendIsServedWhileAThreadWaits) {
-    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    const suite::Handle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    std::atomic<bool> answered = false;
-    // Only an answer sets the event, so a wait that did not serve would last to its end.
-    std::thread sender([&] {
-        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
-        SetEvent(done.Get());
-    });
-    EXPECT_TRUE(preview::WaitServed(done.Get(), std::chrono::seconds(20)));
-    EXPECT_TRUE(answered);
-    sender.join();
-    ResetEvent(done.Get());
-    EXPECT_FALSE(preview::WaitServed(done.Get(), std::chrono::milliseconds(1)));
-
-    answered = false;
-    std::thread second([&] {
-        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
-        SetEvent(done.Get());
-    });
-    while (WaitForSingleObject(done.Get(), 0) != WAIT_OBJECT_0) {
-        preview::PauseServed(std::chrono::milliseconds(5));
-    }
-    EXPECT_TRUE(answered);
-    second.join();
-    DestroyWindow(window);
-}
-
-TEST(ServedWaitTest, InputAndPostedMessagesStayInTheirQueue) {
-    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    PostMessageW(window, WM_APP, 1, 2);
-    preview::PauseServed(std::chrono::milliseconds(20));
-    MSG message = {};
-    EXPECT_TRUE(PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE));
-    DestroyWindow(window);
-}
-
-TEST(ServedWaitTest, APauseLastsItsTime) {
-    const auto begin = std::chrono::steady_clock::now();
-    preview::PauseServed(std::chrono::milliseconds(60));
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(60));
 }
 
 // --- what hangs

@@ -168,6 +168,49 @@ TEST_F(ServedWaitsTest, WhatCannotBeWaitedForHasNotHappened) {
     EXPECT_FALSE(WaitServed(nullptr, std::chrono::seconds(1)));
 }
 
+TEST_F(ServedWaitsTest, WhatOthersSendIsServedWhileAThreadWaits) {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    const suite::Handle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::atomic<bool> answered = false;
+    // Only an answer sets the event, so a wait that did not serve would last to its end.
+    std::thread sender([&] {
+        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
+        SetEvent(done.Get());
+    });
+    EXPECT_TRUE(WaitServed(done.Get(), std::chrono::seconds(20)));
+    EXPECT_TRUE(answered);
+    sender.join();
+    ResetEvent(done.Get());
+    EXPECT_FALSE(WaitServed(done.Get(), milliseconds(1)));
+
+    answered = false;
+    std::thread second([&] {
+        answered = SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_BLOCK, 20'000, nullptr) != 0;
+        SetEvent(done.Get());
+    });
+    while (WaitForSingleObject(done.Get(), 0) != WAIT_OBJECT_0) {
+        PauseServed(milliseconds(5));
+    }
+    EXPECT_TRUE(answered);
+    second.join();
+    DestroyWindow(window);
+}
+
+TEST_F(ServedWaitsTest, InputAndPostedMessagesStayInTheirQueue) {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    PostMessageW(window, WM_APP, 1, 2);
+    PauseServed(milliseconds(20));
+    MSG message = {};
+    EXPECT_TRUE(PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE));
+    DestroyWindow(window);
+}
+
+TEST_F(ServedWaitsTest, APauseLastsItsTime) {
+    const auto begin = Clock::now();
+    PauseServed(milliseconds(60));
+    EXPECT_GE(Clock::now() - begin, milliseconds(60));
+}
+
 // --- the lock of the picture
 
 TEST(SampleLockTest, AGuardThatGaveUpHoldsNothingAndLeavesNothing) {
